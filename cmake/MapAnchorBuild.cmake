@@ -1,0 +1,42 @@
+# What every target of the tree shares: warnings, sanitizers, and the stage of
+# public headers, so that inside as outside an include reads <Tellurion/BString.h>.
+
+add_library(mapanchor_options INTERFACE)
+target_compile_options(mapanchor_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2
+    $<$<BOOL:${MAPANCHOR_WERROR}>:-Werror>)
+if(MAPANCHOR_SANITIZERS)
+    add_compile_options(-fsanitize=${MAPANCHOR_SANITIZERS} -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${MAPANCHOR_SANITIZERS})
+    if(MAPANCHOR_SANITIZERS MATCHES "undefined")
+        add_compile_options(-fno-sanitize-recover=undefined)
+    endif()
+endif()
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    add_compile_definitions(_FORTIFY_SOURCE=2)
+endif()
+add_compile_options(-fstack-protector-strong)
+
+set(MAPANCHOR_STAGE ${PROJECT_BINARY_DIR}/include)
+
+# mapanchor_public_headers(<Folder> <header>...): stages and installs headers of the
+# current folder as <Folder/header>.
+function(mapanchor_public_headers folder)
+    mapanchor_stage_headers(${folder} ${ARGN})
+    install(FILES ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder} COMPONENT dev)
+    foreach(header IN LISTS ARGN)
+        get_filename_component(name ${header} NAME)
+        set_property(GLOBAL APPEND PROPERTY MAPANCHOR_PUBLIC_HEADERS ${folder}/${name})
+    endforeach()
+endfunction()
+
+# The same for headers that other libraries of the tree see and nobody else.
+function(mapanchor_stage_headers folder)
+    file(MAKE_DIRECTORY ${MAPANCHOR_STAGE}/${folder})
+    foreach(header IN LISTS ARGN)
+        get_filename_component(name ${header} NAME)
+        get_filename_component(path ${header} ABSOLUTE)
+        file(CREATE_LINK ${path} ${MAPANCHOR_STAGE}/${folder}/${name} SYMBOLIC)
+    endforeach()
+endfunction()

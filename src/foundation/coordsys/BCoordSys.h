@@ -1,0 +1,93 @@
+#pragma once
+
+#include <Tellurion/BIdentifier.h>
+#include <Tellurion/BPoint.h>
+#include <Tellurion/BSharedPtr.h>
+#include <Tellurion/BString.h>
+#include <Tellurion/Export.h>
+
+#include <memory>
+
+namespace GeoCalc::CS {
+class CCoordSys;
+}
+
+namespace Tellurion {
+
+class BLinearUnit;
+class BUnit;
+class CoordSysDefinition;
+
+/// A coordinate system. Longitude comes before latitude and easting before
+/// northing everywhere, whatever the system's own axes say. Const operations may
+/// run in several threads on one object; what is costly (other texts, conversion,
+/// identification) is made on first use and kept.
+///
+/// A raw pointer from a static operation is a new object, the caller's. Texts that
+/// cannot be understood give null; nothing is written to stderr.
+class TELLURION_EXPORT BCoordSys {
+public:
+    BCoordSys(const BCoordSys& other);
+    BCoordSys& operator=(const BCoordSys& other);
+    virtual ~BCoordSys();
+
+    /// 1 geodetic (longitude and latitude), 3 projected; 0 for anything else. A
+    /// compound system answers for its horizontal part.
+    virtual int GetKind() const;
+    /// True for a system that places positions on the Earth.
+    virtual bool IsValid() const;
+    /// Fills `out` with the issuer's code for the system: ("EPSG", "32633"). False
+    /// when that issuer has none.
+    virtual bool GetIdentifier(const BString& issuer, BIdentifier& out) const;
+
+    static constexpr int kKindGeodetic = 1;
+    static constexpr int kKindProjected = 3;
+
+    /// Reads a PRJ text file: well-known text, usually in ESRI's flavour.
+    static BCoordSys* FromFile(const BString& path);
+    /// Well-known text 1 in GDAL's and in ESRI's flavour, and well-known text 2.
+    static BCoordSys* FromWKT(const BString& text);
+    /// A number, or "EPSG:" and a number.
+    static BCoordSys* FromEPSGCode(const BString& code);
+
+    /// Writes ToPRJ() to a file; true on success. A failure to write is logged.
+    bool ToFile(const BString& path) const;
+    /// Well-known text 1 in GDAL's flavour; of a compound system the horizontal
+    /// part. Empty when the system cannot be told in it.
+    BString ToWKT() const;
+    /// Well-known text 1 in ESRI's flavour. Web Mercator is named
+    /// WGS_84_Pseudo_Mercator there, with a whole-numbered Auxiliary_Sphere_Type.
+    BString ToPRJ() const;
+    /// "EPSG:" and the number that the text states or, without one, that of the one
+    /// EPSG system that is the same; empty when there is none.
+    BString ToEPSGCode() const;
+    BString GetName() const;
+
+    /// The unit of the horizontal axes.
+    BSharedPtr<BUnit> GetUnits() const;
+    /// The unit of the vertical part; empty without one.
+    BSharedPtr<BLinearUnit> GetVerticalUnits() const;
+    /// The geodetic system under a projected one, the horizontal system of a
+    /// compound one; null when there is none. A new object, the caller's.
+    BCoordSys* GetBaseCoordSys() const;
+    /// Fills `out` with the issuer's code for the datum: ("EPSG", "6326"),
+    /// ("ERMapper", "WGS84"). False when that issuer has none.
+    bool GetDatumIdentifier(const BString& issuer, BIdentifier& out) const;
+
+    /// To longitude and latitude in degrees, on the system's own datum and prime
+    /// meridian, and back; z is kept. Throws a BCoordSysException where the
+    /// projection has no value.
+    BPoint ConvertToGeodetic(const BPoint& point) const;
+    BPoint ConvertFromGeodetic(const BPoint& point) const;
+
+    /// The database's object behind the system; lives as long as this one.
+    GeoCalc::CS::CCoordSys* GetGCCoordSys() const;
+
+    /// For the library's own use.
+    explicit BCoordSys(std::shared_ptr<const CoordSysDefinition> definition);
+
+private:
+    std::shared_ptr<const CoordSysDefinition> definition_;
+};
+
+}  // namespace Tellurion

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <Tellurion/BCoordSys.h>
+#include <Tellurion/BIdentifier.h>
+#include <Tellurion/BString.h>
+#include <Tellurion/Export.h>
+
+namespace GeoCalc::DB {
+class CDataSource;
+}
+
+namespace Tellurion {
+
+/// Where coordinate systems come from. One for the process; safe to use from
+/// several threads. Returned systems are new objects, the caller's.
+class TELLURION_EXPORT BCoordSysRepository {
+public:
+    static BCoordSysRepository* Instance();
+
+    /// As BCoordSys::FromWKT.
+    BCoordSys* ReadCoordSysFromWKTString(const BString& wkt);
+
+    /// A system from three plain names as chart and frame headers use them:
+    /// "LAT-LONG" or "UTM-" with a zone and N or S; a datum such as "NAD83",
+    /// "NORTH AMERICAN 1927" or an ER Mapper name; the unit of a projected system
+    /// ("METERS", "FEET" ...). Null for names that are not known, and for "NONE".
+    BCoordSys* ReadCoordSysFromPlainTextStrings(const BString& projection, const BString& datum,
+                                                const BString& units);
+
+    /// The CoordSys clause of a MapInfo text file; it may run over several lines and
+    /// carry Units and Bounds. Null without one; throws a BCoordSysException for a
+    /// clause that cannot be understood.
+    BCoordSys* ReadCoordSysFromFile(const BString& path);
+
+    /// The system as a MapInfo clause that begins with "CoordSys", without a line
+    /// end; empty when it cannot be told in one.
+    BString WriteCoordSysToMIFString(const BCoordSys& coordSys);
+
+    /// The system of ("EPSG", number); null when unknown.
+    BCoordSys* GetCoordSys(const BIdentifier& identifier);
+
+    /// The coordinate system database.
+    const GeoCalc::DB::CDataSource* GetDSInstance() const;
+    void* GetDSInstancePtr();
+
+private:
+    BCoordSysRepository() = default;
+};
+
+}  // namespace Tellurion

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <Tellurion/BString.h>
+#include <Tellurion/Export.h>
+
+namespace Tellurion {
+
+/// Questions about path texts. Only Exists() looks at the file system, and
+/// CompletePath() at the current folder.
+class TELLURION_EXPORT BFileUtilities {
+public:
+    static bool Exists(const BString& path);
+    /// The absolute form; an absolute path comes back as it is.
+    static BString CompletePath(const BString& path);
+    /// The extension with its dot; empty when the last component has none.
+    static BString GetExtension(const BString& path);
+    /// `extension` without a dot; added when the path has none.
+    static BString ChangeExtension(const BString& path, const BString& extension);
+    /// The last component with its extension.
+    static BString GetFileName(const BString& path);
+    /// The last component without its extension.
+    static BString GetBasename(const BString& path);
+};
+
+}  // namespace Tellurion

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Tellurion/BCoordSys.h>
+#include <Tellurion/BLinearUnit.h>
+#include <Tellurion/BMathTransform.h>
+#include <Tellurion/BPointPair.h>
+#include <Tellurion/BSharedPtr.h>
+#include <Tellurion/EMathTransformType.h>
+#include <Tellurion/Export.h>
+
+#include <vector>
+
+namespace Tellurion {
+
+/// The georeferencing of one raster or page: a coordinate system, a transform from
+/// pixels into it, and control points. Any of them may be missing. A copy shares
+/// the coordinate system and the transform, which nobody changes.
+///
+/// The transform takes columns and rows counted from the outer corner of the top
+/// left pixel, unless IsPixelAsPointRegistered() says that the source's positions
+/// are those of pixel centres.
+class TELLURION_EXPORT BGeoReference {
+public:
+    BGeoReference();
+    BGeoReference(const BGeoReference&);
+    BGeoReference& operator=(const BGeoReference&);
+    virtual ~BGeoReference();
+
+    bool HasCoordSys() const;
+    bool HasMathTransform() const;
+    /// Shares the system.
+    void SetCoordSys(const BSharedPtr<BCoordSys>& coordSys);
+    /// Stores a copy. A transform that is not valid leaves the reference without one.
+    void SetMathTransform(const BMathTransform& transform);
+    /// Stores points that have no transform: `type` says which fit was wished, and
+    /// the reference stays without a transform.
+    void SetPointPairVector(const std::vector<BPointPair>& pairs, EMathTransformType type);
+    /// Stores points and a copy of the transform through them.
+    void SetPointPairVectorAndMathTransform(const std::vector<BPointPair>& pairs,
+                                            const BMathTransform& transform);
+
+    bool HasVerticalUnit() const;
+    BSharedPtr<BLinearUnit> GetVerticalUnit() const;
+    void SetVerticalUnit(const BSharedPtr<BLinearUnit>& unit);
+
+    bool IsPixelAsPointRegistered() const;
+    void SetPixelAsPointRegistered(bool registered);
+
+    std::vector<BPointPair> PointPairVector;
+    BSharedPtr<BCoordSys> CoordSys;
+    BSharedPtr<BMathTransform> MathTransform;
+
+private:
+    BSharedPtr<BLinearUnit> vertical_unit_;
+    bool pixel_as_point_ = false;
+};
+
+}  // namespace Tellurion

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <Tellurion/Export.h>
+
+namespace Tellurion {
+
+/// A position of three doubles. In a coordinate system x is the easting or the
+/// longitude, y the northing or the latitude; in a raster x is the column, y the row.
+class TELLURION_EXPORT BPoint {
+public:
+    BPoint() = default;
+    BPoint(double x, double y, double z) : x(x), y(y), z(z) {}
+    BPoint(const BPoint&) = default;
+    BPoint& operator=(const BPoint&) = default;
+    virtual ~BPoint();
+
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
+};
+
+}  // namespace Tellurion

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <Tellurion/BPoint.h>
+#include <Tellurion/BString.h>
+#include <Tellurion/Export.h>
+
+#include <cstdint>
+
+namespace Tellurion {
+
+/// One control point: a whole pixel and its position in the reference's coordinate
+/// system. Where in the pixel the position lies is each format's own rule.
+class TELLURION_EXPORT BPointPair {
+public:
+    BPointPair() = default;
+    BPointPair(long column, long row, double worldX, double worldY, double worldZ, const BString& name,
+               bool enabled);
+    BPointPair(const BPointPair&) = default;
+    BPointPair& operator=(const BPointPair&) = default;
+    virtual ~BPointPair();
+
+    BString Name;
+    std::int32_t Column = 0;  ///< values beyond 32 bits are clamped on construction
+    std::int32_t Row = 0;
+    BPoint World;
+    bool Enabled = true;  ///< a disabled point is kept but takes no part in a fit
+};
+
+}  // namespace Tellurion

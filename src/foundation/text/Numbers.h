@@ -1,0 +1,29 @@
+#pragma once
+
+#include <Tellurion/Export.h>
+
+#include <string>
+#include <string_view>
+
+namespace Tellurion {
+
+/// Numbers in text, the same in every locale: the decimal mark is always a point.
+
+/// Cuts a number off the front of `text` by the rules of strtod: white space, a
+/// sign, then a decimal or hexadecimal number, "inf" or "nan". False, with `text`
+/// and `value` unchanged, when there is none. Too large gives infinity, too small 0.
+TELLURION_EXPORT bool ScanDouble(std::string_view& text, double& value);
+
+/// The number at the front of `text`, 0 when there is none; what follows is ignored.
+TELLURION_EXPORT double ParseDouble(std::string_view text);
+
+/// The decimal whole number at the front of `text`, 0 when there is none; clamped to the range of long.
+TELLURION_EXPORT long ParseLong(std::string_view text);
+
+/// As printf's "%.*f".
+TELLURION_EXPORT std::string PrintFixed(double value, int decimals);
+
+/// The shortest text that reads back as the same double.
+TELLURION_EXPORT std::string PrintShortest(double value);
+
+}  // namespace Tellurion

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <Tellurion/BPointPair.h>
+#include <Tellurion/BTransform.h>
+#include <Tellurion/EMathTransformType.h>
+#include <Tellurion/Export.h>
+
+#include <memory>
+#include <vector>
+
+namespace Tellurion {
+
+class TransformModel;
+
+/// A transform from pixels (source: x the column, y the row) to the units of a
+/// coordinate system (target). Values are immutable; a copy is cheap.
+///
+/// Affine terms come in the order a, b, c, d, e, f of
+///   x' = a * column + b * row + c
+///   y' = d * column + e * row + f
+class TELLURION_EXPORT BMathTransform : public BTransform {
+public:
+    /// Fits a transform of `type` through the enabled points, by least squares where
+    /// there are more than needed. `width` and `height` are the raster's size in
+    /// pixels (0 when unknown); they help the inverse of curved fits to find its
+    /// start. Throws a BException that says what is wrong when the points are too
+    /// few, coincide, lie on a line (or on a curve that leaves the fit open), are
+    /// not finite, or when the type is unknown. The type None takes any points and
+    /// gives a transform that is not valid.
+    BMathTransform(EMathTransformType type, const std::vector<BPointPair>& pairs, unsigned int width,
+                   unsigned int height, bool optimizeFor2D);
+    BMathTransform(const BMathTransform&);
+    BMathTransform& operator=(const BMathTransform&);
+    ~BMathTransform() override;
+
+    /// A new transform, the caller's; null when a term is not finite or the terms
+    /// cannot be inverted.
+    static BMathTransform* CreateAffine(double a, double b, double c, double d, double e, double f,
+                                        bool optimizeFor2D);
+
+    ETransformType GetType() const override;
+    bool IsValid() const override;
+    bool GetOptimizeFor2D() const override;
+    bool ConvertSourceToTarget(double& x, double& y) const override;
+    BPoint ConvertSourceToTarget(const BPoint& point) const override;
+    bool ConvertTargetToSource(double& x, double& y) const override;
+    BPoint ConvertTargetToSource(const BPoint& point) const override;
+    double ConvertXDistance(double distance, const BPoint& at) const override;
+    double ConvertYDistance(double distance, const BPoint& at) const override;
+    double ConvertXDistanceReverse(double distance, const BPoint& at) const override;
+    double ConvertYDistanceReverse(double distance, const BPoint& at) const override;
+    virtual EMathTransformType GetMathTransformType() const;
+
+    /// The six terms. Throws a BException for what is not affine; a conformal fit is.
+    void GetAffineParameters(double& a, double& b, double& c, double& d, double& e, double& f) const;
+
+private:
+    BMathTransform(std::shared_ptr<const TransformModel> model, bool optimizeFor2D);
+
+    std::shared_ptr<const TransformModel> model_;
+    bool optimize_for_2d_;
+};
+
+}  // namespace Tellurion
