@@ -1,0 +1,31 @@
+#pragma once
+
+#include <MapAnchor/Export.h>
+#include <Tellurion/BString.h>
+#include <Tellurion/EReferenceType.h>
+
+#include <vector>
+
+namespace MapAnchor {
+
+/// One kind of reference as this build knows it.
+struct MAPANCHOR_EXPORT BReferenceFormat {
+    Tellurion::BString Name;   ///< short name, such as "WLD"
+    Tellurion::BString Title;  ///< what people call it, such as "World file"
+    Tellurion::EReferenceType Type = Tellurion::EReferenceType::Reserved;
+    bool HasType = false;     ///< false for a kind that only probing reaches; Type means nothing then
+    bool ReadsByType = false;
+    bool SavesByType = false;
+    std::vector<Tellurion::BString> ReadExtensions;  ///< lower case, with the dot
+    std::vector<Tellurion::BString> SaveExtensions;
+    bool Probed = false;      ///< tried on files of unknown extension
+    Tellurion::BString Missing;  ///< an optional driver that this build lacks; usually empty
+};
+
+/// What this build can read and save; the front door works from the same table.
+class MAPANCHOR_EXPORT BReferenceFormats {
+public:
+    static std::vector<BReferenceFormat> List();
+};
+
+}  // namespace MapAnchor

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+
+/// A folder of its own for one test, removed at the end.
+class TempFolder {
+public:
+    TempFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "mapanchor-XXXXXX").string();
+        if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+        path_ = pattern;
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    /// The path of `name` in the folder.
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    /// Writes `content`, byte for byte, and returns the file's path.
+    std::string Write(const std::string& name, const std::string& content) const {
+        std::ofstream out(path_ / name, std::ios::binary);
+        out << content;
+        if (!out.flush()) throw std::runtime_error("cannot write " + name);
+        return *this / name;
+    }
+    static std::string Slurp(const std::string& path) {
+        std::ifstream in(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+
+private:
+    std::filesystem::path path_;
+};
