@@ -29,7 +29,7 @@ public:
 
     /// The next line without its end ("\n" or "\r\n"), also the last one
     /// without an end; false when there is none. With maxLength above 0 reading
-    /// stops after that many characters and goes on there next time. A line that
+    /// stops after that many bytes and goes on there next time. A line that
     /// is no UTF-8 is taken as Windows-1252. A byte order mark at the start of a
     /// text file is skipped.
     bool ReadLine(BString& line, std::size_t maxLength);

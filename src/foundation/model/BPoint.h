@@ -9,7 +9,7 @@ namespace Tellurion {
 class TELLURION_EXPORT BPoint {
 public:
     BPoint() = default;
-    BPoint(double x, double y, double z) : x(x), y(y), z(z) {}
+    BPoint(double xValue, double yValue, double zValue) : x(xValue), y(yValue), z(zValue) {}
     BPoint(const BPoint&) = default;
     BPoint& operator=(const BPoint&) = default;
     virtual ~BPoint();

@@ -22,9 +22,9 @@ namespace Tellurion {
 class TELLURION_EXPORT BString {
 public:
     BString() = default;
-    BString(const wchar_t* text);             ///< null counts as empty
-    BString(const char* text);                ///< null counts as empty
-    BString(const std::string& text);         ///< may hold NUL characters
+    BString(const wchar_t* text);      ///< null counts as empty
+    BString(const char* text);         ///< null counts as empty
+    BString(const std::string& text);  ///< may hold NUL characters
     BString(const std::u16string& units);
     BString(const BString& other);
     BString(BString&& other) noexcept;

@@ -1,0 +1,105 @@
+#include <Tellurion/Numbers.h>
+
+#include <locale.h>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <system_error>
+
+namespace Tellurion {
+namespace {
+
+// White space of the C locale.
+constexpr bool IsBlank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+std::string_view SkipBlanks(std::string_view text) {
+    const auto first = std::find_if_not(text.begin(), text.end(), IsBlank);
+    return text.substr(static_cast<std::size_t>(first - text.begin()));
+}
+
+/// Takes a sign off the front; true for minus.
+bool TakeSign(std::string_view& text) {
+    const bool minus = !text.empty() && text.front() == '-';
+    if (minus || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
+    return minus;
+}
+
+bool BeginsHexadecimal(std::string_view text) {
+    const auto is_hex = [](char c) {
+        return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f');
+    };
+    if (text.size() < 3 || text[0] != '0' || (text[1] | 0x20) != 'x') return false;
+    return is_hex(text[2]) || (text.size() > 3 && text[2] == '.' && is_hex(text[3]));
+}
+
+/// What a number beyond the range of double is meant to be: from_chars leaves that
+/// open. strtod in the C locale knows; it wants a terminated copy.
+double OutOfRange(std::string_view number, bool hexadecimal) {
+    static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
+    const std::string copy = (hexadecimal ? "0x" : "") + std::string(number);
+    return strtod_l(copy.c_str(), nullptr, c_locale);
+}
+
+}  // namespace
+
+bool ScanDouble(std::string_view& text, double& value) {
+    std::string_view rest = SkipBlanks(text);
+    const bool minus = TakeSign(rest);
+    if (rest.empty() || rest.front() == '-') return false;
+    const bool hexadecimal = BeginsHexadecimal(rest);
+    if (hexadecimal) rest.remove_prefix(2);
+    const auto format = hexadecimal ? std::chars_format::hex : std::chars_format::general;
+    double number = 0.0;
+    const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number, format);
+    if (error == std::errc::invalid_argument) return false;
+    const auto length = static_cast<std::size_t>(end - rest.data());
+    if (error == std::errc::result_out_of_range) number = OutOfRange(rest.substr(0, length), hexadecimal);
+    value = minus ? -number : number;
+    rest.remove_prefix(length);
+    text = rest;
+    return true;
+}
+
+double ParseDouble(std::string_view text) {
+    double value = 0.0;
+    ScanDouble(text, value);
+    return value;
+}
+
+long ParseLong(std::string_view text) {
+    std::string_view rest = SkipBlanks(text);
+    const bool minus = TakeSign(rest);
+    if (rest.empty() || rest.front() == '-') return 0;
+    const auto digits_end =
+        std::find_if_not(rest.begin(), rest.end(), [](char c) { return c >= '0' && c <= '9'; });
+    const std::string number = (minus ? "-" : "") + std::string(rest.begin(), digits_end);
+    long value = 0;
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (error == std::errc::result_out_of_range)
+        return minus ? std::numeric_limits<long>::min() : std::numeric_limits<long>::max();
+    return value;
+}
+
+std::string PrintFixed(double value, int decimals) {
+    constexpr int kMostDecimals = 1100;  // no double has more that differ from 0
+    decimals = std::clamp(decimals, 0, kMostDecimals);
+    // 309 digits before the point are the most a double has.
+    std::array<char, 320 + kMostDecimals> buffer;
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                            std::chars_format::fixed, decimals);
+    return std::string(buffer.data(), end);
+}
+
+std::string PrintShortest(double value) {
+    std::array<char, 40> buffer;
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    return std::string(buffer.data(), end);
+}
+
+}  // namespace Tellurion
