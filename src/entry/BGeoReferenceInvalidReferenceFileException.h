@@ -9,9 +9,11 @@ namespace MapAnchor {
 class MAPANCHOR_EXPORT BGeoReferenceInvalidReferenceFileException : public Tellurion::BDataManagerException {
 public:
     BGeoReferenceInvalidReferenceFileException();
-    BGeoReferenceInvalidReferenceFileException(const Tellurion::BString& source, const Tellurion::BString& detail);
+    BGeoReferenceInvalidReferenceFileException(const Tellurion::BString& source,
+                                               const Tellurion::BString& detail);
     BGeoReferenceInvalidReferenceFileException(const BGeoReferenceInvalidReferenceFileException&) noexcept;
-    BGeoReferenceInvalidReferenceFileException& operator=(const BGeoReferenceInvalidReferenceFileException&) noexcept;
+    BGeoReferenceInvalidReferenceFileException& operator=(
+        const BGeoReferenceInvalidReferenceFileException&) noexcept;
     ~BGeoReferenceInvalidReferenceFileException() override;
     const char* GetTypeName() const noexcept override;
 };

@@ -9,7 +9,8 @@ namespace MapAnchor {
 class MAPANCHOR_EXPORT BGeoReferenceInvalidTransformException : public Tellurion::BException {
 public:
     BGeoReferenceInvalidTransformException();
-    BGeoReferenceInvalidTransformException(const Tellurion::BString& source, const Tellurion::BString& detail);
+    BGeoReferenceInvalidTransformException(const Tellurion::BString& source,
+                                           const Tellurion::BString& detail);
     BGeoReferenceInvalidTransformException(const BGeoReferenceInvalidTransformException&) noexcept;
     BGeoReferenceInvalidTransformException& operator=(const BGeoReferenceInvalidTransformException&) noexcept;
     ~BGeoReferenceInvalidTransformException() override;

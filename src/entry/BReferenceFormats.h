@@ -13,12 +13,12 @@ struct MAPANCHOR_EXPORT BReferenceFormat {
     Tellurion::BString Name;   ///< short name, such as "WLD"
     Tellurion::BString Title;  ///< what people call it, such as "World file"
     Tellurion::EReferenceType Type = Tellurion::EReferenceType::Reserved;
-    bool HasType = false;     ///< false for a kind that only probing reaches; Type means nothing then
+    bool HasType = false;  ///< false for a kind that only probing reaches; Type means nothing then
     bool ReadsByType = false;
     bool SavesByType = false;
     std::vector<Tellurion::BString> ReadExtensions;  ///< lower case, with the dot
     std::vector<Tellurion::BString> SaveExtensions;
-    bool Probed = false;      ///< tried on files of unknown extension
+    bool Probed = false;         ///< tried on files of unknown extension
     Tellurion::BString Missing;  ///< an optional driver that this build lacks; usually empty
 };
 
