@@ -1,0 +1,16 @@
+# The CMake package MapAnchor (targets MapAnchor::MapAnchor, MapAnchor::Tellurion)
+# and the pkg-config file mapanchor.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MapAnchor)
+install(EXPORT MapAnchorTargets NAMESPACE MapAnchor:: DESTINATION ${package_dir} COMPONENT dev)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/MapAnchorConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/MapAnchorConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/MapAnchorConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/MapAnchorConfig.cmake ${PROJECT_BINARY_DIR}/MapAnchorConfigVersion.cmake
+    DESTINATION ${package_dir} COMPONENT dev)
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/mapanchor.pc.in ${PROJECT_BINARY_DIR}/mapanchor.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/mapanchor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)

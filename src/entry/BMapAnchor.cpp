@@ -1,0 +1,185 @@
+#include <MapAnchor/BMapAnchor.h>
+
+#include "ReferenceFormats.h"
+
+#include <MapAnchor/BGeoReferenceNotSupportedException.h>
+#include <Tellurion/BException.h>
+#include <Tellurion/BFile.h>
+#include <Tellurion/BFileContentNotValidException.h>
+#include <Tellurion/BFileNotFoundException.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BLogger.h>
+#include <Tellurion/BUnsupportedFileTypeException.h>
+
+namespace MapAnchor {
+
+using Tellurion::BException;
+using Tellurion::BFile;
+using Tellurion::BFileContentNotValidException;
+using Tellurion::BFileNotFoundException;
+using Tellurion::BFileUtilities;
+using Tellurion::BGeoReference;
+using Tellurion::BLogger;
+using Tellurion::BParamList;
+using Tellurion::BString;
+using Tellurion::BUnsupportedFileTypeException;
+using Tellurion::EFileMode;
+using Tellurion::ELogSeverity;
+using Tellurion::EMathTransformType;
+using Tellurion::EReferenceType;
+
+const BString BMapAnchor::kValPDFCropType("MAP_ANCHOR_PDF_CROP_TYPE");
+const BString BMapAnchor::kValPDFResolution("MAP_ANCHOR_RESOLUTION");
+
+namespace {
+
+constexpr const char* kReadSource = "BMapAnchor::Read";
+constexpr const char* kSaveSource = "BMapAnchor::Save";
+
+/// First line of a settings file that six numbers might follow.
+const BString kTransformSettings("[Transform Settings]");
+
+bool IsTypeNumber(EReferenceType type) {
+    const int number = static_cast<int>(type);
+    return number >= 1 && number <= 11 && type != EReferenceType::Reserved;
+}
+
+void RequireName(const BString& file, const char* source) {
+    if (file.IsEmpty()) throw BFileNotFoundException(source, "No file specified.");
+}
+
+BString LowerExtension(const BString& file) {
+    return BFileUtilities::GetExtension(BFileUtilities::CompletePath(file)).ToLower();
+}
+
+BString RequireExtension(const BString& file, const char* source) {
+    BString extension = LowerExtension(file);
+    if (extension.IsEmpty())
+        throw BFileNotFoundException(source, BString::Format("File Extension for <%ls> isn't valid.", file));
+    return extension;
+}
+
+[[noreturn]] void ThrowUnsupported(const BString& file, const char* source) {
+    throw BUnsupportedFileTypeException(
+        source, BString::Format("File <%ls> is not a supported reference file.", file));
+}
+
+/// Runs `work`; a failure is logged by that format on its way out.
+template <class Work>
+auto Guarded(const char* log_format, const BString& file, Work work) {
+    try {
+        return work();
+    } catch (const BException& error) {
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, log_format, file, error.GetDetailedMessage());
+        throw;
+    }
+}
+
+bool IsSettingsFile(const BString& path) {
+    constexpr std::size_t kLimit = 22;
+    BFile file(path);
+    BString line;
+    return file.Open(EFileMode::Read, EFileMode::Text) && file.ReadLine(line, kLimit) &&
+           line.GetLength() > 1 && line == kTransformSettings;
+}
+
+bool HasReference(const BGeoReference& reference) {
+    return reference.HasCoordSys() || reference.HasMathTransform() || !reference.PointPairVector.empty();
+}
+
+constexpr const char* kReadLog =
+    "BMapAnchor::Read Attempting to read <%ls> threw the following exception\n%ls.";
+constexpr const char* kSaveLog =
+    "BMapAnchor::Save Attempting to save <%ls> threw the following exception\n%ls.";
+constexpr const char* kProbeLog =
+    "BMapAnchor::TryOpeningForRead Attempting to open <%ls> threw the following exception\n%ls.";
+
+/// The named roads have no flags.
+constexpr unsigned int kNoFlags = 0;
+
+}  // namespace
+
+void BMapAnchor::Read(const EReferenceType& type, const BString& file, BGeoReference& reference, long width,
+                      long height, EMathTransformType mathType, unsigned int flags,
+                      const BParamList* params) {
+    RequireName(file, kReadSource);
+    if (!BFileUtilities::Exists(file))
+        throw BFileNotFoundException(kReadSource, BString::Format("File <%ls> does NOT exist.", file));
+    const ReferenceFormat* format = IsTypeNumber(type) ? FindFormatByType(type) : nullptr;
+    if (!format || !format->typed_read) ThrowUnsupported(file, kReadSource);
+    BGeoReference local;
+    format->typed_read({file, local, width, height, mathType, flags, params, nullptr});
+    reference = local;
+}
+
+void BMapAnchor::Read(const BString& file, BGeoReference& reference, BString& usedFile, long width,
+                      long height, EMathTransformType mathType, const BParamList* params) {
+    RequireName(file, kReadSource);
+    const BString extension = RequireExtension(file, kReadSource);
+    usedFile = file;
+    const bool read = Guarded(kReadLog, file, [&] {
+        const std::u16string& wanted = extension.GetUnits();
+        if (const ReferenceFormat* format = FindFormatToRead(wanted))
+            return format->named_read && format->named_read({file, reference, width, height, mathType,
+                                                             kNoFlags, params, &usedFile});
+        if (IsPlainRasterExtension(wanted)) return false;
+        return TryOpeningForRead(file, reference, usedFile, width, height, mathType);
+    });
+    if (!read) ThrowUnsupported(file, kReadSource);
+    if (!HasReference(reference))
+        throw BFileContentNotValidException(
+            kReadSource,
+            BString::Format("File <%ls> does not contain any valid referencing information.", file));
+}
+
+bool BMapAnchor::TryOpeningForRead(const BString& file, BGeoReference& reference, BString& usedFile,
+                                   long width, long height, EMathTransformType mathType) {
+    return Guarded(kProbeLog, file, [&] {
+        if (IsSettingsFile(file)) return false;
+        const ReadCall call{file, reference, width, height, mathType, kNoFlags, nullptr, &usedFile};
+        for (const ReferenceProbe& probe : ReferenceProbeTable())
+            if ((!probe.may_be || probe.may_be(file)) && probe.read(call)) return true;
+        return false;
+    });
+}
+
+void BMapAnchor::Save(const EReferenceType& type, const BString& file, const BGeoReference& reference,
+                      long width, long height, const BString& imageName, unsigned int flags,
+                      const BParamList* params) {
+    RequireName(file, kSaveSource);
+    // Numbers that are no type are let pass without a word; hosts rely on it.
+    if (!IsTypeNumber(type)) return;
+    const ReferenceFormat* format = FindFormatByType(type);
+    if (!format || !format->typed_save) ThrowUnsupported(file, kSaveSource);
+    Guarded(kSaveLog, file, [&] {
+        format->typed_save({file, reference, width, height, imageName, flags, params});
+    });
+}
+
+void BMapAnchor::Save(const BString& file, const BGeoReference& reference, long width, long height,
+                      const BString& imageName, const BParamList* params) {
+    RequireName(file, kSaveSource);
+    const BString extension = RequireExtension(file, kSaveSource);
+    const bool saved = Guarded(kSaveLog, file, [&] {
+        const ReferenceFormat* format = FindFormatToSave(extension.GetUnits());
+        return format && format->named_save &&
+               format->named_save({file, reference, width, height, imageName, kNoFlags, params});
+    });
+    if (!saved) ThrowUnsupported(file, kSaveSource);
+}
+
+BString BMapAnchor::GenerateWorldFileExt(const BString& file) {
+    const BString extension = LowerExtension(file);
+    constexpr std::size_t kDotAndThreeLetters = 4;
+    BString stem = extension;
+    if (extension.GetLength() == kDotAndThreeLetters) {
+        stem = extension.Left(2) + extension.Right(1);
+    } else if (extension == BString(".tiff")) {
+        stem = ".tif";
+    } else if (extension == BString(".jpeg")) {
+        stem = ".jpg";
+    }
+    return stem += "w";
+}
+
+}  // namespace MapAnchor

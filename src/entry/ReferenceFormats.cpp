@@ -1,0 +1,187 @@
+#include "ReferenceFormats.h"
+
+#include <MapAnchor/BReferenceFormats.h>
+
+#include "sidecar/BRefWLD.h"
+
+#include <Tellurion/ReferenceTags.h>
+
+#include <algorithm>
+
+namespace MapAnchor {
+
+using Tellurion::BString;
+using Tellurion::EReferenceType;
+using Tellurion::REFERENCE_DOQ_TAG;
+using Tellurion::REFERENCE_ECW_TAG;
+using Tellurion::REFERENCE_ERS_TAG;
+using Tellurion::REFERENCE_JP2_TAG;
+using Tellurion::REFERENCE_KAP_TAG;
+using Tellurion::REFERENCE_RSF_TAG;
+using Tellurion::REFERENCE_SID_TAG;
+using Tellurion::REFERENCE_TAB_TAG;
+using Tellurion::REFERENCE_TIF_TAG;
+using Tellurion::REFERENCE_TIFF_TAG;
+using Tellurion::REFERENCE_WLD_TAG;
+
+namespace {
+
+bool ReadWorldFileByName(const ReadCall& call) {
+    return BRefWLD::Read(call.file, call.reference);
+}
+
+ReferenceFormat GeoTiff() {
+    return {.name = "TIF",
+            .title = "GeoTIFF and other rasters that GDAL opens",
+            .type = EReferenceType::GeoTIFF,
+            .read_extensions = {REFERENCE_TIF_TAG.GetUnits(), REFERENCE_TIFF_TAG.GetUnits(), u".ddf", u".dem",
+                                u".dt0", u".dt1", u".dt2", u".dt3", u".dt4", u".dt5", u".asc", u".adf"},
+            .save_extensions = {REFERENCE_TIF_TAG.GetUnits(), REFERENCE_TIFF_TAG.GetUnits()}};
+}
+
+ReferenceFormat WorldFileFormat() {
+    ReferenceFormat format{
+        .name = "WLD",
+        .title = "World file",
+        .type = EReferenceType::WLD,
+        .typed_read = [](const ReadCall& call) { BRefWLD::Read(call.file, call.flags, call.reference); },
+        .typed_save = [](const SaveCall& call) { BRefWLD::Write(call.file, call.flags, call.reference); },
+        .named_read = ReadWorldFileByName,
+        .named_save = [](const SaveCall& call) { return BRefWLD::Write(call.file, call.reference); },
+        .read_extensions = {REFERENCE_WLD_TAG.GetUnits(), u".tifw", u".jgw", u".jpgw", u".pgw", u".bpw",
+                            u".eww", u".sdw", u".wld", u".blw", u".gfw"},
+        .save_extensions = {}};
+    format.save_extensions = format.read_extensions;
+    // Saved like the others, but not read by name: there the content decides.
+    format.save_extensions.insert(format.save_extensions.end(), {u".j2w", u".kpw"});
+    return format;
+}
+
+std::vector<ReferenceFormat> MakeTable() {
+    return {
+        {.name = "RSF",
+         .title = "Control point sidecar",
+         .type = EReferenceType::RSF,
+         .read_extensions = {REFERENCE_RSF_TAG.GetUnits()},
+         .save_extensions = {REFERENCE_RSF_TAG.GetUnits()}},
+        WorldFileFormat(),
+        GeoTiff(),
+        {.name = "TAB",
+         .title = "MapInfo TAB raster registration",
+         .type = EReferenceType::TAB,
+         .read_extensions = {REFERENCE_TAB_TAG.GetUnits()},
+         .save_extensions = {REFERENCE_TAB_TAG.GetUnits()}},
+        {.name = "ERS",
+         .title = "ER Mapper header",
+         .type = EReferenceType::ERS,
+         .read_extensions = {REFERENCE_ERS_TAG.GetUnits()},
+         .save_extensions = {REFERENCE_ERS_TAG.GetUnits()}},
+        {.name = "DOQ",
+         .title = "Digital orthophoto quadrangle header",
+         .type = EReferenceType::DOQQ,
+         .refusal = {"BrefDOQQ::Write", "Writing of DOQQ file types is not supported."},
+         .read_extensions = {REFERENCE_DOQ_TAG.GetUnits()}},
+        {.name = "KAP",
+         .title = "BSB nautical chart header",
+         .type = EReferenceType::KAP,
+         .refusal = {"BRefKAP::Write", "Writing of KAP file types is not supported."},
+         .read_extensions = {REFERENCE_KAP_TAG.GetUnits()}},
+        {.name = "SID",
+         .title = "MrSID",
+         .type = EReferenceType::MrSID,
+         .refusal = {"BrefMrSID::Write", "MrSID raster image files canot be writen using this method."},
+         .read_extensions = {REFERENCE_SID_TAG.GetUnits()}},
+        {.name = "ECW",
+         .title = "ECW",
+         .type = EReferenceType::ECW,
+         .refusal = {"BrefECW::Write", "ECW raster image files canot be writen using this method."},
+         .read_extensions = {REFERENCE_ECW_TAG.GetUnits()}},
+        {.name = "JP2",
+         .title = "JPEG 2000",
+         .type = EReferenceType::Reserved,
+         .read_extensions = {REFERENCE_JP2_TAG.GetUnits()}},
+        {.name = "CADRG", .title = "CADRG frame", .type = EReferenceType::Reserved},
+        {.name = "ADRG", .title = "ADRG distribution rectangle", .type = EReferenceType::Reserved},
+        {.name = "PDF", .title = "Geospatial PDF", .type = EReferenceType::GeoPDF},
+    };
+}
+
+bool Holds(const std::vector<std::u16string_view>& extensions, std::u16string_view extension) {
+    return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+}
+
+template <class Matches>
+const ReferenceFormat* FindFormat(Matches matches) {
+    const auto& table = ReferenceFormatTable();
+    const auto found = std::find_if(table.begin(), table.end(), matches);
+    return found == table.end() ? nullptr : &*found;
+}
+
+std::vector<BString> Texts(const std::vector<std::u16string_view>& extensions) {
+    std::vector<BString> texts;
+    for (const auto extension : extensions)
+        texts.emplace_back(std::u16string(extension));
+    return texts;
+}
+
+BReferenceFormat Describe(const ReferenceFormat& format) {
+    BReferenceFormat out;
+    out.Name = format.name;
+    out.Title = format.title;
+    out.Type = format.type;
+    out.HasType = format.type != EReferenceType::Reserved;
+    out.ReadsByType = format.typed_read != nullptr;
+    out.SavesByType = format.typed_save != nullptr;
+    if (format.named_read) out.ReadExtensions = Texts(format.read_extensions);
+    if (format.named_save) out.SaveExtensions = Texts(format.save_extensions);
+    const auto& probes = ReferenceProbeTable();
+    out.Probed =
+        std::any_of(probes.begin(), probes.end(), [&](const auto& probe) { return probe.name == out.Name; });
+    return out;
+}
+
+}  // namespace
+
+const std::vector<ReferenceFormat>& ReferenceFormatTable() {
+    static const std::vector<ReferenceFormat> table = MakeTable();
+    return table;
+}
+
+const std::vector<ReferenceProbe>& ReferenceProbeTable() {
+    static const std::vector<ReferenceProbe> probes = {
+        {.name = "WLD", .read = ReadWorldFileByName},
+    };
+    return probes;
+}
+
+bool IsPlainRasterExtension(std::u16string_view extension) {
+    static constexpr std::u16string_view kPlain[] = {u".jpg", u".jpeg", u".png", u".bmp",
+                                                     u".bsq", u".bil",  u".gif"};
+    return std::find(std::begin(kPlain), std::end(kPlain), extension) != std::end(kPlain);
+}
+
+const ReferenceFormat* FindFormatByType(EReferenceType type) {
+    if (type == EReferenceType::Reserved) return nullptr;
+    return FindFormat([type](const auto& format) { return format.type == type; });
+}
+
+const ReferenceFormat* FindFormatToRead(std::u16string_view extension) {
+    return FindFormat([extension](const auto& format) { return Holds(format.read_extensions, extension); });
+}
+
+const ReferenceFormat* FindFormatToSave(std::u16string_view extension) {
+    return FindFormat([extension](const auto& format) { return Holds(format.save_extensions, extension); });
+}
+
+std::vector<BReferenceFormat> BReferenceFormats::List() {
+    std::vector<BReferenceFormat> list;
+    for (const ReferenceFormat& format : ReferenceFormatTable()) {
+        BReferenceFormat described = Describe(format);
+        const bool served = described.ReadsByType || described.SavesByType || described.Probed ||
+                            !described.ReadExtensions.empty() || !described.SaveExtensions.empty();
+        if (served) list.push_back(std::move(described));
+    }
+    return list;
+}
+
+}  // namespace MapAnchor
