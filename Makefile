@@ -1,0 +1,53 @@
+# make run and make test are all that a newcomer needs; make help lists the rest.
+.DEFAULT_GOAL := help
+JOBS ?= $(shell nproc)
+TOOL := build/release/bin/mapanchor
+
+.PHONY: help setup build run test asan tsan coverage fuzz bench format format-check tidy consumer clean
+
+help: ## list the targets
+	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
+
+setup: ## install the Debian packages that are missing
+	@scripts/setup.sh
+
+build: setup ## build everything, optimised, into build/release
+	@cmake --preset release >build-configure.log 2>&1 || { cat build-configure.log; rm -f build-configure.log; exit 1; }
+	@rm -f build-configure.log
+	@cmake --build --preset release -j $(JOBS)
+
+run: build ## show the main job on the input in examples/
+	@examples/run.sh $(TOOL)
+
+test: build ## run all tests
+	@ctest --preset release -j $(JOBS)
+
+asan: setup ## build and test with AddressSanitizer and UndefinedBehaviorSanitizer
+	@scripts/preset-test.sh asan $(JOBS)
+
+tsan: setup ## build and test with ThreadSanitizer
+	@scripts/preset-test.sh tsan $(JOBS)
+
+coverage: setup ## test with coverage and print the share of lines of each folder
+	@scripts/coverage.sh $(JOBS)
+
+fuzz: setup ## build the fuzz targets and run each for FUZZ_SECONDS (60)
+	@scripts/fuzz.sh $(JOBS)
+
+bench: setup ## run the benchmarks
+	@scripts/bench.sh $(JOBS)
+
+consumer: build ## build a project outside the tree against the installed package
+	@tests/consumer/check.sh build/release
+
+format: setup ## lay out the sources
+	@scripts/format.sh
+
+format-check: setup ## fail when a source is not laid out
+	@scripts/format.sh --check
+
+tidy: build ## run clang-tidy over the sources
+	@scripts/tidy.sh build/release $(JOBS)
+
+clean: ## remove all builds
+	rm -rf build

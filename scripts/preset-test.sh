@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Builds and tests one preset: preset-test.sh <preset> <jobs>
+set -euo pipefail
+cd "$(dirname "$0")/.."
+cmake --preset "$1" >/dev/null
+cmake --build --preset "$1" -j "$2"
+ctest --preset "$1" -j "$2"

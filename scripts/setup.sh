@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs the packages of packages.txt that are missing; as root, or with sudo.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+mapfile -t wanted < <(sed 's/#.*//; s/[[:space:]]*$//' packages.txt | grep -v '^$')
+missing=()
+for package in "${wanted[@]}"; do
+    dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then exit 0; fi
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "setup: missing ${missing[*]}; install them as root" >&2; exit 1; }
+    as_root=(sudo)
+fi
+echo "setup: installing ${missing[*]}"
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
