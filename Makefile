@@ -20,7 +20,7 @@ run: build ## show the main job on the input in examples/
 	@examples/run.sh $(TOOL)
 
 test: build ## run all tests
-	@ctest --preset release -j $(JOBS)
+	@scripts/test.sh release $(JOBS)
 
 asan: setup ## build and test with AddressSanitizer and UndefinedBehaviorSanitizer
 	@scripts/preset-test.sh asan $(JOBS)

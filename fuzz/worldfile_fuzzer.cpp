@@ -5,12 +5,12 @@
 #include <Tellurion/BException.h>
 #include <Tellurion/BLogger.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <fcntl.h>
-#include <string>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
 
 using MapAnchor::BMapAnchor;
 using namespace Tellurion;
@@ -58,7 +58,8 @@ bool ReadByName(const BString& file, BGeoReference& reference) {
 void ReadByType(const BString& file, unsigned int flags) {
     BGeoReference reference;
     try {
-        BMapAnchor::Read(EReferenceType::WLD, file, reference, 0, 0, EMathTransformType::Affine, flags, nullptr);
+        BMapAnchor::Read(EReferenceType::WLD, file, reference, 0, 0, EMathTransformType::Affine, flags,
+                         nullptr);
     } catch (const BException&) {
     }
 }

@@ -4,4 +4,4 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset "$1" >/dev/null
 cmake --build --preset "$1" -j "$2"
-ctest --preset "$1" -j "$2"
+scripts/test.sh "$1" "$2"
