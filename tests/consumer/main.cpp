@@ -12,7 +12,8 @@ int main(int argc, char** argv) {
     try {
         BGeoReference reference;
         BString used;
-        MapAnchor::BMapAnchor::Read(BString(argv[1]), reference, used, 0, 0, EMathTransformType::Affine, nullptr);
+        MapAnchor::BMapAnchor::Read(BString(argv[1]), reference, used, 0, 0, EMathTransformType::Affine,
+                                    nullptr);
         double a, b, c, d, e, f;
         reference.MathTransform->GetAffineParameters(a, b, c, d, e, f);
         std::printf("%g %g %g %g %g %g %s\n", a, b, c, d, e, f, reference.CoordSys->GetName().Utf8());
