@@ -1,0 +1,7 @@
+#include <Tellurion/BTransform.h>
+
+namespace Tellurion {
+
+BTransform::~BTransform() = default;
+
+}  // namespace Tellurion

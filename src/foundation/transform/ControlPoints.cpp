@@ -1,0 +1,142 @@
+#include "ControlPoints.h"
+
+#include "LeastSquares.h"
+
+#include <Eigen/QR>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+namespace Tellurion {
+namespace {
+
+/// Far beyond any coordinate system, and far enough from the end of the range that
+/// sums and differences stay in it.
+constexpr double kLargestCoordinate = 1e300;
+/// Differences below this part of a coordinate may be its rounding.
+constexpr double kRounding = 4 * std::numeric_limits<double>::epsilon();
+
+/// Indices of the points, those with the same pixel next to each other.
+std::vector<Eigen::Index> ByPixel(const Positions& pixels) {
+    std::vector<Eigen::Index> order(static_cast<std::size_t>(pixels.rows()));
+    std::iota(order.begin(), order.end(), Eigen::Index{0});
+    std::sort(order.begin(), order.end(), [&](Eigen::Index i, Eigen::Index j) {
+        return pixels(i, 0) != pixels(j, 0) ? pixels(i, 0) < pixels(j, 0) : pixels(i, 1) < pixels(j, 1);
+    });
+    return order;
+}
+
+Eigen::Index DifferentPixels(const Positions& pixels) {
+    const auto order = ByPixel(pixels);
+    Eigen::Index different = 1;
+    for (std::size_t k = 1; k < order.size(); ++k)
+        different += pixels.row(order[k]) != pixels.row(order[k - 1]) ? 1 : 0;
+    return different;
+}
+
+/// 0 when the positions coincide, 1 when they lie on a line, 2 otherwise, each
+/// within the rounding of the coordinates.
+Eigen::Index Dimension(const Positions& positions) {
+    Positions unit(positions.rows(), 2);
+    double tolerance = kRankTolerance;
+    for (Eigen::Index axis = 0; axis < 2; ++axis) {
+        const auto values = positions.col(axis);
+        const double reach = values.cwiseAbs().maxCoeff();
+        const double spread = values.maxCoeff() - values.minCoeff();
+        const double rounding = reach * kRounding;
+        if (spread > rounding) {
+            unit.col(axis) = (values.array() - values.minCoeff()) / spread;
+            unit.col(axis).array() -= unit.col(axis).mean();
+            tolerance = std::max(tolerance, rounding / spread);
+        } else {
+            unit.col(axis).setZero();
+        }
+    }
+    Eigen::ColPivHouseholderQR<Positions> factors(unit);
+    factors.setThreshold(tolerance);
+    return factors.rank();
+}
+
+void RequireFinite(const ControlPoints& points) {
+    for (Eigen::Index i = 0; i < points.Count(); ++i)
+        // Written so that NaN fails.
+        if (!(points.world.row(i).cwiseAbs().maxCoeff<Eigen::PropagateNaN>() <= kLargestCoordinate))
+            RefuseFit("The world position of point %ld (%g, %g) is not a finite number in range",
+                      points.Number(i), points.world(i, 0), points.world(i, 1));
+}
+
+}  // namespace
+
+FitRule RuleOf(EMathTransformType type) {
+    switch (type) {
+        case EMathTransformType::Affine:
+            return {"affine", 3};
+        case EMathTransformType::Conformal:
+            return {"conformal", 2};
+        case EMathTransformType::Polynomial2:
+            return {"second order polynomial", 6};
+        case EMathTransformType::Polynomial3:
+            return {"third order polynomial", 10};
+        case EMathTransformType::Projective:
+            return {"projective", 4};
+        case EMathTransformType::ThinPlateSpline:
+            return {"thin plate spline", 3};
+        case EMathTransformType::Bilinear:
+            return {"bilinear", 4};
+        case EMathTransformType::None:
+            break;
+    }
+    RefuseFit("There is no fit of type %d", static_cast<int>(type));
+}
+
+ControlPoints::ControlPoints(const std::vector<BPointPair>& pairs, const FitRule& rule) {
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+        if (pairs[i].Enabled) numbers.push_back(static_cast<long>(i) + 1);
+    const auto count = static_cast<Eigen::Index>(numbers.size());
+    if (count < rule.points)
+        RefuseFit("The %s fit needs %td points, %td of %zu are enabled", rule.name, rule.points, count,
+                  pairs.size());
+    pixels.resize(count, 2);
+    world.resize(count, 2);
+    for (Eigen::Index i = 0; i < count; ++i) {
+        const BPointPair& pair = pairs[static_cast<std::size_t>(Number(i) - 1)];
+        pixels.row(i) << pair.Column, pair.Row;
+        world.row(i) << pair.World.x, pair.World.y;
+    }
+    RequireFinite(*this);
+    const Eigen::Index different = DifferentPixels(pixels);
+    if (different < rule.points)
+        RefuseFit("The %s fit needs points at %td different pixels, the %td enabled ones coincide at %td",
+                  rule.name, rule.points, count, different);
+}
+
+void RequireArea(const ControlPoints& points, const FitRule& rule) {
+    RequireExtent(points, rule);
+    if (Dimension(points.pixels) < 2)
+        RefuseFit("The %s fit needs an area, the pixels of the %td enabled points lie on a line", rule.name,
+                  points.Count());
+    if (Dimension(points.world) < 2)
+        RefuseFit("The %s fit needs an area, the world positions of the %td enabled points lie on a line",
+                  rule.name, points.Count());
+}
+
+void RequireExtent(const ControlPoints& points, const FitRule& rule) {
+    if (Dimension(points.world) < 1)
+        RefuseFit(
+            "The %s fit needs different positions, the world positions of the %td enabled points coincide",
+            rule.name, points.Count());
+}
+
+void RequireDifferentPixels(const ControlPoints& points, const FitRule& rule) {
+    const auto order = ByPixel(points.pixels);
+    for (std::size_t k = 1; k < order.size(); ++k)
+        if (points.pixels.row(order[k]) == points.pixels.row(order[k - 1]))
+            RefuseFit("The %s fit takes each pixel once, points %ld and %ld coincide at (%.0f, %.0f)",
+                      rule.name, std::min(points.Number(order[k]), points.Number(order[k - 1])),
+                      std::max(points.Number(order[k]), points.Number(order[k - 1])),
+                      points.pixels(order[k], 0), points.pixels(order[k], 1));
+}
+
+}  // namespace Tellurion

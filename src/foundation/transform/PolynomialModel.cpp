@@ -1,0 +1,86 @@
+#include "CurvedModel.h"
+#include "Fits.h"
+#include "LeastSquares.h"
+
+#include <array>
+#include <vector>
+
+namespace Tellurion {
+namespace {
+
+/// x^x_power * y^y_power
+struct Monomial {
+    std::size_t x_power, y_power;
+};
+
+/// All monomials up to the order for full polynomials; 1, x, y, xy for the bilinear fit.
+std::vector<Monomial> MonomialsOf(EMathTransformType type) {
+    if (type == EMathTransformType::Bilinear) return {{0, 0}, {1, 0}, {0, 1}, {1, 1}};
+    const std::size_t order = type == EMathTransformType::Polynomial2 ? 2 : 3;
+    std::vector<Monomial> monomials;
+    for (std::size_t degree = 0; degree <= order; ++degree)
+        for (std::size_t y_power = 0; y_power <= degree; ++y_power)
+            monomials.push_back({degree - y_power, y_power});
+    return monomials;
+}
+
+/// The powers 0 to 3 of a coordinate, and their slopes.
+struct Powers {
+    explicit Powers(double v) : value{1, v, v * v, v * v * v}, slope{0, 1, 2 * v, 3 * v * v} {}
+    std::array<double, 4> value, slope;
+};
+
+Eigen::MatrixXd DesignOf(const Positions& from, const std::vector<Monomial>& monomials) {
+    Eigen::MatrixXd design(from.rows(), static_cast<Eigen::Index>(monomials.size()));
+    for (Eigen::Index i = 0; i < from.rows(); ++i) {
+        const Powers x(from(i, 0)), y(from(i, 1));
+        for (std::size_t k = 0; k < monomials.size(); ++k)
+            design(i, static_cast<Eigen::Index>(k)) =
+                x.value[monomials[k].x_power] * y.value[monomials[k].y_power];
+    }
+    return design;
+}
+
+class PolynomialModel : public CurvedModel {
+public:
+    PolynomialModel(const FitSpace& space, const FitRule& rule, EMathTransformType type, RasterSize raster)
+        : CurvedModel(type, space, raster), monomials_(MonomialsOf(type)) {
+        const LeastSquares squares(DesignOf(space.from, monomials_));
+        if (!squares.Determined())
+            RefuseFit(
+                "The %s fit is left open, the pixels of the %td enabled points lie on one curve of its order",
+                rule.name, space.from.rows());
+        const Eigen::MatrixXd unknowns = squares.Solve(space.to);
+        for (Eigen::Index k = 0; k < unknowns.rows(); ++k)
+            factors_.emplace_back(unknowns.row(k).transpose());
+        RequireInverse(space, rule);
+    }
+
+protected:
+    Jet Evaluate(const Eigen::Vector2d& from) const override {
+        const Powers x(from.x()), y(from.y());
+        Jet jet{Eigen::Vector2d::Zero(), Eigen::Matrix2d::Zero()};
+        for (std::size_t k = 0; k < monomials_.size(); ++k) {
+            const auto [i, j] = monomials_[k];
+            jet.value += factors_[k] * (x.value[i] * y.value[j]);
+            jet.slope.col(0) += factors_[k] * (x.slope[i] * y.value[j]);
+            jet.slope.col(1) += factors_[k] * (x.value[i] * y.slope[j]);
+        }
+        return jet;
+    }
+
+private:
+    std::vector<Monomial> monomials_;
+    std::vector<Eigen::Vector2d> factors_;
+};
+
+}  // namespace
+
+ModelPointer FitPolynomial(const ControlPoints& points, const FitRule& rule, EMathTransformType type,
+                           RasterSize raster) {
+    RequireArea(points, rule);
+    const FitSpace space(points, Scaling::PerAxis, Scaling::PerAxis);
+    return std::make_shared<const PolynomialModel>(space, rule, type, raster);
+}
+
+}  // namespace Tellurion

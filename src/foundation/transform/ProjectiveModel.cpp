@@ -1,0 +1,169 @@
+#include "FitSpace.h"
+#include "Fits.h"
+#include "LeastSquares.h"
+
+#include <Eigen/Dense>
+
+#include <cmath>
+
+namespace Tellurion {
+namespace {
+
+constexpr int kIterations = 50;
+constexpr int kHalvings = 20;
+/// A depth, as a part of the largest one among the control points, that counts as
+/// the horizon.
+constexpr double kHorizon = 1e-12;
+/// No control point may be that near to it.
+constexpr double kPointHorizon = 1e-9;
+constexpr double kSingular = 1e-12;
+/// Of the area of the unit square; below, three points lie on a line.
+constexpr double kFlatTriangle = 1e-10;
+
+/// (x, y, 1) of the source to (x' w, y' w, w) of the target, both in unit space. The
+/// depth w is positive before the horizon.
+using Homography = Eigen::Matrix3d;
+
+Eigen::VectorXd Depths(const Homography& homography, const Positions& from) {
+    return from.rowwise().homogeneous() * homography.row(2).transpose();
+}
+
+bool IsBeforeHorizon(const Eigen::VectorXd& depths) {
+    return depths.minCoeff() > kPointHorizon * depths.maxCoeff();
+}
+
+Positions Apply(const Homography& homography, const Positions& from) {
+    return (from.rowwise().homogeneous() * homography.transpose()).rowwise().hnormalized();
+}
+
+/// The homography with the least algebraic residual; exact data give the exact one.
+/// The depths are scaled to 1 at most and have the sign of their sum.
+Homography DirectFit(const FitSpace& space, const FitRule& rule) {
+    const Eigen::Index count = space.from.rows();
+    const Eigen::MatrixXd from = space.from.rowwise().homogeneous();
+    Eigen::MatrixXd design = Eigen::MatrixXd::Zero(2 * count, 9);
+    design.topLeftCorner(count, 3) = from;
+    design.block(count, 3, count, 3) = from;
+    design.topRightCorner(count, 3) = -(from.array().colwise() * space.to.col(0).array());
+    design.bottomRightCorner(count, 3) = -(from.array().colwise() * space.to.col(1).array());
+    const Eigen::JacobiSVD<Eigen::MatrixXd> factors(design, Eigen::ComputeFullV);
+    if (factors.singularValues()[7] <= kRankTolerance * factors.singularValues()[0])
+        RefuseFit("The %s fit is left open, too many of the %td enabled points lie on a line", rule.name,
+                  count);
+    const Eigen::VectorXd terms = factors.matrixV().col(8);
+    const Homography homography = terms.reshaped(3, 3).transpose();
+    const Eigen::VectorXd depths = Depths(homography, space.from);
+    return homography / std::copysign(depths.cwiseAbs().maxCoeff(), depths.sum());
+}
+
+/// The slopes of all x', then of all y', by the nine terms, row after row.
+Eigen::MatrixXd SlopesOf(const Homography& homography, const Positions& from) {
+    const Eigen::Index count = from.rows();
+    const Positions to = Apply(homography, from);
+    const Eigen::MatrixXd near =
+        from.rowwise().homogeneous().array().colwise() / Depths(homography, from).array();
+    Eigen::MatrixXd slopes = Eigen::MatrixXd::Zero(2 * count, 9);
+    slopes.topLeftCorner(count, 3) = near;
+    slopes.block(count, 3, count, 3) = near;
+    slopes.topRightCorner(count, 3) = -(near.array().colwise() * to.col(0).array());
+    slopes.bottomRightCorner(count, 3) = -(near.array().colwise() * to.col(1).array());
+    return slopes;
+}
+
+/// Takes the largest part of `step` that lessens the residual; false when none does.
+bool Improve(Homography& homography, const Homography& step, const FitSpace& space) {
+    const double residual = (space.to - Apply(homography, space.from)).norm();
+    double part = 1.0;
+    for (int i = 0; i < kHalvings; ++i, part /= 2) {
+        const Homography next = homography + part * step;
+        if (IsBeforeHorizon(Depths(next, space.from)) &&
+            (space.to - Apply(next, space.from)).norm() < residual) {
+            homography = next;
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Least squares in the target by Gauss-Newton. The scale of the homography is free;
+/// of all equal steps the shortest leaves it alone.
+void Refine(Homography& homography, const FitSpace& space) {
+    for (int i = 0; i < kIterations; ++i) {
+        const Eigen::VectorXd left = (space.to - Apply(homography, space.from)).reshaped();
+        Eigen::CompleteOrthogonalDecomposition<Eigen::MatrixXd> factors;
+        factors.setThreshold(kSingular);
+        factors.compute(SlopesOf(homography, space.from));
+        const Eigen::VectorXd step = factors.solve(left);
+        if (!Improve(homography, step.reshaped(3, 3).transpose(), space)) return;
+    }
+}
+
+void RequireBeforeHorizon(const Homography& homography, const ControlPoints& points, const FitSpace& space,
+                          const FitRule& rule) {
+    const Eigen::VectorXd depths = Depths(homography, space.from);
+    if (IsBeforeHorizon(depths)) return;
+    Eigen::Index farthest = 0;
+    depths.minCoeff(&farthest);
+    RefuseFit("The %s fit through the %td enabled points puts point %ld on or beyond its horizon", rule.name,
+              points.Count(), points.Number(farthest));
+}
+
+bool HasFlatTriangle(const Positions& unit) {
+    for (Eigen::Index left_out = 0; left_out < 4; ++left_out) {
+        const Eigen::Vector2d first = unit.row((left_out + 1) % 4);
+        Eigen::Matrix2d sides;
+        sides << unit.row((left_out + 2) % 4).transpose() - first,
+            unit.row((left_out + 3) % 4).transpose() - first;
+        if (std::abs(sides.determinant()) <= kFlatTriangle) return true;
+    }
+    return false;
+}
+
+class ProjectiveModel : public TransformModel {
+public:
+    ProjectiveModel(const FitSpace& space, const Homography& homography)
+        : TransformModel(EMathTransformType::Projective),
+          source_(space.source),
+          target_(space.target),
+          forward_(homography),
+          backward_(homography.inverse()) {}
+
+    bool ToTarget(double& x, double& y) const override {
+        const Eigen::Vector3d image = forward_ * source_.ToUnit({x, y}).homogeneous();
+        return image.z() > kHorizon && Assign(target_.FromUnit(image.hnormalized()), x, y);
+    }
+    bool ToSource(double& x, double& y) const override {
+        // The third term is one over the depth of the pixel.
+        const Eigen::Vector3d image = backward_ * target_.ToUnit({x, y}).homogeneous();
+        return image.z() > 0 && image.z() < 1 / kHorizon &&
+               Assign(source_.FromUnit(image.hnormalized()), x, y);
+    }
+
+private:
+    static bool Assign(const Eigen::Vector2d& position, double& x, double& y) {
+        return AssignFinite(position.x(), position.y(), x, y);
+    }
+
+    PlaneFrame source_;
+    PlaneFrame target_;
+    Homography forward_;
+    Homography backward_;
+};
+
+}  // namespace
+
+ModelPointer FitProjective(const ControlPoints& points, const FitRule& rule) {
+    RequireArea(points, rule);
+    const FitSpace space(points, Scaling::PerAxis, Scaling::Common);
+    if (points.Count() == 4 && (HasFlatTriangle(space.from) || HasFlatTriangle(space.to)))
+        RefuseFit("The %s fit is left open, three of the 4 enabled points lie on a line", rule.name);
+    Homography homography = DirectFit(space, rule);
+    RequireBeforeHorizon(homography, points, space, rule);
+    Refine(homography, space);
+    const Eigen::Vector3d strengths = homography.jacobiSvd().singularValues();
+    if (strengths[2] <= kSingular * strengths[0])
+        RefuseFit("The %s fit through the %td enabled points cannot be inverted", rule.name, points.Count());
+    return std::make_shared<const ProjectiveModel>(space, homography);
+}
+
+}  // namespace Tellurion
