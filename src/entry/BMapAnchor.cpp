@@ -150,8 +150,10 @@ void BMapAnchor::Save(const EReferenceType& type, const BString& file, const BGe
     // Numbers that are no type are let pass without a word; hosts rely on it.
     if (!IsTypeNumber(type)) return;
     const ReferenceFormat* format = FindFormatByType(type);
-    if (!format || !format->typed_save) ThrowUnsupported(file, kSaveSource);
+    if (!format || (!format->typed_save && !format->refusal.source)) ThrowUnsupported(file, kSaveSource);
     Guarded(kSaveLog, file, [&] {
+        if (format->refusal.source)
+            throw BGeoReferenceNotSupportedException(format->refusal.source, format->refusal.detail);
         format->typed_save({file, reference, width, height, imageName, flags, params});
     });
 }

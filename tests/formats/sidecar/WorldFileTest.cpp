@@ -240,14 +240,14 @@ TEST(WorldFile, ReadSaveReadGivesTheSameLines) {
         ASSERT_EQ(ReadByType(file.StdStr(), read, BMapAnchor::kStrictTransform).type, "");
         const auto written = Terms(reference);
         const auto got = Terms(read);
-        for (const std::size_t term : {0, 1, 3, 4})
+        for (const std::size_t term : {0U, 1U, 3U, 4U})
             ASSERT_EQ(got[term], ToTwelveDecimals(written[term]));
         BMapAnchor::Save(again, read, 0, 0, BString(), nullptr);
         ASSERT_EQ(ReadByType(again.StdStr(), reread, BMapAnchor::kStrictTransform).type, "");
         const double tolerance = 2e-12 + 4e-16 * (size + shift);
-        for (const std::size_t term : {2, 5})
+        for (const std::size_t term : {2U, 5U})
             ASSERT_NEAR(Terms(reread)[term], got[term], tolerance);
-        for (const std::size_t term : {0, 1, 3, 4})
+        for (const std::size_t term : {0U, 1U, 3U, 4U})
             ASSERT_EQ(Terms(reread)[term], got[term]);
     }
 }
