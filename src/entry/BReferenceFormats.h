@@ -18,6 +18,8 @@ struct MAPANCHOR_EXPORT BReferenceFormat {
     bool SavesByType = false;
     std::vector<Tellurion::BString> ReadExtensions;  ///< lower case, with the dot
     std::vector<Tellurion::BString> SaveExtensions;
+    bool CentreAnchored =
+        false;  ///< column 0, row 0 of its affine is the centre of the top left pixel, not its corner
     bool Probed = false;         ///< tried on files of unknown extension
     Tellurion::BString Missing;  ///< an optional driver that this build lacks; usually empty
 };

@@ -131,6 +131,7 @@ BReferenceFormat Describe(const ReferenceFormat& format) {
     out.Type = format.type;
     out.HasType = format.type != EReferenceType::Reserved;
     out.ReadsByType = format.typed_read != nullptr;
+    out.CentreAnchored = format.centre_anchored;
     out.SavesByType = format.typed_save != nullptr;
     if (format.named_read) out.ReadExtensions = Texts(format.read_extensions);
     if (format.named_save) out.SaveExtensions = Texts(format.save_extensions);

@@ -55,7 +55,8 @@ struct ReferenceFormat {
     TypedSave typed_save = nullptr;
     NamedRead named_read = nullptr;
     NamedSave named_save = nullptr;
-    SaveRefusal refusal = {};                               ///< without a source: it does not refuse
+    bool centre_anchored = false;  ///< its affine starts at the centre of the top left pixel
+    SaveRefusal refusal = {};      ///< without a source: it does not refuse
     std::vector<std::u16string_view> read_extensions = {};  ///< lower case, with the dot
     std::vector<std::u16string_view> save_extensions = {};
 };

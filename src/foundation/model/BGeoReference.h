@@ -16,9 +16,10 @@ namespace Tellurion {
 /// pixels into it, and control points. Any of them may be missing. A copy shares
 /// the coordinate system and the transform, which nobody changes.
 ///
-/// The transform takes columns and rows counted from the outer corner of the top
-/// left pixel, unless IsPixelAsPointRegistered() says that the source's positions
-/// are those of pixel centres.
+/// The transform takes columns and rows; whether column 0, row 0 is the outer corner
+/// of the top left pixel or its centre is the rule of the format that was read (the
+/// corner, but for few). The pixel-as-point flag only says that the source states its
+/// positions as those of pixel centres; it does not move the transform.
 class TELLURION_EXPORT BGeoReference {
 public:
     BGeoReference();
