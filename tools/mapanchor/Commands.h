@@ -1,0 +1,11 @@
+#pragma once
+
+#include "ExitStatus.h"
+
+#include <CLI/CLI.hpp>
+
+/// Each makes its subcommand; a run writes what it came to into `status`.
+void AddInfoCommand(CLI::App& app, ExitStatus& status);
+void AddConvertCommand(CLI::App& app, ExitStatus& status);
+void AddFormatsCommand(CLI::App& app, ExitStatus& status);
+void AddExtCommand(CLI::App& app, ExitStatus& status);

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Console.h"
+
+#include <CLI/CLI.hpp>
+
+/// Options that every subcommand has.
+struct CommonOptions {
+    bool json = false;
+    int indent = -1;
+    bool quiet = false;
+    bool verbose = false;
+    ColorMode color = ColorMode::Auto;
+
+    void AddTo(CLI::App& app);
+    Console MakeConsole() const { return Console(color, quiet); }
+};

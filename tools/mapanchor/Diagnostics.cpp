@@ -1,0 +1,20 @@
+#include "Diagnostics.h"
+
+#include <Tellurion/BLogger.h>
+
+#include <utility>
+
+LogCollector::LogCollector() {
+    Tellurion::BLogger::Instance()->SetSink(
+        [this](Tellurion::ELogSeverity, const Tellurion::BString& text) { lines_.push_back(text.StdStr()); });
+}
+
+LogCollector::~LogCollector() {
+    Tellurion::BLogger::Instance()->SetSink({});
+}
+
+void LogCollector::MoveTo(Diagnostics& diagnostics, bool as_errors) {
+    for (std::string& line : lines_)
+        diagnostics.push_back({as_errors, std::move(line)});
+    lines_.clear();
+}

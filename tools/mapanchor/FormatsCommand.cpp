@@ -1,0 +1,79 @@
+#include "Commands.h"
+#include "CommonOptions.h"
+#include "JsonRenderer.h"
+#include "TextRenderer.h"
+
+#include <MapAnchor/BReferenceFormats.h>
+
+#include <memory>
+
+namespace {
+
+using MapAnchor::BReferenceFormat;
+using MapAnchor::BReferenceFormats;
+using Tellurion::BString;
+
+constexpr const char* kDescription =
+    "Tell what can be read and saved here, and by which reader\n\n"
+    "Examples:\n"
+    "  mapanchor formats\n"
+    "  mapanchor formats --json";
+
+std::string Joined(const std::vector<BString>& texts) {
+    std::string joined;
+    for (const BString& text : texts)
+        joined += (joined.empty() ? "" : " ") + text.StdStr();
+    return joined.empty() ? "-" : joined;
+}
+
+Json List(const std::vector<BString>& texts) {
+    Json list = Json::array();
+    for (const BString& text : texts)
+        list.push_back(text.StdStr());
+    return list;
+}
+
+Json RenderJson(const BReferenceFormat& format) {
+    Json json = {{"name", format.Name.StdStr()}, {"title", format.Title.StdStr()}};
+    if (format.HasType) json["type"] = static_cast<int>(format.Type);
+    json["readsByType"] = format.ReadsByType;
+    json["savesByType"] = format.SavesByType;
+    json["readExtensions"] = List(format.ReadExtensions);
+    json["saveExtensions"] = List(format.SaveExtensions);
+    json["probed"] = format.Probed;
+    if (!format.Missing.IsEmpty()) json["missing"] = format.Missing.StdStr();
+    return json;
+}
+
+std::string TypeRoads(const BReferenceFormat& format) {
+    if (!format.ReadsByType && !format.SavesByType) return "-";
+    const std::string number = std::to_string(static_cast<int>(format.Type));
+    return number + (format.ReadsByType ? " read" : "") + (format.SavesByType ? " save" : "");
+}
+
+ExitStatus Run(const CommonOptions& common) {
+    const Console console = common.MakeConsole();
+    std::vector<std::vector<std::string>> rows = {{"name", "by type", "reads", "saves", "what it is"}};
+    for (const BReferenceFormat& format : BReferenceFormats::List()) {
+        if (common.json) {
+            console.Print(ToText(RenderJson(format), common));
+            continue;
+        }
+        const std::string missing =
+            format.Missing.IsEmpty() ? "" : " (missing: " + format.Missing.StdStr() + ")";
+        rows.push_back({format.Name.StdStr(), TypeRoads(format),
+                        Joined(format.ReadExtensions) + (format.Probed ? " and by content" : ""),
+                        Joined(format.SaveExtensions), format.Title.StdStr() + missing});
+    }
+    if (!common.json) console.Print(RenderTable(rows, console));
+    return ExitStatus::Done;
+}
+
+}  // namespace
+
+void AddFormatsCommand(CLI::App& app, ExitStatus& status) {
+    auto common = std::make_shared<CommonOptions>();
+    CLI::App* formats = app.add_subcommand("formats", kDescription);
+    common->AddTo(*formats);
+    formats->callback([common, &status] { status = Run(*common); });
+}

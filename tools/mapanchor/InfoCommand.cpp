@@ -1,0 +1,75 @@
+#include "Commands.h"
+#include "CommonOptions.h"
+#include "InputNames.h"
+#include "JsonRenderer.h"
+#include "ReadFile.h"
+#include "ReadOptions.h"
+#include "TextRenderer.h"
+
+#include <memory>
+
+namespace {
+
+constexpr const char* kDescription =
+    "Tell the reference of each file\n\n"
+    "Examples:\n"
+    "  mapanchor info map.tfw\n"
+    "  mapanchor info --size 2000x1000 --fit affine map.tab\n"
+    "  find . -name '*.tfw' -print0 | mapanchor info -0 --json -";
+
+struct InfoOptions {
+    CommonOptions common;
+    ReadOptions read;
+    std::vector<std::string> files;
+    bool nul_separated = false;
+};
+
+/// What many inputs come to: one status for all, or "some failed".
+class Tally {
+public:
+    void Count(ExitStatus status) {
+        const bool usable = status == ExitStatus::Done || status == ExitStatus::Warnings;
+        ++(usable ? usable_ : failed_);
+        if (status == ExitStatus::Warnings) warned_ = true;
+        if (usable) return;
+        failure_ = failed_ == 1 || failure_ == status ? status : ExitStatus::Error;
+    }
+    ExitStatus Status() const {
+        if (failed_ > 0) return usable_ > 0 ? ExitStatus::Warnings : failure_;
+        return warned_ ? ExitStatus::Warnings : ExitStatus::Done;
+    }
+
+private:
+    int usable_ = 0;
+    int failed_ = 0;
+    bool warned_ = false;
+    ExitStatus failure_ = ExitStatus::Done;
+};
+
+ExitStatus Run(const InfoOptions& options) {
+    const Console console = options.common.MakeConsole();
+    LogCollector log;
+    Tally tally;
+    ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
+        const ReadResult result = ReadFile(file, options.read, log);
+        tally.Count(result.Status());
+        if (options.common.json)
+            return console.Print(ToText(RenderJson(result, options.read), options.common));
+        if (result.Ok()) console.Print(RenderText(result, options.read, options.common, console));
+        TalkAbout(file, result.diagnostics, result.failure ? &*result.failure : nullptr, console);
+    });
+    return tally.Status();
+}
+
+}  // namespace
+
+void AddInfoCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<InfoOptions>();
+    CLI::App* info = app.add_subcommand("info", kDescription);
+    info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
+        ->required();
+    info->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    options->read.AddTo(*info);
+    options->common.AddTo(*info);
+    info->callback([options, &status] { status = Run(*options); });
+}

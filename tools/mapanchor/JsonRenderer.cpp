@@ -1,0 +1,141 @@
+#include "JsonRenderer.h"
+
+#include "AffineOf.h"
+#include "ReferenceFacts.h"
+#include "Residuals.h"
+
+#include <Tellurion/BLinearUnit.h>
+
+#include <cmath>
+
+using namespace Tellurion;
+
+namespace {
+
+/// Absent means absent: what JSON cannot tell is left out.
+void PutNumber(Json& object, const char* key, double value) {
+    if (std::isfinite(value)) object[key] = value;
+}
+
+void PutText(Json& object, const char* key, const BString& text) {
+    if (!text.IsEmpty()) object[key] = text.StdStr();
+}
+
+/// GDAL's order, anchored at the outer corner of the top left pixel.
+Json GeoTransform(const std::array<double, 6>& t, bool centre_anchored) {
+    const double half = centre_anchored ? 0.5 : 0.0;
+    const double c = t[2] - half * t[0] - half * t[1];
+    const double f = t[5] - half * t[3] - half * t[4];
+    return Json::array({c, t[0], t[1], f, t[3], t[4]});
+}
+
+Json Gcps(const std::vector<BPointPair>& pairs) {
+    Json list = Json::array();
+    for (const BPointPair& pair : pairs) {
+        Json gcp = {{"id", pair.Name.StdStr()}, {"pixel", pair.Column}, {"line", pair.Row}};
+        PutNumber(gcp, "x", pair.World.x);
+        PutNumber(gcp, "y", pair.World.y);
+        PutNumber(gcp, "z", pair.World.z);
+        list.push_back(std::move(gcp));
+    }
+    return {{"gcpList", std::move(list)}};
+}
+
+Json Points(const std::vector<BPointPair>& pairs, const Residuals& residuals) {
+    Json list = Json::array();
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        const BPointPair& pair = pairs[i];
+        Json point = {{"name", pair.Name.StdStr()}, {"column", pair.Column}, {"row", pair.Row}};
+        PutNumber(point, "x", pair.World.x);
+        PutNumber(point, "y", pair.World.y);
+        PutNumber(point, "z", pair.World.z);
+        point["enabled"] = pair.Enabled;
+        if (residuals.pixels[i]) PutNumber(point, "residualPixels", *residuals.pixels[i]);
+        list.push_back(std::move(point));
+    }
+    return list;
+}
+
+Json Transform(const BMathTransform& transform, const Residuals& residuals) {
+    const EMathTransformType type = transform.GetMathTransformType();
+    Json json = {{"type", static_cast<int>(type)}, {"name", WordFor(type)}};
+    if (residuals.root_mean_square) PutNumber(json, "rmsePixels", *residuals.root_mean_square);
+    if (residuals.maximum) PutNumber(json, "maxPixels", *residuals.maximum);
+    return json;
+}
+
+Json CoordSys(const BCoordSys& system) {
+    Json json = Json::object();
+    PutText(json, "name", system.GetName());
+    json["kind"] = WordForKind(system);
+    PutText(json, "epsg", system.ToEPSGCode());
+    const BSharedPtr<BUnit> unit = system.GetUnits();
+    if (!unit) return json;
+    PutText(json, "units", unit->GetName());
+    if (unit->IsLinear()) PutNumber(json, "unitsPerMetre", unit->GetUnitsPerBase());
+    return json;
+}
+
+void PutReference(Json& top, Json& ours, const ReadResult& result) {
+    const BGeoReference& reference = result.reference;
+    const Residuals residuals = ComputeResiduals(reference);
+    if (const auto affine = AffineOf(reference)) {
+        const auto& t = *affine;
+        top["geoTransform"] = GeoTransform(t, result.centre_anchored);
+        ours["affine"] = {{"a", t[0]}, {"b", t[1]}, {"c", t[2]}, {"d", t[3]}, {"e", t[4]}, {"f", t[5]}};
+        ours["pixelAnchor"] = result.centre_anchored ? "centre" : "corner";
+    }
+    if (reference.HasMathTransform()) ours["transform"] = Transform(*reference.MathTransform, residuals);
+    if (reference.HasCoordSys()) {
+        const BString wkt = reference.CoordSys->ToWKT();
+        if (!wkt.IsEmpty()) top["coordinateSystem"] = {{"wkt", wkt.StdStr()}};
+        ours["coordSys"] = CoordSys(*reference.CoordSys);
+    }
+    if (!reference.PointPairVector.empty()) {
+        top["gcps"] = Gcps(reference.PointPairVector);
+        ours["points"] = Points(reference.PointPairVector, residuals);
+    }
+    if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
+        ours["verticalUnit"] = {{"name", unit->GetName().StdStr()},
+                                {"unitsPerMetre", unit->GetUnitsPerMeter()}};
+    ours["pixelIsPoint"] = reference.IsPixelAsPointRegistered();
+}
+
+}  // namespace
+
+Json RenderJson(const Failure& failure) {
+    Json json = {{"type", failure.type}};
+    for (const auto& [key, text] : {std::pair<const char*, const std::string&>{"message", failure.message},
+                                    {"source", failure.source},
+                                    {"detail", failure.detail}})
+        if (!text.empty()) json[key] = text;
+    return json;
+}
+
+Json RenderJson(const Diagnostics& diagnostics) {
+    Json list = Json::array();
+    for (const Diagnostic& diagnostic : diagnostics)
+        list.push_back({{"severity", diagnostic.Severity()}, {"text", diagnostic.text}});
+    return list;
+}
+
+Json RenderJson(const ReadResult& result, const ReadOptions& options) {
+    Json top = {{"description", result.file}};
+    Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
+    if (result.failure) {
+        ours["error"] = RenderJson(*result.failure);
+    } else {
+        if (options.width) top["size"] = {*options.width, *options.height};
+        if (!result.kind.empty()) ours["referenceType"] = result.kind;
+        ours["road"] = result.road == Road::Name ? "name" : "type";
+        ours["usedFile"] = result.used_file;
+        PutReference(top, ours, result);
+    }
+    ours["diagnostics"] = RenderJson(result.diagnostics);
+    top["mapanchor"] = std::move(ours);
+    return top;
+}
+
+std::string ToText(const Json& json, const CommonOptions& options) {
+    return json.dump(options.indent, ' ', false, Json::error_handler_t::replace) + "\n";
+}

@@ -1,0 +1,208 @@
+#include "ReadFile.h"
+
+#include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BImage.h>
+
+#include <algorithm>
+#include <exception>
+#include <new>
+
+using MapAnchor::BMapAnchor;
+using MapAnchor::BReferenceFormat;
+using MapAnchor::BReferenceFormats;
+using namespace Tellurion;
+
+namespace {
+
+constexpr const char* kSource = "mapanchor";
+
+const std::vector<BReferenceFormat>& Formats() {
+    static const std::vector<BReferenceFormat> formats = BReferenceFormats::List();
+    return formats;
+}
+
+BString LowerExtension(const BString& file) {
+    return BFileUtilities::GetExtension(file).ToLower();
+}
+
+bool Holds(const std::vector<BString>& extensions, const BString& extension) {
+    return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+}
+
+template <class Matches>
+const BReferenceFormat* FindFormat(Matches matches) {
+    const auto found = std::find_if(Formats().begin(), Formats().end(), matches);
+    return found == Formats().end() ? nullptr : &*found;
+}
+
+const BReferenceFormat* FormatNamed(const char* name) {
+    return FindFormat([&](const auto& format) { return format.Name == BString(name); });
+}
+
+/// The kind that answered on the named road. Behind an unknown extension the same
+/// look at the first bytes decides as in the library.
+const BReferenceFormat* KindByName(const BString& file) {
+    const BString extension = LowerExtension(file);
+    if (const auto* format = FindFormat([&](const auto& f) { return Holds(f.ReadExtensions, extension); }))
+        return format;
+    const BReferenceFormat* cadrg = FormatNamed("CADRG");
+    if (cadrg && cadrg->Probed && BImage::CheckIfCADRGReader(file)) return cadrg;
+    const BReferenceFormat* adrg = FormatNamed("ADRG");
+    if (adrg && adrg->Probed && BImage::CheckIfADRGReader(file)) return adrg;
+    return FormatNamed("WLD");
+}
+
+const BReferenceFormat* KindByType(EReferenceType type) {
+    return FindFormat([type](const auto& format) { return format.HasType && format.Type == type; });
+}
+
+bool HasWorldFileExtension(const BString& file) {
+    const BReferenceFormat* world_file = FormatNamed("WLD");
+    return world_file && Holds(world_file->SaveExtensions, LowerExtension(file));
+}
+
+bool IsEmpty(const BGeoReference& reference) {
+    return !reference.HasCoordSys() && !reference.HasMathTransform() && reference.PointPairVector.empty();
+}
+
+void SetKind(ReadResult& result, const BReferenceFormat* format) {
+    if (!format) return;
+    result.kind = format->Name.StdStr();
+    result.centre_anchored = format->CentreAnchored;
+}
+
+void ReadByName(const BString& file, const ReadOptions& options, ReadResult& result) {
+    BString used;
+    BMapAnchor::Read(file, result.reference, used, options.width.value_or(0), options.height.value_or(0),
+                     options.fit, &options.params);
+    result.road = Road::Name;
+    result.used_file = used.StdStr();
+    SetKind(result, KindByName(file));
+}
+
+void ReadByType(const BString& file, EReferenceType type, const ReadOptions& options, ReadResult& result) {
+    BGeoReference reference;
+    BMapAnchor::Read(type, file, reference, options.width.value_or(0), options.height.value_or(0),
+                     options.fit, options.flags, &options.params);
+    result.reference = reference;
+    result.road = Road::Type;
+    result.used_file = file.StdStr();
+    SetKind(result, KindByType(type));
+    if (IsEmpty(reference))
+        result.failure =
+            Failure{"BFileContentNotValidException", "", kSource,
+                    "File <" + result.file + "> does not contain any valid referencing information."};
+}
+
+void AddPrj(const BString& file, ReadResult& result) {
+    const BString prj = BFileUtilities::ChangeExtension(file, "prj");
+    try {
+        if (BCoordSys* system = BCoordSys::FromFile(prj))
+            result.reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
+    } catch (const BException& error) {
+        result.diagnostics.push_back({false, prj.StdStr() + ": " + error.what()});
+    }
+}
+
+/// The second chance of a world file that the named road refused.
+void TryWorldFileByType(const BString& file, const ReadOptions& options, ReadResult& result) {
+    const Failure by_name = *result.failure;
+    result.failure.reset();
+    result.reference = BGeoReference();
+    try {
+        ReadByType(file, EReferenceType::WLD, options, result);
+    } catch (const BException& error) {
+        result.diagnostics.push_back({true, error.what()});
+        result.failure = by_name;
+        return;
+    }
+    if (!result.Ok()) {
+        result.failure = by_name;
+        return;
+    }
+    AddPrj(file, result);
+    result.diagnostics.push_back({false,
+                                  "read by type, because the read by name refuses terms below 1e-7; the prj "
+                                  "file beside it was taken along"});
+}
+
+/// A raster whose sidecar lies beside it: say so, since naming the raster is the usual slip.
+void HintAtSidecar(const BString& file, ReadResult& result) {
+    const BString extension = BMapAnchor::GenerateWorldFileExt(file);
+    for (const BString& candidate : {extension.Right(extension.GetLength() - 1), BString("wld")}) {
+        const BString sidecar = BFileUtilities::ChangeExtension(file, candidate);
+        if (sidecar == file || !BFileUtilities::Exists(sidecar)) continue;
+        result.diagnostics.push_back({false, "a world file lies beside it; name that: " + sidecar.StdStr()});
+        return;
+    }
+}
+
+void Dispatch(const BString& file, const ReadOptions& options, ReadResult& result) {
+    if (options.type) return ReadByType(file, *options.type, options, result);
+    if (LowerExtension(file) == BString(".pdf"))
+        return ReadByType(file, EReferenceType::GeoPDF, options, result);
+    ReadByName(file, options, result);
+}
+
+bool IsUnsupported(const Failure& failure) {
+    return failure.type == "BUnsupportedFileTypeException";
+}
+
+}  // namespace
+
+std::string Failure::Text() const {
+    std::string text = message;
+    if (!text.empty() && !detail.empty()) text += " ";
+    text += detail;
+    return text.empty() ? type : text;
+}
+
+Failure FailureOf(const BException& error) {
+    return {error.GetTypeName(), error.GetMessageText().StdStr(), error.GetSource().StdStr(),
+            error.GetDetail().StdStr()};
+}
+
+Failure CurrentFailure() {
+    try {
+        throw;
+    } catch (const BException& error) {
+        return FailureOf(error);
+    } catch (const std::bad_alloc&) {
+        return {"std::bad_alloc", "Out of memory.", "", ""};
+    } catch (const std::exception& error) {
+        return {"std::exception", error.what(), "", ""};
+    } catch (...) {
+        return {"unknown", "A failure of another library that has no text here.", "", ""};
+    }
+}
+
+ExitStatus ReadResult::Status() const {
+    if (!failure) return diagnostics.empty() ? ExitStatus::Done : ExitStatus::Warnings;
+    if (failure->type == "BFileContentNotValidException") return ExitStatus::NoReference;
+    if (IsUnsupported(*failure) || failure->type == "BGeoReferenceNotSupportedException")
+        return ExitStatus::Refused;
+    return ExitStatus::Error;
+}
+
+ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogCollector& log) {
+    ReadResult result;
+    result.file = name;
+    const BString file(name);
+    if (!name.empty() && !BFileUtilities::Exists(file)) {
+        result.failure =
+            Failure{"BFileNotFoundException", "", kSource, "File <" + name + "> does NOT exist."};
+        return result;
+    }
+    try {
+        Dispatch(file, options, result);
+    } catch (...) {
+        result.failure = CurrentFailure();
+    }
+    const bool refused = result.failure && IsUnsupported(*result.failure);
+    if (refused && !options.type && HasWorldFileExtension(file)) TryWorldFileByType(file, options, result);
+    if (result.failure && IsUnsupported(*result.failure)) HintAtSidecar(file, result);
+    log.MoveTo(result.diagnostics, !result.Ok());
+    return result;
+}

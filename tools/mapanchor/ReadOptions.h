@@ -1,0 +1,24 @@
+#pragma once
+
+#include <Tellurion/BParamList.h>
+#include <Tellurion/EMathTransformType.h>
+#include <Tellurion/EReferenceType.h>
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+/// How a reference is to be read: the arguments of the library, by option.
+struct ReadOptions {
+    std::optional<Tellurion::EReferenceType> type;
+    unsigned int flags = 0;
+    std::optional<long> width;
+    std::optional<long> height;
+    Tellurion::EMathTransformType fit = Tellurion::EMathTransformType::Affine;
+    Tellurion::BParamList params;
+
+    void AddTo(CLI::App& app);
+};
+
+/// The kind that an option's word names; throws CLI::ValidationError for none.
+Tellurion::EReferenceType KindFromWord(const std::string& option, const std::string& word);

@@ -1,0 +1,154 @@
+#include "TextRenderer.h"
+
+#include "AffineOf.h"
+#include "ReferenceFacts.h"
+#include "Residuals.h"
+
+#include <Tellurion/BLinearUnit.h>
+#include <Tellurion/Numbers.h>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Tellurion;
+
+namespace {
+
+std::string Number(double value) {
+    return PrintShortest(value);
+}
+
+/// Characters, not bytes: names align beyond ASCII too.
+std::size_t Width(const std::string& text) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+std::string Padded(const std::string& text, std::size_t width) {
+    const std::size_t have = Width(text);
+    return have < width ? text + std::string(width - have, ' ') : text;
+}
+
+std::string Line(const Console& console, const char* label, const std::string& text) {
+    constexpr std::size_t kLabelWidth = 12;
+    return "  " + console.Dim(Padded(label, kLabelWidth)) + " " + text + "\n";
+}
+
+std::string SystemText(const BCoordSys& system) {
+    std::string text = system.GetName().StdStr();
+    const std::string epsg = system.ToEPSGCode().StdStr();
+    if (!epsg.empty()) text += ", " + epsg;
+    text += std::string(", ") + WordForKind(system);
+    const BSharedPtr<BUnit> unit = system.GetUnits();
+    return unit ? text + ", in " + unit->GetName().StdStr() : text;
+}
+
+/// "2 * column - 0.5 * row + 100", without the terms that are 0.
+std::string Sum(double by_column, double by_row, double constant) {
+    std::string text;
+    const auto add = [&text](double factor, const char* times) {
+        if (factor == 0.0) return;
+        const bool minus = std::signbit(factor);
+        text += text.empty() ? (minus ? "-" : "") : (minus ? " - " : " + ");
+        text += Number(std::fabs(factor)) + times;
+    };
+    add(by_column, " * column");
+    add(by_row, " * row");
+    add(constant, "");
+    return text.empty() ? "0" : text;
+}
+
+std::string AffineText(const std::array<double, 6>& t, const Console& console) {
+    return Line(console, "", "x = " + Sum(t[0], t[1], t[2])) +
+           Line(console, "", "y = " + Sum(t[3], t[4], t[5]));
+}
+
+std::string CornerText(const BMathTransform& transform, double column, double row) {
+    if (!transform.ConvertSourceToTarget(column, row)) return "nowhere";
+    return Number(column) + ", " + Number(row);
+}
+
+std::string CornersText(const BMathTransform& transform, const ReadOptions& options, const Console& console) {
+    if (!options.width) return {};
+    const auto width = static_cast<double>(*options.width);
+    const auto height = static_cast<double>(*options.height);
+    return Line(console, "corners", "upper left   " + CornerText(transform, 0, 0)) +
+           Line(console, "", "upper right  " + CornerText(transform, width, 0)) +
+           Line(console, "", "lower right  " + CornerText(transform, width, height)) +
+           Line(console, "", "lower left   " + CornerText(transform, 0, height));
+}
+
+std::string TransformText(const ReadResult& result, const Residuals& residuals, const ReadOptions& options,
+                          const Console& console) {
+    const BMathTransform& transform = *result.reference.MathTransform;
+    std::string what = WordFor(transform.GetMathTransformType());
+    what += result.centre_anchored ? ", from the centre" : ", from the outer corner";
+    std::string text = Line(console, "transform", what + " of the top left pixel");
+    if (const auto affine = AffineOf(result.reference)) text += AffineText(*affine, console);
+    if (residuals.root_mean_square)
+        text += Line(console, "residuals",
+                     "root mean square " + Number(*residuals.root_mean_square) + ", largest " +
+                         Number(*residuals.maximum) + " pixels");
+    return text + CornersText(transform, options, console);
+}
+
+std::string PointsText(const std::vector<BPointPair>& pairs, const Residuals& residuals,
+                       const Console& console) {
+    std::vector<std::vector<std::string>> rows = {
+        {"point", "column", "row", "x", "y", "z", "residual", "used"}};
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        const BPointPair& pair = pairs[i];
+        rows.push_back({pair.Name.StdStr(), std::to_string(pair.Column), std::to_string(pair.Row),
+                        Number(pair.World.x), Number(pair.World.y), Number(pair.World.z),
+                        residuals.pixels[i] ? PrintFixed(*residuals.pixels[i], 3) : "-",
+                        pair.Enabled ? "yes" : "no"});
+    }
+    return RenderTable(rows, console);
+}
+
+const char* RoadText(Road road) {
+    return road == Road::Name ? "by name" : "by type";
+}
+
+}  // namespace
+
+std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console) {
+    std::vector<std::size_t> widths(rows.front().size(), 0);
+    for (const auto& row : rows)
+        for (std::size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], Width(row[column]));
+    std::string text;
+    for (const auto& row : rows) {
+        std::string line = " ";
+        for (std::size_t column = 0; column < row.size(); ++column)
+            line += " " + (column + 1 < row.size() ? Padded(row[column], widths[column]) : row[column]);
+        text += (&row == &rows.front() ? console.Bold(line) : line) + "\n";
+    }
+    return text;
+}
+
+std::string RenderText(const ReadResult& result, const ReadOptions& options, const CommonOptions& common,
+                       const Console& console) {
+    const BGeoReference& reference = result.reference;
+    const Residuals residuals = ComputeResiduals(reference);
+    std::string text = console.Bold(result.file) + "\n";
+    text += Line(console, "read as",
+                 result.kind + ", " + RoadText(result.road) +
+                     (result.used_file == result.file ? "" : ", from " + result.used_file));
+    text += Line(console, "system", reference.HasCoordSys() ? SystemText(*reference.CoordSys) : "none");
+    if (reference.HasMathTransform()) text += TransformText(result, residuals, options, console);
+    if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
+        text += Line(console, "heights", "in " + unit->GetName().StdStr());
+    if (reference.IsPixelAsPointRegistered()) text += Line(console, "pixels", "stand for points");
+    if (!reference.PointPairVector.empty()) text += PointsText(reference.PointPairVector, residuals, console);
+    if (common.verbose && reference.HasCoordSys())
+        text += Line(console, "text", reference.CoordSys->ToWKT().StdStr());
+    return text;
+}
+
+void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,
+               const Console& console) {
+    if (failure) console.Complain("mapanchor: " + file + ": error: " + failure->Text());
+    for (const Diagnostic& diagnostic : diagnostics)
+        console.Talk("mapanchor: " + file + ": " + diagnostic.Severity() + ": " + diagnostic.text);
+}

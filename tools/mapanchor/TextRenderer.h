@@ -1,0 +1,19 @@
+#pragma once
+
+#include "CommonOptions.h"
+#include "ReadFile.h"
+#include "ReadOptions.h"
+
+#include <string>
+#include <vector>
+
+/// What a person sees of one input; ends in a line end.
+std::string RenderText(const ReadResult& result, const ReadOptions& options, const CommonOptions& common,
+                       const Console& console);
+
+/// Says the remarks about a file, and its failure, on stderr.
+void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,
+               const Console& console);
+
+/// Rows of equal length as columns; the first row is the heading.
+std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console);

@@ -1,0 +1,87 @@
+#include "Commands.h"
+#include "Console.h"
+#include "JsonRenderer.h"
+
+#include <algorithm>
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr const char* kDescription =
+    "Read and write where rasters and maps lie on the Earth\n\n"
+    "Examples:\n"
+    "  mapanchor map.tfw                   tell the reference of a file\n"
+    "  mapanchor --json *.tfw              one JSON object a line\n"
+    "  mapanchor convert map.tfw copy.jgw  save it as another kind\n"
+    "  mapanchor formats                   what can be read and saved here";
+
+/// True when the option takes the next word as its value.
+bool TakesValue(CLI::App& command, const std::string& word) {
+    if (word.find('=') != std::string::npos) return false;
+    const CLI::Option* option = command.get_option_no_throw(word);
+    return option && option->get_items_expected_max() > 0;
+}
+
+bool IsSubcommand(const CLI::App& app, const std::string& word) {
+    return !app.get_subcommands([&word](const CLI::App* command) { return command->get_name() == word; }).empty();
+}
+
+/// "mapanchor [options] FILE..." means info, and a subcommand may stand behind the
+/// options: it moves to the front, where the parser looks for it.
+std::vector<std::string> NormalWords(CLI::App& app, std::vector<std::string> words) {
+    CLI::App& info = *app.get_subcommand("info");
+    auto first = words.begin();
+    while (first != words.end() && first->size() > 1 && first->front() == '-') {
+        if (app.get_option_no_throw(*first)) return words;
+        first += TakesValue(info, *first) && first + 1 != words.end() ? 2 : 1;
+    }
+    if (words.empty()) return words;
+    if (first != words.end() && IsSubcommand(app, *first))
+        std::rotate(words.begin(), first, first + 1);
+    else
+        words.insert(words.begin(), "info");
+    return words;
+}
+
+ExitStatus RunProgram(int argc, char** argv) {
+    CLI::App app(kDescription, "mapanchor");
+    ExitStatus status = ExitStatus::Done;
+    bool schema = false;
+    app.set_version_flag("--version", "mapanchor " MAPANCHOR_VERSION);
+    app.add_flag("--json-schema", schema, "Print the schema of the JSON output");
+    AddInfoCommand(app, status);
+    AddConvertCommand(app, status);
+    AddFormatsCommand(app, status);
+    AddExtCommand(app, status);
+    app.require_subcommand(0, 1);
+    try {
+        std::vector<std::string> words = NormalWords(app, {argv + 1, argv + argc});
+        std::reverse(words.begin(), words.end());  // the parser takes them from the back
+        app.parse(words);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? ExitStatus::Done : ExitStatus::Usage;
+    }
+    if (schema) {
+        Console(ColorMode::Never, false).Print(kJsonSchema);
+        return ExitStatus::Done;
+    }
+    if (!app.get_subcommands().empty()) return status;
+    std::cerr << app.help();
+    return ExitStatus::Usage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write that fails
+    try {
+        return static_cast<int>(RunProgram(argc, argv));
+    } catch (const std::exception& error) {
+        std::cerr << "mapanchor: error: " << error.what() << "\n";
+        return static_cast<int>(ExitStatus::Error);
+    }
+}
