@@ -1,0 +1,59 @@
+#include "RunTool.h"
+
+#include "SchemaCheck.h"
+#include "TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <sstream>
+
+namespace {
+
+void Redirect(const std::string& path, int flags, int to) {
+    const int descriptor = open(path.c_str(), flags, 0600);
+    if (descriptor < 0 || dup2(descriptor, to) < 0) _exit(125);
+    close(descriptor);
+}
+
+[[noreturn]] void Become(const std::vector<std::string>& words, const ToolSetting& setting,
+                         const std::string& in, const std::string& out, const std::string& err) {
+    Redirect(in, O_RDONLY, STDIN_FILENO);
+    Redirect(out, O_WRONLY | O_CREAT, STDOUT_FILENO);
+    Redirect(err, O_WRONLY | O_CREAT, STDERR_FILENO);
+    for (const auto& [name, value] : setting.environment)
+        setenv(name.c_str(), value.c_str(), 1);
+    std::vector<char*> arguments = {const_cast<char*>(MAPANCHOR_TOOL)};
+    for (const std::string& word : words)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    execv(MAPANCHOR_TOOL, arguments.data());
+    _exit(126);
+}
+
+}  // namespace
+
+ToolRun RunTool(const std::vector<std::string>& words, const ToolSetting& setting) {
+    const TempFolder folder;
+    const std::string in = folder.Write("in", setting.in);
+    const std::string out = setting.out_path.empty() ? folder / "out" : setting.out_path;
+    const std::string err = folder / "err";
+    const pid_t child = fork();
+    if (child == 0) Become(words, setting, in, out, err);
+    int state = 0;
+    if (child < 0 || waitpid(child, &state, 0) != child) return {};
+    const int status = WIFEXITED(state) ? WEXITSTATUS(state) : 128 + WTERMSIG(state);
+    return {status, setting.out_path.empty() ? TempFolder::Slurp(out) : "", TempFolder::Slurp(err)};
+}
+
+std::vector<nlohmann::json> ToolRun::Objects() const {
+    std::vector<nlohmann::json> objects;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);) {
+        objects.push_back(nlohmann::json::parse(line));
+        EXPECT_EQ(SchemaFault(objects.back()), "") << line;
+    }
+    return objects;
+}
