@@ -16,9 +16,9 @@ struct ToolRun {
 };
 
 struct ToolSetting {
-    std::string in;                                                ///< standard input
-    std::vector<std::pair<std::string, std::string>> environment;  ///< added to the caller's
-    std::string out_path;                                          ///< stdout goes there instead
+    std::string in = {};                                                ///< standard input
+    std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to the caller's
+    std::string out_path = {};                                          ///< stdout goes there instead
 };
 
 /// Runs the mapanchor that was built with these tests.
