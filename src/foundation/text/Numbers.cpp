@@ -42,7 +42,8 @@ bool BeginsHexadecimal(std::string_view text) {
 /// open. strtod in the C locale knows; it wants a terminated copy.
 double OutOfRange(std::string_view number, bool hexadecimal) {
     static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
-    const std::string copy = (hexadecimal ? "0x" : "") + std::string(number);
+    std::string copy(hexadecimal ? "0x" : "");
+    copy.append(number);
     return strtod_l(copy.c_str(), nullptr, c_locale);
 }
 
@@ -78,7 +79,8 @@ long ParseLong(std::string_view text) {
     if (rest.empty() || rest.front() == '-') return 0;
     const auto digits_end =
         std::find_if_not(rest.begin(), rest.end(), [](char c) { return c >= '0' && c <= '9'; });
-    const std::string number = (minus ? "-" : "") + std::string(rest.begin(), digits_end);
+    std::string number(minus ? "-" : "");
+    number.append(rest.begin(), digits_end);
     long value = 0;
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
     if (error == std::errc::result_out_of_range)

@@ -11,15 +11,15 @@
 namespace Tellurion {
 namespace {
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
 template <class... Args>
 std::string Printf(const char* format, Args... arguments) {
     char buffer[2048];
     const int length = std::snprintf(buffer, sizeof buffer, format, arguments...);
     return {buffer, static_cast<std::size_t>(length)};
 }
-
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
 TEST(Format, NumbersReadAsPrintfWritesThem) {
     const double reals[] = {0.0,     -0.0,    1.5,   -2.675,    1e22,    1e-8,    123456789.987654321,
