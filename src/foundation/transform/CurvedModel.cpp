@@ -18,6 +18,8 @@ constexpr double kLastStep = 1e-10;
 /// A slope this far below its terms is none.
 constexpr double kFlat = 1e-13;
 constexpr int kStartsPerAxis = 5;
+/// The net on which the raster is searched for folds.
+constexpr int kNodesPerAxis = 9;
 /// No more points than this are asked whether the fit has an inverse.
 constexpr Eigen::Index kSlopeSamples = 64;
 
@@ -49,14 +51,21 @@ CurvedModel::CurvedModel(EMathTransformType type, const FitSpace& space, RasterS
     guess_.col(2) = -guess_.leftCols<2>() * terms.row(2).transpose();
 }
 
-void CurvedModel::RequireInverse(const FitSpace& space, const FitRule& rule) const {
+void CurvedModel::Examine(const FitSpace& space, const FitRule& rule) {
     const Eigen::Index count = space.from.rows();
     const Eigen::Index step = 1 + (count - 1) / kSlopeSamples;
-    for (Eigen::Index i = 0; i < count; i += step) {
+    bool invertible = false;
+    for (Eigen::Index i = 0; i < count && !invertible; i += step) {
         const Eigen::Matrix2d slope = Evaluate(space.from.row(i).transpose()).slope;
-        if (std::abs(slope.determinant()) > kRankTolerance * slope.squaredNorm()) return;
+        invertible = std::abs(slope.determinant()) > kRankTolerance * slope.squaredNorm();
     }
-    RefuseFit("The %s fit through the %td enabled points cannot be inverted", rule.name, count);
+    if (!invertible)
+        RefuseFit("The %s fit through the %td enabled points cannot be inverted", rule.name, count);
+    for (int k = 0; k < kNodesPerAxis * kNodesPerAxis && !folded_; ++k) {
+        const Eigen::Array2d place(k % kNodesPerAxis, k / kNodesPerAxis);
+        folded_ =
+            !IsUnfolded(raster_.min() + (raster_.sizes().array() * place / (kNodesPerAxis - 1)).matrix());
+    }
 }
 
 bool CurvedModel::ToTarget(double& x, double& y) const {
@@ -72,7 +81,7 @@ bool CurvedModel::ToSource(double& x, double& y) const {
     for (int k = -1; k < kStartsPerAxis * kStartsPerAxis && nearest_distance > 0; ++k) {
         Eigen::Vector2d from = k < 0 ? Eigen::Vector2d(guess_ * to.homogeneous()) : StartPlace(k);
         if (!Descend(to, from)) continue;
-        if (k < 0 && IsUnfolded(from)) return Assign(from, x, y);
+        if (k < 0 && !folded_ && IsUnfolded(from)) return Assign(from, x, y);
         const double distance = raster_.exteriorDistance(from);
         if (distance < nearest_distance) {
             nearest = from;
@@ -87,8 +96,7 @@ Eigen::Vector2d CurvedModel::StartPlace(int k) const {
     return raster_.min() + (raster_.sizes().array() * place / kStartsPerAxis).matrix();
 }
 
-/// True where the plane has the same side up as in the affine transform: such a
-/// place outside the raster lies before the first fold.
+/// True where the plane has the same side up as in the affine transform.
 bool CurvedModel::IsUnfolded(const Eigen::Vector2d& from) const {
     return (Evaluate(from).slope.determinant() < 0) == mirrored_;
 }

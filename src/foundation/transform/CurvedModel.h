@@ -27,9 +27,9 @@ protected:
     CurvedModel(EMathTransformType type, const FitSpace& space, RasterSize raster);
 
     virtual Jet Evaluate(const Eigen::Vector2d& from) const = 0;
-    /// Throws a BException when the slopes at the points are those of a transform
-    /// that squeezes the plane into a line.
-    void RequireInverse(const FitSpace& space, const FitRule& rule) const;
+    /// The last step of a fit. Throws a BException when the slopes at the points are
+    /// those of a transform that squeezes the plane into a line.
+    void Examine(const FitSpace& space, const FitRule& rule);
 
 private:
     bool Descend(const Eigen::Vector2d& to, Eigen::Vector2d& from) const;
@@ -44,6 +44,9 @@ private:
     /// The inverse of the best affine transform through the points: from = guess_ * (to, 1).
     Eigen::Matrix<double, 2, 3> guess_;
     bool mirrored_ = false;
+    /// Somewhere in the raster the other side is up. Without such a fold the first
+    /// pixel found outside needs no search for one inside.
+    bool folded_ = false;
 };
 
 }  // namespace Tellurion

@@ -9,7 +9,7 @@
 namespace Tellurion {
 namespace {
 
-/// A part of the largest square that a determinant in unit space must exceed.
+/// In unit space, what the squares of the terms must exceed, and of these the determinant.
 constexpr double kSingular = 1e-10;
 
 /// An affine transform in unit space: to = matrix * from + shift.
@@ -18,16 +18,18 @@ struct UnitAffine {
     Eigen::Vector2d shift;
 };
 
-/// Terms that move no point by as much as the last digit of its coordinates are what
-/// rounding left; without them a raster parallel to the axes stays so.
-void DropRounding(UnitAffine& fit, const ControlPoints& points, const FitSpace& space) {
-    for (Eigen::Index axis = 0; axis < 2; ++axis) {
-        const double digit =
-            points.world.col(axis).cwiseAbs().maxCoeff() * std::numeric_limits<double>::epsilon();
-        const double bound = digit / space.target.scale[axis];
-        for (double& term : fit.matrix.row(axis))
-            if (std::abs(term) <= bound) term = 0.0;
-    }
+/// In unit space, the last digit of the largest coordinate of each axis.
+Eigen::Vector2d LastDigits(const ControlPoints& points, const FitSpace& space) {
+    const Eigen::Vector2d reach = points.world.cwiseAbs().colwise().maxCoeff();
+    return std::numeric_limits<double>::epsilon() * reach.cwiseQuotient(space.target.scale);
+}
+
+/// Terms that move no point by as much as `digits` are what rounding left; without
+/// them a raster parallel to the axes stays so.
+void DropRounding(Eigen::Matrix2d& matrix, const Eigen::Vector2d& digits) {
+    for (Eigen::Index axis = 0; axis < 2; ++axis)
+        for (double& term : matrix.row(axis))
+            if (std::abs(term) <= digits[axis]) term = 0.0;
 }
 
 AffineTerms FromUnit(const UnitAffine& fit, const FitSpace& space) {
@@ -45,11 +47,11 @@ AffineTerms FromUnit(const UnitAffine& fit, const FitSpace& space) {
     return {term(0, 0), term(0, 1), shift(0), term(1, 0), term(1, 1), shift(1)};
 }
 
-ModelPointer MakeModel(UnitAffine fit, const ControlPoints& points, const FitSpace& space,
+ModelPointer MakeModel(const UnitAffine& fit, const ControlPoints& points, const FitSpace& space,
                        const FitRule& rule, EMathTransformType type) {
-    if (std::abs(fit.matrix.determinant()) <= kSingular * fit.matrix.squaredNorm())
+    const double size = fit.matrix.squaredNorm();
+    if (size <= kSingular || std::abs(fit.matrix.determinant()) <= kSingular * size)
         RefuseFit("The %s fit through the %td enabled points cannot be inverted", rule.name, points.Count());
-    DropRounding(fit, points, space);
     auto model = AffineModel::Make(FromUnit(fit, space), type);
     if (!model)
         RefuseFit("The terms of the %s fit through the %td enabled points are out of range", rule.name,
@@ -60,8 +62,7 @@ ModelPointer MakeModel(UnitAffine fit, const ControlPoints& points, const FitSpa
 /// A conformal fit of one handedness: x' = a x + b y + c, y' = sign * (b x - a y) + f,
 /// mirrored for sign 1, a rotation for -1.
 struct ConformalFit {
-    ConformalFit(const FitSpace& space, double sign) {
-        const Eigen::Index count = space.from.rows();
+    ConformalFit(const FitSpace& space, double sign) : count(space.from.rows()) {
         Eigen::MatrixXd design = Eigen::MatrixXd::Zero(2 * count, 4);
         design.col(0) << space.from.col(0), -sign * space.from.col(1);
         design.col(1) << space.from.col(1), sign * space.from.col(0);
@@ -74,16 +75,15 @@ struct ConformalFit {
         residual = (observed - design * terms).norm();
     }
 
+    Eigen::Index count;
     UnitAffine unit;
     double residual;
 };
 
 /// True when the rotation fits better by more than rounding.
-bool IsRotation(const ConformalFit& mirrored, const ConformalFit& rotated, const ControlPoints& points,
-                const FitSpace& space) {
-    const double reach = points.world.cwiseAbs().maxCoeff() / space.target.scale[0];
-    const double rounding = 8 * std::numeric_limits<double>::epsilon() * (1 + reach) *
-                            std::sqrt(static_cast<double>(points.Count()));
+bool IsRotation(const ConformalFit& mirrored, const ConformalFit& rotated, double digits) {
+    const double rounding = 8 * (digits + std::numeric_limits<double>::epsilon()) *
+                            std::sqrt(static_cast<double>(mirrored.count));
     return rotated.residual + rounding < mirrored.residual * (1 - 1e-9);
 }
 
@@ -95,8 +95,9 @@ ModelPointer FitAffine(const ControlPoints& points, const FitRule& rule) {
     Eigen::MatrixXd design(points.Count(), 3);
     design << space.from, Eigen::VectorXd::Ones(points.Count());
     const Eigen::Matrix<double, 3, 2> terms = LeastSquares(design).Solve(space.to);
-    return MakeModel({terms.topRows<2>().transpose(), terms.row(2).transpose()}, points, space, rule,
-                     EMathTransformType::Affine);
+    UnitAffine fit{terms.topRows<2>().transpose(), terms.row(2).transpose()};
+    DropRounding(fit.matrix, LastDigits(points, space));
+    return MakeModel(fit, points, space, rule, EMathTransformType::Affine);
 }
 
 ModelPointer FitConformal(const ControlPoints& points, const FitRule& rule) {
@@ -104,8 +105,11 @@ ModelPointer FitConformal(const ControlPoints& points, const FitRule& rule) {
     const FitSpace space(points, Scaling::Common, Scaling::Common);
     const ConformalFit mirrored(space, 1.0);
     const ConformalFit rotated(space, -1.0);
-    return MakeModel(IsRotation(mirrored, rotated, points, space) ? rotated.unit : mirrored.unit, points,
-                     space, rule, EMathTransformType::Conformal);
+    // One bound for both axes, so that the terms stay equal in pairs.
+    const double digits = LastDigits(points, space).maxCoeff();
+    UnitAffine fit = (IsRotation(mirrored, rotated, digits) ? rotated : mirrored).unit;
+    DropRounding(fit.matrix, Eigen::Vector2d::Constant(digits));
+    return MakeModel(fit, points, space, rule, EMathTransformType::Conformal);
 }
 
 }  // namespace Tellurion

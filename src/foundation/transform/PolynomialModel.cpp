@@ -53,7 +53,7 @@ public:
         const Eigen::MatrixXd unknowns = squares.Solve(space.to);
         for (Eigen::Index k = 0; k < unknowns.rows(); ++k)
             factors_.emplace_back(unknowns.row(k).transpose());
-        RequireInverse(space, rule);
+        Examine(space, rule);
     }
 
 protected:

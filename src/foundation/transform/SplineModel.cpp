@@ -89,7 +89,7 @@ public:
         Add(system.Solve(space.to));
         for (int round = 0; round < kRefinements; ++round)
             Add(system.Solve(LeftOver(space)));
-        RequireInverse(space, rule);
+        Examine(space, rule);
     }
 
 protected:

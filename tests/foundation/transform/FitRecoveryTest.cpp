@@ -1,0 +1,308 @@
+#include "Warps.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <tuple>
+
+namespace Tellurion {
+namespace {
+
+using Type = EMathTransformType;
+
+// Pixels are square in `kUtm` only: the conformal cases have a row of their own.
+Place Skewed(double u, double v) {
+    return {0.02 + 0.95 * u + 0.03 * v, -0.01 - 0.04 * u + 1.02 * v};
+}
+Place Turned(double u, double v) {
+    return {0.96 * u - 0.28 * 0.8 * v, 0.28 * 1.25 * u + 0.96 * v};
+}
+Place TurnedOver(double u, double v) {
+    return {0.96 * u + 0.28 * 0.8 * v, 0.28 * 1.25 * u - 0.96 * v};
+}
+Place Quadratic(double u, double v) {
+    return {u + 0.05 * u * u - 0.04 * u * v + 0.02 * v * v, v - 0.03 * u * u + 0.06 * u * v + 0.01 * v * v};
+}
+Place Cubic(double u, double v) {
+    return {u + 0.05 * u * u * v - 0.04 * v * v * v, v + 0.03 * u * u * u - 0.05 * u * v * v + 0.02 * u * u};
+}
+/// Its slope in the middle is a hundredth of that at the ends.
+Place NearlyFlat(double u, double v) {
+    const double p = u - 0.5, q = v - 0.5;
+    return {0.5 + 0.03 * p + 4 * p * p * p, 0.5 + 0.03 * q + 4 * q * q * q + 0.1 * p};
+}
+Place Perspective(double u, double v) {
+    const double depth = 1 + 0.3 * u - 0.4 * v;
+    return {(0.1 + 0.9 * u - 0.05 * v) / depth, (0.02 * u + 0.8 * v) / depth};
+}
+Place FromBehind(double u, double v) {
+    const double depth = 1.5 - 0.6 * u + 0.2 * v;
+    return {(1 - 0.8 * u + 0.1 * v) / depth, (1 - 0.1 * u - 0.7 * v) / depth};
+}
+Place Twisted(double u, double v) {
+    return {u + 0.2 * u * v, v - 0.15 * u * v};
+}
+
+struct RecoveryCase {
+    const char* name;
+    Type type;
+    Warp warp;
+};
+std::ostream& operator<<(std::ostream& out, const RecoveryCase& c) {
+    return out << c.name;
+}
+
+class FitRecovery : public testing::TestWithParam<std::tuple<RecoveryCase, World, bool>> {};
+
+// The pixel's size is 0.5 m or 7e-6 degrees by 5e-6; a millionth of it is the bound.
+TEST_P(FitRecovery, FindsTheTransformItsPointsCameFrom) {
+    const auto& [c, world, knows_raster] = GetParam();
+    const BMathTransform fit(c.type, GridOn(c.warp, world, 5), knows_raster ? kWidth : 0,
+                             knows_raster ? kHeight : 0, true);
+    EXPECT_EQ(fit.GetMathTransformType(), c.type);
+    const double bound_x = 1e-6 * world.width / kWidth, bound_y = 1e-6 * world.height / kHeight;
+    for (double column = 0; column <= kWidth; column += 400)
+        for (double row = 0; row <= kHeight; row += 400) {
+            double x = column, y = row;
+            ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
+            const Place truth = Truth(c.warp, world, column, row);
+            ASSERT_NEAR(x, truth.x, bound_x) << column << " " << row;
+            ASSERT_NEAR(y, truth.y, bound_y) << column << " " << row;
+            ASSERT_TRUE(fit.ConvertTargetToSource(x, y)) << column << " " << row;
+            ASSERT_NEAR(x, column, 1e-6);
+            ASSERT_NEAR(y, row, 1e-6);
+        }
+}
+
+constexpr RecoveryCase kAnyAspect[] = {
+    {"affine", Type::Affine, Skewed},
+    {"second_order", Type::Polynomial2, Quadratic},
+    {"second_order_of_affine", Type::Polynomial2, Skewed},
+    {"third_order", Type::Polynomial3, Cubic},
+    {"third_order_nearly_flat", Type::Polynomial3, NearlyFlat},
+    {"third_order_of_second", Type::Polynomial3, Quadratic},
+    {"projective", Type::Projective, Perspective},
+    {"projective_of_affine", Type::Projective, Skewed},
+    {"projective_upside_down", Type::Projective, FromBehind},
+    {"spline_of_affine", Type::ThinPlateSpline, Skewed},
+    {"bilinear", Type::Bilinear, Twisted},
+};
+constexpr RecoveryCase kConformal[] = {
+    {"conformal_north_up", Type::Conformal, Turned},
+    {"conformal_south_up", Type::Conformal, TurnedOver},
+};
+
+std::string NameOf(const testing::TestParamInfo<FitRecovery::ParamType>& info) {
+    return std::string(std::get<0>(info.param).name) + "_" + std::get<1>(info.param).name +
+           (std::get<2>(info.param) ? "" : "_unknown_raster");
+}
+INSTANTIATE_TEST_SUITE_P(AnyAspect, FitRecovery,
+                         testing::Combine(testing::ValuesIn(kAnyAspect), testing::Values(kUtm, kGeographic),
+                                          testing::Bool()),
+                         NameOf);
+INSTANTIATE_TEST_SUITE_P(SquarePixels, FitRecovery,
+                         testing::Combine(testing::ValuesIn(kConformal), testing::Values(kUtm),
+                                          testing::Bool()),
+                         NameOf);
+
+struct ExactCase {
+    const char* name;
+    Type type;
+    std::size_t points;
+};
+std::ostream& operator<<(std::ostream& out, const ExactCase& c) {
+    return out << c.name;
+}
+class ExactFit : public testing::TestWithParam<ExactCase> {};
+
+// With as many points as terms a fit goes through each, whatever their positions.
+TEST_P(ExactFit, GoesThroughItsPoints) {
+    constexpr std::array<std::array<long, 2>, 10> kPixels = {{{120, 80},
+                                                              {9800, 300},
+                                                              {400, 7700},
+                                                              {9500, 7900},
+                                                              {5100, 3900},
+                                                              {5300, 200},
+                                                              {250, 4100},
+                                                              {9700, 4400},
+                                                              {4700, 7600},
+                                                              {2500, 2300}}};
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> noise(-100.0, 100.0);
+    std::vector<BPointPair> pairs;
+    for (std::size_t i = 0; i < GetParam().points; ++i) {
+        const auto [column, row] = kPixels[i];
+        const Place truth = Truth(Skewed, kUtm, static_cast<double>(column), static_cast<double>(row));
+        pairs.push_back(PointAt(column, row, {truth.x + noise(random), truth.y + noise(random)}));
+    }
+    const BMathTransform fit(GetParam().type, pairs, kWidth, kHeight, true);
+    for (const BPointPair& pair : pairs) {
+        double x = pair.Column, y = pair.Row;
+        ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
+        EXPECT_NEAR(x, pair.World.x, 1e-8);
+        EXPECT_NEAR(y, pair.World.y, 1e-8);
+        ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
+        EXPECT_NEAR(x, pair.Column, 1e-6);
+        EXPECT_NEAR(y, pair.Row, 1e-6);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, ExactFit,
+                         testing::Values(ExactCase{"affine", Type::Affine, 3},
+                                         ExactCase{"conformal", Type::Conformal, 2},
+                                         ExactCase{"second_order", Type::Polynomial2, 6},
+                                         ExactCase{"third_order", Type::Polynomial3, 10},
+                                         ExactCase{"projective", Type::Projective, 4},
+                                         ExactCase{"bilinear", Type::Bilinear, 4},
+                                         ExactCase{"spline_of_three", Type::ThinPlateSpline, 3},
+                                         ExactCase{"spline_of_ten", Type::ThinPlateSpline, 10}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// The third differences 1 -3 3 -1 on a grid of 4 by 4 are at right angles to all that
+// a fit can follow, so least squares leaves them over whole. A projective fit by its
+// linear equations alone would be off by a pixel here.
+TEST(LeastSquaresFit, LeavesOutWhatNoFitCanFollow) {
+    constexpr double kThird[] = {1, -3, 3, -1};
+    std::vector<BPointPair> pairs;
+    for (int j = 0; j < 4; ++j)
+        for (int i = 0; i < 4; ++i) {
+            Place world = Truth(Turned, kUtm, i * 3000, j * 2400);
+            world.x += 20 * kThird[i] * kThird[j];
+            world.y -= 10 * kThird[i] * kThird[j];
+            pairs.push_back(PointAt(i * 3000, j * 2400, world));
+        }
+    for (const Type type : {Type::Affine, Type::Conformal, Type::Polynomial2, Type::Polynomial3,
+                            Type::Projective, Type::Bilinear}) {
+        const BMathTransform fit(type, pairs, kWidth, kHeight, true);
+        for (const auto& [column, row] : {Place{0, 0}, {9999, 0}, {5000, 4000}, {1234, 7777}}) {
+            double x = column, y = row;
+            ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
+            const Place truth = Truth(Turned, kUtm, column, row);
+            EXPECT_NEAR(x, truth.x, 1e-5) << static_cast<int>(type);
+            EXPECT_NEAR(y, truth.y, 1e-5) << static_cast<int>(type);
+        }
+    }
+}
+
+TEST(ConformalFit, TakesRowsDownWhereThePointsLeaveItOpen) {
+    // Two points, and five on one line: both hands fit them.
+    for (const long count : {2L, 5L}) {
+        std::vector<BPointPair> pairs;
+        for (long i = 0; i < count; ++i)
+            pairs.push_back(PointAt(
+                100 + 300 * i, 200 + 700 * i,
+                {400000.1 + 150.3 * static_cast<double>(i), 6000000.2 - 350.7 * static_cast<double>(i)}));
+        double a, b, c, d, e, f;
+        BMathTransform(Type::Conformal, pairs, 0, 0, true).GetAffineParameters(a, b, c, d, e, f);
+        EXPECT_DOUBLE_EQ(a, -e);
+        EXPECT_DOUBLE_EQ(b, d);
+        EXPECT_NEAR(a, 0.501, 1e-9);
+    }
+}
+
+TEST(Spline, MeetsEveryPointOfADenseNet) {
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> noise(-20.0, 20.0);
+    std::vector<BPointPair> pairs = GridOn(Skewed, kUtm, 14);
+    for (BPointPair& pair : pairs) {
+        pair.World.x += noise(random);
+        pair.World.y += noise(random);
+    }
+    // Neighbours by one pixel, and by a corner.
+    for (const auto& [column, row] : {Place{5001, 4001}, {5002, 4001}, {5003, 4002}})
+        pairs.push_back(
+            PointAt(static_cast<long>(column), static_cast<long>(row), Truth(Skewed, kUtm, column, row)));
+    const BMathTransform fit(Type::ThinPlateSpline, pairs, kWidth, kHeight, true);
+    for (const BPointPair& pair : pairs) {
+        double x = pair.Column, y = pair.Row;
+        ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
+        EXPECT_NEAR(x, pair.World.x, 1e-7);
+        EXPECT_NEAR(y, pair.World.y, 1e-7);
+        ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
+        EXPECT_NEAR(x, pair.Column, 1e-8);
+        EXPECT_NEAR(y, pair.Row, 1e-8);
+    }
+}
+
+// A second order transform folds the plane: beyond the fold there is no pixel, and
+// before it there are two, one of them far from the raster.
+TEST(CurvedInverse, ChoosesThePixelInTheRasterOrNone) {
+    const Warp fold = [](double u, double v) { return Place{u * (2.2 - u), v}; };
+    for (const Type type : {Type::Polynomial2, Type::Polynomial3}) {
+        const BMathTransform fit(type, GridOn(fold, kUtm, 5), kWidth, kHeight, true);
+        for (const double column : {0.0, 5000.0, 9900.0, 10000.0}) {
+            const Place world = Truth(fold, kUtm, column, 4000);
+            double x = world.x, y = world.y;
+            ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
+            EXPECT_NEAR(x, column, 1e-6);
+        }
+        // Here the raster itself folds: of two pixels outside the nearer one, at -0.1 and 1.7 of its width.
+        const Warp inside = [](double u, double v) { return Place{u * (1.6 - u), v}; };
+        const BMathTransform folded(type, GridOn(inside, kUtm, 5), kWidth, kHeight, true);
+        EXPECT_NEAR(folded.ConvertTargetToSource(BPoint(kUtm.left - 0.17 * kUtm.width, kUtm.top, 0)).x, -1000,
+                    1e-6);
+        const double beyond = kUtm.left + 1.22 * kUtm.width, north = kUtm.top - 0.5 * kUtm.height;
+        double x = beyond, y = north;
+        EXPECT_FALSE(fit.ConvertTargetToSource(x, y));
+        EXPECT_EQ(x, beyond);
+        EXPECT_EQ(y, north);
+    }
+}
+
+// Points that are wrong by a tenth of the raster make fits that fold inside it. Then
+// a value has several pixels; whichever is found, it has that value and is inside.
+TEST(CurvedInverse, StaysInAFoldedRaster) {
+    std::mt19937 random(23);
+    std::uniform_real_distribution<double> part(-1.0, 1.0);
+    int elsewhere = 0;
+    for (const Type type : {Type::Polynomial2, Type::Polynomial3, Type::ThinPlateSpline, Type::Bilinear})
+        for (int round = 0; round < 20; ++round) {
+            auto pairs = GridOn(Skewed, kUtm, 4);
+            for (BPointPair& pair : pairs) {
+                pair.World.x += 1500 * part(random);
+                pair.World.y += 1500 * part(random);
+            }
+            const BMathTransform fit(type, pairs, kWidth, kHeight, true);
+            for (int k = 0; k < 50; ++k) {
+                const double column = 5000 + 5000 * part(random), row = 4000 + 4000 * part(random);
+                const BPoint world = fit.ConvertSourceToTarget(BPoint(column, row, 0));
+                const BPoint pixel = fit.ConvertTargetToSource(world);
+                elsewhere += std::hypot(pixel.x - column, pixel.y - row) > 1e-6 ? 1 : 0;
+                ASSERT_NEAR(pixel.x, 5000, 5000 + 1e-6) << static_cast<int>(type);
+                ASSERT_NEAR(pixel.y, 4000, 4000 + 1e-6) << static_cast<int>(type);
+                const BPoint again = fit.ConvertSourceToTarget(pixel);
+                ASSERT_NEAR(again.x, world.x, 1e-6);
+                ASSERT_NEAR(again.y, world.y, 1e-6);
+            }
+        }
+    EXPECT_GT(elsewhere, 100) << "the fits do not fold";
+}
+
+TEST(Projective, HasNoValueBeyondTheHorizon) {
+    const Warp road = [](double u, double v) { return Place{(u - 0.5) / (v - 0.25), 1 / (v - 0.25)}; };
+    std::vector<BPointPair> pairs;
+    for (const long row : {4000L, 6000L, 8000L})
+        for (const long column : {0L, 4000L, 10000L})
+            pairs.push_back(PointAt(
+                column, row, Truth(road, kUtm, static_cast<double>(column), static_cast<double>(row))));
+    const BMathTransform fit(Type::Projective, pairs, kWidth, kHeight, true);
+    for (const double row : {2000.0, 1999.0, 0.0, -1e9}) {
+        double x = 123, y = row;
+        EXPECT_FALSE(fit.ConvertSourceToTarget(x, y)) << row;
+        EXPECT_EQ(x, 123);
+        EXPECT_EQ(y, row);
+    }
+    double x = 123, y = 2001;
+    EXPECT_TRUE(fit.ConvertSourceToTarget(x, y));
+    ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
+    EXPECT_NEAR(y, 2001, 1e-6);
+    // Behind the eye: the image of what lies beyond the horizon.
+    x = kUtm.left;
+    y = kUtm.top + kUtm.height;
+    EXPECT_FALSE(fit.ConvertTargetToSource(x, y));
+}
+
+}  // namespace
+}  // namespace Tellurion

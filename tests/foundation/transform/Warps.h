@@ -1,0 +1,47 @@
+#pragma once
+
+#include <Tellurion/BMathTransform.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+/// Known transforms and the control points on them. A warp goes from (0..1, 0..1)
+/// over the raster, row down, to about the same; a world places that on the earth.
+struct Place {
+    double x, y;
+};
+using Warp = Place (*)(double u, double v);
+
+struct World {
+    const char* name;
+    double left, top, width, height;
+};
+constexpr World kUtm = {"utm", 512345.678, 5412345.678, 5000.0, 4000.0};
+constexpr World kGeographic = {"geographic", 11.123456789, 48.987654321, 0.07, 0.04};
+
+constexpr unsigned int kWidth = 10000;
+constexpr unsigned int kHeight = 8000;
+
+inline Place Truth(Warp warp, const World& world, double column, double row) {
+    const Place place = warp(column / kWidth, row / kHeight);
+    return {world.left + world.width * place.x, world.top - world.height * place.y};
+}
+
+inline Tellurion::BPointPair PointAt(long column, long row, const Place& world, bool enabled = true) {
+    return {column, row, world.x, world.y, 0.0, "", enabled};
+}
+
+/// A grid of points over the raster, each moved by a few pixels from its node.
+inline std::vector<Tellurion::BPointPair> GridOn(Warp warp, const World& world, int per_axis) {
+    std::mt19937 random(5);
+    std::vector<Tellurion::BPointPair> pairs;
+    for (int j = 0; j < per_axis; ++j)
+        for (int i = 0; i < per_axis; ++i) {
+            const long column = i * 9600L / (per_axis - 1) + static_cast<long>(random() % 400);
+            const long row = j * 7600L / (per_axis - 1) + static_cast<long>(random() % 400);
+            pairs.push_back(PointAt(
+                column, row, Truth(warp, world, static_cast<double>(column), static_cast<double>(row))));
+        }
+    return pairs;
+}
