@@ -6,6 +6,7 @@
 #include <Tellurion/BString.h>
 #include <Tellurion/Export.h>
 
+#include <atomic>
 #include <memory>
 
 namespace GeoCalc::CS {
@@ -80,14 +81,17 @@ public:
     BPoint ConvertToGeodetic(const BPoint& point) const;
     BPoint ConvertFromGeodetic(const BPoint& point) const;
 
-    /// The database's object behind the system; lives as long as this one.
+    /// The database's object behind the system; this one's own, and lives as long.
     GeoCalc::CS::CCoordSys* GetGCCoordSys() const;
 
     /// For the library's own use.
     explicit BCoordSys(std::shared_ptr<const CoordSysDefinition> definition);
+    const std::shared_ptr<const CoordSysDefinition>& GetDefinition() const { return definition_; }
 
 private:
     std::shared_ptr<const CoordSysDefinition> definition_;
+    /// Made on first request; owned.
+    mutable std::atomic<GeoCalc::CS::CCoordSys*> object_{nullptr};
 };
 
 }  // namespace Tellurion

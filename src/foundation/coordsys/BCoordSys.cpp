@@ -1,0 +1,181 @@
+#include <Tellurion/BCoordSys.h>
+
+#include "coordsys/ArcInfoText.h"
+#include "coordsys/CoordSysDefinition.h"
+#include "coordsys/DefinitionCaches.h"
+#include "coordsys/ProjObjects.h"
+#include "geocalc/CCoordSys.h"
+#include "geocalc/ErMapperNames.h"
+#include "text/Unicode.h"
+
+#include <Tellurion/BCoordSysException.h>
+#include <Tellurion/BFile.h>
+#include <Tellurion/BLinearUnit.h>
+#include <Tellurion/BLogger.h>
+#include <Tellurion/BUnit.h>
+
+#include <cstdint>
+#include <string>
+
+namespace Tellurion {
+namespace {
+
+/// No PRJ file that means something is near this.
+constexpr std::int64_t kLongestFile = std::int64_t{1} << 20;
+
+BCoordSys* Wrap(CoordSysDefinition::Ptr definition) {
+    return definition ? new BCoordSys(std::move(definition)) : nullptr;
+}
+
+/// The whole file as text; empty when it cannot be read or is too long.
+BString ReadText(const BString& path) {
+    BFile file(path);
+    if (!file.Open(EFileMode::Read, EFileMode::Text)) return {};
+    const std::int64_t length = file.GetLength();
+    if (length < 0 || length > kLongestFile) return {};
+    std::string bytes(static_cast<std::size_t>(length), '\0');
+    bytes.resize(file.Read(bytes.data(), bytes.size()));
+    while (bytes.ends_with('\0'))
+        bytes.pop_back();
+    return BString(Unicode::IsUtf8(bytes) ? Unicode::FromUtf8(bytes) : Unicode::FromWindows1252(bytes));
+}
+
+BString EpsgText(int number) {
+    return number != 0 ? BString::Format("EPSG:%d", number) : BString();
+}
+
+[[noreturn]] void ThrowOutside(const char* source, const BPoint& point) {
+    throw BCoordSysException("The coordinates cannot be converted.", source,
+                             BString::Format("The system has no value at (%.9g, %.9g).", point.x, point.y));
+}
+
+}  // namespace
+
+BCoordSys::BCoordSys(std::shared_ptr<const CoordSysDefinition> definition)
+    : definition_(std::move(definition)) {}
+
+BCoordSys::BCoordSys(const BCoordSys& other) : definition_(other.definition_) {
+    if (const GeoCalc::CS::CCoordSys* object = other.object_.load()) object_ = object->Clone().release();
+}
+
+BCoordSys& BCoordSys::operator=(const BCoordSys& other) {
+    if (this == &other) return *this;
+    BCoordSys copy(other);
+    definition_.swap(copy.definition_);
+    copy.object_ = object_.exchange(copy.object_.load());
+    return *this;
+}
+
+BCoordSys::~BCoordSys() {
+    delete object_.load();
+}
+
+int BCoordSys::GetKind() const {
+    return static_cast<int>(definition_->GetKind());
+}
+
+bool BCoordSys::IsValid() const {
+    return definition_->GetKind() != CoordSysDefinition::Kind::Other;
+}
+
+bool BCoordSys::GetIdentifier(const BString& issuer, BIdentifier& out) const {
+    BString code;
+    if (issuer == BString("EPSG") && definition_->EpsgNumber() != 0)
+        code = BString::Format("%d", definition_->EpsgNumber());
+    if (issuer == BString("GC")) code = definition_->Name();
+    if (code.IsEmpty()) return false;
+    out = BIdentifier(issuer, code);
+    return true;
+}
+
+BCoordSys* BCoordSys::FromFile(const BString& path) {
+    const BString text = ReadText(path);
+    CoordSysDefinition::Ptr definition = FindByWkt(text);
+    return Wrap(definition ? std::move(definition) : FindByArcInfoText(text));
+}
+
+BCoordSys* BCoordSys::FromWKT(const BString& text) {
+    return Wrap(FindByWkt(text));
+}
+
+BCoordSys* BCoordSys::FromEPSGCode(const BString& code) {
+    BString number = code;
+    number.Trim().ToUpper();
+    if (number.StartsWith("EPSG:")) number = number.Right(number.GetLength() - 5);
+    const int parsed = Proj::ParseCode(number.StdStr().c_str());
+    return parsed != 0 ? Wrap(FindByEpsg(parsed)) : nullptr;
+}
+
+bool BCoordSys::ToFile(const BString& path) const {
+    const BString text = ToPRJ();
+    BFile file(path);
+    const bool written = !text.IsEmpty() && file.Open(EFileMode::Write, EFileMode::Text) &&
+                         file.WriteLine(text) && file.Close();
+    if (!written)
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, "BCoordSys::ToFile: %s cannot be written", path);
+    return written;
+}
+
+BString BCoordSys::ToWKT() const {
+    return definition_->Wkt();
+}
+
+BString BCoordSys::ToPRJ() const {
+    return definition_->Prj();
+}
+
+BString BCoordSys::ToEPSGCode() const {
+    return EpsgText(definition_->EpsgNumber());
+}
+
+BString BCoordSys::GetName() const {
+    return definition_->Name();
+}
+
+BSharedPtr<BUnit> BCoordSys::GetUnits() const {
+    return definition_->HorizontalUnit();
+}
+
+BSharedPtr<BLinearUnit> BCoordSys::GetVerticalUnits() const {
+    return definition_->VerticalUnit();
+}
+
+BCoordSys* BCoordSys::GetBaseCoordSys() const {
+    return Wrap(definition_->Base());
+}
+
+bool BCoordSys::GetDatumIdentifier(const BString& issuer, BIdentifier& out) const {
+    BString code;
+    if (issuer == BString("EPSG") && definition_->DatumEpsgNumber() != 0)
+        code = BString::Format("%d", definition_->DatumEpsgNumber());
+    if (issuer == BString("ERMapper"))
+        if (const auto* datum =
+                GeoCalc::DB::ErMapperNames::Instance().FindDatumByEpsg(definition_->GeodeticEpsgNumber()))
+            code = BString(std::string(datum->name));
+    if (code.IsEmpty()) return false;
+    out = BIdentifier(issuer, code);
+    return true;
+}
+
+BPoint BCoordSys::ConvertToGeodetic(const BPoint& point) const {
+    BPoint converted = point;
+    if (!definition_->ToGeodetic(converted)) ThrowOutside("BCoordSys::ConvertToGeodetic", point);
+    return converted;
+}
+
+BPoint BCoordSys::ConvertFromGeodetic(const BPoint& point) const {
+    BPoint converted = point;
+    if (!definition_->FromGeodetic(converted)) ThrowOutside("BCoordSys::ConvertFromGeodetic", point);
+    return converted;
+}
+
+GeoCalc::CS::CCoordSys* BCoordSys::GetGCCoordSys() const {
+    GeoCalc::CS::CCoordSys* object = object_.load();
+    if (object) return object;
+    auto made = GeoCalc::CS::CCoordSys::Make(definition_);
+    // Another thread may have been first: its object is the one that stays.
+    if (object_.compare_exchange_strong(object, made.get())) return made.release();
+    return object;
+}
+
+}  // namespace Tellurion

@@ -1,0 +1,183 @@
+#include "coordsys/Identification.h"
+
+#include "coordsys/GeodeticConversion.h"
+
+#include <algorithm>
+#include <cmath>
+#include <compare>
+#include <string_view>
+
+namespace Tellurion {
+namespace {
+
+// What a text that cuts its parameters after 15 digits moves a position by is far
+// below this, what another parameter would, above.
+constexpr double kSamePlace = 1e-4;  // metres
+
+/// Candidates are asked for by name, method and area; a list longer than this holds
+/// systems that have no more in common than the method.
+constexpr int kMostCandidates = 64;
+
+bool IsEquivalent(PJ* first, PJ* second) {
+    return proj_is_equivalent_to_with_ctx(Proj::ThreadContext(), first, second,
+                                          PJ_COMP_EQUIVALENT_EXCEPT_AXIS_ORDER_GEOGCRS) != 0;
+}
+
+struct Area {
+    double west = 0.0;
+    double south = 0.0;
+    double east = 0.0;
+    double north = 0.0;
+
+    BPoint At(double across, double up) const {
+        return {west + across * (east - west), south + up * (north - south), 0.0};
+    }
+};
+
+/// Where the system is meant to be used; most of the world when it does not say.
+Area AreaOf(PJ* crs) {
+    Area area{-180.0, -80.0, 180.0, 80.0};
+    Area stated;
+    if (!proj_get_area_of_use(Proj::ThreadContext(), crs, &stated.west, &stated.south, &stated.east,
+                              &stated.north, nullptr))
+        return area;
+    if (stated.east < stated.west) stated.east += 360.0;
+    return stated;
+}
+
+double MetresPerUnit(PJ* crs) {
+    Proj::Axis axis;
+    Proj::Object owner;
+    return Proj::GetAxis(crs, 0, axis, owner) ? axis.unit_factor : 0.0;
+}
+
+/// Projects the same positions with both, spread over the area of `second`. They
+/// must agree wherever the grids have a meaning: within an Earth's width.
+bool ProjectAlike(PJ* first, PJ* second) {
+    constexpr int kSteps = 8;
+    constexpr double kEarth = 2e7;
+    const Area area = AreaOf(second);
+    const GeodeticConversion one(first);
+    const GeodeticConversion other(second);
+    const double metres = MetresPerUnit(second);
+    int compared = 0;
+    for (int i = 0; i < kSteps * kSteps; ++i) {
+        BPoint a = area.At((i % kSteps + 0.5) / kSteps, (i / kSteps + 0.4) / kSteps);
+        BPoint b = a;
+        const bool has_a = one.FromGeodetic(a);
+        if (has_a != other.FromGeodetic(b)) return false;
+        if (!has_a || std::hypot(b.x, b.y) * metres > kEarth) continue;
+        if (!(std::hypot(a.x - b.x, a.y - b.y) * metres < kSamePlace)) return false;
+        ++compared;
+    }
+    return compared >= 4;
+}
+
+bool IsSameProjected(PJ* first, PJ* second) {
+    const Proj::Object base(proj_get_source_crs(Proj::ThreadContext(), first));
+    const Proj::Object other(proj_get_source_crs(Proj::ThreadContext(), second));
+    return base && other && IsEquivalent(base.get(), other.get()) && ProjectAlike(first, second);
+}
+
+bool IsSameCompound(PJ* first, PJ* second) {
+    for (int i = 0; i < 2; ++i) {
+        const Proj::Object part(proj_crs_get_sub_crs(Proj::ThreadContext(), first, i));
+        const Proj::Object other(proj_crs_get_sub_crs(Proj::ThreadContext(), second, i));
+        if (!part || !other || !IsSameSystem(part.get(), other.get())) return false;
+    }
+    return true;
+}
+
+struct Figure {
+    double semi_major = 0.0;
+    double inverse_flattening = 0.0;
+    double prime_meridian = 0.0;  ///< in radians
+
+    bool Read(PJ* crs) {
+        PJ_CONTEXT* context = Proj::ThreadContext();
+        const Proj::Object ellipsoid(proj_get_ellipsoid(context, crs));
+        const Proj::Object meridian(proj_get_prime_meridian(context, crs));
+        double factor = 0.0;
+        if (!ellipsoid || !meridian ||
+            !proj_ellipsoid_get_parameters(context, ellipsoid.get(), &semi_major, nullptr, nullptr,
+                                           &inverse_flattening) ||
+            !proj_prime_meridian_get_parameters(context, meridian.get(), &prime_meridian, &factor, nullptr))
+            return false;
+        prime_meridian *= factor;
+        return true;
+    }
+};
+
+bool HasSameFigure(PJ* first, PJ* second) {
+    Figure one;
+    Figure other;
+    return one.Read(first) && other.Read(second) && std::abs(one.semi_major - other.semi_major) < 0.05 &&
+           std::abs(one.inverse_flattening - other.inverse_flattening) < 1e-5 &&
+           std::abs(one.prime_meridian - other.prime_meridian) < 1e-9;
+}
+
+/// How good an answer a candidate is, the more the better, part by part.
+struct Rank {
+    bool current = false;
+    int confidence = 0;
+    bool usual_axes = false;
+
+    auto operator<=>(const Rank&) const = default;
+};
+
+/// Some systems stand in the list twice, for either order of axes. The one meant by a
+/// text that leaves it open has the easting first, and the latitude.
+bool HasUsualAxes(PJ* crs) {
+    Proj::Axis axis;
+    Proj::Object owner;
+    if (!Proj::GetAxis(crs, 0, axis, owner)) return false;
+    return std::string_view(axis.direction) ==
+           (proj_get_type(crs) == PJ_TYPE_PROJECTED_CRS ? "east" : "north");
+}
+
+/// The best of the candidates seen so far, and whether another is as good.
+struct Best {
+    int number = 0;
+    Rank rank;
+    bool alone = false;
+
+    void Offer(PJ* candidate, int confidence) {
+        const Rank offered{proj_is_deprecated(candidate) == 0, confidence, HasUsualAxes(candidate)};
+        const int offered_number = Proj::StatedEpsg(candidate);
+        if (offered_number == 0 || (number != 0 && offered < rank)) return;
+        alone = number == 0 || rank < offered;
+        number = offered_number;
+        rank = offered;
+    }
+};
+
+}  // namespace
+
+bool IsSameSystem(PJ* first, PJ* second) {
+    const PJ_TYPE type = proj_get_type(first);
+    if (type != proj_get_type(second)) return false;
+    if (type == PJ_TYPE_PROJECTED_CRS) return IsSameProjected(first, second);
+    if (type == PJ_TYPE_COMPOUND_CRS) return IsSameCompound(first, second);
+    return IsEquivalent(first, second);
+}
+
+bool IsSamePlacement(PJ* first, PJ* second) {
+    if (proj_get_type(first) != proj_get_type(second) || !HasSameFigure(first, second)) return false;
+    return ProjectAlike(first, second);
+}
+
+int IdentifyEpsg(PJ* crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    int* numbers = nullptr;
+    const Proj::List list(proj_identify(context, crs, "EPSG", nullptr, &numbers));
+    const Proj::Ints confidences(numbers);
+    if (!list) return 0;
+    Best best;
+    for (int i = 0; i < std::min(proj_list_get_count(list.get()), kMostCandidates); ++i) {
+        const Proj::Object candidate(proj_list_get(context, list.get(), i));
+        if (candidate && IsSameSystem(crs, candidate.get())) best.Offer(candidate.get(), numbers[i]);
+    }
+    return best.alone ? best.number : 0;
+}
+
+}  // namespace Tellurion

@@ -1,0 +1,73 @@
+#include "coordsys/OgrTexts.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <cpl_string.h>
+#include <ogr_spatialref.h>
+
+#include <memory>
+
+namespace Tellurion {
+namespace {
+
+/// No error handler of the host hears of what happens meanwhile, and CPLGetLastError*
+/// say afterwards what they said before.
+class QuietGdal {
+public:
+    QuietGdal() : type_(CPLGetLastErrorType()), number_(CPLGetLastErrorNo()), text_(CPLGetLastErrorMsg()) {
+        CPLPushErrorHandler(CPLQuietErrorHandler);
+    }
+    ~QuietGdal() {
+        CPLPopErrorHandler();
+        CPLErrorSetState(type_, number_, text_.c_str());
+    }
+    QuietGdal(const QuietGdal&) = delete;
+    QuietGdal& operator=(const QuietGdal&) = delete;
+
+private:
+    CPLErr type_;
+    CPLErrorNum number_;
+    std::string text_;
+};
+
+struct CplDeleter {
+    void operator()(char* text) const noexcept { CPLFree(text); }
+};
+using CplText = std::unique_ptr<char, CplDeleter>;
+
+std::string ToWkt2(const OGRSpatialReference& system) {
+    const char* const options[] = {"FORMAT=WKT2_2019", nullptr};
+    char* text = nullptr;
+    const OGRErr failed = system.exportToWkt(&text, options);
+    const CplText owner(text);
+    return failed == OGRERR_NONE && text ? std::string(text) : std::string();
+}
+
+}  // namespace
+
+std::string WktOfArcInfo(const std::vector<std::string>& lines) {
+    const QuietGdal quiet;
+    CPLStringList list;
+    for (const std::string& line : lines)
+        list.AddString(line.c_str());
+    OGRSpatialReference system;
+    return system.importFromESRI(list.List()) == OGRERR_NONE ? ToWkt2(system) : std::string();
+}
+
+std::string WktOfMapInfo(const std::string& clause) {
+    const QuietGdal quiet;
+    OGRSpatialReference system;
+    return system.importFromMICoordSys(clause.c_str()) == OGRERR_NONE ? ToWkt2(system) : std::string();
+}
+
+std::string MapInfoOfWkt(const std::string& wkt) {
+    const QuietGdal quiet;
+    OGRSpatialReference system;
+    if (system.importFromWkt(wkt.c_str()) != OGRERR_NONE) return {};
+    char* text = nullptr;
+    const OGRErr failed = system.exportToMICoordSys(&text);
+    const CplText owner(text);
+    return failed == OGRERR_NONE && text ? std::string(text) : std::string();
+}
+
+}  // namespace Tellurion

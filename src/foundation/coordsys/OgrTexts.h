@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// Texts that OGR translates and PROJ does not. Nothing reaches stderr, and the
+/// host's own last error of GDAL stays.
+namespace Tellurion {
+
+/// Well-known text 2 of a PRJ file's lines in the form of Arc/Info; empty when they
+/// say no system.
+std::string WktOfArcInfo(const std::vector<std::string>& lines);
+
+/// Well-known text 2 of a MapInfo clause, with or without the word CoordSys; empty
+/// when it cannot be understood.
+std::string WktOfMapInfo(const std::string& clause);
+
+/// The MapInfo clause of a well-known text, without the word CoordSys; empty on failure.
+std::string MapInfoOfWkt(const std::string& wkt);
+
+}  // namespace Tellurion

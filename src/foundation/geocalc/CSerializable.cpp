@@ -1,0 +1,7 @@
+#include "geocalc/CSerializable.h"
+
+namespace GeoCalc {
+
+CSerializable::~CSerializable() = default;
+
+}  // namespace GeoCalc
