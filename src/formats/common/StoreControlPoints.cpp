@@ -1,0 +1,34 @@
+#include "common/StoreControlPoints.h"
+
+#include <MapAnchor/BGeoReferenceInvalidTransformException.h>
+#include <Tellurion/BLogger.h>
+
+namespace MapAnchor {
+
+using Tellurion::BException;
+using Tellurion::BLogger;
+using Tellurion::BMathTransform;
+using Tellurion::BString;
+using Tellurion::ELogSeverity;
+using Tellurion::EMathTransformType;
+
+bool StoreControlPoints(Tellurion::BGeoReference& reference, const std::vector<Tellurion::BPointPair>& pairs,
+                        EMathTransformType type, RasterExtent extent, OnFailure on_failure,
+                        const ControlPointVoice& voice) {
+    constexpr bool kOptimizeFor2D = true;
+    try {
+        const BMathTransform transform(type, pairs, static_cast<unsigned int>(extent.width),
+                                       static_cast<unsigned int>(extent.height), kOptimizeFor2D);
+        reference.SetPointPairVectorAndMathTransform(pairs, transform);
+        return true;
+    } catch (const BException& error) {
+        const BString text = error.GetDetailedMessage();
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, voice.log_format, text);
+        if (on_failure == OnFailure::Throw)
+            throw BGeoReferenceInvalidTransformException(voice.thrown_source, text);
+    }
+    reference.SetPointPairVector(pairs, EMathTransformType::None);
+    return false;
+}
+
+}  // namespace MapAnchor
