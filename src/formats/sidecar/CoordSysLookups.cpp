@@ -1,0 +1,85 @@
+#include "sidecar/CoordSysLookups.h"
+
+#include <Tellurion/BLinearUnit.h>
+#include <Tellurion/Numbers.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+
+namespace MapAnchor {
+
+using Tellurion::BCoordSys;
+using Tellurion::BGeoReference;
+using Tellurion::BIdentifier;
+using Tellurion::BLinearUnit;
+using Tellurion::BSharedPtr;
+using Tellurion::BString;
+
+namespace {
+
+/// asctime without its static buffer; empty for a time that it cannot tell.
+std::string AscTime(const std::tm* time) {
+    std::array<char, 64> buffer{};
+    return time && asctime_r(time, buffer.data()) ? std::string(buffer.data()) : std::string();
+}
+
+int Fold(char c) {
+    const int code = static_cast<unsigned char>(c);
+    return code >= 'A' && code <= 'Z' ? code - 'A' + 'a' : code;
+}
+
+BString Authority(const BString& epsg) {
+    return BString(",AUTHORITY[\"EPSG\",\"") + epsg + BString("\"]");
+}
+
+BString UnitClause(const BLinearUnit& unit) {
+    BString clause = BString("UNIT[\"") + unit.GetName() + BString("\",") +
+                     BString(Tellurion::PrintShortest(1.0 / unit.GetUnitsPerMeter()));
+    BIdentifier identifier;
+    if (unit.GetIdentifier("EPSG", identifier)) clause += Authority(identifier.Code);
+    return clause + BString("]");
+}
+
+/// The word Vertical stands outside the quotes; readers of these texts expect it there.
+BString WithUnknownVertical(const BString& wkt, const BString& name, const BLinearUnit& unit) {
+    return BString("COMPD_CS[Vertical \"") + name + BString("\",") + wkt +
+           BString(",VERT_CS[\"unknown\",VERT_DATUM[\"unknown\"],") + UnitClause(unit) +
+           BString(",AXIS[\"Up\",UP]]]");
+}
+
+}  // namespace
+
+bool FormatERSTimeStamp(const std::tm* time, char* out, int limit) {
+    if (!out) return false;
+    const std::string stamp = AscTime(time);
+    const std::size_t blank = stamp.rfind(' ');
+    if (blank == std::string::npos || blank == 0) return false;
+    std::string zoned = stamp.substr(0, blank) + " GMT" + stamp.substr(blank);
+    const auto most = static_cast<std::size_t>(std::max(limit, 0));
+    if (stamp.size() > most) zoned.resize(most);
+    std::memcpy(out, zoned.c_str(), zoned.size() + 1);
+    return true;
+}
+
+int CompareNoCase(const char* a, const char* b, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const int difference = Fold(a[i]) - Fold(b[i]);
+        if (difference != 0 || a[i] == '\0') return difference;
+    }
+    return 0;
+}
+
+BString BuildCompoundWKT(const BGeoReference& reference) {
+    if (!reference.HasCoordSys()) return {};
+    const BCoordSys& system = *reference.CoordSys;
+    const BString wkt = system.ToWKT();
+    if (wkt.IsEmpty()) return wkt;
+    const int kind = system.GetKind();
+    if (kind != BCoordSys::kKindGeodetic && kind != BCoordSys::kKindProjected) return wkt;
+    if (!reference.HasVerticalUnit()) return wkt;
+    return WithUnknownVertical(wkt, system.GetName(), *reference.GetVerticalUnit());
+}
+
+}  // namespace MapAnchor
