@@ -2,6 +2,7 @@
 
 #include <MapAnchor/BReferenceFormats.h>
 
+#include "sidecar/BRefRSF.h"
 #include "sidecar/BRefWLD.h"
 
 #include <Tellurion/ReferenceTags.h>
@@ -39,6 +40,31 @@ ReferenceFormat GeoTiff() {
             .save_extensions = {REFERENCE_TIF_TAG.GetUnits(), REFERENCE_TIFF_TAG.GetUnits()}};
 }
 
+ReferenceFormat Rsf() {
+    return {.name = "RSF",
+            .title = "Control point sidecar",
+            .type = EReferenceType::RSF,
+            .typed_read =
+                [](const ReadCall& call) {
+                    BRefRSF::Read(call.file, call.flags, call.reference, call.math_type, call.width,
+                                  call.height);
+                },
+            .typed_save =
+                [](const SaveCall& call) {
+                    BRefRSF::Write(call.file, call.flags, call.reference, call.width, call.height);
+                },
+            .named_read =
+                [](const ReadCall& call) {
+                    return BRefRSF::Read(call.file, call.reference, call.math_type, call.width, call.height);
+                },
+            .named_save =
+                [](const SaveCall& call) {
+                    return BRefRSF::Write(call.file, call.reference, call.width, call.height);
+                },
+            .read_extensions = {REFERENCE_RSF_TAG.GetUnits()},
+            .save_extensions = {REFERENCE_RSF_TAG.GetUnits()}};
+}
+
 ReferenceFormat WorldFileFormat() {
     ReferenceFormat format{
         .name = "WLD",
@@ -59,11 +85,7 @@ ReferenceFormat WorldFileFormat() {
 
 std::vector<ReferenceFormat> MakeTable() {
     return {
-        {.name = "RSF",
-         .title = "Control point sidecar",
-         .type = EReferenceType::RSF,
-         .read_extensions = {REFERENCE_RSF_TAG.GetUnits()},
-         .save_extensions = {REFERENCE_RSF_TAG.GetUnits()}},
+        Rsf(),
         WorldFileFormat(),
         GeoTiff(),
         {.name = "TAB",

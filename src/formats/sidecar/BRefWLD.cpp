@@ -1,5 +1,6 @@
 #include "sidecar/BRefWLD.h"
 
+#include "common/OutputFile.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
 #include "sidecar/WorldFile.h"
@@ -31,6 +32,7 @@ namespace {
 
 constexpr const char* kReadSource = "BRefWLD::Read";
 constexpr const char* kWriteSource = "BRefWLD::Write";
+constexpr OutputVoice kOutput = {kWriteSource, "WLD"};
 
 BString AffineFailureLine(const AffineTerms& t, const BString& message) {
     return BString::Format("BRefWLD::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)", t.a, t.b,
@@ -92,19 +94,9 @@ bool HasTransformToWrite(const BGeoReference& reference) {
     return false;
 }
 
-void OpenForWriting(BFile& file, const BString& failure) {
-    if (file.Open(EFileMode::Write, EFileMode::Text)) return;
-    BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefWLD::Write Failed to open file <%ls>",
-                                   file.GetPath());
-    throw BFileAccessException(kWriteSource, failure);
-}
-
-/// A disk may be full only when the file is closed.
 void WriteAndClose(BFile& file, const AffineTerms& terms) {
     file.WriteLine(FormatWorldFile(WorldFile::FromAffine(terms)));
-    if (!file.Close())
-        throw BGeoReferenceWriteException(kWriteSource,
-                                          BString::Format("Failed writing WLD file <%ls>.", file.GetPath()));
+    CloseWritten(file, kOutput);
 }
 
 }  // namespace
@@ -151,7 +143,7 @@ bool BRefWLD::Write(const BString& file, const BGeoReference& reference) {
                                           "Couldn't determine the Affine Referencing Parameters");
     }
     BFile out(file);
-    OpenForWriting(out, "WLD write could not open file");
+    OpenForWriting(out, kOutput, "WLD write could not open file");
     WriteAndClose(out, terms);
     WritePrjBeside(file, reference);
     return true;
@@ -160,7 +152,7 @@ bool BRefWLD::Write(const BString& file, const BGeoReference& reference) {
 void BRefWLD::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference) {
     if (!HasTransformToWrite(reference)) return;
     BFile out(file);
-    OpenForWriting(out, BString::Format("Couldn't open WLD file <%ls> for writing.", file));
+    OpenForWriting(out, kOutput, BString::Format("Couldn't open WLD file <%ls> for writing.", file));
     AffineTerms terms;
     try {
         terms = GetAffine(reference);

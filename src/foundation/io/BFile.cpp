@@ -1,6 +1,6 @@
 #include <Tellurion/BFile.h>
 
-#include "text/Unicode.h"
+#include <Tellurion/Charsets.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -145,8 +145,7 @@ bool BFile::ReadLine(BString& line, std::size_t maxLength) {
     const bool found =
         maxLength == 0 ? ReadLineBytes(bytes) : NextLine(bytes, std::min(maxLength, kLongestLine));
     if (!found) return false;
-    line =
-        Unicode::IsUtf8(bytes) ? BString(Unicode::FromUtf8(bytes)) : BString(Unicode::FromWindows1252(bytes));
+    line = DecodeLine(bytes);
     return true;
 }
 

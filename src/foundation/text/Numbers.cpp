@@ -73,18 +73,24 @@ double ParseDouble(std::string_view text) {
     return value;
 }
 
-long ParseLong(std::string_view text) {
+bool ScanLong(std::string_view& text, long& value) {
     std::string_view rest = SkipBlanks(text);
-    const bool minus = TakeSign(rest);
-    if (rest.empty() || rest.front() == '-') return 0;
-    const auto digits_end =
-        std::find_if_not(rest.begin(), rest.end(), [](char c) { return c >= '0' && c <= '9'; });
-    std::string number(minus ? "-" : "");
-    number.append(rest.begin(), digits_end);
-    long value = 0;
-    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+    const bool minus = !rest.empty() && rest.front() == '-';
+    // from_chars takes a minus, but no plus; of the two only one may stand there.
+    if (!rest.empty() && rest.front() == '+') rest.remove_prefix(1);
+    if (rest.empty() || (rest.front() == '-' && !minus)) return false;
+    const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
+    if (error == std::errc::invalid_argument) return false;
     if (error == std::errc::result_out_of_range)
-        return minus ? std::numeric_limits<long>::min() : std::numeric_limits<long>::max();
+        value = minus ? std::numeric_limits<long>::min() : std::numeric_limits<long>::max();
+    rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
+    text = rest;
+    return true;
+}
+
+long ParseLong(std::string_view text) {
+    long value = 0;
+    ScanLong(text, value);
     return value;
 }
 

@@ -14,6 +14,9 @@ namespace Tellurion {
 /// and `value` unchanged, when there is none. Too large gives infinity, too small 0.
 TELLURION_EXPORT bool ScanDouble(std::string_view& text, double& value);
 
+/// The same for a decimal whole number; clamped to the range of long.
+TELLURION_EXPORT bool ScanLong(std::string_view& text, long& value);
+
 /// The number at the front of `text`, 0 when there is none; what follows is ignored.
 TELLURION_EXPORT double ParseDouble(std::string_view text);
 

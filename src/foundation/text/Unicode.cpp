@@ -1,5 +1,6 @@
 #include "text/Unicode.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -141,6 +142,27 @@ std::u16string FromWindows1252(std::string_view bytes) {
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
         out.push_back(byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80U] : byte);
+    }
+    return out;
+}
+
+std::string ToWindows1252(std::u16string_view units, bool& lossy) {
+    std::string out;
+    out.reserve(units.size());
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        const char16_t unit = units[i];
+        const auto* const high = std::find(kWindows1252.begin(), kWindows1252.end(), unit);
+        if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) {
+            out.push_back(static_cast<char>(unit));
+        } else if (high != kWindows1252.end()) {
+            out.push_back(static_cast<char>(0x80 + (high - kWindows1252.begin())));
+        } else if (unit >= kRawByte + 0x80 && unit <= kRawByte + 0xFF) {
+            out.push_back(static_cast<char>(unit - kRawByte));
+        } else {
+            out.push_back('?');
+            lossy = true;
+            if ((unit & 0xFC00U) == 0xD800 && i + 1 < units.size()) ++i;  // a pair is one character
+        }
     }
     return out;
 }

@@ -19,6 +19,10 @@ bool IsUtf8(std::string_view bytes);
 /// become the control characters of the same number.
 std::u16string FromWindows1252(std::string_view bytes);
 
+/// The inverse. A lone surrogate that stands for a byte becomes that byte; every other
+/// character without a byte becomes "?" and sets `lossy`.
+std::string ToWindows1252(std::u16string_view units, bool& lossy);
+
 /// The platform's wide text: UTF-16 or UTF-32 by the width of wchar_t.
 std::u16string FromWide(std::wstring_view text);
 std::wstring ToWide(std::u16string_view units);

@@ -4,6 +4,7 @@
 #include "Fits.h"
 
 #include <Tellurion/BException.h>
+#include <Tellurion/BGeoCalcException.h>
 
 #include <cmath>
 #include <utility>
@@ -30,8 +31,8 @@ ModelPointer Fit(EMathTransformType type, const std::vector<BPointPair>& pairs, 
 }
 
 [[noreturn]] void ThrowNoValue(const char* source, const BPoint& point) {
-    throw BException(BString(source),
-                     BString::Format("There is no value at (%.12g, %.12g)", point.x, point.y));
+    throw BGeoCalcException("The position cannot be converted.", source,
+                            BString::Format("There is no value at (%.12g, %.12g)", point.x, point.y));
 }
 
 bool IsFinite(double x, double y) {

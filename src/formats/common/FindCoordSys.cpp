@@ -1,0 +1,31 @@
+#include "common/FindCoordSys.h"
+
+#include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
+#include <Tellurion/BLogger.h>
+
+namespace MapAnchor {
+
+using Tellurion::BCoordSys;
+using Tellurion::BLogger;
+using Tellurion::BSharedPtr;
+using Tellurion::BString;
+using Tellurion::ELogSeverity;
+
+BSharedPtr<BCoordSys> FindCoordSys(const std::function<BSharedPtr<BCoordSys>()>& look_up,
+                                   OnFailure on_failure, const CoordSysVoice& voice) {
+    BSharedPtr<BCoordSys> system;
+    try {
+        system = look_up();
+    } catch (const Tellurion::BException& error) {
+        const BString text = error.GetDetailedMessage();
+        BLogger::Instance()->Write(ELogSeverity::Error, voice.log_line(text));
+        if (on_failure == OnFailure::Throw)
+            throw BGeoReferenceInvalidCoordSysException(voice.thrown_source, text);
+        return {};
+    }
+    if (system.IsEmpty() && on_failure == OnFailure::Throw)
+        throw BGeoReferenceInvalidCoordSysException(voice.source, voice.nothing_found());
+    return system;
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,36 @@
+#include "common/PointsToWrite.h"
+
+#include "common/CornerPoints.h"
+
+#include <MapAnchor/BGeoReferenceInvalidTransformException.h>
+#include <Tellurion/BGeoCalcException.h>
+
+namespace MapAnchor {
+
+using Tellurion::BGeoReference;
+using Tellurion::BPointPair;
+using Tellurion::BString;
+
+std::vector<BPointPair> PointsToWrite(const BGeoReference& reference, RasterExtent extent) {
+    std::vector<BPointPair> points = reference.PointPairVector;
+    if (points.empty() && reference.HasMathTransform())
+        AppendCornerPoints(*reference.MathTransform, extent.width, extent.height, points);
+    return points;
+}
+
+std::vector<BPointPair> PointsToWrite(const BGeoReference& reference, RasterExtent extent,
+                                      OnFailure on_failure, const BString& file, const CornerVoice& voice) {
+    std::vector<BPointPair> points = reference.PointPairVector;
+    if (!points.empty() || !reference.HasMathTransform() || extent.width < 1 || extent.height < 1)
+        return points;
+    try {
+        AppendCornerPoints(*reference.MathTransform, extent.width, extent.height, points);
+    } catch (const Tellurion::BGeoCalcException& error) {
+        if (on_failure == OnFailure::Throw)
+            throw BGeoReferenceInvalidTransformException(
+                voice.source, BString::Format(voice.detail_format, file, error.GetDetailedMessage()));
+    }
+    return points;
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "common/StoreControlPoints.h"
+#include "common/Strictness.h"
+
+#include <Tellurion/BGeoReference.h>
+#include <Tellurion/BPointPair.h>
+#include <Tellurion/BString.h>
+
+#include <vector>
+
+namespace MapAnchor {
+
+/// The reference's control points or, where it has none, the corners of its
+/// transform. What the transform throws passes through.
+std::vector<Tellurion::BPointPair> PointsToWrite(const Tellurion::BGeoReference& reference,
+                                                 RasterExtent extent);
+
+/// How a format speaks when corners cannot be made.
+struct CornerVoice {
+    const char* source;
+    const char* detail_format;  ///< takes the file's name and the message
+};
+
+/// The same for the typed road: corners only of a raster with a size, and a transform
+/// that the coordinate system database fails on gives as many as it can, or a
+/// BGeoReferenceInvalidTransformException.
+std::vector<Tellurion::BPointPair> PointsToWrite(const Tellurion::BGeoReference& reference,
+                                                 RasterExtent extent, OnFailure on_failure,
+                                                 const Tellurion::BString& file, const CornerVoice& voice);
+
+}  // namespace MapAnchor
