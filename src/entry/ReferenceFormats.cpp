@@ -2,6 +2,7 @@
 
 #include <MapAnchor/BReferenceFormats.h>
 
+#include "raster/BRefGeoTIFF.h"
 #include "sidecar/BRefRSF.h"
 #include "sidecar/BRefWLD.h"
 
@@ -32,12 +33,23 @@ bool ReadWorldFileByName(const ReadCall& call) {
 }
 
 ReferenceFormat GeoTiff() {
-    return {.name = "TIF",
-            .title = "GeoTIFF and other rasters that GDAL opens",
-            .type = EReferenceType::GeoTIFF,
-            .read_extensions = {REFERENCE_TIF_TAG.GetUnits(), REFERENCE_TIFF_TAG.GetUnits(), u".ddf", u".dem",
-                                u".dt0", u".dt1", u".dt2", u".dt3", u".dt4", u".dt5", u".asc", u".adf"},
-            .save_extensions = {REFERENCE_TIF_TAG.GetUnits(), REFERENCE_TIFF_TAG.GetUnits()}};
+    return {
+        .name = "TIF",
+        .title = "GeoTIFF and other rasters that GDAL opens",
+        .type = EReferenceType::GeoTIFF,
+        .typed_read =
+            [](const ReadCall& call) {
+                BRefGeoTIFF::Read(call.file, call.flags, call.reference, call.width, call.height);
+            },
+        .typed_save = [](const SaveCall& call) { BRefGeoTIFF::Write(call.file, call.flags, call.reference); },
+        .named_read =
+            [](const ReadCall& call) {
+                return BRefGeoTIFF::Read(call.file, call.reference, call.width, call.height);
+            },
+        .named_save = [](const SaveCall& call) { return BRefGeoTIFF::Write(call.file, call.reference); },
+        .read_extensions = {REFERENCE_TIF_TAG.GetUnits(), REFERENCE_TIFF_TAG.GetUnits(), u".ddf", u".dem",
+                            u".dt0", u".dt1", u".dt2", u".dt3", u".dt4", u".dt5", u".asc", u".adf"},
+        .save_extensions = {REFERENCE_TIF_TAG.GetUnits(), REFERENCE_TIFF_TAG.GetUnits()}};
 }
 
 ReferenceFormat Rsf() {

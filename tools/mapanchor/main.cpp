@@ -27,7 +27,8 @@ bool TakesValue(CLI::App& command, const std::string& word) {
 }
 
 bool IsSubcommand(const CLI::App& app, const std::string& word) {
-    return !app.get_subcommands([&word](const CLI::App* command) { return command->get_name() == word; }).empty();
+    return !app.get_subcommands([&word](const CLI::App* command) { return command->get_name() == word; })
+                .empty();
 }
 
 /// "mapanchor [options] FILE..." means info, and a subcommand may stand behind the

@@ -1,7 +1,8 @@
 #include "coordsys/OgrTexts.h"
 
+#include "coordsys/QuietGdal.h"
+
 #include <cpl_conv.h>
-#include <cpl_error.h>
 #include <cpl_string.h>
 #include <ogr_spatialref.h>
 
@@ -9,26 +10,6 @@
 
 namespace Tellurion {
 namespace {
-
-/// No error handler of the host hears of what happens meanwhile, and CPLGetLastError*
-/// say afterwards what they said before.
-class QuietGdal {
-public:
-    QuietGdal() : type_(CPLGetLastErrorType()), number_(CPLGetLastErrorNo()), text_(CPLGetLastErrorMsg()) {
-        CPLPushErrorHandler(CPLQuietErrorHandler);
-    }
-    ~QuietGdal() {
-        CPLPopErrorHandler();
-        CPLErrorSetState(type_, number_, text_.c_str());
-    }
-    QuietGdal(const QuietGdal&) = delete;
-    QuietGdal& operator=(const QuietGdal&) = delete;
-
-private:
-    CPLErr type_;
-    CPLErrorNum number_;
-    std::string text_;
-};
 
 struct CplDeleter {
     void operator()(char* text) const noexcept { CPLFree(text); }

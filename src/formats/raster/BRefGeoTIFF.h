@@ -1,0 +1,24 @@
+#pragma once
+
+#include <Tellurion/BGeoReference.h>
+#include <Tellurion/BString.h>
+
+namespace MapAnchor {
+
+/// GeoTIFF and what else GDAL opens. The affine is GDAL's geotransform, anchored at the
+/// outer corner of the top left pixel, also where the file states its positions as
+/// those of pixel centres. A file with control points has no other transform than the
+/// one through them. Reading writes nothing, not even beside the file; writing leaves
+/// the pixels as they are.
+class BRefGeoTIFF {
+public:
+    static bool Read(const Tellurion::BString& file, Tellurion::BGeoReference& reference, long width,
+                     long height);
+    static void Read(const Tellurion::BString& file, const unsigned int& flags,
+                     Tellurion::BGeoReference& reference, long width, long height);
+    static bool Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
+    static void Write(const Tellurion::BString& file, const unsigned int& flags,
+                      const Tellurion::BGeoReference& reference);
+};
+
+}  // namespace MapAnchor
