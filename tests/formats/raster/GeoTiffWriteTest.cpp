@@ -1,0 +1,331 @@
+// Saving into a GeoTIFF: GDAL alone says afterwards what the file holds.
+
+#include <Tellurion/BIdentifier.h>
+#include <Tellurion/BLinearUnit.h>
+
+#include "GeoTiffRoads.h"
+#include "SmallDisk.h"
+
+#include <filesystem>
+#include <map>
+
+namespace MapAnchor {
+namespace {
+
+using namespace Tellurion;
+using namespace GdalFiles;
+
+std::array<double, 6> GeoTransformOf(GDALDataset& raster) {
+    std::array<double, 6> gt{};
+    EXPECT_EQ(raster.GetGeoTransform(gt.data()), CE_None);
+    return gt;
+}
+
+std::string EpsgOf(const OGRSpatialReference* system) {
+    const char* code = system ? system->GetAuthorityCode(nullptr) : nullptr;
+    return code ? code : "";
+}
+
+std::string RegistrationOf(GDALDataset& raster) {
+    const char* word = raster.GetMetadataItem("AREA_OR_POINT", "");
+    return word ? word : "";
+}
+
+struct PlaceCase {
+    const char* name;
+    std::array<double, 6> terms;  ///< a, b, c, d, e, f
+    const char* epsg;
+    bool point;
+};
+
+const PlaceCase kPlaces[] = {
+    {"rotated_utm", {9.5, 2.25, 500000.1, 2.125, -9.75, 4100000.7}, "32633", false},
+    {"quarter_turn", {0, 0.3, 500000.1, -0.3, 0, 4100000.7}, "32633", false},
+    {"state_plane_feet", {1.0 / 3, 0, 2345678.9, 0, -1.0 / 3, 9876543.21}, "2277", false},
+    {"geographic", {1.0 / 3600, 0, -122.123456789012, 0, -1.0 / 3600, 45.3}, "4326", false},
+    {"web_mercator",
+     {152.8740565703525, 0, -20037508.342789244, 0, -152.8740565703525, 20037508.342789244},
+     "3857",
+     false},
+    {"polar", {1000.1, 0, -3850000.3, 0, -1000.1, 5850000.7}, "3413", false},
+    {"south_up", {10, 0, 500000, 0, 10, 4100000}, "32733", false},
+    {"pixel_is_point", {10, 0, 500000, 0, -10, 4100000}, "32633", true},
+    {"no_system", {0.1, 0, 0.7, 0, -0.1, 0.9}, "", false},
+};
+
+TEST_F(GeoTiff, GdalReadsWhatWasSavedToTheLastBit) {
+    for (const PlaceCase& test : kPlaces) {
+        for (const bool by_name : {true, false}) {
+            SCOPED_TRACE(std::string(test.name) + (by_name ? " by name" : " by type"));
+            const std::string file = MakeTiff(folder / "map.tif", 3);
+            const auto pixels = Pixels(file);
+            BGeoReference reference = WithTerms(test.terms);
+            if (*test.epsg) SetEpsg(reference, test.epsg);
+            reference.SetPixelAsPointRegistered(test.point);
+            ASSERT_EQ(by_name ? SaveByName(file, reference).type : SaveByType(file, reference, kStrict).type,
+                      "");
+            const auto& t = test.terms;
+            const Dataset raster = Open(file);
+            EXPECT_EQ(GeoTransformOf(*raster), (std::array<double, 6>{t[2], t[0], t[1], t[5], t[3], t[4]}));
+            EXPECT_EQ(EpsgOf(raster->GetSpatialRef()), test.epsg);
+            // GDAL itself takes a raster with a system for area registered.
+            EXPECT_EQ(RegistrationOf(*raster), test.point ? "Point" : *test.epsg ? "Area" : "");
+            EXPECT_EQ(Pixels(file), pixels);
+            EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "."), {}), 1);
+            BGeoReference back;
+            ASSERT_EQ(ReadByType(file, back, kStrict).type, "");
+            EXPECT_EQ(TermsOf(back), t);
+        }
+    }
+}
+
+BGeoReference WithPoints(bool with_transform) {
+    const std::vector<BPointPair> pairs = {{0, 0, 500000.1, 4100000.2, 3, "north west", true},
+                                           {20, 0, 500200, 4100000, 0, "", true},
+                                           {7, 7, 1, 1, 1, "switched off", false},
+                                           {0, 10, 500000, 4099900, 0, "three", true}};
+    BGeoReference reference;
+    if (with_transform)
+        reference.SetPointPairVectorAndMathTransform(
+            pairs, BMathTransform(EMathTransformType::Affine, pairs, 20, 10, true));
+    else
+        reference.SetPointPairVector(pairs, EMathTransformType::None);
+    SetEpsg(reference, "32633");
+    return reference;
+}
+
+TEST_F(GeoTiff, PointsAreSavedInThePlaceOfATransform) {
+    for (const bool by_name : {true, false}) {
+        const std::string file = MakeTiff(folder / "map.tif", 1, [](GDALDataset& raster) {
+            double old[6] = {1, 2, 0, 3, 0, -4};
+            raster.SetGeoTransform(old);
+        });
+        const auto pixels = Pixels(file);
+        const BGeoReference reference = WithPoints(true);
+        ASSERT_EQ(by_name ? SaveByName(file, reference).type : SaveByType(file, reference, kStrict).type, "");
+        const Dataset raster = Open(file);
+        double gt[6];
+        EXPECT_NE(raster->GetGeoTransform(gt), CE_None);
+        ASSERT_EQ(raster->GetGCPCount(), 3);
+        const GDAL_GCP* points = raster->GetGCPs();
+        EXPECT_EQ(points[0].dfGCPX, 500000.1);
+        EXPECT_EQ(points[0].dfGCPY, 4100000.2);
+        EXPECT_EQ(points[0].dfGCPZ, 3);
+        EXPECT_EQ(points[1].dfGCPPixel, 20);
+        EXPECT_EQ(points[2].dfGCPLine, 10);
+        EXPECT_EQ(EpsgOf(raster->GetGCPSpatialRef()), "32633");
+        EXPECT_EQ(Pixels(file), pixels);
+    }
+    // A form that keeps names.
+    const std::string file = folder.Write("named.tif", Vrt(""));
+    ASSERT_EQ(SaveByName(file, WithPoints(false)).type, "");
+    EXPECT_STREQ(Open(file)->GetGCPs()[0].pszId, "north west");
+}
+
+TEST_F(GeoTiff, PointsThatAreAllSwitchedOffAreNone) {
+    BGeoReference reference = WithPoints(false);
+    for (BPointPair& pair : reference.PointPairVector)
+        pair.Enabled = false;
+    const std::string file = MakeTiff(folder / "map.tif");
+    EXPECT_EQ(SaveByName(file, reference).type, "");
+    EXPECT_EQ(Open(file)->GetGCPCount(), 0);
+    EXPECT_EQ(EpsgOf(Open(file)->GetSpatialRef()), "32633");
+}
+
+TEST_F(GeoTiff, ARegistrationThatIsThereStays) {
+    for (const char* word : {"Area", "Raster"}) {
+        const std::string file = folder.Write("map.tif", Vrt("<Metadata><MDI key=\"AREA_OR_POINT\">" +
+                                                             std::string(word) + "</MDI></Metadata>"));
+        BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+        reference.SetPixelAsPointRegistered(true);
+        ASSERT_EQ(SaveByType(file, reference).type, "");
+        EXPECT_EQ(RegistrationOf(*Open(file)), word);
+    }
+    const std::string file = folder.Write("bare.tif", Vrt(""));
+    ASSERT_EQ(SaveByType(file, WithTerms({1, 0, 0, 0, -1, 0})).type, "");
+    EXPECT_EQ(RegistrationOf(*Open(file)), "");
+}
+
+TEST_F(GeoTiff, TheVerticalUnitIsSavedByTypeIntoABandWithoutColour) {
+    const std::pair<const char*, const char*> units[] = {
+        {"METERS", "m"}, {"INTERNATIONAL FEET", "ft"}, {"USFEET", "sft"}, {"INTERNATIONAL YARDS", "yd"},
+        {"YARD", "syd"}, {"FATHOM", "fath"},           {"RODS", "rd"},    {"KILOMETERS", ""},
+    };
+    const std::string plain = VrtBand(1, "");
+    const std::string gray = VrtBand(1, "<ColorInterp>Gray</ColorInterp>");
+    for (const auto& [code, label] : units) {
+        SCOPED_TRACE(code);
+        BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+        reference.SetVerticalUnit(BLinearUnit::GetLinearUnit(BIdentifier(BString("GC"), BString(code))));
+        ASSERT_TRUE(reference.HasVerticalUnit());
+        const auto saved = [&](const std::string& bands, bool by_name) {
+            const std::string file = folder.Write("map.tif", VrtText("", bands));
+            EXPECT_EQ(by_name ? SaveByName(file, reference).type : SaveByType(file, reference).type, "");
+            return std::string(Open(file)->GetRasterBand(1)->GetUnitType());
+        };
+        EXPECT_EQ(saved(plain, false), label);
+        EXPECT_EQ(saved(plain, true), "");
+        EXPECT_EQ(saved(gray, false), "");
+        EXPECT_EQ(saved(plain + VrtBand(2, ""), false), "");
+    }
+}
+
+/// The three parts of what a save by both roads throws; the roads agree.
+std::array<std::string, 3> Refused(const std::string& file, const BGeoReference& reference) {
+    std::array<std::string, 3> parts;
+    EXPECT_EQ(SaveByName(file, reference).detail, SaveByType(file, reference).detail);
+    try {
+        BMapAnchor::Save(EReferenceType::GeoTIFF, BString(file), reference, 20, 10, BString(), 0, nullptr);
+    } catch (const BException& error) {
+        EXPECT_STREQ(error.GetTypeName(), "BException");
+        parts = {error.GetMessageText().StdStr(), error.GetSource().StdStr(), error.GetDetail().StdStr()};
+    }
+    return parts;
+}
+
+TEST_F(GeoTiff, WhatGdalRefusesIsNamed) {
+    using Parts = std::array<std::string, 3>;
+    BGeoReference reference = WithPoints(false);
+    EXPECT_EQ(Refused(folder.Write("a.tif", "ODDRASTER no-points"), reference),
+              (Parts{"Failed to set GCP's", "BRefGeoTIFF::Write", "Error in SetGCP's."}));
+    BGeoReference placed = WithTerms({1, 0, 0, 0, -1, 0});
+    EXPECT_EQ(Refused(folder.Write("b.tif", "ODDRASTER no-transform"), placed),
+              (Parts{"Failed to set Transform", "BRefGeoTIFF::Write", "Error in SetTransform."}));
+    const std::string file = folder.Write("c.tif", "ODDRASTER no-system");
+    EXPECT_EQ(SaveByName(file, placed).type, "");
+    EXPECT_EQ(Refused(file, reference),
+              (Parts{"Failed to set Projection", "BRefGeoTIFF::Write", "Error in SetProjection."}));
+
+    // By name a vertical unit that is taken makes up for points that are not.
+    reference.SetVerticalUnit(BLinearUnit::GetLinearUnit(BIdentifier(BString("GC"), BString("METERS"))));
+    const std::string odd = folder.Write("d.tif", "ODDRASTER no-points");
+    EXPECT_EQ(SaveByName(odd, reference).type, "");
+    EXPECT_EQ(SaveByType(odd, reference).type, "BException");
+}
+
+TEST_F(GeoTiff, FilesThatDoNotOpenForWriting) {
+    const BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+    const std::string none = folder / "none.tif";
+    Thrown thrown = SaveByName(none, reference);
+    EXPECT_EQ(thrown.type, "BFileAccessException");
+    EXPECT_EQ(thrown.source, "BRefGeoTIFF::Write");
+    EXPECT_EQ(thrown.detail, "GeoTIFF write could not open file");
+    ASSERT_EQ(log.lines.size(), 2U);
+    EXPECT_EQ(log.lines[0], "BRefGeoTIFF::Write Failed to open file <" + none + ">");
+    thrown = SaveByType(none, reference);
+    EXPECT_EQ(thrown.type, "BFileAccessException");
+    EXPECT_EQ(thrown.detail, "GeoTIFF write could not open file <" + none + ">.");
+    EXPECT_FALSE(std::filesystem::exists(none));
+
+    const std::string starved = folder.Write("starved.tif", "ODDRASTER no-memory");
+    thrown = SaveByType(starved, reference);
+    EXPECT_EQ(thrown.type, "BResourceException");
+    EXPECT_EQ(thrown.source, "BRefGeoTIFF::Write");
+    EXPECT_EQ(thrown.detail, "not a byte left");
+    EXPECT_EQ(SaveByName(starved, reference).type, "");
+}
+
+BSharedPtr<BCoordSys> SystemOf(const std::string& wkt) {
+    return BSharedPtr<BCoordSys>(BCoordSys::FromWKT(BString(wkt)));
+}
+
+TEST_F(GeoTiff, ASystemThatCannotBeSavedIsAFaultForTheStrict) {
+    BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+    // No text of the older kind tells a derived geographic system.
+    reference.SetCoordSys(SystemOf(
+        "GEOGCRS[\"turned pole\",BASEGEOGCRS[\"WGS 84\",DATUM[\"World Geodetic System 1984\","
+        "ELLIPSOID[\"WGS 84\",6378137,298.257223563]]],DERIVINGCONVERSION[\"turned pole\","
+        "METHOD[\"PROJ ob_tran o_proj=longlat\"],PARAMETER[\"o_lat_p\",52,ANGLEUNIT[\"degree\","
+        "0.0174532925199433]],PARAMETER[\"o_lon_p\",-30,ANGLEUNIT[\"degree\",0.0174532925199433]],"
+        "PARAMETER[\"lon_0\",-25,ANGLEUNIT[\"degree\",0.0174532925199433]]],CS[ellipsoidal,2],"
+        "AXIS[\"latitude\",north],AXIS[\"longitude\",east],ANGLEUNIT[\"degree\",0.0174532925199433]]"));
+    ASSERT_TRUE(reference.HasCoordSys());
+    ASSERT_TRUE(reference.CoordSys->ToWKT().IsEmpty());
+    const std::string file = MakeTiff(folder / "map.tif");
+    const Thrown thrown = SaveByType(file, reference, BMapAnchor::kStrictCoordSys);
+    EXPECT_EQ(thrown.type, "BGeoReferenceInvalidCoordSysException");
+    EXPECT_EQ(thrown.detail, "Couldn't generate a valid WKT string from CoordSys <turned pole>");
+    EXPECT_EQ(SaveByType(file, reference, BMapAnchor::kStrictTransform).type, "");
+    EXPECT_EQ(SaveByName(file, reference).type, "");
+
+    // A local system is saved, and is still none that places the raster on the Earth.
+    reference.SetCoordSys(SystemOf("LOCAL_CS[\"the yard\",UNIT[\"metre\",1]]"));
+    ASSERT_TRUE(reference.HasCoordSys());
+    const Thrown unsaved = SaveByType(file, reference, BMapAnchor::kStrictCoordSys);
+    EXPECT_EQ(unsaved.type, "BGeoReferenceInvalidCoordSysException");
+    EXPECT_EQ(unsaved.detail, "Unable to save Coordinate System <the yard> to GeoTIFF file <" + file + ">");
+    EXPECT_EQ(GeoTransformOf(*Open(file))[1], 1);
+}
+
+TEST_F(GeoTiff, NothingToSaveIsNoSaveByName) {
+    const std::string file = MakeTiff(folder / "map.tif");
+    const std::string before = TempFolder::Slurp(file);
+    EXPECT_EQ(SaveByName(file, BGeoReference()).type, "BUnsupportedFileTypeException");
+    EXPECT_EQ(SaveByType(file, BGeoReference(), kStrict).type, "");
+    EXPECT_EQ(TempFolder::Slurp(file), before);
+}
+
+TEST_F(GeoTiff, AFailureAtTheCloseIsNotHiddenByWhatComesAfter) {
+    const std::string file = folder.Write("map.tif", "ODDRASTER no-close");
+    const BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+    for (const bool by_name : {true, false}) {
+        const Thrown thrown = by_name ? SaveByName(file, reference) : SaveByType(file, reference);
+        EXPECT_EQ(thrown.type, "BGeoReferenceWriteException");
+        EXPECT_EQ(thrown.source, "BRefGeoTIFF::Write");
+        EXPECT_EQ(thrown.detail, "Failed writing GeoTIFF file <" + file + ">: the cable was pulled");
+    }
+}
+
+void FillUp(const TempFolder& folder, std::size_t leave) {
+    std::ofstream out(folder / "ballast", std::ios::binary);
+    while (out.put('x'))
+        out.flush();
+    out.close();
+    const auto size = std::filesystem::file_size(folder / "ballast");
+    std::filesystem::resize_file(folder / "ballast", size > leave ? size - leave : 0);
+}
+
+TEST_F(GeoTiff, AFullDiskLeavesTheRasterAsItWas) {
+    const TempFolder own;
+    const SmallDisk disk(own / ".", "64k");
+    if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
+    const std::string file = MakeTiff(own / "map.tif");
+    // Large, so that its records do not find room in the last page of the file.
+    BGeoReference reference;
+    std::vector<BPointPair> pairs;
+    for (long i = 0; i < 1000; ++i)
+        pairs.emplace_back(i % 20, i / 20, 500000.0 + static_cast<double>(i), 4100000.0, 0.0, "", true);
+    reference.SetPointPairVector(pairs, EMathTransformType::None);
+    SetEpsg(reference, "32633");
+    const auto pixels = Pixels(file);
+    const std::string before = TempFolder::Slurp(file);
+    for (const std::size_t leave : {0U, 4096U, 16384U}) {
+        FillUp(own, leave);
+        for (const bool by_name : {true, false}) {
+            const Thrown thrown = by_name ? SaveByName(file, reference) : SaveByType(file, reference);
+            EXPECT_EQ(thrown.type, "BGeoReferenceWriteException") << leave;
+            EXPECT_EQ(thrown.detail.rfind("Failed writing GeoTIFF file <" + file + ">: ", 0), 0U);
+            EXPECT_EQ(Pixels(file), pixels) << leave;
+            EXPECT_EQ(TempFolder::Slurp(file) == before, true) << leave;
+        }
+        std::filesystem::remove(own / "ballast");
+    }
+    EXPECT_EQ(SaveByType(file, reference, kStrict).type, "");
+    EXPECT_EQ(Open(file)->GetGCPCount(), 1000);
+}
+
+TEST_F(GeoTiff, AReadOnlyDiskRefuses) {
+    const TempFolder own;
+    const SmallDisk disk(own / ".", "64k");
+    if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
+    const std::string file = MakeTiff(own / "map.tif");
+    const auto pixels = Pixels(file);
+    ASSERT_TRUE(disk.MakeReadOnly());
+    const BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+    EXPECT_EQ(SaveByName(file, reference).type, "BFileAccessException");
+    EXPECT_EQ(SaveByType(file, reference).type, "BFileAccessException");
+    EXPECT_EQ(Pixels(file), pixels);
+}
+
+}  // namespace
+}  // namespace MapAnchor
