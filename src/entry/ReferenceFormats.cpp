@@ -4,6 +4,7 @@
 
 #include "raster/BRefGeoTIFF.h"
 #include "sidecar/BRefRSF.h"
+#include "sidecar/BRefTAB.h"
 #include "sidecar/BRefWLD.h"
 
 #include <Tellurion/ReferenceTags.h>
@@ -77,6 +78,33 @@ ReferenceFormat Rsf() {
             .save_extensions = {REFERENCE_RSF_TAG.GetUnits()}};
 }
 
+ReferenceFormat Tab() {
+    return {.name = "TAB",
+            .title = "MapInfo TAB raster registration",
+            .type = EReferenceType::TAB,
+            .typed_read =
+                [](const ReadCall& call) {
+                    BRefTAB::Read(call.file, call.flags, call.reference, call.math_type, call.width,
+                                  call.height);
+                },
+            .typed_save =
+                [](const SaveCall& call) {
+                    BRefTAB::Write(call.file, call.flags, call.reference, call.width, call.height,
+                                   call.image_name);
+                },
+            .named_read =
+                [](const ReadCall& call) {
+                    return BRefTAB::Read(call.file, call.reference, call.math_type, call.width, call.height);
+                },
+            .named_save =
+                [](const SaveCall& call) {
+                    return BRefTAB::Write(call.file, call.reference, call.width, call.height,
+                                          call.image_name);
+                },
+            .read_extensions = {REFERENCE_TAB_TAG.GetUnits()},
+            .save_extensions = {REFERENCE_TAB_TAG.GetUnits()}};
+}
+
 ReferenceFormat WorldFileFormat() {
     ReferenceFormat format{
         .name = "WLD",
@@ -100,11 +128,7 @@ std::vector<ReferenceFormat> MakeTable() {
         Rsf(),
         WorldFileFormat(),
         GeoTiff(),
-        {.name = "TAB",
-         .title = "MapInfo TAB raster registration",
-         .type = EReferenceType::TAB,
-         .read_extensions = {REFERENCE_TAB_TAG.GetUnits()},
-         .save_extensions = {REFERENCE_TAB_TAG.GetUnits()}},
+        Tab(),
         {.name = "ERS",
          .title = "ER Mapper header",
          .type = EReferenceType::ERS,

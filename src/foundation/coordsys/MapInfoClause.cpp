@@ -13,7 +13,6 @@
 namespace Tellurion {
 namespace {
 
-constexpr std::size_t kSearched = std::size_t{1} << 20;
 constexpr std::size_t kLongestClause = std::size_t{8} << 10;
 constexpr int kMostLines = 32;
 
@@ -228,8 +227,8 @@ std::size_t FindKeyword(std::string_view line) {
     bool quoted = false;
     for (std::size_t i = 0; i < line.size(); ++i) {
         if (line[i] == '"') quoted = !quoted;
-        const bool starts = !quoted && (i == 0 || !IsWordCharacter(line[i - 1]));
-        if (!starts || LowerAscii(line.substr(i, kKeyword.size())) != kKeyword) continue;
+        if (quoted || (line[i] != 'c' && line[i] != 'C')) continue;
+        if ((i > 0 && IsWordCharacter(line[i - 1])) || LowerAscii(line.substr(i, kKeyword.size())) != kKeyword) continue;
         const std::size_t end = i + kKeyword.size();
         if (end == line.size() || !IsWordCharacter(line[end])) return end;
     }
@@ -253,7 +252,7 @@ MapInfoClause ParseMapInfoClause(std::string_view text) {
 
 MapInfoClause ReadMapInfoClause(BFile& file) {
     std::string_view line;
-    for (std::size_t read = 0; read < kSearched && file.ReadLineBytes(line); read += line.size() + 1) {
+    while (file.ReadLineBytes(line)) {
         const std::size_t start = FindKeyword(line);
         if (start == std::string_view::npos) continue;
         std::string text(line.substr(start));

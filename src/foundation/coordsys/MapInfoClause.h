@@ -17,7 +17,8 @@ struct MapInfoClause {
     std::string text;
 };
 
-/// Looks for the clause in the lines of an open file, not beyond its first mebibyte.
+/// Looks for the clause in the lines of an open file; any number of points may stand
+/// before it.
 MapInfoClause ReadMapInfoClause(BFile& file);
 
 /// Reads a clause from the text behind the word CoordSys; what follows it is ignored.

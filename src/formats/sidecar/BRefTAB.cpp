@@ -1,0 +1,148 @@
+#include "sidecar/BRefTAB.h"
+
+#include "common/FindCoordSys.h"
+#include "common/OutputFile.h"
+#include "common/PointsToWrite.h"
+#include "common/StoreControlPoints.h"
+#include "sidecar/TabFile.h"
+
+#include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
+#include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
+#include <Tellurion/BCoordSysRepository.h>
+#include <Tellurion/BFileAccessException.h>
+#include <Tellurion/BLogger.h>
+
+namespace MapAnchor {
+
+using Tellurion::BCoordSys;
+using Tellurion::BCoordSysRepository;
+using Tellurion::BFile;
+using Tellurion::BGeoReference;
+using Tellurion::BLogger;
+using Tellurion::BSharedPtr;
+using Tellurion::BString;
+using Tellurion::EFileMode;
+using Tellurion::ELogSeverity;
+using Tellurion::EMathTransformType;
+
+namespace {
+
+constexpr const char* kReadSource = "BRefTAB::Read";
+constexpr OutputVoice kOutput = {"BRefTAB::Write", "TAB"};
+constexpr ControlPointVoice kPointVoice = {kReadSource, kReadSource,
+                                           "BRefTAB::Read Failure setting the BMathTransform ERROR (%ls)"};
+constexpr CornerVoice kCornerVoice = {
+    kOutput.source, "Can't write TAB file <%ls>.  When generating GCP's an exception (%ls) was thrown."};
+
+/// Which systems of a clause are taken.
+enum class Systems { All, ValidOnly };
+
+BSharedPtr<BCoordSys> FindSystem(const BString& file, Systems systems, OnFailure on_failure) {
+    const auto look_up = [&] {
+        BSharedPtr<BCoordSys> system(BCoordSysRepository::Instance()->ReadCoordSysFromFile(file));
+        const bool dropped = system && systems == Systems::ValidOnly && !system->IsValid();
+        return dropped ? BSharedPtr<BCoordSys>() : system;
+    };
+    const auto log_line = [&](const BString& message) {
+        return BString::Format("BRefTAB::Read could not read Coordinate System from file <%ls> ERROR (%ls).",
+                               file, message);
+    };
+    const auto nothing_found = [&] {
+        return BString::Format("Could not parse TAB MIF clause in File <%ls>", file);
+    };
+    // The source of a clause's own failure has been spelled so from the beginning.
+    return FindCoordSys(look_up, on_failure, {kReadSource, "BRefTab::Read", log_line, nothing_found});
+}
+
+bool HasPointsOrTransform(const std::vector<Tellurion::BPointPair>& points) {
+    if (!points.empty()) return true;
+    BLogger::Instance()->WriteLine(
+        ELogSeverity::Error,
+        "BRefTAB::Write Reference type requires valid Ground Control Points or a MathTransform to "
+        "generate them.");
+    return false;
+}
+
+BString ClauseOf(const BGeoReference& reference) {
+    if (!reference.HasCoordSys()) return kDefaultTabClause;
+    return BCoordSysRepository::Instance()->WriteCoordSysToMIFString(*reference.CoordSys);
+}
+
+}  // namespace
+
+bool BRefTAB::Read(const BString& file, BGeoReference& reference, EMathTransformType mathType, long width,
+                   long height) {
+    BFile in(file);
+    if (!in.Open(EFileMode::Read, EFileMode::Text)) return false;
+    const TabFile tab = ParseTab(in);
+    in.Close();
+    if (!tab.IsRaster()) return false;
+    const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::All, OnFailure::GoOn);
+    if (system) reference.SetCoordSys(system);
+    if (!tab.points.empty())
+        StoreControlPoints(reference, tab.points, mathType, {width, height}, OnFailure::GoOn, kPointVoice);
+    return system || !tab.points.empty();
+}
+
+void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
+                   EMathTransformType mathType, long width, long height) {
+    BFile in(file);
+    if (!in.Open(EFileMode::Read, EFileMode::Text))
+        throw Tellurion::BFileAccessException(
+            kReadSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    const TabFile tab = ParseTab(in);
+    in.Close();
+    if (!tab.IsRaster())
+        throw BGeoReferenceInvalidReferenceFileException(
+            kReadSource,
+            BString::Format("File <%ls> is an invalid TAB file.  It must have a \"!table\" and be Type "
+                            "\"RASTER\".",
+                            file));
+    const Strictness strictness(flags);
+    const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::ValidOnly, strictness.CoordSys());
+    if (system) reference.SetCoordSys(system);
+    if (!tab.points.empty())
+        StoreControlPoints(reference, tab.points, mathType, {width, height}, strictness.Transform(),
+                           kPointVoice);
+}
+
+bool BRefTAB::Write(const BString& file, const BGeoReference& reference, long width, long height,
+                    const BString& imageName) {
+    BFile out(file);
+    OpenForWriting(out, kOutput, "TAB write could not open file");
+    const auto points = PointsToWrite(reference, {width, height});
+    if (!HasPointsOrTransform(points)) return false;
+    out.WriteLine(FormatTab(points, imageName));
+    const BString clause = ClauseOf(reference);
+    if (clause.IsEmpty())
+        BLogger::Instance()->WriteLine(
+            ELogSeverity::Error,
+            "BRefTAB::Write Failed to generate valid MIF CoordSys clause, using Default");
+    out.WriteLine(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
+    CloseWritten(out, kOutput);
+    return true;
+}
+
+void BRefTAB::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
+                    long width, long height, const BString& imageName) {
+    const Strictness strictness(flags);
+    BFile out(file);
+    OpenForWriting(out, kOutput, BString::Format("Couldn't open TAB file <%ls> for writing.", file));
+    const auto points = PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice);
+    if (points.empty())
+        // This one has always named the other format as its source.
+        throw BGeoReferenceInvalidReferenceFileException(
+            "BRefRSF::Write", BString::Format("Can't generate a valid TAB file <%ls>.  We require at least 1 "
+                                              "point, this reference only has (%d).",
+                                              file, points.size()));
+    out.WriteLine(FormatTab(points, imageName));
+    const BString clause = ClauseOf(reference);
+    if (clause.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
+        throw BGeoReferenceInvalidCoordSysException(
+            kOutput.source, BString::Format("Couldn't generate a MIF clause for CoordSys %ls.",
+                                            reference.CoordSys->GetName()));
+    out.WriteLine(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
+    CloseWritten(out, kOutput);
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,299 @@
+// TAB files through the front door: the road by name and the road by type.
+
+#include <Tellurion/BCoordSysRepository.h>
+
+#include <gtest/gtest.h>
+
+#include "LogCapture.h"
+#include "References.h"
+#include "Roads.h"
+#include "TempFolder.h"
+
+#include <unistd.h>
+
+namespace MapAnchor {
+namespace {
+
+using namespace Tellurion;
+
+constexpr EReferenceType kTab = EReferenceType::TAB;
+constexpr const char* kInvalidFile = "BGeoReferenceInvalidReferenceFileException";
+constexpr const char* kInvalidSystem = "BGeoReferenceInvalidCoordSysException";
+constexpr const char* kInvalidTransform = "BGeoReferenceInvalidTransformException";
+constexpr const char* kUnsupported = "BUnsupportedFileTypeException";
+const std::string kHead = "!table\n!version 300\nDefinition Table\n  File \"x.tif\"\n  Type \"RASTER\"\n";
+const std::string kPoints =
+    "  (10,50) (0,0) Label \"Pt 1\",\n  (12,50) (199,0) Label \"Pt 2\",\n  (10,49) (0,99) Label \"Pt 3\"\n";
+const std::string kClause = "CoordSys Earth Projection 8, 104, \"m\", 15, 0, 0.9996, 500000, 0";
+const std::string kDefaultClause = "CoordSys Earth Projection 1, 0\nUnits \"Degree\"";
+
+struct ContentCase {
+    const char* name;
+    std::string content;
+    std::string by_name;  ///< type of what is thrown, empty for success
+    std::string by_type;
+    std::string strict;  ///< by type with both flags set
+    int points = 3;
+    bool system = true;
+};
+
+// Which contents the roads take, and how they end.
+TEST(Tab, TheRoadsTakeWhatTheyShould) {
+    const auto marked = [](const std::string& table, const std::string& type) {
+        return table + "\nType \"" + type + "\"\n" + kPoints + kClause;
+    };
+    std::string many = kHead;
+    for (int i = 0; i < 40000; ++i)
+        many += "  (10.00000000000,50.00000000000) (0,0) Label \"Pt 1\",\n";
+    const std::vector<ContentCase> cases = {
+        {"plain", kHead + kPoints + kClause, "", "", ""},
+        {"default_clause", kHead + kPoints + kDefaultClause, "", "", ""},
+        {"no_clause", kHead + kPoints, "", "", kInvalidSystem, 3, false},
+        {"bad_clause", kHead + kPoints + "CoordSys Earth Projection 99, 104", "", "", kInvalidSystem, 3,
+         false},
+        {"clause_alone", kHead + kClause, "", "", "", 0},
+        {"bad_clause_alone", kHead + "CoordSys Earth Projection 99, 104", kUnsupported, "", kInvalidSystem, 0, false},
+        {"marks_alone", kHead, kUnsupported, "", kInvalidSystem, 0, false},
+        {"table_in_capitals", marked("!TABLE", "RASTER"), "", "", ""},
+        {"table_inside_a_line", marked("x !Table x", "RASTER"), "", "", ""},
+        {"raster_in_mixed_case", marked("!table", "Raster"), kUnsupported, kInvalidFile, kInvalidFile},
+        {"no_table", marked("!tab", "RASTER"), kUnsupported, kInvalidFile, kInvalidFile},
+        {"two_points", kHead + kPoints.substr(0, kPoints.rfind("  (")) + kClause, "", "", kInvalidTransform, 2},
+        {"four_tokens", kHead + "(1,2) (3,4)\n" + kClause, "", "", "", 0},
+        {"fifth_token_is_no_label", kHead + "(1,2) (3,4) Labels \"P\"\n" + kClause, "", "", "", 0},
+        {"point_in_front_of_the_marks", "1 2 3 4 LABEL x\n" + kHead + kClause, "", "", kInvalidTransform, 1},
+        {"point_on_the_last_line", kHead + kClause + "\n(1,2) (3,4) label", "", "", kInvalidTransform, 1},
+        {"clause_behind_two_megabytes", many + kClause, "", "", kInvalidTransform, 40000},
+        {"windows_line_ends", "!table\r\nType \"RASTER\"\r\n" + kClause + "\r\n", "", "", "", 0},
+        {"sixty_tokens", kHead + "(1,2)(3,4) Label" + std::string(60 * 2, ' ') + "x\n" + kClause, "", "",
+         kInvalidTransform, 1},
+        {"empty", "", kUnsupported, kInvalidFile, kInvalidFile},
+    };
+    const TempFolder folder;
+    const LogCapture log;
+    for (const ContentCase& test : cases) {
+        SCOPED_TRACE(test.name);
+        const std::string file = folder.Write(std::string(test.name) + ".tab", test.content);
+        BGeoReference reference;
+        EXPECT_EQ(Roads::Read(file, reference).type, test.by_name);
+        if (test.by_name.empty()) {
+            EXPECT_EQ(reference.PointPairVector.size(), static_cast<std::size_t>(test.points));
+            EXPECT_EQ(reference.HasCoordSys(), test.system);
+        }
+        EXPECT_EQ(Roads::Read(kTab, file, reference).type, test.by_type);
+        EXPECT_EQ(Roads::Read(kTab, file, reference, Roads::kStrict).type, test.strict);
+    }
+}
+
+TEST(Tab, PointsAsTheyStand) {
+    const TempFolder folder;
+    const LogCapture log;
+    BGeoReference reference;
+    const std::string file = folder.Write(
+        "map.tab", kHead +
+                       "  (1.5,2.5) (3,4) Label P\n(-1e3, .5) (3.9, -4.9) Label \"a, (b) \xC3\xA9\",\n"
+                       "(x,y) (99999999999,z) label\n( 0 , 0 ) ( 1 , 2 ) Label \"\xE9\x80\",\n");
+    ASSERT_EQ(Roads::Read(file, reference).type, "");
+    const auto& points = reference.PointPairVector;
+    ASSERT_EQ(points.size(), 4U);
+    EXPECT_EQ(points[0].Name, BString("P"));
+    EXPECT_EQ(points[0].World.x, 1.5);
+    EXPECT_EQ(points[0].World.y, 2.5);
+    EXPECT_EQ(points[0].Column, 3);
+    EXPECT_EQ(points[0].Row, 4);
+    EXPECT_TRUE(points[0].Enabled);
+    EXPECT_EQ(points[1].Name, BString("a, (b) \xC3\xA9"));
+    EXPECT_EQ(points[1].World.x, -1000.0);
+    EXPECT_EQ(points[1].Column, 3);
+    EXPECT_EQ(points[1].Row, -4);
+    EXPECT_EQ(points[2].Name, BString());
+    EXPECT_EQ(points[2].Column, 2147483647);
+    EXPECT_EQ(points[2].World.x, 0.0);
+    EXPECT_EQ(points[3].Name, BString("\xC3\xA9\xE2\x82\xAC"));  // Windows-1252: e acute, euro
+}
+
+TEST(Tab, ReadFailuresSayWhatAndWhere) {
+    const TempFolder folder;
+    LogCapture log;
+    BGeoReference reference;
+    const std::string plain = folder.Write("plain.tab", kPoints);
+    Thrown thrown = Roads::Read(kTab, plain, reference);
+    EXPECT_EQ(thrown.source, "BRefTAB::Read");
+    EXPECT_EQ(thrown.detail, "File <" + plain +
+                                 "> is an invalid TAB file.  It must have a \"!table\" and be Type "
+                                 "\"RASTER\".");
+    const std::string none = folder.Write("none.tab", kHead + kPoints);
+    thrown = Roads::Read(kTab, none, reference, BMapAnchor::kStrictCoordSys);
+    EXPECT_EQ(thrown.source, "BRefTAB::Read");
+    EXPECT_EQ(thrown.detail, "Could not parse TAB MIF clause in File <" + none + ">");
+    EXPECT_TRUE(log.lines.empty());
+
+    // A clause that fails speaks under another source, and its text is the log's.
+    const std::string bad = folder.Write("bad.tab", kHead + kPoints + "CoordSys Earth Projection 99, 104");
+    thrown = Roads::Read(kTab, bad, reference, BMapAnchor::kStrictCoordSys);
+    EXPECT_EQ(thrown.source, "BRefTab::Read");
+    ASSERT_EQ(log.lines.size(), 1U);
+    EXPECT_EQ(log.lines[0], "BRefTAB::Read could not read Coordinate System from file <" + bad + "> ERROR (" +
+                                thrown.detail + ").");
+
+    const std::string two =
+        folder.Write("two.tab", kHead + "(1,2) (3,4) Label\n(1,2) (3,4) Label\n" + kClause);
+    thrown = Roads::Read(kTab, two, reference, BMapAnchor::kStrictTransform);
+    EXPECT_EQ(thrown.source, "BRefTAB::Read");
+    EXPECT_EQ(log.lines.back(),
+              "BRefTAB::Read Failure setting the BMathTransform ERROR (" + thrown.detail + ")");
+    thrown = Roads::Read(kTab, folder / ".", reference);
+    EXPECT_EQ(thrown.type, "BFileAccessException");
+    EXPECT_EQ(thrown.detail, "Could not open the reference file <" + (folder / ".") + "> for reading.");
+}
+
+// A local system is no system on the Earth: by type it counts as none.
+TEST(Tab, ALocalSystemIsTakenByNameAlone) {
+    const TempFolder folder;
+    const std::string file = folder.Write("map.tab", kHead + kPoints + "CoordSys NonEarth Units \"m\"");
+    BGeoReference by_name, by_type;
+    EXPECT_EQ(Roads::Read(file, by_name).type, "");
+    EXPECT_TRUE(by_name.HasCoordSys());
+    EXPECT_EQ(Roads::Read(kTab, file, by_type).type, "");
+    EXPECT_FALSE(by_type.HasCoordSys());
+    EXPECT_EQ(Roads::Read(kTab, file, by_type, BMapAnchor::kStrictCoordSys).type, kInvalidSystem);
+}
+
+TEST(Tab, WritesPointsAndClause) {
+    const TempFolder folder;
+    const LogCapture log;
+    BGeoReference reference = References::WithPoints({{20, 10, 6.5, 5.25, 7, "A b", true},
+                                                      {220, 11, -8.5, 1e6, 0, "b, (2)", false},
+                                                      {3, 4, 0.1, 0, 0, "", true}});
+    const std::string head =
+        "!table\n!version 300\n!charset WindowsLatin1\n\nDefinition Table\n  File \"my map.tif\"\n  Type "
+        "\"RASTER\"\n";
+    const std::string three = head +
+                              "  (6.50000000000, 5.25000000000) (20, 10) Label \"A b\",\n"
+                              "  (-8.50000000000, 1000000.00000000000) (220, 11) Label \"b, (2)\",\n"
+                              "  (0.10000000000, 0.00000000000) (3, 4) Label \"\"\n";
+    const std::string file = folder / "map.tab";
+    EXPECT_EQ(Roads::Save(file, reference, "/some/where/my map.tif").type, "");
+    EXPECT_EQ(TempFolder::Slurp(file), three + kDefaultClause);
+    References::SetSystem(reference, "32633");
+    EXPECT_EQ(Roads::Save(kTab, file, reference, Roads::kStrict, "/some/where/my map.tif").type, "");
+    EXPECT_EQ(
+        TempFolder::Slurp(file),
+        three + BCoordSysRepository::Instance()->WriteCoordSysToMIFString(*reference.CoordSys).StdStr());
+
+    // One point has no comma.
+    reference = References::WithPoints({{1, 2, 3, 4, 0, "P", true}});
+    EXPECT_EQ(Roads::Save(file, reference, "my map.tif").type, "");
+    EXPECT_EQ(TempFolder::Slurp(file),
+              head + "  (3.00000000000, 4.00000000000) (1, 2) Label \"P\"\n" + kDefaultClause);
+    EXPECT_TRUE(log.lines.empty());
+}
+
+TEST(Tab, LabelsAreInTheCharsetThatTheHeaderStates) {
+    const TempFolder folder;
+    LogCapture log;
+    const std::string label = "\xC3\x85ngstr\xC3\xB6m \xE2\x82\xAC";  // all of it in Windows-1252
+    const BGeoReference reference = References::WithPoints(
+        {{1, 2, 3, 4, 0, label, true}, {1, 2, 3, 4, 0, "\xE5\x8C\x97 \xF0\x9F\x97\xBA!", true}});
+    const std::string file = folder / "map.tab";
+    EXPECT_EQ(Roads::Save(file, reference, "\xC3\xA9.tif").type, "");
+    EXPECT_NE(TempFolder::Slurp(file).find("Label \"\xC5ngstr\xF6m \x80\",\n"), std::string::npos);
+    EXPECT_EQ(log.lines,
+              std::vector<std::string>{"BRefTAB::Write The text <\xE5\x8C\x97 \xF0\x9F\x97\xBA!> has "
+                                       "characters that WindowsLatin1 does not hold"});
+    BGeoReference back;
+    EXPECT_EQ(Roads::Read(file, back).type, "");
+    EXPECT_EQ(back.PointPairVector.at(0).Name, BString(label));
+    EXPECT_EQ(back.PointPairVector.at(1).Name, BString("? ?!"));
+}
+
+TEST(Tab, ATransformAloneGivesTheCornerPixels) {
+    const TempFolder folder;
+    const BGeoReference reference = References::WithAffine(2, 0, 100, 0, -2, 300);
+    const std::string file = folder / "map.tab";
+    for (const Thrown& saved : {Roads::Save(file, reference), Roads::Save(kTab, file, reference)}) {
+        EXPECT_EQ(saved.type, "");
+        EXPECT_NE(
+            TempFolder::Slurp(file).find("  (498.00000000000, 102.00000000000) (199, 99) Label \"SE\",\n"
+                                         "  (100.00000000000, 102.00000000000) (0, 99) Label \"SW\"\n"),
+            std::string::npos);
+    }
+}
+
+TEST(Tab, WhatCannotBeWrittenSaysSo) {
+    const TempFolder folder;
+    LogCapture log;
+    const std::string file = folder / "map.tab";
+    EXPECT_EQ(Roads::Save(file, BGeoReference()).type, kUnsupported);
+    EXPECT_EQ(log.lines,
+              std::vector<std::string>{"BRefTAB::Write Reference type requires valid Ground Control Points "
+                                       "or a MathTransform to generate them."});
+    EXPECT_EQ(TempFolder::Slurp(file), "");
+    Thrown thrown = Roads::Save(kTab, file, References::WithAffine(1, 0, 0, 0, 1, 0), 0, "", 0, 9);
+    EXPECT_EQ(thrown.type, kInvalidFile);
+    EXPECT_EQ(thrown.source, "BRefRSF::Write");  // so it has always been
+    EXPECT_EQ(thrown.detail, "Can't generate a valid TAB file <" + file +
+                                 ">.  We require at least 1 point, this reference only has (0).");
+
+    thrown = Roads::Save(kTab, file, References::Breaking(), BMapAnchor::kStrictTransform);
+    EXPECT_EQ(thrown.type, kInvalidTransform);
+    EXPECT_EQ(thrown.source, "BRefTAB::Write");
+    EXPECT_EQ(thrown.detail, "Can't write TAB file <" + file +
+                                 ">.  When generating GCP's an exception (message no value here (source)) "
+                                 "was thrown.");
+    EXPECT_EQ(Roads::Save(kTab, file, References::Breaking()).type, "");
+    EXPECT_NE(TempFolder::Slurp(file).find("Label \"NE\"\n"), std::string::npos);
+
+    const std::string nowhere = folder / "missing/map.tab";
+    log.lines.clear();
+    thrown = Roads::Save(nowhere, References::WithAffine(1, 0, 0, 0, 1, 0));
+    EXPECT_EQ(thrown.type, "BFileAccessException");
+    EXPECT_EQ(thrown.detail, "TAB write could not open file");
+    thrown = Roads::Save(kTab, nowhere, References::WithAffine(1, 0, 0, 0, 1, 0));
+    EXPECT_EQ(thrown.detail, "Couldn't open TAB file <" + nowhere + "> for writing.");
+    EXPECT_EQ(log.lines.at(0), "BRefTAB::Write Failed to open file <" + nowhere + ">");
+    EXPECT_EQ(log.lines.at(2), log.lines.at(0));
+}
+
+TEST(Tab, ASystemWithoutAClauseGetsTheDefault) {
+    const TempFolder folder;
+    LogCapture log;
+    const std::string file = folder / "map.tab";
+    BGeoReference reference = References::WithPoints({{1, 2, 3, 4, 0, "P", true}});
+    References::SetSystem(reference, "27200");  // New Zealand Map Grid
+    reference.CoordSys = BSharedPtr<BCoordSys>(BCoordSys::FromWKT(
+        "PROJCS[\"odd\",GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
+        "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Bonne\"],PARAMETER["
+        "\"standard_parallel_1\",45],PARAMETER[\"central_meridian\",0],PARAMETER[\"false_easting\",0],"
+        "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]"));
+    ASSERT_TRUE(reference.HasCoordSys());
+    EXPECT_EQ(Roads::Save(file, reference).type, "");
+    const std::string with_default = TempFolder::Slurp(file);
+    EXPECT_TRUE(with_default.ends_with("\"P\"\n" + kDefaultClause)) << with_default;
+    EXPECT_EQ(log.lines, std::vector<std::string>{
+                             "BRefTAB::Write Failed to generate valid MIF CoordSys clause, using Default"});
+    log.lines.clear();
+    EXPECT_EQ(Roads::Save(kTab, file, reference).type, "");
+    EXPECT_EQ(TempFolder::Slurp(file), with_default);
+    EXPECT_TRUE(log.lines.empty());
+    const Thrown thrown = Roads::Save(kTab, file, reference, BMapAnchor::kStrictCoordSys);
+    EXPECT_EQ(thrown.type, kInvalidSystem);
+    EXPECT_EQ(thrown.source, "BRefTAB::Write");
+    EXPECT_EQ(thrown.detail, "Couldn't generate a MIF clause for CoordSys odd.");
+}
+
+TEST(Tab, AFullDeviceIsNeverSilent) {
+    const TempFolder folder;
+    const LogCapture log;
+    const std::string file = folder / "full.tab";
+    ASSERT_EQ(symlink("/dev/full", file.c_str()), 0);
+    const BGeoReference reference = References::WithAffine(1, 0, 0, 0, -1, 0);
+    for (const Thrown& thrown : {Roads::Save(file, reference), Roads::Save(kTab, file, reference)}) {
+        EXPECT_EQ(thrown.type, "BGeoReferenceWriteException");
+        EXPECT_EQ(thrown.source, "BRefTAB::Write");
+        EXPECT_EQ(thrown.detail, "Failed writing TAB file <" + file + ">.");
+    }
+}
+
+}  // namespace
+}  // namespace MapAnchor
