@@ -3,6 +3,7 @@
 #include <MapAnchor/BReferenceFormats.h>
 
 #include "raster/BRefGeoTIFF.h"
+#include "sidecar/BRefERS.h"
 #include "sidecar/BRefRSF.h"
 #include "sidecar/BRefTAB.h"
 #include "sidecar/BRefWLD.h"
@@ -79,30 +80,49 @@ ReferenceFormat Rsf() {
 }
 
 ReferenceFormat Tab() {
-    return {.name = "TAB",
-            .title = "MapInfo TAB raster registration",
-            .type = EReferenceType::TAB,
-            .typed_read =
-                [](const ReadCall& call) {
-                    BRefTAB::Read(call.file, call.flags, call.reference, call.math_type, call.width,
-                                  call.height);
-                },
+    return {
+        .name = "TAB",
+        .title = "MapInfo TAB raster registration",
+        .type = EReferenceType::TAB,
+        .typed_read =
+            [](const ReadCall& call) {
+                BRefTAB::Read(call.file, call.flags, call.reference, call.math_type, call.width, call.height);
+            },
+        .typed_save =
+            [](const SaveCall& call) {
+                BRefTAB::Write(call.file, call.flags, call.reference, call.width, call.height,
+                               call.image_name);
+            },
+        .named_read =
+            [](const ReadCall& call) {
+                return BRefTAB::Read(call.file, call.reference, call.math_type, call.width, call.height);
+            },
+        .named_save =
+            [](const SaveCall& call) {
+                return BRefTAB::Write(call.file, call.reference, call.width, call.height, call.image_name);
+            },
+        .read_extensions = {REFERENCE_TAB_TAG.GetUnits()},
+        .save_extensions = {REFERENCE_TAB_TAG.GetUnits()}};
+}
+
+ReferenceFormat Ers() {
+    return {.name = "ERS",
+            .title = "ER Mapper header",
+            .type = EReferenceType::ERS,
+            .typed_read = [](const ReadCall& call) { BRefERS::Read(call.file, call.flags, call.reference); },
             .typed_save =
                 [](const SaveCall& call) {
-                    BRefTAB::Write(call.file, call.flags, call.reference, call.width, call.height,
+                    BRefERS::Write(call.file, call.flags, call.reference, call.width, call.height,
                                    call.image_name);
                 },
-            .named_read =
-                [](const ReadCall& call) {
-                    return BRefTAB::Read(call.file, call.reference, call.math_type, call.width, call.height);
-                },
+            .named_read = [](const ReadCall& call) { return BRefERS::Read(call.file, call.reference); },
             .named_save =
                 [](const SaveCall& call) {
-                    return BRefTAB::Write(call.file, call.reference, call.width, call.height,
+                    return BRefERS::Write(call.file, call.reference, call.width, call.height,
                                           call.image_name);
                 },
-            .read_extensions = {REFERENCE_TAB_TAG.GetUnits()},
-            .save_extensions = {REFERENCE_TAB_TAG.GetUnits()}};
+            .read_extensions = {REFERENCE_ERS_TAG.GetUnits()},
+            .save_extensions = {REFERENCE_ERS_TAG.GetUnits()}};
 }
 
 ReferenceFormat WorldFileFormat() {
@@ -129,11 +149,7 @@ std::vector<ReferenceFormat> MakeTable() {
         WorldFileFormat(),
         GeoTiff(),
         Tab(),
-        {.name = "ERS",
-         .title = "ER Mapper header",
-         .type = EReferenceType::ERS,
-         .read_extensions = {REFERENCE_ERS_TAG.GetUnits()},
-         .save_extensions = {REFERENCE_ERS_TAG.GetUnits()}},
+        Ers(),
         {.name = "DOQ",
          .title = "Digital orthophoto quadrangle header",
          .type = EReferenceType::DOQQ,
