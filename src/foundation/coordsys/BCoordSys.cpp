@@ -5,7 +5,7 @@
 #include "coordsys/DefinitionCaches.h"
 #include "coordsys/ProjObjects.h"
 #include "geocalc/CCoordSys.h"
-#include "geocalc/ErMapperNames.h"
+#include "geocalc/ErMapperSystems.h"
 #include "text/Unicode.h"
 
 #include <Tellurion/BCoordSysException.h>
@@ -70,19 +70,26 @@ BCoordSys::~BCoordSys() {
     delete object_.load();
 }
 
+std::shared_ptr<const CoordSysDefinition> BCoordSys::GetDefinition() const {
+    const GeoCalc::CS::CCoordSys* object = object_.load();
+    return object ? object->GetDefinition() : definition_;
+}
+
 int BCoordSys::GetKind() const {
-    return static_cast<int>(definition_->GetKind());
+    return static_cast<int>(GetDefinition()->GetKind());
 }
 
 bool BCoordSys::IsValid() const {
-    return definition_->GetKind() != CoordSysDefinition::Kind::Other;
+    return GetDefinition()->GetKind() != CoordSysDefinition::Kind::Other;
 }
 
 bool BCoordSys::GetIdentifier(const BString& issuer, BIdentifier& out) const {
     BString code;
-    if (issuer == BString("EPSG") && definition_->EpsgNumber() != 0)
-        code = BString::Format("%d", definition_->EpsgNumber());
-    if (issuer == BString("GC")) code = definition_->Name();
+    const auto definition = GetDefinition();
+    if (issuer == BString("EPSG") && definition->EpsgNumber() != 0)
+        code = BString::Format("%d", definition->EpsgNumber());
+    if (issuer == BString(GeoCalc::kValGc)) code = GeoCalc::DB::OwnCodeOf(*definition);
+    if (issuer == BString(GeoCalc::DB::kErMapper)) code = GeoCalc::DB::ErMapperNameOf(*definition);
     if (code.IsEmpty()) return false;
     out = BIdentifier(issuer, code);
     return true;
@@ -117,41 +124,39 @@ bool BCoordSys::ToFile(const BString& path) const {
 }
 
 BString BCoordSys::ToWKT() const {
-    return definition_->Wkt();
+    return GetDefinition()->Wkt();
 }
 
 BString BCoordSys::ToPRJ() const {
-    return definition_->Prj();
+    return GetDefinition()->Prj();
 }
 
 BString BCoordSys::ToEPSGCode() const {
-    return EpsgText(definition_->EpsgNumber());
+    return EpsgText(GetDefinition()->EpsgNumber());
 }
 
 BString BCoordSys::GetName() const {
-    return definition_->Name();
+    return GetDefinition()->Name();
 }
 
 BSharedPtr<BUnit> BCoordSys::GetUnits() const {
-    return definition_->HorizontalUnit();
+    return GetDefinition()->HorizontalUnit();
 }
 
 BSharedPtr<BLinearUnit> BCoordSys::GetVerticalUnits() const {
-    return definition_->VerticalUnit();
+    return GetDefinition()->VerticalUnit();
 }
 
 BCoordSys* BCoordSys::GetBaseCoordSys() const {
-    return Wrap(definition_->Base());
+    return Wrap(GetDefinition()->Base());
 }
 
 bool BCoordSys::GetDatumIdentifier(const BString& issuer, BIdentifier& out) const {
     BString code;
-    if (issuer == BString("EPSG") && definition_->DatumEpsgNumber() != 0)
-        code = BString::Format("%d", definition_->DatumEpsgNumber());
-    if (issuer == BString("ERMapper"))
-        if (const auto* datum =
-                GeoCalc::DB::ErMapperNames::Instance().FindDatumByEpsg(definition_->GeodeticEpsgNumber()))
-            code = BString(std::string(datum->name));
+    const auto definition = GetDefinition();
+    if (issuer == BString("EPSG") && definition->DatumEpsgNumber() != 0)
+        code = BString::Format("%d", definition->DatumEpsgNumber());
+    if (issuer == BString(GeoCalc::DB::kErMapper)) code = GeoCalc::DB::ErMapperDatumNameOf(*definition);
     if (code.IsEmpty()) return false;
     out = BIdentifier(issuer, code);
     return true;
@@ -159,13 +164,13 @@ bool BCoordSys::GetDatumIdentifier(const BString& issuer, BIdentifier& out) cons
 
 BPoint BCoordSys::ConvertToGeodetic(const BPoint& point) const {
     BPoint converted = point;
-    if (!definition_->ToGeodetic(converted)) ThrowOutside("BCoordSys::ConvertToGeodetic", point);
+    if (!GetDefinition()->ToGeodetic(converted)) ThrowOutside("BCoordSys::ConvertToGeodetic", point);
     return converted;
 }
 
 BPoint BCoordSys::ConvertFromGeodetic(const BPoint& point) const {
     BPoint converted = point;
-    if (!definition_->FromGeodetic(converted)) ThrowOutside("BCoordSys::ConvertFromGeodetic", point);
+    if (!GetDefinition()->FromGeodetic(converted)) ThrowOutside("BCoordSys::ConvertFromGeodetic", point);
     return converted;
 }
 

@@ -37,8 +37,9 @@ public:
     virtual int GetKind() const;
     /// True for a system that places positions on the Earth.
     virtual bool IsValid() const;
-    /// Fills `out` with the issuer's code for the system: ("EPSG", "32633"). False
-    /// when that issuer has none.
+    /// Fills `out` with the issuer's code for the system: ("EPSG", "32633"), ("GC",
+    /// "EPSG:32633"), ("ERMapper", "NUTM33"). False when that issuer has none; a name of
+    /// ER Mapper's is the system's own on the datum only that the name stands on.
     virtual bool GetIdentifier(const BString& issuer, BIdentifier& out) const;
 
     static constexpr int kKindGeodetic = 1;
@@ -82,11 +83,12 @@ public:
     BPoint ConvertFromGeodetic(const BPoint& point) const;
 
     /// The database's object behind the system; this one's own, and lives as long.
+    /// Changing it changes the system.
     GeoCalc::CS::CCoordSys* GetGCCoordSys() const;
 
     /// For the library's own use.
     explicit BCoordSys(std::shared_ptr<const CoordSysDefinition> definition);
-    const std::shared_ptr<const CoordSysDefinition>& GetDefinition() const { return definition_; }
+    std::shared_ptr<const CoordSysDefinition> GetDefinition() const;
 
 private:
     std::shared_ptr<const CoordSysDefinition> definition_;

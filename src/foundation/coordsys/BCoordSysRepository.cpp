@@ -55,7 +55,8 @@ BString BCoordSysRepository::WriteCoordSysToMIFString(const BCoordSys& coordSys)
 }
 
 BCoordSys* BCoordSysRepository::GetCoordSys(const BIdentifier& identifier) {
-    return identifier.Issuer == BString("EPSG") ? BCoordSys::FromEPSGCode(identifier.Code) : nullptr;
+    if (identifier.Issuer == BString("EPSG")) return BCoordSys::FromEPSGCode(identifier.Code);
+    return Wrap(GetDSInstance()->Find(identifier.Issuer, identifier.Code));
 }
 
 const GeoCalc::DB::CDataSource* BCoordSysRepository::GetDSInstance() const {

@@ -36,7 +36,9 @@ public:
     /// end; empty when it cannot be told in one.
     BString WriteCoordSysToMIFString(const BCoordSys& coordSys);
 
-    /// The system of ("EPSG", number); null when unknown.
+    /// The system of ("EPSG", number), of ("ERMapper", name), where the name is that of a
+    /// projection on its own datum, that of a datum, or "EPSG:" and a number, and of
+    /// ("GC", code), the database's own; null when unknown.
     BCoordSys* GetCoordSys(const BIdentifier& identifier);
 
     /// The coordinate system database.

@@ -142,12 +142,23 @@ int CoordSysDefinition::FindDatum() const {
     return identified ? identified->StatedDatum() : 0;
 }
 
-int CoordSysDefinition::StatedDatum() const {
-    if (kind_ == Kind::Other) return 0;
+Proj::Object CoordSysDefinition::GetDatum() const {
+    if (kind_ == Kind::Other) return nullptr;
+    const std::lock_guard lock(mutex_);
     PJ_CONTEXT* context = Proj::ThreadContext();
     Proj::Object datum(proj_crs_get_datum(context, parts_.Plain()));
     if (!datum) datum.reset(proj_crs_get_datum_ensemble(context, parts_.Plain()));
+    return datum;
+}
+
+int CoordSysDefinition::StatedDatum() const {
+    const Proj::Object datum = GetDatum();
     return datum ? Proj::StatedEpsg(datum.get()) : 0;
+}
+
+BString CoordSysDefinition::DatumName() const {
+    const Proj::Object datum = GetDatum();
+    return datum ? BString(proj_get_name(datum.get())) : BString();
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::Base() const {
@@ -163,6 +174,16 @@ CoordSysDefinition::Ptr CoordSysDefinition::MakeBase() const {
 Proj::Object CoordSysDefinition::CloneHorizontal() const {
     const std::lock_guard lock(mutex_);
     return Clone(parts_.Plain());
+}
+
+Proj::Object CoordSysDefinition::CloneVertical() const {
+    const std::lock_guard lock(mutex_);
+    return parts_.vertical ? Clone(parts_.vertical.get()) : nullptr;
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::Renamed(const BString& name) const {
+    const std::lock_guard lock(mutex_);
+    return Make(Proj::Object(proj_alter_name(Proj::ThreadContext(), parts_.whole.get(), name.Utf8())));
 }
 
 BSharedPtr<BUnit> CoordSysDefinition::HorizontalUnit() const {

@@ -58,6 +58,13 @@ public:
 
     /// A copy of the horizontal part, without a shift to another datum.
     Proj::Object CloneHorizontal() const;
+    /// A copy of the vertical part of a compound system; null without one.
+    Proj::Object CloneVertical() const;
+
+    /// The name of the datum of the horizontal part; empty without one.
+    BString DatumName() const;
+    /// The same system under another name, without the number that it states.
+    Ptr Renamed(const BString& name) const;
 
 private:
     /// The parts of a system. One that equals the part above it is left empty.
@@ -81,6 +88,7 @@ private:
     const GeodeticConversion& Conversion() const;
     int HorizontalEpsg() const;
     bool IsWebMercator() const;
+    Proj::Object GetDatum() const;
     int StatedDatum() const;
     int FindDatum() const;
     BSharedPtr<BLinearUnit> FindVerticalUnit() const;

@@ -17,6 +17,7 @@ struct DefinitionCaches {
     Cache map_info_clauses{kMostEntries};
     Cache codes{kMostEntries};
     Cache plain_names{kMostEntries};
+    Cache er_mapper_names{kMostEntries};
 
     static DefinitionCaches& Instance();
 };

@@ -228,7 +228,9 @@ std::size_t FindKeyword(std::string_view line) {
     for (std::size_t i = 0; i < line.size(); ++i) {
         if (line[i] == '"') quoted = !quoted;
         if (quoted || (line[i] != 'c' && line[i] != 'C')) continue;
-        if ((i > 0 && IsWordCharacter(line[i - 1])) || LowerAscii(line.substr(i, kKeyword.size())) != kKeyword) continue;
+        if ((i > 0 && IsWordCharacter(line[i - 1])) ||
+            LowerAscii(line.substr(i, kKeyword.size())) != kKeyword)
+            continue;
         const std::size_t end = i + kKeyword.size();
         if (end == line.size() || !IsWordCharacter(line[end])) return end;
     }

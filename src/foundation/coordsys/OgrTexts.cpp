@@ -51,4 +51,11 @@ std::string MapInfoOfWkt(const std::string& wkt) {
     return failed == OGRERR_NONE && text ? std::string(text) : std::string();
 }
 
+std::string WktOfErMapperName(const std::string& name) {
+    const QuietGdal quiet;
+    OGRSpatialReference system;
+    const bool known = system.importFromDict("ecw_cs.wkt", name.c_str()) == OGRERR_NONE;
+    return known ? ToWkt2(system) : std::string();
+}
+
 }  // namespace Tellurion

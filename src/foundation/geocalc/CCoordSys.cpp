@@ -3,29 +3,34 @@
 #include "coordsys/CoordSysDefinition.h"
 #include "geocalc/CGeodeticCoordSys.h"
 #include "geocalc/CProjectedCoordSys.h"
+#include "geocalc/ErMapperSystems.h"
 
 namespace GeoCalc::CS {
 
 using Tellurion::BString;
 using Tellurion::CoordSysDefinition;
 
-CCoordSys::CCoordSys(Definition definition) : definition_(std::move(definition)) {
-    SetName(definition_->Name());
-    GetIdentifiers().Add(kValGc, definition_->Name());
-    const int number = definition_->EpsgNumber();
+CCoordSys::CCoordSys(const Definition& definition) : original_(definition) {
+    SetName(definition->Name());
+    GetIdentifiers().Add(kValGc, DB::OwnCodeOf(*definition));
+    const int number = definition->EpsgNumber();
     if (number != 0) GetIdentifiers().Add("EPSG", BString::Format("%d", number));
 }
 
+CCoordSys::CCoordSys(const CCoordSys& other) : CSerializable(other), maker_(other.maker_) {
+    const std::lock_guard lock(other.mutex_);
+    original_ = other.original_;
+    named_ = other.named_;
+}
+
 CCoordSys::~CCoordSys() = default;
-CGeodeticCoordSys::~CGeodeticCoordSys() = default;
-CProjectedCoordSys::~CProjectedCoordSys() = default;
 
 std::unique_ptr<CCoordSys> CCoordSys::Make(const Definition& definition) {
     switch (definition->GetKind()) {
         case CoordSysDefinition::Kind::Geodetic:
-            return std::unique_ptr<CCoordSys>(new CGeodeticCoordSys(definition));
+            return std::make_unique<CGeodeticCoordSys>(definition);
         case CoordSysDefinition::Kind::Projected:
-            return std::unique_ptr<CCoordSys>(new CProjectedCoordSys(definition));
+            return std::make_unique<CProjectedCoordSys>(definition);
         default:
             return std::unique_ptr<CCoordSys>(new CCoordSys(definition));
     }
@@ -35,12 +40,21 @@ std::unique_ptr<CCoordSys> CCoordSys::Clone() const {
     return std::unique_ptr<CCoordSys>(new CCoordSys(*this));
 }
 
-std::unique_ptr<CCoordSys> CGeodeticCoordSys::Clone() const {
-    return std::unique_ptr<CCoordSys>(new CGeodeticCoordSys(*this));
+const CCoordSys::Definition& CCoordSys::GetOriginal() const {
+    const std::lock_guard lock(mutex_);
+    if (!original_) original_ = maker_();
+    return original_;
 }
 
-std::unique_ptr<CCoordSys> CProjectedCoordSys::Clone() const {
-    return std::unique_ptr<CCoordSys>(new CProjectedCoordSys(*this));
+CCoordSys::Definition CCoordSys::GetDefinition() const {
+    return Named(GetOriginal());
+}
+
+CCoordSys::Definition CCoordSys::Named(Definition definition) const {
+    if (definition->Name() == GetName()) return definition;
+    const std::lock_guard lock(mutex_);
+    if (!named_ || named_->Name() != GetName()) named_ = definition->Renamed(GetName());
+    return named_ ? named_ : definition;
 }
 
 }  // namespace GeoCalc::CS

@@ -1,27 +1,146 @@
 #include "geocalc/CDataSource.h"
 
+#include "coordsys/CoordSysDefinition.h"
+#include "coordsys/DefinitionCaches.h"
+#include "geocalc/EquivalentSearch.h"
+#include "geocalc/ErMapperProjections.h"
+#include "geocalc/ErMapperSystems.h"
+
+#include <algorithm>
 #include <string>
 
 namespace GeoCalc::DB {
 
 using Tellurion::BString;
+using Tellurion::CoordSysDefinition;
+using Tellurion::FindByEpsg;
+namespace Proj = Tellurion::Proj;
+
+namespace {
+
+using CS::CProjectedCoordSys;
+
+/// The many are not kept among the systems that were asked for last.
+std::unique_ptr<CProjectedCoordSys> EpsgObject(const EpsgProjections::Row& row) {
+    const int number = row.number;
+    auto object =
+        std::make_unique<CProjectedCoordSys>([number] { return CoordSysDefinition::FromEpsg(number); });
+    object->SetName(BString(row.name));
+    object->GetIdentifiers().Add(kValGc, BString::Format("EPSG:%d", number));
+    object->GetIdentifiers().Add("EPSG", BString::Format("%d", number));
+    return object;
+}
+
+std::unique_ptr<CProjectedCoordSys> NameObject(const ErMapperProjections::Entry& entry) {
+    const BString name{std::string(entry.row->name)};
+    auto object =
+        std::make_unique<CProjectedCoordSys>([name] { return FindErMapperSystem(name); }, entry.projection);
+    object->SetName(name);
+    object->GetIdentifiers().Add(kValGc, name);
+    object->GetIdentifiers().Add(kErMapper, name);
+    return object;
+}
+
+CEquivalent StoredEntry(const CProjectedCoordSys& object) {
+    return {object.GetIdentifiers(), 0};
+}
+
+}  // namespace
 
 CDataSource& CDataSource::Instance() {
-    static CDataSource instance;
-    return instance;
+    static auto* const instance = new CDataSource;
+    return *instance;
 }
 
-const ErMapperDatum* CDataSource::FindERMapperDatum(const BString& name) const {
-    return GetERMapperNames().FindDatum(name.StdStr());
+CDataSource::Objects CDataSource::Search(int objectType) const {
+    Objects objects;
+    if (objectType != kProjectedCoordSys) return objects;
+    for (const auto& row : EpsgProjections::Instance().All())
+        objects.push_back(EpsgObject(row));
+    for (const auto& entry : ErMapperProjections::Instance().All())
+        objects.push_back(NameObject(entry));
+    for (const Stored& stored : GetStored())
+        objects.push_back(stored->Clone());
+    return objects;
 }
 
-const ErMapperProjection* CDataSource::FindERMapperProjection(const BString& name) const {
-    return GetERMapperNames().FindProjection(name.StdStr());
+BString CDataSource::FindERMapperName(const PJ::CProjection& projection) const {
+    const auto named = ErMapperProjections::Instance().FindNearlyEqual(projection);
+    if (!named.empty()) return BString(std::string(named.front()->row->name));
+    for (const Stored& stored : GetStored())
+        if (stored->GetIdentifiers().Exists(kErMapper) && stored->GetProjection().IsNearlyEqual(projection))
+            return stored->GetIdentifiers().GetCode(kErMapper);
+    return {};
 }
 
-BString CDataSource::GetERMapperDatumName(int geodeticEpsg) const {
-    const ErMapperDatum* datum = GetERMapperNames().FindDatumByEpsg(geodeticEpsg);
-    return datum ? BString(std::string(datum->name)) : BString();
+std::unique_ptr<ML::CProjectedPoint> CDataSource::GetProjectedPoint(const BString& issuer,
+                                                                    const BString& code) const {
+    return issuer == BString(kValGc) ? ML::CProjectedPoint::Find(code) : nullptr;
+}
+
+std::unique_ptr<CS::CGeodeticCoordSys> CDataSource::GetGeodeticCoordSysNonThrow(const BString& issuer,
+                                                                                const BString& code) const {
+    const auto found = issuer == BString(kErMapper) ? FindErMapperGeodetic(code) : Find(issuer, code);
+    if (!found || found->GetKind() != CoordSysDefinition::Kind::Geodetic) return nullptr;
+    return std::make_unique<CS::CGeodeticCoordSys>(found);
+}
+
+std::unique_ptr<CS::CHorizontalDatum> CDataSource::GetHorizontalDatumNonThrow(const BString& issuer,
+                                                                              const BString& code) const {
+    const auto found = issuer == BString(kErMapper) ? FindErMapperDatum(code) : nullptr;
+    return found ? std::make_unique<CS::CHorizontalDatum>(found) : nullptr;
+}
+
+std::vector<CEquivalent> CDataSource::Equivalent(const CS::CCoordSys& object) const {
+    return FindSame(object, true);
+}
+
+std::vector<CEquivalent> CDataSource::EquivalentLessRestrictive(const CS::CCoordSys& object) const {
+    return FindSame(object, false);
+}
+
+std::vector<CEquivalent> CDataSource::FindSame(const CS::CCoordSys& object, bool restrictive) const {
+    const Sameness sameness = restrictive ? Sameness::Full : Sameness::LessRestrictive;
+    std::vector<CEquivalent> found = FindEquivalents(object, sameness);
+    if (const auto* projected = dynamic_cast<const CProjectedCoordSys*>(&object))
+        for (const Stored& stored : GetStored())
+            if (IsSame(*stored, *projected, sameness)) found.push_back(StoredEntry(*stored));
+    return found;
+}
+
+bool CDataSource::PutSerializable(int objectType, const CS::CCoordSys& object, bool overwrite, bool) {
+    const BString code = object.GetIdentifiers().GetCode(kValGc);
+    if (objectType != kProjectedCoordSys || code.IsEmpty()) return false;
+    const auto* projected = dynamic_cast<const CProjectedCoordSys*>(&object);
+    if (!projected) return false;
+    auto copy = std::make_shared<const CProjectedCoordSys>(*projected);
+    const std::lock_guard lock(mutex_);
+    const auto same = std::ranges::find_if(
+        stored_, [&](const Stored& stored) { return stored->GetIdentifiers().GetCode(kValGc) == code; });
+    if (same == stored_.end())
+        stored_.push_back(std::move(copy));
+    else if (overwrite)
+        *same = std::move(copy);
+    else
+        return false;
+    return true;
+}
+
+std::vector<CDataSource::Stored> CDataSource::GetStored() const {
+    const std::lock_guard lock(mutex_);
+    return stored_;
+}
+
+CS::CCoordSys::Definition CDataSource::Find(const BString& issuer, const BString& code) const {
+    if (issuer == BString(kErMapper)) return FindErMapperSystem(code);
+    if (issuer == BString("EPSG")) {
+        const int number = Proj::ParseCode(code.StdStr().c_str());
+        return number != 0 ? FindByEpsg(number) : nullptr;
+    }
+    if (issuer != BString(kValGc)) return nullptr;
+    for (const Stored& stored : GetStored())
+        if (stored->GetIdentifiers().GetCode(kValGc) == code) return stored->GetDefinition();
+    return FindErMapperSystem(code);
 }
 
 }  // namespace GeoCalc::DB
