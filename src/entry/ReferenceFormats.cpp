@@ -3,7 +3,6 @@
 #include <MapAnchor/BReferenceFormats.h>
 
 #include "raster/BRefGeoTIFF.h"
-#include "sidecar/BRefERS.h"
 #include "sidecar/BRefRSF.h"
 #include "sidecar/BRefTAB.h"
 #include "sidecar/BRefWLD.h"
@@ -105,26 +104,6 @@ ReferenceFormat Tab() {
         .save_extensions = {REFERENCE_TAB_TAG.GetUnits()}};
 }
 
-ReferenceFormat Ers() {
-    return {.name = "ERS",
-            .title = "ER Mapper header",
-            .type = EReferenceType::ERS,
-            .typed_read = [](const ReadCall& call) { BRefERS::Read(call.file, call.flags, call.reference); },
-            .typed_save =
-                [](const SaveCall& call) {
-                    BRefERS::Write(call.file, call.flags, call.reference, call.width, call.height,
-                                   call.image_name);
-                },
-            .named_read = [](const ReadCall& call) { return BRefERS::Read(call.file, call.reference); },
-            .named_save =
-                [](const SaveCall& call) {
-                    return BRefERS::Write(call.file, call.reference, call.width, call.height,
-                                          call.image_name);
-                },
-            .read_extensions = {REFERENCE_ERS_TAG.GetUnits()},
-            .save_extensions = {REFERENCE_ERS_TAG.GetUnits()}};
-}
-
 ReferenceFormat WorldFileFormat() {
     ReferenceFormat format{
         .name = "WLD",
@@ -149,7 +128,11 @@ std::vector<ReferenceFormat> MakeTable() {
         WorldFileFormat(),
         GeoTiff(),
         Tab(),
-        Ers(),
+        {.name = "ERS",
+         .title = "ER Mapper header",
+         .type = EReferenceType::ERS,
+         .read_extensions = {REFERENCE_ERS_TAG.GetUnits()},
+         .save_extensions = {REFERENCE_ERS_TAG.GetUnits()}},
         {.name = "DOQ",
          .title = "Digital orthophoto quadrangle header",
          .type = EReferenceType::DOQQ,

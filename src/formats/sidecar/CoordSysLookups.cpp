@@ -1,5 +1,8 @@
 #include "sidecar/CoordSysLookups.h"
 
+#include <GeoCalc/CGeodeticCoordSys.h>
+#include <GeoCalc/CProjectedCoordSys.h>
+#include <GeoCalc/CVerticalReference.h>
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/Numbers.h>
 
@@ -10,6 +13,10 @@
 
 namespace MapAnchor {
 
+using GeoCalc::CS::CGeodeticCoordSys;
+using GeoCalc::CS::CProjectedCoordSys;
+using GeoCalc::CS::VR::CVerticalDatum;
+using GeoCalc::CS::VR::CVerticalReference;
 using Tellurion::BCoordSys;
 using Tellurion::BGeoReference;
 using Tellurion::BIdentifier;
@@ -19,10 +26,14 @@ using Tellurion::BString;
 
 namespace {
 
-/// asctime without its static buffer; empty for a time that it cannot tell.
+/// asctime without its static buffer, and with two digits for the day; empty for a
+/// time that it cannot tell.
 std::string AscTime(const std::tm* time) {
+    constexpr std::size_t kDay = 8;
     std::array<char, 64> buffer{};
-    return time && asctime_r(time, buffer.data()) ? std::string(buffer.data()) : std::string();
+    if (!time || !asctime_r(time, buffer.data())) return {};
+    if (buffer[kDay] == ' ') buffer[kDay] = '0';
+    return buffer.data();
 }
 
 int Fold(char c) {
@@ -40,6 +51,29 @@ BString UnitClause(const BLinearUnit& unit) {
     BIdentifier identifier;
     if (unit.GetIdentifier("EPSG", identifier)) clause += Authority(identifier.Code);
     return clause + BString("]");
+}
+
+BString Authority(const GeoCalc::CSerializable& object) {
+    const auto& identifiers = object.GetIdentifiers();
+    return identifiers.Exists("EPSG") ? Authority(identifiers.GetCode("EPSG")) : BString();
+}
+
+/// The geodetic system that a system is or stands on; null for other kinds.
+const CGeodeticCoordSys* GeodeticOf(const BCoordSys& system) {
+    const auto* object = system.GetGCCoordSys();
+    if (const auto* projected = dynamic_cast<const CProjectedCoordSys*>(object))
+        return &projected->GetGeodeticCoordSys();
+    return dynamic_cast<const CGeodeticCoordSys*>(object);
+}
+
+BString WithVertical(const BString& wkt, const BCoordSys& system, const CVerticalReference& vertical) {
+    const CVerticalDatum* datum = vertical.GetVerticalDatum();
+    const BSharedPtr<BLinearUnit> unit = system.GetVerticalUnits();
+    if (!datum || !unit) return wkt;
+    return BString("COMPD_CS[\"") + system.GetName() + BString("\",") + wkt + BString(",VERT_CS[\"") +
+           vertical.GetName() + BString("\",VERT_DATUM[\"") + datum->GetName() + BString("\"") +
+           Authority(*datum) + BString("],") + UnitClause(*unit) + BString(",AXIS[\"Up\",UP]") +
+           Authority(vertical) + BString("]]");
 }
 
 /// The word Vertical stands outside the quotes; readers of these texts expect it there.
@@ -76,8 +110,10 @@ BString BuildCompoundWKT(const BGeoReference& reference) {
     const BCoordSys& system = *reference.CoordSys;
     const BString wkt = system.ToWKT();
     if (wkt.IsEmpty()) return wkt;
-    const int kind = system.GetKind();
-    if (kind != BCoordSys::kKindGeodetic && kind != BCoordSys::kKindProjected) return wkt;
+    const CGeodeticCoordSys* geodetic = GeodeticOf(system);
+    if (!geodetic) return wkt;
+    if (const CVerticalReference* vertical = geodetic->GetVerticalReference())
+        return WithVertical(wkt, system, *vertical);
     if (!reference.HasVerticalUnit()) return wkt;
     return WithUnknownVertical(wkt, system.GetName(), *reference.GetVerticalUnit());
 }
