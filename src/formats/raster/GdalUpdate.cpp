@@ -32,8 +32,9 @@ std::string MemoryFaultOfOpening() {
 TiffSavepoint::TiffSavepoint(const BString& file) : path_(file.StdStr()) {
     const File in(VSIFOpenL(path_.c_str(), "rb"));
     if (!in || VSIFReadL(head_.data(), 1, head_.size(), in.get()) != head_.size() || !IsTiff(head_)) return;
-    is_tiff_ = VSIFSeekL(in.get(), 0, SEEK_END) == 0;
-    length_ = VSIFTellL(in.get());
+    VSIStatBufL status;
+    is_tiff_ = VSIStatExL(path_.c_str(), &status, VSI_STAT_SIZE_FLAG) == 0;
+    length_ = is_tiff_ ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
 void TiffSavepoint::Restore() const {
