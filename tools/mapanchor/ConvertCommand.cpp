@@ -25,6 +25,7 @@ constexpr const char* kDescription =
     "Examples:\n"
     "  mapanchor convert map.tfw copy.jgw\n"
     "  mapanchor convert --dry-run map.tfw other.wld\n"
+    "  mapanchor convert --overwrite map.tfw map.tif\n"
     "  mapanchor convert --to wld --overwrite map.pgw map.txt";
 
 struct ConvertOptions {
@@ -54,6 +55,8 @@ constexpr Capacity kCapacities[] = {
 /// A save that is about to happen, or would.
 struct Plan {
     std::string kind;  ///< empty when the target's extension names none
+    /// The target is a raster that takes the reference in; all other kinds are made anew.
+    bool IsInPlace() const { return kind == "TIF"; }
     bool writes_prj = false;
     std::vector<std::string> files;
 };
@@ -104,6 +107,8 @@ void WarnOfLosses(const ConvertOptions& options, const BGeoReference& reference,
         warn("the control points are not saved: this kind of file has no place for them");
     if (reference.HasVerticalUnit() && !found->vertical_unit)
         warn("the vertical unit is not saved: this kind of file has no place for it");
+    if (reference.HasVerticalUnit() && outcome.plan.IsInPlace() && !options.to)
+        warn("the vertical unit is not saved: a GeoTIFF takes it by type alone, see --to tif");
 }
 
 bool IsSameFile(const std::string& a, const std::string& b) {
@@ -121,10 +126,15 @@ bool MayWrite(const ConvertOptions& options, Outcome& outcome) {
         }
         if (options.overwrite || !BFileUtilities::Exists(BString(file))) continue;
         outcome.Fail(ExitStatus::Error, "BFileAccessException",
-                     "File <" + file + "> exists; --overwrite replaces it.");
+                     "File <" + file + "> exists; --overwrite " +
+                         (outcome.plan.IsInPlace() ? "georeferences it in place." : "replaces it."));
         return false;
     }
-    return true;
+    if (!outcome.plan.IsInPlace() || BFileUtilities::Exists(BString(options.target))) return true;
+    outcome.Fail(
+        ExitStatus::Error, "BFileAccessException",
+        "File <" + options.target + "> does NOT exist; a reference is saved into a raster that is there.");
+    return false;
 }
 
 void CallSave(const ConvertOptions& options, const BGeoReference& reference) {
@@ -146,9 +156,11 @@ ExitStatus StatusOf(const Failure& failure) {
 }
 
 /// A file that the failed save made is no reference: away with it. One that was there
-/// before may have been cut; that cannot be undone, so it is said.
+/// before may have been cut; that cannot be undone, so it is said. A raster keeps its
+/// content.
 void CleanUp(const std::string& target, bool existed, Outcome& outcome) {
     std::error_code error;
+    if (outcome.plan.IsInPlace()) return;
     if (existed)
         outcome.diagnostics.push_back({true, "the older content of <" + target + "> may be lost"});
     else
@@ -235,7 +247,8 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
         ->type_name("KIND");
     convert->add_option("--image", options->image, "The raster's file name, which some kinds write down")
         ->type_name("NAME");
-    convert->add_flag("--overwrite", options->overwrite, "Replace files that exist");
+    convert->add_flag("--overwrite", options->overwrite,
+                      "Replace files that exist; georeference a raster in place");
     convert->add_flag("--dry-run", options->dry_run, "Say what would be written and write nothing");
     options->read.AddTo(*convert);
     options->common.AddTo(*convert);
