@@ -20,8 +20,9 @@ struct MAPANCHOR_EXPORT BReferenceFormat {
     std::vector<Tellurion::BString> SaveExtensions;
     bool CentreAnchored =
         false;  ///< column 0, row 0 of its affine is the centre of the top left pixel, not its corner
-    bool Probed = false;         ///< tried on files of unknown extension
-    Tellurion::BString Missing;  ///< an optional driver that this build lacks; usually empty
+    Tellurion::BString ServedBy;  ///< the reader, for kinds that another could serve; usually empty
+    bool Probed = false;          ///< tried on files of unknown extension
+    Tellurion::BString Missing;   ///< an optional driver that this build lacks; usually empty
 };
 
 /// What this build can read and save; the front door works from the same table.

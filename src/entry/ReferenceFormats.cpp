@@ -2,7 +2,10 @@
 
 #include <MapAnchor/BReferenceFormats.h>
 
+#include "raster/BRefECW.h"
 #include "raster/BRefGeoTIFF.h"
+#include "raster/BRefMrSID.h"
+#include "raster/HeaderReaders.h"
 #include "sidecar/BRefRSF.h"
 #include "sidecar/BRefTAB.h"
 #include "sidecar/BRefWLD.h"
@@ -122,6 +125,47 @@ ReferenceFormat WorldFileFormat() {
     return format;
 }
 
+ReferenceFormat Sid() {
+    return {
+        .name = "SID",
+        .title = "MrSID",
+        .type = EReferenceType::MrSID,
+        .typed_read = [](const ReadCall& call) { BRefMrSID::Read(call.file, call.flags, call.reference); },
+        .named_read = [](const ReadCall& call) { return BRefMrSID::Read(call.file, call.reference); },
+        .centre_anchored = true,
+        .refusal = {"BrefMrSID::Write", "MrSID raster image files canot be writen using this method."},
+        .served_by = HeaderReaders::MrSid(),
+        .missing = HeaderReaders::MissingForMrSid,
+        .read_extensions = {REFERENCE_SID_TAG.GetUnits()}};
+}
+
+ReferenceFormat Ecw() {
+    return {.name = "ECW",
+            .title = "ECW",
+            .type = EReferenceType::ECW,
+            .typed_read = [](const ReadCall& call) { BRefECW::Read(call.file, call.flags, call.reference); },
+            .named_read = [](const ReadCall& call) { return BRefECW::Read(call.file, call.reference); },
+            .refusal = {"BrefECW::Write", "ECW raster image files canot be writen using this method."},
+            .served_by = HeaderReaders::Ecw(),
+            .read_extensions = {REFERENCE_ECW_TAG.GetUnits()}};
+}
+
+/// The ECW reader states the corner of the first pixel, so that is this kind's anchor;
+/// what only the MrSID reader can tell, such as a rotated image, starts at its centre.
+ReferenceFormat Jp2() {
+    return {.name = "JP2",
+            .title = "JPEG 2000",
+            .type = EReferenceType::Reserved,
+            .named_read =
+                [](const ReadCall& call) {
+                    return BRefECW::Read(call.file, call.reference) ||
+                           BRefMrSID::Read(call.file, call.reference);
+                },
+            .served_by = HeaderReaders::Jpeg2000(),
+            .missing = HeaderReaders::MissingForJpeg2000,
+            .read_extensions = {REFERENCE_JP2_TAG.GetUnits()}};
+}
+
 std::vector<ReferenceFormat> MakeTable() {
     return {
         Rsf(),
@@ -143,20 +187,9 @@ std::vector<ReferenceFormat> MakeTable() {
          .type = EReferenceType::KAP,
          .refusal = {"BRefKAP::Write", "Writing of KAP file types is not supported."},
          .read_extensions = {REFERENCE_KAP_TAG.GetUnits()}},
-        {.name = "SID",
-         .title = "MrSID",
-         .type = EReferenceType::MrSID,
-         .refusal = {"BrefMrSID::Write", "MrSID raster image files canot be writen using this method."},
-         .read_extensions = {REFERENCE_SID_TAG.GetUnits()}},
-        {.name = "ECW",
-         .title = "ECW",
-         .type = EReferenceType::ECW,
-         .refusal = {"BrefECW::Write", "ECW raster image files canot be writen using this method."},
-         .read_extensions = {REFERENCE_ECW_TAG.GetUnits()}},
-        {.name = "JP2",
-         .title = "JPEG 2000",
-         .type = EReferenceType::Reserved,
-         .read_extensions = {REFERENCE_JP2_TAG.GetUnits()}},
+        Sid(),
+        Ecw(),
+        Jp2(),
         {.name = "CADRG", .title = "CADRG frame", .type = EReferenceType::Reserved},
         {.name = "ADRG", .title = "ADRG distribution rectangle", .type = EReferenceType::Reserved},
         {.name = "PDF", .title = "Geospatial PDF", .type = EReferenceType::GeoPDF},
@@ -190,6 +223,8 @@ BReferenceFormat Describe(const ReferenceFormat& format) {
     out.ReadsByType = format.typed_read != nullptr;
     out.CentreAnchored = format.centre_anchored;
     out.SavesByType = format.typed_save != nullptr;
+    out.ServedBy = format.served_by;
+    if (format.missing) out.Missing = format.missing();
     if (format.named_read) out.ReadExtensions = Texts(format.read_extensions);
     if (format.named_save) out.SaveExtensions = Texts(format.save_extensions);
     const auto& probes = ReferenceProbeTable();

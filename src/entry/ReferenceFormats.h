@@ -55,8 +55,10 @@ struct ReferenceFormat {
     TypedSave typed_save = nullptr;
     NamedRead named_read = nullptr;
     NamedSave named_save = nullptr;
-    bool centre_anchored = false;  ///< its affine starts at the centre of the top left pixel
-    SaveRefusal refusal = {};      ///< without a source: it does not refuse
+    bool centre_anchored = false;        ///< its affine starts at the centre of the top left pixel
+    SaveRefusal refusal = {};            ///< without a source: it does not refuse
+    const char* served_by = nullptr;     ///< where there is a choice of readers, the one of this build
+    const char* (*missing)() = nullptr;  ///< the driver that this machine lacks; null for none
     std::vector<std::u16string_view> read_extensions = {};  ///< lower case, with the dot
     std::vector<std::u16string_view> save_extensions = {};
 };

@@ -41,6 +41,7 @@ Json RenderJson(const BReferenceFormat& format) {
     json["readExtensions"] = List(format.ReadExtensions);
     json["saveExtensions"] = List(format.SaveExtensions);
     json["probed"] = format.Probed;
+    if (!format.ServedBy.IsEmpty()) json["servedBy"] = format.ServedBy.StdStr();
     if (!format.Missing.IsEmpty()) json["missing"] = format.Missing.StdStr();
     return json;
 }
@@ -51,6 +52,13 @@ std::string TypeRoads(const BReferenceFormat& format) {
     return number + (format.ReadsByType ? " read" : "") + (format.SavesByType ? " save" : "");
 }
 
+std::string Described(const BReferenceFormat& format) {
+    std::string text = format.Title.StdStr();
+    if (!format.ServedBy.IsEmpty()) text += ", by " + format.ServedBy.StdStr();
+    if (!format.Missing.IsEmpty()) text += " (missing: " + format.Missing.StdStr() + ")";
+    return text;
+}
+
 ExitStatus Run(const CommonOptions& common) {
     const Console console = common.MakeConsole();
     std::vector<std::vector<std::string>> rows = {{"name", "by type", "reads", "saves", "what it is"}};
@@ -59,11 +67,9 @@ ExitStatus Run(const CommonOptions& common) {
             console.Print(ToText(RenderJson(format), common));
             continue;
         }
-        const std::string missing =
-            format.Missing.IsEmpty() ? "" : " (missing: " + format.Missing.StdStr() + ")";
         rows.push_back({format.Name.StdStr(), TypeRoads(format),
                         Joined(format.ReadExtensions) + (format.Probed ? " and by content" : ""),
-                        Joined(format.SaveExtensions), format.Title.StdStr() + missing});
+                        Joined(format.SaveExtensions), Described(format)});
     }
     if (!common.json) console.Print(RenderTable(rows, console));
     return ExitStatus::Done;

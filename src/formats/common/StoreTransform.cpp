@@ -13,8 +13,16 @@ using Tellurion::BMathTransform;
 using Tellurion::BString;
 using Tellurion::ELogSeverity;
 
+namespace {
+
+BString FailureText(const AffineTerms& t) {
+    return BString::Format("Failed creating Affine(%f %f %f %f %f %f)", t.a, t.b, t.c, t.d, t.e, t.f);
+}
+
+}  // namespace
+
 bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& t, OnFailure on_failure,
-                 const AffineVoice& voice) {
+                 const AffineVoice& voice, const AffineTerms* told) {
     constexpr bool kOptimizeFor2D = true;
     BString failure;
     try {
@@ -29,8 +37,7 @@ bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& t, OnFa
         BLogger::Instance()->Write(ELogSeverity::Error, voice.log_line(t, failure));
     }
     if (on_failure == OnFailure::GoOn) return false;
-    if (failure.IsEmpty())
-        failure = BString::Format("Failed creating Affine(%f %f %f %f %f %f)", t.a, t.b, t.c, t.d, t.e, t.f);
+    if (failure.IsEmpty()) failure = FailureText(told ? *told : t);
     throw BGeoReferenceInvalidTransformException(voice.source, failure);
 }
 

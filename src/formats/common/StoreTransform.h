@@ -17,8 +17,9 @@ struct AffineVoice {
 
 /// Makes an affine of the terms and stores it. True when the reference has it;
 /// terms that make none leave the reference as it is, or end in a
-/// BGeoReferenceInvalidTransformException.
+/// BGeoReferenceInvalidTransformException, which tells the terms, or those of `told`
+/// where a format tells them as they stand in the file.
 bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& terms, OnFailure on_failure,
-                 const AffineVoice& voice);
+                 const AffineVoice& voice, const AffineTerms* told = nullptr);
 
 }  // namespace MapAnchor

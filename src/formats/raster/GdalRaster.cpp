@@ -21,6 +21,11 @@ void RegisterDrivers() {
 
 }  // namespace
 
+bool HasGdalDriver(const char* name) {
+    RegisterDrivers();
+    return GDALGetDriverByName(name) != nullptr;
+}
+
 GdalRaster OpenRaster(const BString& file) {
     RegisterDrivers();
     return GdalRaster(GDALDataset::FromHandle(GDALOpenShared(file.Utf8(), GA_ReadOnly)));

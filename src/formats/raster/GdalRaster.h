@@ -13,6 +13,9 @@ struct GdalCloser {
 };
 using GdalRaster = std::unique_ptr<GDALDataset, GdalCloser>;
 
+/// True when the installed GDAL has the driver of that name.
+bool HasGdalDriver(const char* name);
+
 /// Opens a raster for reading, or shares one that this thread has open already; null
 /// when GDAL does not know it. Registers GDAL's drivers where they are not.
 GdalRaster OpenRaster(const Tellurion::BString& file);

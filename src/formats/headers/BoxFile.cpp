@@ -1,0 +1,49 @@
+#include "headers/BoxFile.h"
+
+#include "headers/ByteReader.h"
+
+#include <algorithm>
+
+namespace MapAnchor {
+namespace {
+
+constexpr int kMostBoxes = 256;
+/// Enough for all that stands before the code stream of most files.
+constexpr std::size_t kWindow = 4096;
+constexpr std::size_t kLongHeader = 16;
+
+}  // namespace
+
+bool BoxWalk::Next(Box& box) {
+    if (++steps_ > kMostBoxes) return false;
+    ByteReader header(Bytes(next_, kLongHeader));
+    std::uint64_t length = header.U32();
+    box.type = header.Bytes(4);
+    if (!header.Ok()) return false;
+    if (length == 1) length = header.U64();
+    const std::uint64_t rest = file_.Size() - next_;
+    if (length == 0) length = rest;
+    if (!header.Ok() || length < header.Position()) return false;
+    box.offset = next_ + header.Position();
+    // The last box of a file that was cut off ends with the file.
+    length = std::min(length, rest);
+    box.length = length - header.Position();
+    next_ += length;
+    return true;
+}
+
+std::string_view BoxWalk::Content(const Box& box, std::size_t limit) {
+    return Bytes(box.offset, static_cast<std::size_t>(std::min<std::uint64_t>(box.length, limit)));
+}
+
+std::string_view BoxWalk::Bytes(std::uint64_t offset, std::size_t count) {
+    const bool inside = offset >= window_offset_ && offset - window_offset_ <= window_.size() &&
+                        count <= window_.size() - (offset - window_offset_);
+    if (!inside) {
+        window_ = file_.Window(offset, std::max(count, kWindow));
+        window_offset_ = offset;
+    }
+    return std::string_view(window_).substr(static_cast<std::size_t>(offset - window_offset_), count);
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "headers/FileSource.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace MapAnchor {
+
+/// One box of a file: a type of four characters, and where its content lies.
+struct Box {
+    std::string type;
+    std::uint64_t offset = 0;
+    std::uint64_t length = 0;
+};
+
+/// Walks the boxes of a file at its top level, from the first on. Each step goes
+/// forward, none beyond the end, and there is an end to the number of steps, so that
+/// no file keeps a walk for long. What a box holds is read only when it is asked for.
+class BoxWalk {
+public:
+    explicit BoxWalk(const FileSource& file) : file_(file) {}
+
+    /// The next box; false at the end, and where the file makes no sense.
+    bool Next(Box& box);
+    /// Up to `limit` bytes of a box's content. The view holds until the next call.
+    std::string_view Content(const Box& box, std::size_t limit);
+
+private:
+    std::string_view Bytes(std::uint64_t offset, std::size_t count);
+
+    const FileSource& file_;
+    std::uint64_t next_ = 0;
+    int steps_ = 0;
+    std::uint64_t window_offset_ = 0;
+    std::string window_;
+};
+
+}  // namespace MapAnchor
