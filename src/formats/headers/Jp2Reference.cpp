@@ -84,8 +84,10 @@ bool IsSettled(const Jp2Reference& reference) {
 
 bool IsJpeg2000(std::string_view head) {
     if (head.starts_with(kCodeStream)) return true;
-    constexpr std::size_t kTypeOfNext = 16;
-    return head.starts_with(kSignatureBox) && head.substr(kTypeOfNext, 4) == "ftyp";
+    if (!head.starts_with(kSignatureBox)) return false;
+    ByteReader next(head.substr(kSignatureBox.size()));
+    next.Skip(4);
+    return next.Bytes(4) == "ftyp";
 }
 
 Jp2Reference ReadJp2Reference(const FileSource& file, const BString& path) {
