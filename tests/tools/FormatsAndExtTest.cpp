@@ -25,6 +25,18 @@ TEST(Formats, ListsWhatThisBuildServes) {
     EXPECT_NE(RunTool({"formats"}).out.find(".tfw"), std::string::npos);
 }
 
+TEST(Formats, TellsWhoServesTheKindsOfClosedKits) {
+    std::istringstream lines(RunTool({"formats", "--json"}).out);
+    int told = 0;
+    for (std::string line; std::getline(lines, line);) {
+        const json format = json::parse(line);
+        const bool kit = format["name"] == "SID" || format["name"] == "ECW" || format["name"] == "JP2";
+        EXPECT_EQ(format.contains("servedBy"), kit) << line;
+        told += kit ? 1 : 0;
+    }
+    EXPECT_EQ(told, 3);
+}
+
 TEST(Ext, TellsTheWorldFileExtension) {
     EXPECT_EQ(RunTool({"ext", "a.tif", "b.JPEG", "c.png"}).out, ".tfw\n.jpgw\n.pgw\n");
     const json object = RunTool({"ext", "--json", "a.tif"}).Objects().at(0);

@@ -1,0 +1,160 @@
+// Every MrSID, ECW and JPEG 2000 file of the corpus: what its own header states, and
+// for JPEG 2000 what GDAL's driver says of the same file today.
+
+#include "raster/BRefMrSID.h"
+
+#include <MapAnchor/BMapAnchor.h>
+
+#include <gdal_priv.h>
+#include <gtest/gtest.h>
+#include <ogr_spatialref.h>
+#include <nlohmann/json.hpp>
+
+#include "GdalFiles.h"
+#include "LogCapture.h"
+#include "References.h"
+#include "Roads.h"
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+namespace MapAnchor {
+namespace {
+
+using namespace Tellurion;
+using nlohmann::json;
+using Six = std::array<double, 6>;
+
+const std::filesystem::path kCorpus = MAPANCHOR_CORPUS;
+
+json ExpectedOf(const std::string& folder) {
+    return json::parse(std::ifstream(kCorpus / folder / "expected.json"));
+}
+
+std::string CodeOf(const BGeoReference& reference) {
+    return reference.HasCoordSys() ? reference.CoordSys->ToEPSGCode().StdStr() : "";
+}
+
+/// The systems that the names in the headers stand for.
+const std::map<std::string, std::string> kEcwCodes = {{"jrc.ecw", ""}, {"sample.ecw", "EPSG:4326"}};
+
+TEST(HeaderCorpus, Ecw) {
+    const json expected_of = ExpectedOf("ecw");
+    for (const auto& [name, answer] : expected_of.items()) {
+        SCOPED_TRACE(name);
+        const std::string file = (kCorpus / "ecw" / name).string();
+        BGeoReference typed;
+        ASSERT_EQ(Roads::Read(EReferenceType::ECW, file, typed, Roads::kStrict).type, "");
+        BGeoReference named;
+        if (!answer.value("georeferenced", true)) {
+            EXPECT_EQ(Roads::Read(file, named).type, "BUnsupportedFileTypeException");
+            EXPECT_FALSE(typed.HasMathTransform() || typed.HasCoordSys());
+            continue;
+        }
+        ASSERT_EQ(Roads::Read(file, named).type, "");
+        const auto number = [&](const char* key) { return answer[key].template get<double>(); };
+        const Six expected = {
+            number("fCellIncrementX"), 0.0, number("fOriginX"), 0.0, -std::abs(number("fCellIncrementY")),
+            number("fOriginY")};
+        EXPECT_EQ(References::Terms(named), expected);
+        EXPECT_EQ(References::Terms(typed), expected);
+        const auto code = kEcwCodes.find(name);
+        if (code != kEcwCodes.end()) {
+            EXPECT_EQ(CodeOf(named), code->second);
+        }
+        EXPECT_EQ(named.HasCoordSys(), answer["szProjection"] != "RAW");
+    }
+}
+
+TEST(HeaderCorpus, MrSid) {
+    const json expected_of = ExpectedOf("mrsid");
+    for (const auto& [name, answer] : expected_of.items()) {
+        SCOPED_TRACE(name);
+        const std::string file = (kCorpus / "mrsid" / name).string();
+        const auto number = [&](const char* key) {
+            return answer["LTIGeoCoord"][key].template get<double>();
+        };
+        const Six expected = {number("xRes"), number("xRot"), number("x"),
+                              number("yRot"), number("yRes"), number("y")};
+        BGeoReference named;
+        ASSERT_EQ(Roads::Read(file, named).type, "");
+        EXPECT_EQ(References::Terms(named), expected);
+        EXPECT_EQ(named.HasCoordSys(), answer.contains("IMAGE::WKT"));
+        BGeoReference typed;
+        const bool promised = !answer["GEOTIFF_NUM::3072::ProjectedCSTypeGeoKey"].is_null();
+        EXPECT_EQ(Roads::Read(EReferenceType::MrSID, file, typed, Roads::kStrict).detail,
+                  promised ? "Could not find EPSG system 32767." : "");
+        ASSERT_EQ(Roads::Read(EReferenceType::MrSID, file, typed).type, "");
+        EXPECT_EQ(References::Terms(typed), expected);
+    }
+}
+
+/// What GDAL says of a file, in the order of the affine's terms.
+struct GdalAnswer {
+    bool opened = false;
+    bool placed = false;
+    Six corner{};
+    std::string code;  ///< of the whole system, as its text states it
+};
+
+GdalAnswer AskGdal(const std::string& path) {
+    GdalAnswer answer;
+    const GdalFiles::Dataset raster = GdalFiles::Open(path);
+    if (!raster) return answer;
+    answer.opened = true;
+    double gt[6] = {};
+    answer.placed = raster->GetGeoTransform(gt) == CE_None;
+    answer.corner = {gt[1], gt[2], gt[0], gt[4], gt[5], gt[3]};
+    const OGRSpatialReference* system = raster->GetSpatialRef();
+    const char* code = system ? system->GetAuthorityCode(nullptr) : nullptr;
+    if (code) answer.code = std::string("EPSG:") + code;
+    return answer;
+}
+
+/// Codes that differ from GDAL's on purpose: the key as the file states it.
+const std::map<std::string, std::string> kKeyAsStated = {{"bogota.jp2", "EPSG:21892"}};
+
+Six HalfAPixelInward(Six t) {
+    t[2] += (t[0] + t[1]) * 0.5;
+    t[5] += (t[3] + t[4]) * 0.5;
+    return t;
+}
+
+class Jpeg2000Corpus : public testing::TestWithParam<const char*> {};
+
+// By name the affine is GDAL's; read by the MrSID class it lies half a pixel inward.
+TEST_P(Jpeg2000Corpus, EqualsGdalOrLiesHalfAPixelInward) {
+    const LogCapture log;
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+    for (const auto& entry : std::filesystem::directory_iterator(kCorpus / GetParam())) {
+        if (entry.path().extension() != ".jp2" && entry.path().extension() != ".j2k") continue;
+        const std::string file = entry.path().string();
+        const std::string name = entry.path().filename().string();
+        SCOPED_TRACE(name);
+        const GdalAnswer gdal = AskGdal(file);
+        BGeoReference centre;
+        const bool opened = BRefMrSID::Read(BString(file), centre);
+        EXPECT_TRUE(opened || !gdal.opened);
+        BGeoReference named;
+        // A bare code stream has no row at the front door.
+        const bool by_name = entry.path().extension() == ".jp2";
+        const bool read = by_name && Roads::Read(file, named).type.empty();
+        EXPECT_EQ(read, gdal.placed);
+        EXPECT_EQ(centre.HasMathTransform(), gdal.placed);
+        if (!gdal.placed) continue;
+        EXPECT_EQ(References::Terms(named), gdal.corner);
+        EXPECT_EQ(References::Terms(centre), HalfAPixelInward(gdal.corner));
+        const auto stated = kKeyAsStated.find(name);
+        const std::string code = stated == kKeyAsStated.end() ? gdal.code : stated->second;
+        EXPECT_EQ(CodeOf(named), code);
+        EXPECT_EQ(CodeOf(centre), code);
+    }
+    CPLPopErrorHandler();
+}
+
+INSTANTIATE_TEST_SUITE_P(Folders, Jpeg2000Corpus, testing::Values("jp2", "jp2gen"),
+                         [](const auto& folder) { return std::string(folder.param); });
+
+}  // namespace
+}  // namespace MapAnchor
