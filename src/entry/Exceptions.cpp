@@ -8,9 +8,6 @@
 
 namespace MapAnchor {
 
-using Tellurion::BCoordSysException;
-using Tellurion::BDataManagerException;
-using Tellurion::BException;
 using Tellurion::BString;
 
 namespace {

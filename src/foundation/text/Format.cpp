@@ -100,7 +100,7 @@ std::string WholeText(std::uint64_t magnitude, const Conversion& conversion) {
     return text;
 }
 
-void Pad(std::u16string& out, std::u16string body, const Conversion& conversion) {
+void Pad(std::u16string& out, const std::u16string& body, const Conversion& conversion) {
     const auto width = static_cast<std::size_t>(conversion.width);
     const std::size_t fill = width > body.size() ? width - body.size() : 0;
     if (!conversion.left) out.append(fill, u' ');

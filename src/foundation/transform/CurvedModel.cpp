@@ -92,7 +92,8 @@ bool CurvedModel::ToSource(double& x, double& y) const {
 }
 
 Eigen::Vector2d CurvedModel::StartPlace(int k) const {
-    const Eigen::Array2d place(k % kStartsPerAxis + 0.5, k / kStartsPerAxis + 0.5);
+    const int row = k / kStartsPerAxis;
+    const Eigen::Array2d place(k % kStartsPerAxis + 0.5, row + 0.5);
     return raster_.min() + (raster_.sizes().array() * place / kStartsPerAxis).matrix();
 }
 
