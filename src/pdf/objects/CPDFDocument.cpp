@@ -1,0 +1,169 @@
+#include "objects/CPDFDocument.h"
+
+#include "objects/CCorruptedPDFException.h"
+#include "objects/CPDFPage.h"
+#include "objects/CPDFString.h"
+#include "objects/PdfText.h"
+
+#include <QObject>
+
+namespace VellumLib {
+
+using PoDoFo::PdfObject;
+using PoDoFo::PdfReference;
+
+namespace {
+
+/// PoDoFo talks to stderr unless told not to.
+void Silence() {
+    static const bool silent = [] {
+        PoDoFo::PdfError::EnableDebug(false);
+        PoDoFo::PdfError::EnableLogging(false);
+        return true;
+    }();
+    static_cast<void>(silent);
+}
+
+QString DetailOf(const PoDoFo::PdfError& error) {
+    const auto& stack = error.GetCallstack();
+    return stack.empty() ? QString() : FromPdfBytes(stack.back().GetInformation().c_str());
+}
+
+QString WrongType(const char* type) {
+    return QObject::tr("The reference is not of type %1.").arg(QLatin1String(type));
+}
+
+}  // namespace
+
+CPDFDocument::CPDFDocument(const QString& path) {
+    Silence();
+    document_ = std::make_unique<PoDoFo::PdfMemDocument>();
+    try {
+        Load(path);
+    } catch (const PoDoFo::PdfError& error) {
+        if (error.GetError() != PoDoFo::ePdfError_NoObject) throw;
+        throw CCorruptedPDFException(
+            QObject::tr("The PDF was partially corrupt and could not be read, the file will open without "
+                        "referencing\n\n Details : %1")
+                .arg(DetailOf(error)));
+    }
+}
+
+void CPDFDocument::Load(const QString& path) {
+    document_->Load(path.toLocal8Bit().constData());
+    if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
+}
+
+CPDFDocument::~CPDFDocument() {
+    pages_.clear();
+}
+
+bool CPDFDocument::IsEncrypted() const {
+    return document_->GetEncrypted();
+}
+
+CPDFDictionary CPDFDocument::GetCatalog() {
+    PdfObject* catalog = document_->GetCatalog();
+    if (!catalog) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_NoObject);
+    return CPDFDictionary(catalog->GetDictionary());
+}
+
+bool CPDFDocument::HasMetadata() {
+    return GetCatalog().HasKey("Metadata");
+}
+
+QString CPDFDocument::GetMetadata() {
+    PdfObject* metadata = document_->GetMetadata();
+    if (!metadata || !metadata->HasStream()) return QString();
+    auto* stream = dynamic_cast<PoDoFo::PdfMemStream*>(metadata->GetStream());
+    if (!stream) return QString();
+    stream->Uncompress();
+    const auto* bytes = stream->Get();
+    const auto length = static_cast<uint>(stream->GetLength());
+    return bytes ? QString::fromLatin1(bytes, static_cast<int>(qstrnlen(bytes, length))) : QString();
+}
+
+QString CPDFDocument::GetCreator() {
+    const PoDoFo::PdfInfo* info = document_->GetInfo();
+    return info ? CPDFString(info->GetCreator()).ToQString() : QString();
+}
+
+QString CPDFDocument::GetInfoText(const char* key) {
+    PoDoFo::PdfInfo* info = document_->GetInfo();
+    PdfObject* holder = info ? info->GetObject() : nullptr;
+    if (!holder || !holder->IsDictionary()) return QString();
+    const PdfObject* value = holder->GetDictionary().GetKey(PoDoFo::PdfName(key));
+    if (!value || !(value->IsString() || value->IsHexString())) return QString();
+    return CPDFString(value->GetString()).ToQString();
+}
+
+QString CPDFDocument::GetCreationDate() {
+    return GetInfoText("CreationDate");
+}
+
+QString CPDFDocument::GetModDate() {
+    return GetInfoText("ModDate");
+}
+
+CPDFPage& CPDFDocument::GetPage(int index) {
+    const auto found = pages_.find(index);
+    if (found != pages_.end()) return *found->second;
+    auto page = std::make_unique<CPDFPage>(this, index);
+    return *pages_.emplace(index, std::move(page)).first->second;
+}
+
+CPDFDictionary CPDFDocument::CreateDictionary() {
+    return CPDFDictionary(*document_->GetObjects().CreateObject(PoDoFo::PdfVariant(PoDoFo::PdfDictionary())));
+}
+
+CPDFArray CPDFDocument::CreateArray() {
+    PdfObject* object = document_->GetObjects().CreateObject(PoDoFo::PdfVariant(PoDoFo::PdfArray()));
+    return CPDFArray(object->GetArray());
+}
+
+PdfObject* CPDFDocument::ObjectOf(const PdfReference& reference) {
+    return document_->GetObjects().GetObject(reference);
+}
+
+CPDFDictionary CPDFDocument::GetDictionaryFromReference(const PdfReference& reference) {
+    PdfObject* object = ObjectOf(reference);
+    if (!object || !object->IsDictionary())
+        ThrowPdfError(PoDoFo::ePdfError_InvalidDataType, WrongType("Dictionary"));
+    return CPDFDictionary(*object);
+}
+
+CPDFDictionary CPDFDocument::GetDictionaryFromReference(std::uint32_t object, std::uint16_t generation) {
+    return GetDictionaryFromReference(PdfReference(object, generation));
+}
+
+CPDFArray CPDFDocument::GetArrayFromReference(const PdfReference& reference) {
+    PdfObject* object = ObjectOf(reference);
+    if (!object || !object->IsArray()) ThrowPdfError(PoDoFo::ePdfError_InvalidDataType, WrongType("Array"));
+    return CPDFArray(object->GetArray());
+}
+
+CPDFArray CPDFDocument::GetArrayFromReference(std::uint32_t object, std::uint16_t generation) {
+    return GetArrayFromReference(PdfReference(object, generation));
+}
+
+bool CPDFDocument::RemoveObject(const PdfReference& reference) {
+    const std::unique_ptr<PdfObject> removed(document_->GetObjects().RemoveObject(reference, false));
+    return removed != nullptr;
+}
+
+int CPDFDocument::RemoveReferencedObjects(const CPDFDictionary& dictionary) {
+    std::vector<PdfReference> targets;
+    for (const auto& [name, value] : dictionary.Container().GetKeys())
+        if (value->IsReference()) targets.push_back(value->GetReference());
+    int removed = 0;
+    for (const PdfReference& target : targets)
+        removed += RemoveObject(target) ? 1 : 0;
+    return removed;
+}
+
+void CPDFDocument::Write(const QString& path) {
+    if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
+    document_->Write(path.toLocal8Bit().constData());
+}
+
+}  // namespace VellumLib

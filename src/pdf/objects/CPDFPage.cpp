@@ -1,0 +1,139 @@
+#include "objects/CPDFPage.h"
+
+#include "objects/CPDFDocument.h"
+#include "objects/CPDFXObject.h"
+#include "objects/PdfText.h"
+
+namespace VellumLib {
+
+using PoDoFo::PdfName;
+using PoDoFo::PdfObject;
+
+CPDFPage::CPDFPage(CPDFDocument* document, int index) : document_(document) {
+    if (index < 0) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_PageNotFound);
+    page_ = document_->Document().GetPage(index);
+    if (!page_ || !page_->GetObject() || !page_->GetObject()->IsDictionary())
+        PODOFO_RAISE_ERROR(PoDoFo::ePdfError_PageNotFound);
+    objects_ = &document_->Document().GetObjects();
+    const PdfObject* resources = page_->GetObject()->GetDictionary().GetKey(PdfName("Resources"));
+    if (!resources || !resources->IsDictionary()) return;
+    properties_ = FollowKey(*objects_, *resources, PdfName("Properties"));
+    x_object_resources_ = FollowKey(*objects_, *resources, PdfName("XObject"));
+}
+
+CPDFPage::CPDFPage(const CPDFPage& other)
+    : CPDFCanvas(other),
+      page_(other.page_),
+      properties_(other.properties_),
+      document_(other.document_),
+      clear_on_flush_(other.clear_on_flush_) {}
+
+CPDFPage::~CPDFPage() = default;
+
+CPDFDictionary CPDFPage::GetDictionary() const {
+    return CPDFDictionary(*page_->GetObject());
+}
+
+std::vector<double> CPDFPage::GetBox(int selector) const {
+    static constexpr const char* kOwnKeys[] = {"MediaBox", "CropBox", "BleedBox", "TrimBox", "ArtBox"};
+    const bool known = selector > 0 && selector < 5;
+    std::vector<const char*> keys;
+    if (known) keys.push_back(kOwnKeys[selector]);
+    if (known && selector > 1) keys.push_back("CropBox");
+    keys.push_back("MediaBox");
+    const CPDFDictionary dictionary = GetDictionary();
+    for (const char* key : keys) {
+        if (!dictionary.HasKey(key)) continue;
+        const CPDFArray array = dictionary.GetArray(key);
+        std::vector<double> box;
+        for (int i = 0; i < array.GetSize(); ++i)
+            box.push_back(array[i].GetReal());
+        return box;
+    }
+    return {};
+}
+
+std::vector<double> CPDFPage::GetMediaBox() const {
+    return GetBox(0);
+}
+std::vector<double> CPDFPage::GetCropBox() const {
+    return GetBox(1);
+}
+std::vector<double> CPDFPage::GetBleedBox() const {
+    return GetBox(2);
+}
+std::vector<double> CPDFPage::GetTrimBox() const {
+    return GetBox(3);
+}
+std::vector<double> CPDFPage::GetArtBox() const {
+    return GetBox(4);
+}
+
+QString CPDFPage::GetPropertyTitle(const QString& resource_name) const {
+    if (!properties_) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidKey);
+    if (resource_name.isEmpty()) return QString();
+    PdfObject* entry = FollowKey(*objects_, *properties_, ToPdfName(resource_name));
+    if (!entry) return QString();
+    const CPDFDictionary dictionary(entry->GetDictionary());
+    for (const char* key : {"Name", "Title"}) {
+        const PdfObject* value = dictionary.GetKey(key);
+        if (value && (value->IsString() || value->IsHexString()))
+            return QString::fromUtf8(CPDFString(value->GetString()).ToStdString().c_str());
+    }
+    return QString();
+}
+
+std::size_t CPDFPage::GetContentsLength() const {
+    PdfObject* contents = page_->GetObject()->GetIndirectKey(PdfName("Contents"));
+    if (!contents || !contents->HasStream()) return 0;
+    PoDoFo::PdfMemoryOutputStream copy;
+    contents->GetStream()->GetFilteredCopy(&copy);
+    return static_cast<std::size_t>(copy.GetLength());
+}
+
+CPDFCanvas& CPDFPage::Top() {
+    if (entered_.empty()) return *this;
+    return *entered_.back();
+}
+
+std::int32_t CPDFPage::GetNextStatement(CPDFStatement& statement) {
+    if (pending_ && visited_.insert(pending_->GetObjectNumber()).second)
+        entered_.push_back(std::move(pending_));
+    std::int32_t kind = Top().NextStatement(statement);
+    while (kind == StatementEnd && !entered_.empty()) {
+        Top().FlushContents();
+        entered_.pop_back();
+        kind = Top().NextStatement(statement);
+    }
+    return kind;
+}
+
+void CPDFPage::FlushTopCanvas() {
+    Top().FlushContents();
+}
+
+void CPDFPage::OpenContents() {
+    if (!tokenizer_) tokenizer_ = std::make_unique<PoDoFo::PdfContentsTokenizer>(page_);
+}
+
+void CPDFPage::WriteStatement(const CPDFStatement& statement) {
+    output_.push_back(statement.ToText());
+}
+
+void CPDFPage::WriteText(const QString& text) {
+    output_.push_back(text);
+}
+
+/// With nothing to write and nothing to clear the content stays untouched: it may be
+/// an array of streams, which cannot be appended to as one.
+void CPDFPage::FlushContents() {
+    if (output_.empty() && !clear_on_flush_) return;
+    PoDoFo::PdfStream* stream = page_->GetContents()->GetStream();
+    stream->BeginAppend(clear_on_flush_);
+    for (const QString& line : output_)
+        stream->Append(line.toStdString());
+    stream->EndAppend();
+    output_.clear();
+}
+
+}  // namespace VellumLib

@@ -1,0 +1,126 @@
+// A page's content as a sequence of statements.
+
+#include "PlainPdf.h"
+#include "TempFolder.h"
+
+#include "objects/CPDFDocument.h"
+#include "objects/CPDFPage.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace VellumLib {
+namespace {
+
+using Points = std::vector<std::pair<double, double>>;
+
+struct Seen {
+    int kind;
+    Points points;
+    friend bool operator==(const Seen&, const Seen&) = default;
+    friend void PrintTo(const Seen& seen, std::ostream* out) {
+        *out << seen.kind << ": " << ::testing::PrintToString(seen.points);
+    }
+};
+
+std::string PageWith(const std::string& content, const std::string& resources = "<< >>",
+                     const std::vector<std::string>& more = {}) {
+    std::vector<std::string> objects = {
+        "<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+        "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 100 100] /Contents 4 0 R /Resources " + resources +
+            " >>",
+        PdfStreamObject(content)};
+    objects.insert(objects.end(), more.begin(), more.end());
+    return PlainPdf(objects);
+}
+
+std::vector<Seen> Walk(const std::string& path) {
+    CPDFDocument document(QString::fromStdString(path));
+    std::vector<Seen> all;
+    CPDFStatement statement;
+    while (document.GetPage(0).GetNextStatement(statement) != StatementEnd) {
+        Points points;
+        for (const CPDFPathPoint& point : statement.GetPoints())
+            points.emplace_back(point.x, point.y);
+        all.push_back({statement.GetKind(), points});
+    }
+    return all;
+}
+
+struct ContentCase {
+    const char* name;
+    const char* content;
+    std::vector<Seen> expected;
+};
+
+TEST(ContentStream, Statements) {
+    const ContentCase cases[] = {
+        {"matrix_moves_points", "1 0 0 1 10 20 cm 0 0 m 5 5 l S", {{7, {}}, {2, {{10, 20}, {15, 25}}}}},
+        {"restore_undoes_the_matrix",
+         "q 2 0 0 2 0 0 cm Q 1 1 m S",
+         {{8, {}}, {7, {}}, {9, {}}, {2, {{1, 1}}}}},
+        {"restore_undoes_only_the_last_matrix",
+         "q 2 0 0 2 0 0 cm 1 0 0 1 5 5 cm Q 1 1 m S",
+         {{8, {}}, {7, {}}, {7, {}}, {9, {}}, {2, {{2, 2}}}}},
+        {"clip_comes_before_its_group",
+         "0 0 10 10 re W n 1 g Q 2 2 m S",
+         {{12, {{0, 0}, {0, 10}, {10, 10}, {10, 0}}}, {10, {}}, {9, {}}, {2, {{2, 2}}}}},
+        {"curve_by_c", "0 0 m 1 1 2 2 3 3 c S", {{2, {{0, 0}, {3, 3}}}}},
+        {"curve_by_v_leaves_a_gap", "0 0 m 2 2 3 3 v S", {{2, {{0, 0}}}}},
+        {"text", "BT /F1 12 Tf 1 0 0 1 50 50 Tm (x) Tj ET", {{14, {}}, {1, {}}, {16, {}}, {1, {}}, {15, {}}}},
+        {"end_of_text_takes_a_matrix_back",
+         "2 0 0 2 0 0 cm BT ET 1 1 m S",
+         {{7, {}}, {14, {}}, {15, {}}, {2, {{1, 1}}}}},
+        {"marked_content_and_colour",
+         "/A << >> BDC 1 0 0 rg EMC /S sh",
+         {{4, {}}, {10, {}}, {5, {}}, {13, {}}}},
+        {"operands_at_the_end", "1 2 3", {}},
+        {"unknown_operator", "1 2 xyzzy", {{1, {}}}},
+    };
+    const TempFolder folder;
+    for (const ContentCase& test : cases) {
+        SCOPED_TRACE(test.name);
+        EXPECT_EQ(Walk(folder.Write("page.pdf", PageWith(test.content))), test.expected);
+    }
+}
+
+TEST(ContentStream, FormsAndImages) {
+    const TempFolder folder;
+    const std::string resources = "<< /XObject << /Im0 5 0 R /Fm0 6 0 R /Fm1 7 0 R >> >>";
+    const std::string form = "/Type /XObject /Subtype /Form /BBox [0 0 9 9]";
+    const std::vector<std::string> more = {
+        PdfStreamObject("x", "/Type /XObject /Subtype /Image"), PdfStreamObject("1 1 m S", form),
+        PdfStreamObject("1 1 m S /Im0 Do", form + " /Group << /S /Transparency >>")};
+    const auto walk = [&](const std::string& content, const std::string& of_page) {
+        return Walk(folder.Write("page.pdf", PageWith(content, of_page, more)));
+    };
+    EXPECT_EQ(walk("100 0 0 50 10 10 cm /Im0 Do", resources),
+              (std::vector<Seen>{{7, {}}, {11, {{10, 10}, {110, 60}}}}));
+    EXPECT_EQ(walk("/Fm0 Do", resources), (std::vector<Seen>{{11, {{0, 0}}}}));
+    // A group is entered, once, in the space of its Do; inside it a Do is any operator.
+    EXPECT_EQ(walk("1 0 0 1 5 5 cm /Fm1 Do /Fm1 Do", resources),
+              (std::vector<Seen>{{7, {}}, {11, {}}, {2, {{6, 6}}}, {1, {}}, {11, {}}}));
+    // Resources behind a reference are not looked into.
+    std::vector<std::string> elsewhere = more;
+    elsewhere.push_back(resources);
+    EXPECT_EQ(Walk(folder.Write("page.pdf", PageWith("/Fm1 Do", "8 0 R", elsewhere))),
+              (std::vector<Seen>{{1, {}}}));
+}
+
+TEST(ContentStream, FaultsOfTheContentAreErrors) {
+    const TempFolder folder;
+    std::string clips;
+    for (int i = 0; i < 100000; ++i)
+        clips += "0 0 m W n ";
+    for (const std::string& content :
+         {std::string("1 cm"), std::string("m S"), std::string("(a) 2 m S"), clips}) {
+        SCOPED_TRACE(content.substr(0, 20));
+        EXPECT_THROW(Walk(folder.Write("page.pdf", PageWith(content))), PoDoFo::PdfError);
+    }
+}
+
+}  // namespace
+}  // namespace VellumLib

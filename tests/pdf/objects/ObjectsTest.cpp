@@ -1,0 +1,184 @@
+// Values, the document, pages and the structure tree.
+
+#include "PlainPdf.h"
+#include "TempFolder.h"
+
+#include "objects/CCorruptedPDFException.h"
+#include "objects/CPDFDocument.h"
+#include "objects/CPDFPage.h"
+#include "objects/CPDFStructureElement.h"
+#include "objects/CPDFStructureTreeRoot.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace VellumLib {
+namespace {
+
+std::string InformationOf(const PoDoFo::PdfError& error) {
+    return error.GetCallstack().empty() ? std::string() : error.GetCallstack().back().GetInformation();
+}
+
+QString PathOf(const std::string& path) {
+    return QString::fromStdString(path);
+}
+
+TEST(PdfValues, ATypedGetterNamesKeyAndType) {
+    CPDFDictionary dictionary;
+    CPDFDictionary target;
+    dictionary.AddInteger("One", 1);
+    dictionary.AddReal("Half", 1.5);
+    dictionary.AddName("Name", "Value");
+    dictionary.AddReference("Nowhere", target);  // an own dictionary cannot be referred to
+    struct Case {
+        std::function<void()> get;
+        PoDoFo::EPdfError code;
+        const char* text;
+    };
+    const Case cases[] = {
+        {[&] { dictionary.GetReal("One"); }, PoDoFo::ePdfError_InvalidDataType,
+         "The key One is not of type Double."},
+        {[&] { dictionary.GetNumber("Half"); }, PoDoFo::ePdfError_InvalidDataType,
+         "The key Half is not of type Number."},
+        {[&] { dictionary.GetString("Name"); }, PoDoFo::ePdfError_InvalidDataType,
+         "The key Name is not of type String."},
+        {[&] { dictionary.GetArray("Nowhere"); }, PoDoFo::ePdfError_InvalidKey,
+         "The key Nowhere could not be found within the current dictionary."},
+    };
+    for (const Case& test : cases) {
+        try {
+            test.get();
+            ADD_FAILURE() << test.text;
+        } catch (const PoDoFo::PdfError& error) {
+            EXPECT_EQ(error.GetError(), test.code);
+            EXPECT_EQ(InformationOf(error), test.text);
+        }
+    }
+    EXPECT_EQ(dictionary.GetNumber("One"), 1);
+    EXPECT_EQ(dictionary.GetName("Name").ToQString(), "Value");
+    EXPECT_TRUE(dictionary.RemoveKey("One"));
+    EXPECT_FALSE(dictionary.RemoveKey("One"));
+}
+
+TEST(PdfValues, ArraysCheckTheirIndices) {
+    CPDFArray array;
+    array.InsertReal(0, 2.0);
+    array.InsertInteger(0, 1);
+    array.InsertName(array.GetSize(), "three");
+    CPDFArray copy = array;  // the same container, freed once
+    copy.RemoveAt(7);
+    ASSERT_EQ(copy.GetSize(), 3);
+    EXPECT_EQ(array[0].GetReal(), 1.0);
+    EXPECT_EQ(array[2].GetName().ToQString(), "three");
+    EXPECT_EQ(array[0].GetObjectNumber(), 0U);
+    EXPECT_THROW(array[3], PoDoFo::PdfError);
+    EXPECT_THROW(array[-1], PoDoFo::PdfError);
+    EXPECT_THROW(array.InsertInteger(9, 1), PoDoFo::PdfError);
+    EXPECT_THROW(array[2].GetReal(), PoDoFo::PdfError);
+}
+
+TEST(PdfValues, StringsThatAreNotAscii) {
+    CPDFDictionary dictionary;
+    const QString text = QString::fromUtf8("Wei\u00DF");
+    dictionary.AddUnicodeString("U", text);
+    dictionary.AddString("P", "plain");
+    EXPECT_EQ(CPDFObject(dictionary.GetKey("U")).GetString().ToStdString(), text.toStdString());
+    EXPECT_EQ(dictionary.GetString("P").ToQString(), "plain");
+    EXPECT_EQ(CPDFString(PoDoFo::PdfString()).ToQString(), "");
+}
+
+TEST(PdfDocument, RefusalsAndTheirWords) {
+    const TempFolder folder;
+    try {
+        CPDFDocument(PathOf(folder / "none.pdf"));
+        ADD_FAILURE();
+    } catch (const PoDoFo::PdfError& error) {
+        EXPECT_EQ(error.GetError(), PoDoFo::ePdfError_FileNotFound);
+    }
+    const std::string file = folder.Write("rich.pdf", RichPdf(200, 100));
+    CPDFDocument document(PathOf(file));
+    try {
+        document.GetDictionaryFromReference(8, 7);
+        ADD_FAILURE();
+    } catch (const PoDoFo::PdfError& error) {
+        EXPECT_EQ(error.GetError(), PoDoFo::ePdfError_InvalidDataType);
+        EXPECT_EQ(InformationOf(error), "The reference is not of type Dictionary.");
+    }
+    EXPECT_THROW(document.GetPage(2), PoDoFo::PdfError);
+    EXPECT_THROW(document.GetPage(-1), PoDoFo::PdfError);
+    EXPECT_EQ(&document.GetPage(0), &document.GetPage(0));
+    EXPECT_TRUE(document.HasMetadata());
+    EXPECT_EQ(document.GetMetadata(), "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"/>");
+    EXPECT_TRUE(document.GetModDate().isNull());
+    const std::string long_text(2000, 'x');
+    EXPECT_EQ(std::string(CCorruptedPDFException(PathOf(long_text)).what()), long_text.substr(0, 511));
+}
+
+struct BoxCase {
+    const char* keys;
+    std::vector<double> media, crop, trim;
+};
+
+TEST(PdfPage, BoxesAreThoseOfThePageItself) {
+    const BoxCase cases[] = {
+        {"/MediaBox [0 0 100 50]", {0, 0, 100, 50}, {0, 0, 100, 50}, {0, 0, 100, 50}},
+        {"/MediaBox [0 0 100 50] /CropBox [10 5 90 45.5]",
+         {0, 0, 100, 50},
+         {10, 5, 90, 45.5},
+         {10, 5, 90, 45.5}},
+        {"/TrimBox [1 2 3 4]", {}, {}, {1, 2, 3, 4}},  // the media box is only inherited
+    };
+    const TempFolder folder;
+    for (const BoxCase& test : cases) {
+        SCOPED_TRACE(test.keys);
+        const std::string file = folder.Write(
+            "boxes.pdf", PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>",
+                                   "<< /Type /Pages /Kids [3 0 R] /Count 1 /MediaBox [0 0 9 9] >>",
+                                   std::string("<< /Type /Page /Parent 2 0 R ") + test.keys + " >>"}));
+        CPDFDocument document(PathOf(file));
+        const CPDFPage& page = document.GetPage(0);
+        EXPECT_EQ(page.GetMediaBox(), test.media);
+        EXPECT_EQ(page.GetCropBox(), test.crop);
+        EXPECT_EQ(page.GetTrimBox(), test.trim);
+    }
+}
+
+TEST(PdfPage, AFlushWithNothingToWriteLeavesAnArrayOfContentsAlone) {
+    const TempFolder folder;
+    const std::string file = folder.Write(
+        "array.pdf",
+        PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                  "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] /Contents [4 0 R] /Resources << >> >>",
+                  PdfStreamObject("1 g")}));
+    CPDFDocument document(PathOf(file));
+    EXPECT_NO_THROW(document.GetPage(0).FlushTopCanvas());
+}
+
+TEST(PdfStructure, ElementsHangOnTheTreeInOrder) {
+    const TempFolder folder;
+    const std::string file = folder.Write("rich.pdf", RichPdf(200, 100));
+    CPDFDocument document(PathOf(file));
+    CPDFStructureTreeRoot root(document);
+    EXPECT_EQ(root.GetDocumentKids().GetSize(), 0);
+    ASSERT_EQ(root.GetNums().GetSize(), 2);
+    CPDFArray kids = root.GetDocumentKids();
+    CPDFStructureElement first(document, root, kids, true, 0, "One");
+    CPDFStructureElement second(document, root, kids, false, 1, "Two");
+    first.AddUserProperty("n", "v");
+    first.AddUserProperty("m", "w");
+    ASSERT_EQ(kids.GetSize(), 2);
+    ASSERT_EQ(root.GetParentTreeEntry().GetSize(), 2);
+    EXPECT_EQ(kids[1].GetObjectNumber(), second.GetObjectNumber());
+    EXPECT_EQ(root.GetParentTreeEntry()[0].GetObjectNumber(), first.GetObjectNumber());
+    const CPDFArray properties = first.GetDictionary("A").GetArray("P");
+    ASSERT_EQ(properties.GetSize(), 2);
+    EXPECT_EQ(CPDFObject(properties[1].GetDictionary().GetKey("N")).GetString().ToStdString(), "m");
+    EXPECT_EQ(second.GetNumber("K"), 1);
+    EXPECT_EQ(document.GetCatalog().GetReference("StructTreeRoot"), root.Object()->Reference());
+}
+
+}  // namespace
+}  // namespace VellumLib
