@@ -11,20 +11,26 @@
 
 namespace MapAnchor {
 
-/// The first bytes and the length of a TIFF. A directory that is written anew is
-/// appended and then named in the first bytes; with these two restored the file is
-/// what it was, as long as the change did not come to its end.
-class TiffSavepoint {
+/// What a save may change, as it was before. Of a TIFF the first bytes and the length:
+/// a directory that is written anew is appended and then named in the first bytes, so
+/// that with these two restored the file is what it was. Of any raster the file with
+/// further metadata that lies beside it.
+class Savepoint {
 public:
-    explicit TiffSavepoint(const Tellurion::BString& file);
-    /// Does nothing for what is no TIFF.
+    explicit Savepoint(const Tellurion::BString& file);
     void Restore() const;
 
 private:
+    void RestoreTiff() const;
+    void RestoreMetadata() const;
+
     std::string path_;
     std::array<char, 16> head_{};
     std::uint64_t length_ = 0;
     bool is_tiff_ = false;
+    std::string metadata_path_;
+    std::string metadata_;
+    bool has_metadata_ = false;
 };
 
 /// A raster that is open for writing. GDAL prints nothing while it is. What does not
@@ -46,7 +52,7 @@ public:
 
 private:
     Tellurion::QuietGdal quiet_;
-    TiffSavepoint savepoint_;
+    Savepoint savepoint_;
     GdalRaster raster_;
     std::string memory_fault_;
 };

@@ -285,18 +285,23 @@ void FillUp(const TempFolder& folder, std::size_t leave) {
     std::filesystem::resize_file(folder / "ballast", size > leave ? size - leave : 0);
 }
 
+/// Whose records do not find room in the last page of a small file.
+BGeoReference ManyPoints() {
+    std::vector<BPointPair> pairs;
+    for (long i = 0; i < 1000; ++i)
+        pairs.emplace_back(i % 20, i / 20, 500000.0 + static_cast<double>(i), 4100000.0, 0.0, "", true);
+    BGeoReference reference;
+    reference.SetPointPairVector(pairs, EMathTransformType::None);
+    SetEpsg(reference, "32633");
+    return reference;
+}
+
 TEST_F(GeoTiff, AFullDiskLeavesTheRasterAsItWas) {
     const TempFolder own;
     const SmallDisk disk(own / ".", "64k");
     if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
     const std::string file = MakeTiff(own / "map.tif");
-    // Large, so that its records do not find room in the last page of the file.
-    BGeoReference reference;
-    std::vector<BPointPair> pairs;
-    for (long i = 0; i < 1000; ++i)
-        pairs.emplace_back(i % 20, i / 20, 500000.0 + static_cast<double>(i), 4100000.0, 0.0, "", true);
-    reference.SetPointPairVector(pairs, EMathTransformType::None);
-    SetEpsg(reference, "32633");
+    const BGeoReference reference = ManyPoints();
     const auto pixels = Pixels(file);
     const std::string before = TempFolder::Slurp(file);
     for (const std::size_t leave : {0U, 4096U, 16384U}) {
@@ -312,6 +317,31 @@ TEST_F(GeoTiff, AFullDiskLeavesTheRasterAsItWas) {
     }
     EXPECT_EQ(SaveByType(file, reference, kStrict).type, "");
     EXPECT_EQ(Open(file)->GetGCPCount(), 1000);
+}
+
+// What GDAL keeps beside a raster goes before what the raster holds: a save changes it too.
+TEST_F(GeoTiff, AFullDiskLeavesTheMetadataBesideTheRasterAsItWas) {
+    const TempFolder own;
+    const SmallDisk disk(own / ".", "64k");
+    if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
+    const std::string file = MakeTiff(own / "map.tif");
+    const std::string metadata =
+        "<PAMDataset><GeoTransform>1,2,3,4,5,6</GeoTransform><Metadata><MDI key=\"of\">" +
+        std::string(6000, 'x') + "</MDI></Metadata></PAMDataset>\n";
+    own.Write("map.tif.aux.xml", metadata);
+    const auto pixels = Pixels(file);
+    const BGeoReference reference = ManyPoints();
+    FillUp(own, 0);
+    for (const bool by_name : {true, false}) {
+        const Thrown thrown = by_name ? SaveByName(file, reference) : SaveByType(file, reference);
+        EXPECT_EQ(thrown.type, "BGeoReferenceWriteException");
+        EXPECT_EQ(TempFolder::Slurp(own / "map.tif.aux.xml"), metadata);
+        EXPECT_EQ(Pixels(file), pixels);
+    }
+    std::filesystem::remove(own / "ballast");
+    EXPECT_EQ(SaveByType(file, reference, kStrict).type, "");
+    EXPECT_EQ(Open(file)->GetGCPCount(), 1000);
+    EXPECT_STREQ(Open(file)->GetMetadataItem("of"), std::string(6000, 'x').c_str());
 }
 
 TEST_F(GeoTiff, AReadOnlyDiskRefuses) {
