@@ -47,6 +47,19 @@ UTM = keys((1024, 0, 1, 1), (1025, 0, 1, 1), (3072, 0, 1, 32633))
 PLACE = {SCALE: (DOUBLE, [10, 10, 0]), POINTS: (DOUBLE, [0, 0, 0, 500000, 4100000, 0])}
 THREE = [0, 0, 0, 500000, 4100000, 0, 2, 0, 0, 500020, 4100000, 0, 0, 2, 0, 500000, 4099980, 0]
 
+
+
+def own_system(unit):
+    """A projected system that the file itself describes, in this unit."""
+    return tiff("<", {**PLACE, NUMBERS: (DOUBLE, [6378137, 298.25, 46.5, 3.0, 44.0, 49.0, 7e5, 6.6e6]),
+                      TEXTS: (ASCII, "one of its own|"),
+                      KEYS: keys((1024, 0, 1, 1), (1026, TEXTS, 15, 0), (2048, 0, 1, 32767), (2050, 0, 1, 32767),
+                                 (2056, 0, 1, 32767), (2057, NUMBERS, 1, 0), (2059, NUMBERS, 1, 1),
+                                 (3072, 0, 1, 32767), (3074, 0, 1, 32767), (3075, 0, 1, 8), (3076, 0, 1, unit),
+                                 (3078, NUMBERS, 1, 4), (3079, NUMBERS, 1, 5), (3084, NUMBERS, 1, 3),
+                                 (3085, NUMBERS, 1, 2), (3086, NUMBERS, 1, 6), (3087, NUMBERS, 1, 7))})
+
+
 SEEDS = {
     "bare": tiff("<", {}),
     "utm": tiff("<", {**PLACE, KEYS: UTM}),
@@ -56,14 +69,8 @@ SEEDS = {
     "matrix": tiff("<", {MATRIX: (DOUBLE, [3, 4, 0, 5, 4, -3, 0, 6, 0, 0, 0, 0, 0, 0, 0, 1]), KEYS: UTM}),
     "points": tiff("<", {POINTS: (DOUBLE, THREE), KEYS: UTM}),
     "no_size": tiff("<", {MATRIX: (DOUBLE, [0] * 15 + [1])}),
-    "own_system": tiff("<", {**PLACE, NUMBERS: (DOUBLE, [6378137, 298.25, 46.5, 3.0, 44.0, 49.0, 7e5, 6.6e6]),
-                             TEXTS: (ASCII, "one of its own|"),
-                             KEYS: keys((1024, 0, 1, 1), (1026, TEXTS, 15, 0), (2048, 0, 1, 32767),
-                                        (2050, 0, 1, 32767), (2056, 0, 1, 32767), (2057, NUMBERS, 1, 0),
-                                        (2059, NUMBERS, 1, 1), (3072, 0, 1, 32767), (3074, 0, 1, 32767),
-                                        (3075, 0, 1, 8), (3076, 0, 1, 9001), (3078, NUMBERS, 1, 4),
-                                        (3079, NUMBERS, 1, 5), (3084, NUMBERS, 1, 3), (3085, NUMBERS, 1, 2),
-                                        (3086, NUMBERS, 1, 6), (3087, NUMBERS, 1, 7))}),
+    "own_system": own_system(9001),
+    "unit_that_nobody_knows": own_system(21033),
     "heights": tiff("<", {**PLACE, KEYS: keys((1024, 0, 1, 1), (3072, 0, 1, 32633), (4096, 0, 1, 5703),
                                               (4099, 0, 1, 9001))}),
     "unit": tiff("<", {**PLACE, META: (ASCII, '<GDALMetadata><Item name="UNITTYPE" sample="0" role="unittype">'

@@ -82,13 +82,14 @@ TEST_F(GeoTiffTool, InfoTellsPointsUnitAndRegistration) {
     EXPECT_EQ(GdalFiles::Open(folder / "map.tif")->GetGCPCount(), 3);
 }
 
-TEST_F(GeoTiffTool, NothingOfGdalReachesStderr) {
+TEST_F(GeoTiffTool, NothingOfGdalOrProjReachesStderr) {
     const std::string cut = folder.Write("cut.tif", std::string("II*\0\x08\0\0\0\xFF\xFF", 10));
     const ToolRun run = RunTool({"info", "--json", "--type", "tif", cut});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(run.Objects().at(0)["mapanchor"]["error"]["type"],
               "BGeoReferenceInvalidReferenceFileException");
+    EXPECT_EQ(RunTool({"info", "--json", MAPANCHOR_SEEDS "/geotiff/unit_that_nobody_knows.tif"}).err, "");
 }
 
 }  // namespace
