@@ -2,7 +2,6 @@
 
 #include "ReferenceFormats.h"
 
-#include <MapAnchor/BGeoReferenceNotSupportedException.h>
 #include <Tellurion/BException.h>
 #include <Tellurion/BFile.h>
 #include <Tellurion/BFileContentNotValidException.h>
@@ -114,32 +113,40 @@ void BMapAnchor::Read(const EReferenceType& type, const BString& file, BGeoRefer
 
 void BMapAnchor::Read(const BString& file, BGeoReference& reference, BString& usedFile, long width,
                       long height, EMathTransformType mathType, const BParamList* params) {
+    ReadAndName(file, reference, usedFile, width, height, mathType, params);
+}
+
+const char* BMapAnchor::ReadAndName(const BString& file, BGeoReference& reference, BString& usedFile,
+                                    long width, long height, EMathTransformType mathType,
+                                    const BParamList* params) {
     RequireName(file, kReadSource);
     const BString extension = RequireExtension(file, kReadSource);
     usedFile = file;
-    const bool read = Guarded(kReadLog, file, [&] {
+    const char* const kind = Guarded(kReadLog, file, [&]() -> const char* {
         const std::u16string& wanted = extension.GetUnits();
-        if (const ReferenceFormat* format = FindFormatToRead(wanted))
-            return format->named_read && format->named_read({file, reference, width, height, mathType,
-                                                             kNoFlags, params, &usedFile});
-        if (IsPlainRasterExtension(wanted)) return false;
+        if (const ReferenceFormat* format = FindFormatToRead(wanted)) {
+            const ReadCall call{file, reference, width, height, mathType, kNoFlags, params, &usedFile};
+            return format->named_read && format->named_read(call) ? format->name : nullptr;
+        }
+        if (IsPlainRasterExtension(wanted)) return nullptr;
         return TryOpeningForRead(file, reference, usedFile, width, height, mathType);
     });
-    if (!read) ThrowUnsupported(file, kReadSource);
+    if (!kind) ThrowUnsupported(file, kReadSource);
     if (!HasReference(reference))
         throw BFileContentNotValidException(
             kReadSource,
             BString::Format("File <%ls> does not contain any valid referencing information.", file));
+    return kind;
 }
 
-bool BMapAnchor::TryOpeningForRead(const BString& file, BGeoReference& reference, BString& usedFile,
-                                   long width, long height, EMathTransformType mathType) {
-    return Guarded(kProbeLog, file, [&] {
-        if (IsSettingsFile(file)) return false;
+const char* BMapAnchor::TryOpeningForRead(const BString& file, BGeoReference& reference, BString& usedFile,
+                                          long width, long height, EMathTransformType mathType) {
+    return Guarded(kProbeLog, file, [&]() -> const char* {
+        if (IsSettingsFile(file)) return nullptr;
         const ReadCall call{file, reference, width, height, mathType, kNoFlags, nullptr, &usedFile};
         for (const ReferenceProbe& probe : ReferenceProbeTable())
-            if ((!probe.may_be || probe.may_be(file)) && probe.read(call)) return true;
-        return false;
+            if ((!probe.may_be || probe.may_be(file)) && probe.read(call)) return probe.name;
+        return nullptr;
     });
 }
 
@@ -152,8 +159,7 @@ void BMapAnchor::Save(const EReferenceType& type, const BString& file, const BGe
     const ReferenceFormat* format = FindFormatByType(type);
     if (!format || (!format->typed_save && !format->refusal.source)) ThrowUnsupported(file, kSaveSource);
     Guarded(kSaveLog, file, [&] {
-        if (format->refusal.source)
-            throw BGeoReferenceNotSupportedException(format->refusal.source, format->refusal.detail);
+        if (format->refusal.source) Refuse(format->refusal);
         format->typed_save({file, reference, width, height, imageName, flags, params});
     });
 }

@@ -9,6 +9,8 @@
 
 namespace MapAnchor {
 
+class BReferenceFormats;
+
 /// The one door of the library: reads and saves the georeferencing of a raster or
 /// map by the kind that the caller names, or by the file's name alone.
 ///
@@ -61,9 +63,17 @@ public:
     static Tellurion::BString GenerateWorldFileExt(const Tellurion::BString& file);
 
 private:
-    static bool TryOpeningForRead(const Tellurion::BString& file, Tellurion::BGeoReference& reference,
-                                  Tellurion::BString& usedFile, long width, long height,
-                                  Tellurion::EMathTransformType mathType);
+    friend class BReferenceFormats;
+
+    /// Reads by name and answers the name of the kind that did.
+    static const char* ReadAndName(const Tellurion::BString& file, Tellurion::BGeoReference& reference,
+                                   Tellurion::BString& usedFile, long width, long height,
+                                   Tellurion::EMathTransformType mathType,
+                                   const Tellurion::BParamList* params);
+    /// The name of the kind that answered; null when none did.
+    static const char* TryOpeningForRead(const Tellurion::BString& file, Tellurion::BGeoReference& reference,
+                                         Tellurion::BString& usedFile, long width, long height,
+                                         Tellurion::EMathTransformType mathType);
 };
 
 }  // namespace MapAnchor

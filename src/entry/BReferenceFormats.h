@@ -1,7 +1,10 @@
 #pragma once
 
 #include <MapAnchor/Export.h>
+#include <Tellurion/BGeoReference.h>
+#include <Tellurion/BParamList.h>
 #include <Tellurion/BString.h>
+#include <Tellurion/EMathTransformType.h>
 #include <Tellurion/EReferenceType.h>
 
 #include <vector>
@@ -29,6 +32,13 @@ struct MAPANCHOR_EXPORT BReferenceFormat {
 class MAPANCHOR_EXPORT BReferenceFormats {
 public:
     static std::vector<BReferenceFormat> List();
+
+    /// As BMapAnchor::Read by name, and answers the Name of the kind that was read. An
+    /// extension alone does not tell it: behind an unknown one the content decides.
+    static Tellurion::BString Read(const Tellurion::BString& file, Tellurion::BGeoReference& reference,
+                                   Tellurion::BString& usedFile, long width, long height,
+                                   Tellurion::EMathTransformType mathType,
+                                   const Tellurion::BParamList* params);
 };
 
 }  // namespace MapAnchor

@@ -1,22 +1,32 @@
 #include "ReferenceFormats.h"
 
+#include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 
+#include "raster/BRefADRG.h"
+#include "raster/BRefCADRG.h"
+#include "raster/BRefDOQQ.h"
 #include "raster/BRefECW.h"
 #include "raster/BRefGeoTIFF.h"
+#include "raster/BRefKAP.h"
 #include "raster/BRefMrSID.h"
 #include "raster/HeaderReaders.h"
 #include "sidecar/BRefRSF.h"
 #include "sidecar/BRefTAB.h"
 #include "sidecar/BRefWLD.h"
 
+#include <Tellurion/BImage.h>
 #include <Tellurion/ReferenceTags.h>
 
 #include <algorithm>
 
 namespace MapAnchor {
 
+using Tellurion::BGeoReference;
+using Tellurion::BImage;
+using Tellurion::BParamList;
 using Tellurion::BString;
+using Tellurion::EMathTransformType;
 using Tellurion::EReferenceType;
 using Tellurion::REFERENCE_DOQ_TAG;
 using Tellurion::REFERENCE_ECW_TAG;
@@ -34,6 +44,22 @@ namespace {
 
 bool ReadWorldFileByName(const ReadCall& call) {
     return BRefWLD::Read(call.file, call.reference);
+}
+
+bool ReadKapByName(const ReadCall& call) {
+    return BRefKAP::Read(call.file, call.reference);
+}
+
+bool ReadCadrgByName(const ReadCall& call) {
+    return BRefCADRG::Read(call.file, call.reference);
+}
+
+/// The name of the file beside counts only when that file answered.
+bool ReadAdrgByName(const ReadCall& call) {
+    BString used = *call.used_file;
+    if (!BRefADRG::Read(call.file, call.reference, used)) return false;
+    *call.used_file = used;
+    return true;
 }
 
 ReferenceFormat GeoTiff() {
@@ -180,18 +206,26 @@ std::vector<ReferenceFormat> MakeTable() {
         {.name = "DOQ",
          .title = "Digital orthophoto quadrangle header",
          .type = EReferenceType::DOQQ,
-         .refusal = {"BrefDOQQ::Write", "Writing of DOQQ file types is not supported."},
+         .typed_read = [](const ReadCall& call) { BRefDOQQ::Read(call.file, call.flags, call.reference); },
+         .named_read = [](const ReadCall& call) { return BRefDOQQ::Read(call.file, call.reference); },
+         .refuses_typed_read = true,
+         .refusal = BRefDOQQ::kSaveRefusal,
          .read_extensions = {REFERENCE_DOQ_TAG.GetUnits()}},
         {.name = "KAP",
          .title = "BSB nautical chart header",
          .type = EReferenceType::KAP,
-         .refusal = {"BRefKAP::Write", "Writing of KAP file types is not supported."},
+         .typed_read = [](const ReadCall& call) { BRefKAP::Read(call.file, call.flags, call.reference); },
+         .named_read = ReadKapByName,
+         .refusal = BRefKAP::kSaveRefusal,
          .read_extensions = {REFERENCE_KAP_TAG.GetUnits()}},
         Sid(),
         Ecw(),
         Jp2(),
-        {.name = "CADRG", .title = "CADRG frame", .type = EReferenceType::Reserved},
-        {.name = "ADRG", .title = "ADRG distribution rectangle", .type = EReferenceType::Reserved},
+        {.name = "CADRG", .title = "CADRG frame", .type = EReferenceType::Reserved, .centre_anchored = true},
+        {.name = "ADRG",
+         .title = "ADRG distribution rectangle",
+         .type = EReferenceType::Reserved,
+         .centre_anchored = true},
         {.name = "PDF", .title = "Geospatial PDF", .type = EReferenceType::GeoPDF},
     };
 }
@@ -220,7 +254,7 @@ BReferenceFormat Describe(const ReferenceFormat& format) {
     out.Title = format.title;
     out.Type = format.type;
     out.HasType = format.type != EReferenceType::Reserved;
-    out.ReadsByType = format.typed_read != nullptr;
+    out.ReadsByType = format.typed_read && !format.refuses_typed_read;
     out.CentreAnchored = format.centre_anchored;
     out.SavesByType = format.typed_save != nullptr;
     out.ServedBy = format.served_by;
@@ -242,7 +276,10 @@ const std::vector<ReferenceFormat>& ReferenceFormatTable() {
 
 const std::vector<ReferenceProbe>& ReferenceProbeTable() {
     static const std::vector<ReferenceProbe> probes = {
+        {.name = "CADRG", .may_be = BImage::CheckIfCADRGReader, .read = ReadCadrgByName},
+        {.name = "ADRG", .may_be = BImage::CheckIfADRGReader, .read = ReadAdrgByName},
         {.name = "WLD", .read = ReadWorldFileByName},
+        {.name = "KAP", .read = ReadKapByName},
     };
     return probes;
 }
@@ -275,6 +312,11 @@ std::vector<BReferenceFormat> BReferenceFormats::List() {
         if (served) list.push_back(std::move(described));
     }
     return list;
+}
+
+BString BReferenceFormats::Read(const BString& file, BGeoReference& reference, BString& usedFile, long width,
+                                long height, EMathTransformType mathType, const BParamList* params) {
+    return BMapAnchor::ReadAndName(file, reference, usedFile, width, height, mathType, params);
 }
 
 }  // namespace MapAnchor

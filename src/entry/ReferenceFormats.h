@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/SaveRefusal.h"
+
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BParamList.h>
 #include <Tellurion/BString.h>
@@ -20,7 +22,7 @@ struct ReadCall {
     Tellurion::EMathTransformType math_type;
     const unsigned int& flags;  ///< typed road only
     const Tellurion::BParamList* params;
-    Tellurion::BString* used_file;  ///< probing only
+    Tellurion::BString* used_file;  ///< named road only
 };
 
 /// The arguments of a save.
@@ -39,12 +41,6 @@ using NamedRead = bool (*)(const ReadCall& call);
 using TypedSave = void (*)(const SaveCall& call);
 using NamedSave = bool (*)(const SaveCall& call);
 
-/// How a kind that is read only refuses to be saved. The texts are fixed, spelling included.
-struct SaveRefusal {
-    const char* source = nullptr;
-    const char* detail = nullptr;
-};
-
 /// One kind of reference and who serves it. A function that is null stands for a
 /// road that this kind does not have.
 struct ReferenceFormat {
@@ -55,6 +51,7 @@ struct ReferenceFormat {
     TypedSave typed_save = nullptr;
     NamedRead named_read = nullptr;
     NamedSave named_save = nullptr;
+    bool refuses_typed_read = false;     ///< its typed_read only throws
     bool centre_anchored = false;        ///< its affine starts at the centre of the top left pixel
     SaveRefusal refusal = {};            ///< without a source: it does not refuse
     const char* served_by = nullptr;     ///< where there is a choice of readers, the one of this build

@@ -3,7 +3,6 @@
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BFileUtilities.h>
-#include <Tellurion/BImage.h>
 
 #include <algorithm>
 #include <exception>
@@ -37,21 +36,8 @@ const BReferenceFormat* FindFormat(Matches matches) {
     return found == Formats().end() ? nullptr : &*found;
 }
 
-const BReferenceFormat* FormatNamed(const char* name) {
-    return FindFormat([&](const auto& format) { return format.Name == BString(name); });
-}
-
-/// The kind that answered on the named road. Behind an unknown extension the same
-/// look at the first bytes decides as in the library.
-const BReferenceFormat* KindByName(const BString& file) {
-    const BString extension = LowerExtension(file);
-    if (const auto* format = FindFormat([&](const auto& f) { return Holds(f.ReadExtensions, extension); }))
-        return format;
-    const BReferenceFormat* cadrg = FormatNamed("CADRG");
-    if (cadrg && cadrg->Probed && BImage::CheckIfCADRGReader(file)) return cadrg;
-    const BReferenceFormat* adrg = FormatNamed("ADRG");
-    if (adrg && adrg->Probed && BImage::CheckIfADRGReader(file)) return adrg;
-    return FormatNamed("WLD");
+const BReferenceFormat* FormatNamed(const BString& name) {
+    return FindFormat([&](const auto& format) { return format.Name == name; });
 }
 
 const BReferenceFormat* KindByType(EReferenceType type) {
@@ -75,11 +61,11 @@ void SetKind(ReadResult& result, const BReferenceFormat* format) {
 
 void ReadByName(const BString& file, const ReadOptions& options, ReadResult& result) {
     BString used;
-    BMapAnchor::Read(file, result.reference, used, options.width.value_or(0), options.height.value_or(0),
-                     options.fit, &options.params);
+    const BString kind = BReferenceFormats::Read(file, result.reference, used, options.width.value_or(0),
+                                                 options.height.value_or(0), options.fit, &options.params);
     result.road = Road::Name;
     result.used_file = used.StdStr();
-    SetKind(result, KindByName(file));
+    SetKind(result, FormatNamed(kind));
 }
 
 void ReadByType(const BString& file, EReferenceType type, const ReadOptions& options, ReadResult& result) {

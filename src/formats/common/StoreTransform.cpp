@@ -24,7 +24,6 @@ BString FailureText(const AffineTerms& t) {
 bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& t, OnFailure on_failure,
                  const AffineVoice& voice, const AffineTerms* told) {
     constexpr bool kOptimizeFor2D = true;
-    BString failure;
     try {
         const std::unique_ptr<BMathTransform> transform(
             BMathTransform::CreateAffine(t.a, t.b, t.c, t.d, t.e, t.f, kOptimizeFor2D));
@@ -33,12 +32,14 @@ bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& t, OnFa
             return true;
         }
     } catch (const BException& error) {
-        failure = error.GetDetailedMessage();
-        BLogger::Instance()->Write(ELogSeverity::Error, voice.log_line(t, failure));
+        const BString text = error.GetDetailedMessage();
+        BLogger::Instance()->Write(ELogSeverity::Error, voice.log_line(t, text));
+        if (on_failure == OnFailure::GoOn) return false;
+        const char* source = voice.thrown_source ? voice.thrown_source : voice.source;
+        throw BGeoReferenceInvalidTransformException(source, text);
     }
     if (on_failure == OnFailure::GoOn) return false;
-    if (failure.IsEmpty()) failure = FailureText(told ? *told : t);
-    throw BGeoReferenceInvalidTransformException(voice.source, failure);
+    throw BGeoReferenceInvalidTransformException(voice.source, FailureText(told ? *told : t));
 }
 
 }  // namespace MapAnchor

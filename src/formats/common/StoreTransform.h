@@ -13,6 +13,8 @@ struct AffineVoice {
     const char* source;  ///< of the exceptions, such as "BRefWLD::Read"
     /// The log line for a failure with that message.
     Tellurion::BString (*log_line)(const AffineTerms& terms, const Tellurion::BString& message);
+    /// Source of the exception that stands for one caught on the way; null for `source`.
+    const char* thrown_source = nullptr;
 };
 
 /// Makes an affine of the terms and stores it. True when the reference has it;

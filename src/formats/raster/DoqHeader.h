@@ -1,0 +1,28 @@
+#pragma once
+
+#include "common/AffineTerms.h"
+#include "common/RandomAccessFile.h"
+
+#include <string>
+
+namespace MapAnchor {
+
+/// What the header of a digital orthophoto quadrangle says of its position. The
+/// header is spread over the first lines of the image, so where its later fields
+/// stand depends on the length of a line. A field outside the file is blank: 0.
+struct DoqHeader {
+    long line_length = 0;
+    std::string zone;  ///< the digits of the UTM zone
+    double x = 0.0;    ///< of the origin, in metres
+    double y = 0.0;
+    double x_size = 0.0;  ///< of a pixel
+    double y_size = 0.0;
+
+    /// The origin as the file states it, without a shift; rows go down.
+    AffineTerms ToAffine() const { return {x_size, 0.0, x, 0.0, -y_size, y}; }
+};
+
+/// Reads the fields that are needed, nothing between them.
+DoqHeader ParseDoqHeader(RandomAccessFile& file);
+
+}  // namespace MapAnchor

@@ -1,0 +1,176 @@
+// ADRG: the general information file beside an image, and an overview file by itself.
+
+#include "raster/AdrgInfo.h"
+#include "raster/BRefADRG.h"
+
+#include <gtest/gtest.h>
+
+#include "ChartFiles.h"
+#include "LogCapture.h"
+#include "Reading.h"
+#include "TempFolder.h"
+
+namespace MapAnchor {
+namespace {
+
+using namespace Tellurion;
+
+const AdrgValues kFirst;
+const AdrgValues kSecond = {"00360000", "00720000", "+0000000.00", "-100000.00"};
+constexpr double kLongitude = -(45.50 / 3600.0 + 30 / 60.0 + 12);
+constexpr double kLatitude = 0.50 / 3600.0 + 0 / 60.0 + 48;
+
+std::string Information() {
+    return AdrgLeader() + kFirst.Overview("TPSGI001") + kFirst.Record("TPSGI001") +
+           kSecond.Record("TPSGI002");
+}
+
+Thrown ReadTyped(const std::string& file, unsigned int flags, BGeoReference& reference) {
+    return WhatIsThrown([&] { BRefADRG::Read(BString(file), flags, reference); });
+}
+
+TEST(Adrg, ReadsTheRecordOfItsImageInTheFileBesideIt) {
+    const TempFolder folder;
+    const LogCapture log;
+    const std::string beside = folder.Write("TPSGI001.gen", Information());
+    const NamedRead first = ReadByName(folder.Write("TPSGI001.IMG", AdrgLeader(true)));
+    EXPECT_EQ(first.thrown.type, "");
+    EXPECT_EQ(first.kind, "ADRG");
+    EXPECT_EQ(first.used, beside);
+    EXPECT_EQ(EpsgOf(first.reference), "EPSG:4326");
+    const double dx = 360.0 / 1296000;
+    const double dy = 360.0 / 648000;
+    EXPECT_EQ(TermsOf(first.reference), (Terms{dx, 0, kLongitude + dx * 0.5, 0, -dy, kLatitude - dy * 0.5}));
+    // The name's last digit gives way to a 1 whatever it is; case does not matter to the record.
+    const NamedRead second = ReadByName(folder.Write("tpsgi002.img", AdrgLeader(true)));
+    EXPECT_EQ(second.thrown.type, "BUnsupportedFileTypeException");  // tpsgi001.gen: another file
+    folder.Write("tpsgi001.gen", Information());
+    EXPECT_EQ(TermsOf(ReadByName(folder / "tpsgi002.img").reference),
+              (Terms{0.001, 0, 0.0005, 0, -0.0005, -10 - 0.00025}));
+}
+
+TEST(Adrg, TakesTheNameInCapitalsWhereOnlyThatExists) {
+    const TempFolder folder;
+    const std::string beside = folder.Write("TPSGI001.GEN", Information());
+    for (const std::string& name : {folder.Write("TPSGI002.IMG", AdrgLeader(true)), beside}) {
+        const NamedRead read = ReadByName(name);
+        EXPECT_EQ(read.kind, "ADRG");
+        EXPECT_EQ(read.used, beside);
+    }
+    EXPECT_EQ(TermsOf(ReadByName(folder / "TPSGI002.IMG").reference)[0], 0.001);
+}
+
+TEST(Adrg, AnswersWithTheFileItRead) {
+    const TempFolder folder;
+    BGeoReference reference;
+    BString used(folder.Write("given", kFirst.Overview("X")));
+    // Too short to derive a name from: the given file is read, by the layout of the name's extension.
+    EXPECT_TRUE(BRefADRG::Read(BString("a.OVR"), reference, used));
+    EXPECT_EQ(used, BString(folder / "given"));
+    EXPECT_EQ(TermsOf(reference)[0], 360.0 / 1296000);
+    EXPECT_FALSE(BRefADRG::Read(BString("a.IMG"), reference, used));
+    // One character more, and the derived name is what was looked for.
+    EXPECT_FALSE(BRefADRG::Read(BString(folder / "TPSGI009.IMG"), reference, used));
+    EXPECT_EQ(used, BString(folder / "TPSGI001.gen"));
+}
+
+TEST(Adrg, ByTypeReadsTheFileItself) {
+    const TempFolder folder;
+    BGeoReference reference;
+    EXPECT_EQ(ReadTyped(folder.Write("TPSGI002.gen", Information()), kStrict, reference).type, "");
+    EXPECT_EQ(TermsOf(reference)[0], 0.001);
+    EXPECT_EQ(EpsgOf(reference), "EPSG:4326");
+    EXPECT_EQ(
+        ReadTyped(folder.Write("over.Ovr", AdrgLeader() + kSecond.Overview("ANY")), kStrict, reference).type,
+        "");
+    EXPECT_EQ(TermsOf(reference)[4], -0.0005);
+}
+
+TEST(Adrg, FaultsOfTheFile) {
+    const std::string record = kFirst.Record("TPSGI001");
+    const char* const no_tag = "Missing ADRG tag.";
+    const char* const no_values = "Could not read the required values (such as Asz Bs).";
+    const struct {
+        const char* name;
+        std::string content;
+        std::string detail;  ///< empty: it reads
+    } cases[] = {
+        {"empty", "", no_tag},
+        {"no_tag", AdrgLeader(), no_tag},
+        {"tag_in_lower_case", "adrgTPSGI001" + std::string(200, '0'), no_tag},
+        {"tags_behind_a_nul", std::string("x\0", 2) + Information(), no_tag},
+        {"first_tag_is_the_header's", record, no_values},
+        {"another_image", "ADRG" + kFirst.Record("TPSGI009"), no_values},
+        {"record_cut_in_its_values", "ADRG" + record.substr(0, record.size() - 2), no_values},
+        {"name_cut", "ADRGADRGTPSGI00", no_values},
+        {"values_far_behind", "ADRG" + std::string(50000, ' ') + record, ""},
+        {"values_behind_the_limit", "ADRG" + std::string(kLongestAdrgInfo, ' ') + record, no_values},
+    };
+    const TempFolder folder;
+    const LogCapture log;
+    for (const auto& test : cases) {
+        const std::string file = folder.Write("TPSGI001.gen", test.content);
+        BGeoReference reference;
+        BString used;
+        EXPECT_EQ(BRefADRG::Read(BString(file), reference, used), test.detail.empty()) << test.name;
+        EXPECT_EQ(reference.HasCoordSys(), test.detail.empty()) << test.name;
+        const Thrown thrown = ReadTyped(file, 0, reference);
+        EXPECT_EQ(thrown.detail, test.detail) << test.name;
+        EXPECT_EQ(thrown.type, test.detail.empty() ? "" : "BGeoReferenceInvalidReferenceFileException");
+        EXPECT_EQ(thrown.source, test.detail.empty() ? "" : "BRefADRG::Read");
+    }
+    BGeoReference reference;
+    EXPECT_EQ(ReadTyped(folder / ".", 0, reference).detail,
+              "Could not open the reference file <" + (folder / ".") + "> for reading.");
+}
+
+TEST(Adrg, ACountOfZeroMakesNoAffine) {
+    const TempFolder folder;
+    const LogCapture log;
+    AdrgValues zero = kFirst;
+    zero.columns = "00000000";
+    const std::string file = folder.Write("TPSGI001.gen", "ADRG" + zero.Record("TPSGI001"));
+    BGeoReference reference;
+    EXPECT_EQ(ReadTyped(file, BMapAnchor::kStrictCoordSys, reference).type, "");
+    EXPECT_FALSE(reference.HasMathTransform());
+    EXPECT_TRUE(reference.HasCoordSys());
+    const Thrown thrown = ReadTyped(file, BMapAnchor::kStrictTransform, reference);
+    EXPECT_EQ(thrown.source, "BRefADRG::Read");
+    // The row's size without its sign: that is how the message reads.
+    EXPECT_EQ(thrown.detail, "Failed creating Affine(inf 0.000000 inf 0.000000 0.000556 47.999861)");
+    BString used;
+    BGeoReference tolerant;
+    EXPECT_TRUE(BRefADRG::Read(BString(file), tolerant, used));
+    EXPECT_FALSE(tolerant.HasMathTransform());
+    EXPECT_TRUE(tolerant.HasCoordSys());
+}
+
+TEST(Adrg, AnglesOfAllForms) {
+    const struct {
+        const char* text;
+        double degrees;
+    } cases[] = {
+        {"+0123045.67", 45.67 / 3600.0 + 30 / 60.0 + 12},
+        {"-0123045.67", -(45.67 / 3600.0 + 30 / 60.0 + 12)},
+        {"+123045.67", 45.67 / 3600.0 + 30 / 60.0 + 12},
+        {"9123045.67", 45.67 / 3600.0 + 30 / 60.0 + 12},  // taken for a sign
+        {"-0000000.50", -0.5 / 3600.0},
+        {"+xx0000.00", 0.0},
+        {"+5.0", 0.0},
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(ParseAdrgAngle(test.text), test.degrees) << test.text;
+}
+
+TEST(Adrg, RefusesToBeWritten) {
+    const BGeoReference reference;
+    const unsigned int flags = 0;
+    for (const Thrown& thrown : {WhatIsThrown([&] { BRefADRG::Write(BString("x"), reference); }),
+                                 WhatIsThrown([&] { BRefADRG::Write(BString("x"), flags, reference); })}) {
+        EXPECT_EQ(thrown.source, "BrefADRG::Write");
+        EXPECT_EQ(thrown.detail, "Writing of ADRG file types is not supported.");
+    }
+}
+
+}  // namespace
+}  // namespace MapAnchor
