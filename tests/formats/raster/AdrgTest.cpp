@@ -63,9 +63,9 @@ TEST(Adrg, TakesTheNameInCapitalsWhereOnlyThatExists) {
 TEST(Adrg, AnswersWithTheFileItRead) {
     const TempFolder folder;
     BGeoReference reference;
-    BString used(folder.Write("given", kFirst.Overview("X")));
+    BString used(folder.Write("given", kFirst.Overview("ANYIMAGE")));
     // Too short to derive a name from: the given file is read, by the layout of the name's extension.
-    EXPECT_TRUE(BRefADRG::Read(BString("a.OVR"), reference, used));
+    ASSERT_TRUE(BRefADRG::Read(BString("a.OVR"), reference, used));
     EXPECT_EQ(used, BString(folder / "given"));
     EXPECT_EQ(TermsOf(reference)[0], 360.0 / 1296000);
     EXPECT_FALSE(BRefADRG::Read(BString("a.IMG"), reference, used));
@@ -81,7 +81,8 @@ TEST(Adrg, ByTypeReadsTheFileItself) {
     EXPECT_EQ(TermsOf(reference)[0], 0.001);
     EXPECT_EQ(EpsgOf(reference), "EPSG:4326");
     EXPECT_EQ(
-        ReadTyped(folder.Write("over.Ovr", AdrgLeader() + kSecond.Overview("ANY")), kStrict, reference).type,
+        ReadTyped(folder.Write("over.Ovr", AdrgLeader() + kSecond.Overview("ANYIMAGE")), kStrict, reference)
+            .type,
         "");
     EXPECT_EQ(TermsOf(reference)[4], -0.0005);
 }

@@ -77,9 +77,9 @@ TEST(Cadrg, EachStepOfTheWalkFailsWithItsOwnWords) {
     const char* const extent = "Invalid Coverage area.";
     const FaultCase cases[] = {
         {"no_tag", [](FrameFile& f) { f.tag_text = "XPFHDR"; }, header},
-        {"tag_at_three_is_not_seen", [](FrameFile& f) { f.tag = 3; }, location},
+        {"tag_at_three_is_not_seen", [](FrameFile& f) { f.tag = 3; }, header},
         {"header_beyond_the_file", [](FrameFile& f) { f.header_length = 65535; }, header},
-        {"location_beyond_the_file", [](FrameFile& f) { f.header_length = 7; }, location},
+        {"location_beyond_the_file", [](FrameFile& f) { f.location_at = 0xFFFFFFF0; }, location},
         {"table_beyond_the_file", [](FrameFile& f) { f.table_offset = 0xFFFFFFFF; }, table},
         {"table_too_large", [](FrameFile& f) { f.records = 261; }, size},
         {"table_of_four_gigabytes", [](FrameFile& f) { f.records = f.record_length = 65535; }, size},

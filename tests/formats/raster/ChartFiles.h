@@ -30,6 +30,7 @@ struct FrameFile {
     std::array<double, 12> coverage = {11.5, -100, 10.0, -100, 11.5, -98, 10.0, -98, 150, 150, 0.001, 0.002};
     std::string tag_text = "RPFHDR";
     std::uint64_t header_length = 48;
+    std::uint64_t location_at = 0;  ///< as stated; 0: where it is
     std::uint64_t table_offset = 14;
     std::uint64_t records = 2;
     std::uint64_t record_length = 10;
@@ -48,7 +49,7 @@ struct FrameFile {
         std::string bytes = "NITF02.00";
         Put(bytes, tag, tag_text + "00048");
         Put(bytes, Header(), std::string(1, big_endian ? '\0' : '\xFF') + number(header_length, 2));
-        Put(bytes, Header() + 44, number(Location(), 4));
+        Put(bytes, Header() + 44, number(location_at == 0 ? Location() : location_at, 4));
         Put(bytes, Location(),
             number(14, 2) + number(table_offset, 4) + number(records, 2) + number(record_length, 2));
         Put(bytes, Table(), number(131, 2) + number(6, 4) + number(9999, 4));

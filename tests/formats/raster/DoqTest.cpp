@@ -62,7 +62,9 @@ TEST(Doq, HeadersInAllTheirForms) {
         EXPECT_EQ(read.thrown.type, test.error) << test.name;
         EXPECT_EQ(EpsgOf(read.reference), test.system) << test.name;
         ASSERT_EQ(read.reference.HasMathTransform(), test.x != 0.0) << test.name;
-        if (test.x != 0.0) EXPECT_EQ(TermsOf(read.reference)[2], test.x) << test.name;
+        if (test.x != 0.0) {
+            EXPECT_EQ(TermsOf(read.reference)[2], test.x) << test.name;
+        }
     }
     EXPECT_EQ(ReadByName(folder / "missing.doq").thrown.type, "BUnsupportedFileTypeException");
 }
@@ -76,7 +78,7 @@ TEST(Doq, IsReadByNameAlone) {
     EXPECT_EQ(thrown.source, "BrefDOQQ::Read");
     EXPECT_EQ(thrown.detail, "This version of Read is not yet supported");
     for (const BReferenceFormat& format : BReferenceFormats::List())
-        if (format.Name == BString("DOQ")) EXPECT_FALSE(format.ReadsByType);
+        EXPECT_FALSE(format.Name == BString("DOQ") && format.ReadsByType);
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include ChartFiles.h "
-#include Reading.h "
+#include "ChartFiles.h"
 #include "LogCapture.h"
+#include "Reading.h"
 #include "TempFolder.h"
 
 namespace MapAnchor {
@@ -22,9 +22,9 @@ TEST(Probing, TheFirstThatAnswersWins) {
     FrameFile frame;
     frame.tag = 40;
     std::string both = frame.Bytes();
-    both.replace(0, 14, kSixNumbers);
+    both.replace(0, std::string(kSixNumbers).size(), kSixNumbers);
     std::string broken_with_numbers = broken.Bytes();
-    broken_with_numbers.replace(0, 14, kSixNumbers);
+    broken_with_numbers.replace(0, std::string(kSixNumbers).size(), kSixNumbers);
     folder.Write("TPSGI001.gen", "no description");
     const struct {
         const char* name;
@@ -34,7 +34,7 @@ TEST(Probing, TheFirstThatAnswersWins) {
         {"a.on1", frame.Bytes(), "CADRG"},
         {"both.dat", both, "CADRG"},
         {"broken.dat", broken_with_numbers, "WLD"},
-        {"TPSGI002.img", AdrgLeader(true) + "\n1\n1\n0\n0\n-1\n5\n", ""},
+        {"TPSGI002.img", AdrgLeader(true) + "\n1\n1\n0\n0\n-1\n5\n", "WLD"},
         {"numbers.dat", kSixNumbers, "WLD"},
         {"numbers_first.dat", std::string(kSixNumbers) + kChart, "WLD"},
         {"chart.dat", kChart, "KAP"},
