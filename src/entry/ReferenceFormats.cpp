@@ -11,6 +11,7 @@
 #include "raster/BRefKAP.h"
 #include "raster/BRefMrSID.h"
 #include "raster/HeaderReaders.h"
+#include "sidecar/BRefERS.h"
 #include "sidecar/BRefRSF.h"
 #include "sidecar/BRefTAB.h"
 #include "sidecar/BRefWLD.h"
@@ -133,6 +134,26 @@ ReferenceFormat Tab() {
         .save_extensions = {REFERENCE_TAB_TAG.GetUnits()}};
 }
 
+ReferenceFormat Ers() {
+    return {.name = "ERS",
+            .title = "ER Mapper header",
+            .type = EReferenceType::ERS,
+            .typed_read = [](const ReadCall& call) { BRefERS::Read(call.file, call.flags, call.reference); },
+            .typed_save =
+                [](const SaveCall& call) {
+                    BRefERS::Write(call.file, call.flags, call.reference, call.width, call.height,
+                                   call.image_name);
+                },
+            .named_read = [](const ReadCall& call) { return BRefERS::Read(call.file, call.reference); },
+            .named_save =
+                [](const SaveCall& call) {
+                    return BRefERS::Write(call.file, call.reference, call.width, call.height,
+                                          call.image_name);
+                },
+            .read_extensions = {REFERENCE_ERS_TAG.GetUnits()},
+            .save_extensions = {REFERENCE_ERS_TAG.GetUnits()}};
+}
+
 ReferenceFormat WorldFileFormat() {
     ReferenceFormat format{
         .name = "WLD",
@@ -198,11 +219,7 @@ std::vector<ReferenceFormat> MakeTable() {
         WorldFileFormat(),
         GeoTiff(),
         Tab(),
-        {.name = "ERS",
-         .title = "ER Mapper header",
-         .type = EReferenceType::ERS,
-         .read_extensions = {REFERENCE_ERS_TAG.GetUnits()},
-         .save_extensions = {REFERENCE_ERS_TAG.GetUnits()}},
+        Ers(),
         {.name = "DOQ",
          .title = "Digital orthophoto quadrangle header",
          .type = EReferenceType::DOQQ,

@@ -39,18 +39,52 @@ struct ConvertOptions {
     bool dry_run = false;
 };
 
-/// What a kind of target cannot hold of a reference.
+/// What a kind of target holds of a reference, and what it wants to know of the raster.
 struct Capacity {
     const char* kind;
     bool coord_sys;
     bool points;
+    bool disabled_points;
     bool vertical_unit;
+    bool needs_system = false;  ///< without one a default is written
+    bool names_image = false;
+    bool states_size = false;
+    bool needs_corners = false;  ///< a transform alone is told by the raster's corners
 };
 
 constexpr Capacity kCapacities[] = {
-    {"WLD", true, false, false}, {"RSF", true, true, true}, {"TAB", true, true, false},
-    {"ERS", true, false, false}, {"TIF", true, true, true}, {"PDF", true, true, false},
+    {"WLD", true, false, false, false},
+    {.kind = "RSF",
+     .coord_sys = true,
+     .points = true,
+     .disabled_points = true,
+     .vertical_unit = true,
+     .needs_corners = true},
+    {.kind = "TAB",
+     .coord_sys = true,
+     .points = true,
+     .disabled_points = false,
+     .vertical_unit = false,
+     .needs_system = true,
+     .names_image = true,
+     .needs_corners = true},
+    {.kind = "ERS",
+     .coord_sys = true,
+     .points = false,
+     .disabled_points = false,
+     .vertical_unit = false,
+     .names_image = true,
+     .states_size = true},
+    {"TIF", true, true, true, true},
+    {"PDF", true, true, true, false},
 };
+
+/// Null for a kind that nothing is known of.
+const Capacity* CapacityOf(const std::string& kind) {
+    const auto* const found = std::find_if(std::begin(kCapacities), std::end(kCapacities),
+                                           [&](const Capacity& c) { return kind == c.kind; });
+    return found == std::end(kCapacities) ? nullptr : found;
+}
 
 /// A save that is about to happen, or would.
 struct Plan {
@@ -71,6 +105,7 @@ struct Outcome {
         failure = Failure{type, "", "mapanchor", detail};
         status = with;
     }
+    void Warn(const std::string& text) { diagnostics.push_back({false, text}); }
 };
 
 bool IsWorldFileByName(const ConvertOptions& options, const Plan& plan) {
@@ -93,22 +128,53 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
     return plan;
 }
 
+bool HasDisabledPoints(const BGeoReference& reference) {
+    return std::any_of(reference.PointPairVector.begin(), reference.PointPairVector.end(),
+                       [](const BPointPair& pair) { return !pair.Enabled; });
+}
+
+void WarnOfPointLosses(const Capacity& capacity, const BGeoReference& reference, Outcome& outcome) {
+    if (reference.PointPairVector.empty()) return;
+    if (!capacity.points)
+        outcome.Warn("the control points are not saved: this kind of file has no place for them");
+    else if (!capacity.disabled_points && HasDisabledPoints(reference))
+        outcome.Warn(
+            "disabled control points are saved like the others: this kind of file has no mark for them");
+}
+
 void WarnOfLosses(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    const auto found = std::find_if(std::begin(kCapacities), std::end(kCapacities),
-                                    [&](const Capacity& c) { return outcome.plan.kind == c.kind; });
-    if (found == std::end(kCapacities)) return;
-    const auto warn = [&](const std::string& text) { outcome.diagnostics.push_back({false, text}); };
-    const bool keeps_system = found->coord_sys && (outcome.plan.kind != "WLD" || outcome.plan.writes_prj);
+    const Capacity* capacity = CapacityOf(outcome.plan.kind);
+    if (!capacity) return;
+    const bool keeps_system = capacity->coord_sys && (outcome.plan.kind != "WLD" || outcome.plan.writes_prj);
     if (reference.HasCoordSys() && !keeps_system)
-        warn(options.to
-                 ? "the coordinate system is not saved: a world file saved by type has no prj file beside it"
-                 : "the coordinate system is not saved: this kind of file has no place for it");
-    if (!reference.PointPairVector.empty() && !found->points)
-        warn("the control points are not saved: this kind of file has no place for them");
-    if (reference.HasVerticalUnit() && !found->vertical_unit)
-        warn("the vertical unit is not saved: this kind of file has no place for it");
+        outcome.Warn(
+            options.to
+                ? "the coordinate system is not saved: a world file saved by type has no prj file beside it"
+                : "the coordinate system is not saved: this kind of file has no place for it");
+    if (!reference.HasCoordSys() && capacity->needs_system)
+        outcome.Warn("there is no coordinate system: longitude and latitude without a datum are written");
+    WarnOfPointLosses(*capacity, reference, outcome);
+    if (reference.HasVerticalUnit() && !capacity->vertical_unit)
+        outcome.Warn("the vertical unit is not saved: this kind of file has no place for it");
     if (reference.HasVerticalUnit() && outcome.plan.IsInPlace() && !options.to)
-        warn("the vertical unit is not saved: a GeoTIFF takes it by type alone, see --to tif");
+        outcome.Warn("the vertical unit is not saved: a GeoTIFF takes it by type alone, see --to tif");
+    if (capacity->names_image && options.image.empty())
+        outcome.Warn("the file names no raster: --image NAME gives it one");
+    if (capacity->states_size && !options.read.width)
+        outcome.Warn("the file says 0 by 0 pixels: --size WxH gives the raster's size");
+}
+
+/// Corners of a raster of unknown size would be made up.
+bool HasWhatItNeeds(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
+    const Capacity* capacity = CapacityOf(outcome.plan.kind);
+    const bool has_size = options.read.width && *options.read.width > 1 && *options.read.height > 1;
+    if (!capacity || !capacity->needs_corners || has_size || !reference.PointPairVector.empty() ||
+        !reference.HasMathTransform())
+        return true;
+    outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
+                 "The reference has no control points, and the corners that stand for them need the raster's "
+                 "size, two pixels at least each way: --size WxH.");
+    return false;
 }
 
 bool IsSameFile(const std::string& a, const std::string& b) {
@@ -167,6 +233,20 @@ void CleanUp(const std::string& target, bool existed, Outcome& outcome) {
         std::filesystem::remove(target, error);
 }
 
+/// An ERS header names systems in a language of its own that lacks many, and is written
+/// without a word then.
+void WarnOfUntoldSystem(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
+    if (outcome.plan.kind != "ERS" || !reference.HasCoordSys()) return;
+    BGeoReference back;
+    try {
+        BMapAnchor::Read(EReferenceType::ERS, BString(options.target), back, 0, 0, EMathTransformType::Affine,
+                         0, nullptr);
+    } catch (...) {
+    }
+    if (!back.HasCoordSys())
+        outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
+}
+
 void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
     const bool existed = BFileUtilities::Exists(BString(options.target));
     try {
@@ -177,7 +257,7 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
     if (!outcome.failure && !BFileUtilities::Exists(BString(options.target)))
         outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
                      "Nothing was saved: the reference has no part that this kind of file holds.");
-    if (!outcome.failure) return;
+    if (!outcome.failure) return WarnOfUntoldSystem(options, reference, outcome);
     outcome.status = StatusOf(*outcome.failure);
     if (outcome.status != ExitStatus::Refused) CleanUp(options.target, existed, outcome);
 }
@@ -196,7 +276,7 @@ Outcome Convert(const ConvertOptions& options, LogCollector& log) {
             "File <" + options.target + "> is not of a kind that can be saved here; see mapanchor formats.");
         return outcome;
     }
-    if (!MayWrite(options, outcome)) return outcome;
+    if (!HasWhatItNeeds(options, source.reference, outcome) || !MayWrite(options, outcome)) return outcome;
     WarnOfLosses(options, source.reference, outcome);
     if (!options.dry_run) Save(options, source.reference, outcome);
     log.MoveTo(outcome.diagnostics, outcome.failure.has_value());

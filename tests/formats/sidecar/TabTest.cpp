@@ -149,6 +149,27 @@ TEST(Tab, ReadFailuresSayWhatAndWhere) {
     EXPECT_EQ(thrown.detail, "Could not open the reference file <" + (folder / ".") + "> for reading.");
 }
 
+// GDAL takes the false origin of this clause for metres and its code for stated.
+TEST(Tab, ClausesInFeetMeanWhatTheySay) {
+    const TempFolder folder;
+    const auto read = [&](const std::string& unit) {
+        BGeoReference reference;
+        const std::string file = folder.Write(
+            "map.tab", kHead + kPoints + "CoordSys Earth Projection 3, 74, \"" + unit +
+                           "\", -100.333333333333, 29.6666666666667, 30.1166666666667, 31.8833333333333, "
+                           "2296583.333, 9842500\n");
+        EXPECT_EQ(Roads::Read(file, reference).type, "");
+        return reference;
+    };
+    const BGeoReference us_feet = read("survey ft");
+    EXPECT_EQ(us_feet.CoordSys->ToEPSGCode(), BString("EPSG:2277"));
+    const BPoint origin = us_feet.CoordSys->ConvertToGeodetic(BPoint(2296583.333, 9842500, 0));
+    EXPECT_NEAR(origin.x, -100 - 1 / 3.0, 1e-9);
+    EXPECT_NEAR(origin.y, 29 + 2 / 3.0, 1e-9);
+    EXPECT_EQ(read("ft").CoordSys->ToEPSGCode(), BString());
+    EXPECT_EQ(read("m").CoordSys->ToEPSGCode(), BString());
+}
+
 // A local system is no system on the Earth: by type it counts as none.
 TEST(Tab, ALocalSystemIsTakenByNameAlone) {
     const TempFolder folder;

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "common/AffineTerms.h"
+
+#include <Tellurion/BFile.h>
+#include <Tellurion/BString.h>
+
+#include <optional>
+#include <string>
+
+namespace MapAnchor {
+
+/// The tags of an ERS header that place the raster. Reading stops at the first tag
+/// that does not scan.
+struct ErsHeader {
+    bool has_raster_info_end = false;
+    std::optional<double> x_dimension;  ///< metres, or degrees
+    std::optional<double> y_dimension;  ///< the same, always negative
+    std::optional<double> eastings;     ///< in the system's unit
+    std::optional<double> northings;
+    std::optional<double> cell_x;  ///< the registered cell; the first one without
+    std::optional<double> cell_y;
+    Tellurion::BString datum;
+    Tellurion::BString projection;
+
+    const char* faulty_tag = nullptr;  ///< where reading stopped, if that is a fault to tell
+    const char* empty_tag = nullptr;   ///< the first name tag without a name; reading went on
+
+    bool HasTerms() const { return x_dimension && y_dimension && eastings && northings; }
+    /// The affine of a pixel's corner; only with all terms. Dimensions are in metres
+    /// and the registered position is not.
+    AffineTerms ToAffine(double units_per_metre) const;
+};
+
+ErsHeader ParseErs(Tellurion::BFile& file);
+
+/// What the header of a raster says; the rest of its lines never changes.
+struct ErsContent {
+    Tellurion::BString name;
+    std::string time_stamp;  ///< with its line end
+    Tellurion::BString image_name;
+    Tellurion::BString datum;       ///< empty for none
+    Tellurion::BString projection;  ///< empty for none
+    AffineTerms terms;
+    double units_per_metre = 1.0;
+    long width = 0;
+    long height = 0;
+};
+
+Tellurion::BString FormatErs(const ErsContent& content);
+
+}  // namespace MapAnchor
