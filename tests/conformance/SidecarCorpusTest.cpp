@@ -51,10 +51,10 @@ const std::map<std::string, std::string> kTabSystems = {
     {"longlat_bounds.tab", "EPSG:4326"},
     {"mga55.tab", "EPSG:28355"},
     {"nad27_utm.tab", "EPSG:26711"},
-    {"nonearth.tab", ""},  // a local system
-    {"nwt_grc.tab", ""},   // datum 0, which is no particular one
+    {"nonearth.tab", ""},           // a local system
+    {"nwt_grc.tab", ""},            // datum 0, which is no particular one
     {"nwt_grd.tab", "EPSG:32712"},  // the false northing of the south
-    {"texas_ftus.tab", ""},  // half a degree beside EPSG:2276
+    {"texas_ftus.tab", ""},         // half a degree beside EPSG:2276
 };
 
 TEST(SidecarCorpus, TabPointsAffineAndSystem) {
@@ -123,29 +123,22 @@ TEST(SidecarCorpus, RsfPointsAffineAndSystem) {
 /// Where an ERS header of the corpus means another thing here than to GDAL.
 struct ErsDifference {
     const char* thrown;  ///< by the road by name; empty for none
+    double cell_scale;   ///< our cell size to GDAL's
     const char* reason;
 };
 const std::map<std::string, ErsDifference> kErsDifferences = {
     {"ers_dem.ers",
-     {"BUnsupportedFileTypeException",
+     {"BUnsupportedFileTypeException", 1,
       "a registration cell ends the reading here, and longitudes in degrees and minutes are no tag"}},
     {"references_ecw.ers",
-     {"BFileContentNotValidException", "nothing in it places the raster; GDAL does not open it at all"}},
+     {"BFileContentNotValidException", 1, "nothing in it places the raster; GDAL does not open it at all"}},
+    {"texftus.ers", {"", 3937.0 / 1200.0, "cell sizes are metres here, whatever the system's unit"}},
 };
 
 const std::map<std::string, std::string> kErsSystems = {
-    {"8s.ers", "EPSG:26711"},
-    {"nad27utm11.ers", "EPSG:26711"},
-    {"nad83.ers", "EPSG:4269"},
-    {"utm33n.ers", "EPSG:32633"},
-    {"wgs84.ers", "EPSG:4326"},
-    // GDAL takes "EPSG:" and a number for a name; here a projection that equals the
-    // datum stands for the datum's longitude and latitude, and there is no such datum.
-    // So the cell sizes of texftus stay as they are, like GDAL's.
-    {"lambert93.ers", "none"},
-    {"nztm.ers", "none"},
-    {"texftus.ers", "none"},
-    {"webmerc.ers", "none"},
+    {"8s.ers", "EPSG:26711"},     {"nad27utm11.ers", "EPSG:26711"}, {"nad83.ers", "EPSG:4269"},
+    {"utm33n.ers", "EPSG:32633"}, {"wgs84.ers", "EPSG:4326"},       {"lambert93.ers", "EPSG:2154"},
+    {"nztm.ers", "EPSG:2193"},    {"texftus.ers", "EPSG:2277"},     {"webmerc.ers", "EPSG:3857"},
 };
 
 TEST(SidecarCorpus, ErsAffineAndSystem) {
@@ -155,10 +148,14 @@ TEST(SidecarCorpus, ErsAffineAndSystem) {
         SCOPED_TRACE(name);
         BGeoReference reference;
         const Thrown thrown = Roads::Read((kCorpus / "ers" / name).string(), reference);
-        const auto difference = kErsDifferences.find(name);
-        EXPECT_EQ(thrown.type, difference == kErsDifferences.end() ? "" : difference->second.thrown);
-        if (difference != kErsDifferences.end()) continue;
-        ExpectTerms(reference, answer["geoTransform"]);
+        const auto found = kErsDifferences.find(name);
+        const auto difference = found == kErsDifferences.end() ? ErsDifference{"", 1, ""} : found->second;
+        EXPECT_EQ(thrown.type, difference.thrown);
+        if (*difference.thrown) continue;
+        json expected = answer["geoTransform"];
+        for (const std::size_t size : {1U, 5U})
+            expected[size] = expected[size].get<double>() * difference.cell_scale;
+        ExpectTerms(reference, expected);
         ASSERT_TRUE(kErsSystems.count(name)) << "a file that the table of systems does not know";
         EXPECT_EQ(CodeOf(reference), kErsSystems.at(name));
     }

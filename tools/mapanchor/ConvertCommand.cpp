@@ -233,31 +233,41 @@ void CleanUp(const std::string& target, bool existed, Outcome& outcome) {
         std::filesystem::remove(target, error);
 }
 
-/// An ERS header names systems in a language of its own that lacks many, and is written
-/// without a word then.
-void WarnOfUntoldSystem(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    if (outcome.plan.kind != "ERS" || !reference.HasCoordSys()) return;
+bool KeepsSystem(const std::string& target) {
     BGeoReference back;
     try {
-        BMapAnchor::Read(EReferenceType::ERS, BString(options.target), back, 0, 0, EMathTransformType::Affine,
-                         0, nullptr);
+        BMapAnchor::Read(EReferenceType::ERS, BString(target), back, 0, 0, EMathTransformType::Affine, 0,
+                         nullptr);
     } catch (...) {
     }
-    if (!back.HasCoordSys())
-        outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
+    return back.HasCoordSys();
+}
+
+/// An ERS header names systems in a language of its own. Each road of the library
+/// knows some that the other one leaves out without a word.
+void SaveSystemInErs(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
+    if (outcome.plan.kind != "ERS" || !reference.HasCoordSys() || KeepsSystem(options.target)) return;
+    if (!options.to) {
+        ConvertOptions by_type = options;
+        by_type.to = EReferenceType::ERS;
+        CallSave(by_type, reference);
+        if (KeepsSystem(options.target)) return;
+    }
+    outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
 }
 
 void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
     const bool existed = BFileUtilities::Exists(BString(options.target));
     try {
         CallSave(options, reference);
+        SaveSystemInErs(options, reference, outcome);
     } catch (...) {
         outcome.failure = CurrentFailure();
     }
     if (!outcome.failure && !BFileUtilities::Exists(BString(options.target)))
         outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
                      "Nothing was saved: the reference has no part that this kind of file holds.");
-    if (!outcome.failure) return WarnOfUntoldSystem(options, reference, outcome);
+    if (!outcome.failure) return;
     outcome.status = StatusOf(*outcome.failure);
     if (outcome.status != ExitStatus::Refused) CleanUp(options.target, existed, outcome);
 }

@@ -6,6 +6,7 @@
 #include "sidecar/CoordSysLookups.h"
 #include "sidecar/ErsHeader.h"
 
+#include <GeoCalc/CCoordSys.h>
 #include <GeoCalc/CHorizontalDatum.h>
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
@@ -38,291 +39,243 @@ using Tellurion::ELogSeverity;
 
 namespace {
 
-constexpr const char *kReadSource = "BRefERS::Read";
+constexpr const char* kReadSource = "BRefERS::Read";
 constexpr OutputVoice kOutput = {"BRefERS::Write", "ERS"};
-constexpr const char *kErMapper = "ERMapper";
-constexpr const char *kRaw = "RAW";
+constexpr const char* kErMapper = "ERMapper";
+constexpr const char* kRaw = "RAW";
 
-BString AffineFailureLine(const AffineTerms &, const BString &message) {
-  return BString::Format(
-      "BRefERS::Read Failure setting the BMathTransform ERROR (%ls)", message);
+BString AffineFailureLine(const AffineTerms&, const BString& message) {
+    return BString::Format("BRefERS::Read Failure setting the BMathTransform ERROR (%ls)", message);
 }
 constexpr AffineVoice kAffineVoice = {kReadSource, AffineFailureLine};
 
-bool IsNone(const BString &name) {
-  return name.IsEmpty() || name == BString(kRaw);
+bool IsNone(const BString& name) {
+    return name.IsEmpty() || name == BString(kRaw);
 }
 
-bool NamesSystem(const ErsHeader &header) {
-  return !IsNone(header.projection) || !IsNone(header.datum);
+bool NamesSystem(const ErsHeader& header) {
+    return !IsNone(header.projection) || !IsNone(header.datum);
 }
 
-BSharedPtr<BCoordSys> LookUpSystem(const ErsHeader &header) {
-  constexpr int kNoChangeOfUnit = 4;
-  const bool geodetic =
-      IsNone(header.projection) || header.projection == header.datum;
-  return FindERMapperCoordSys(geodetic ? BString("GEODETIC")
-                                       : header.projection,
-                              header.datum, kNoChangeOfUnit);
+BSharedPtr<BCoordSys> LookUpSystem(const ErsHeader& header) {
+    constexpr int kNoChangeOfUnit = 4;
+    const bool geodetic = IsNone(header.projection) || header.projection == header.datum;
+    return FindERMapperCoordSys(geodetic ? BString("GEODETIC") : header.projection, header.datum,
+                                kNoChangeOfUnit);
 }
 
-BSharedPtr<BCoordSys> FindSystem(const ErsHeader &header,
-                                 OnFailure on_failure) {
-  const auto log_line = [](const BString &message) {
-    // The line has always named the class so.
-    return BString::Format(
-        "BRefRS::Read Failure setting the BCoordSys ERROR (%ls)", message);
-  };
-  const auto nothing_found = [] {
-    return BString("Failed to get the coordinate system.");
-  };
-  return FindCoordSys([&] { return LookUpSystem(header); }, on_failure,
-                      {kReadSource, kReadSource, log_line, nothing_found});
+BSharedPtr<BCoordSys> FindSystem(const ErsHeader& header, OnFailure on_failure) {
+    const auto log_line = [](const BString& message) {
+        // The line has always named the class so.
+        return BString::Format("BRefRS::Read Failure setting the BCoordSys ERROR (%ls)", message);
+    };
+    const auto nothing_found = [] { return BString("Failed to get the coordinate system."); };
+    return FindCoordSys([&] { return LookUpSystem(header); }, on_failure,
+                        {kReadSource, kReadSource, log_line, nothing_found});
 }
 
-double UnitsPerMetre(const BCoordSys &system) {
-  const auto unit = system.GetUnits();
-  return unit ? unit->GetUnitsPerBase() : 1.0;
+double UnitsPerMetre(const BCoordSys& system) {
+    const auto unit = system.GetUnits();
+    return unit ? unit->GetUnitsPerBase() : 1.0;
 }
 
 /// Takes the system, and its unit for the dimensions; without one they are what
 /// they are.
-AffineTerms SetSystem(BGeoReference &reference,
-                      const BSharedPtr<BCoordSys> &system,
-                      const ErsHeader &header) {
-  if (system)
-    reference.SetCoordSys(system);
-  return header.HasTerms()
-             ? header.ToAffine(system ? UnitsPerMetre(*system) : 1.0)
-             : AffineTerms();
+AffineTerms SetSystem(BGeoReference& reference, const BSharedPtr<BCoordSys>& system,
+                      const ErsHeader& header) {
+    if (system) reference.SetCoordSys(system);
+    return header.HasTerms() ? header.ToAffine(system ? UnitsPerMetre(*system) : 1.0) : AffineTerms();
 }
 
-[[noreturn]] void ThrowInvalid(const BString &detail) {
-  throw BGeoReferenceInvalidReferenceFileException(kReadSource, detail);
+[[noreturn]] void ThrowInvalid(const BString& detail) {
+    throw BGeoReferenceInvalidReferenceFileException(kReadSource, detail);
 }
 
-void RequireTags(const ErsHeader &header) {
-  constexpr const char *kFailed = "Could not read the \"%s\" tag.";
-  // A tag without its name comes before the one where reading stopped.
-  if (header.empty_tag)
-    ThrowInvalid(BString::Format(kFailed, header.empty_tag));
-  if (header.faulty_tag)
-    ThrowInvalid(BString::Format(kFailed, header.faulty_tag));
-  if (!header.has_raster_info_end)
-    ThrowInvalid(BString::Format(kFailed, "RasterInfo End"));
+void RequireTags(const ErsHeader& header) {
+    constexpr const char* kFailed = "Could not read the \"%s\" tag.";
+    // A tag without its name comes before the one where reading stopped.
+    if (header.empty_tag) ThrowInvalid(BString::Format(kFailed, header.empty_tag));
+    if (header.faulty_tag) ThrowInvalid(BString::Format(kFailed, header.faulty_tag));
+    if (!header.has_raster_info_end) ThrowInvalid(BString::Format(kFailed, "RasterInfo End"));
 }
 
-void RequireTerms(const ErsHeader &header) {
-  if (!header.HasTerms())
-    throw BGeoReferenceInvalidTransformException(
-        kReadSource, "Missing one or more of the required parameters needed to "
-                     "generate a transform.");
+void RequireTerms(const ErsHeader& header) {
+    if (!header.HasTerms())
+        throw BGeoReferenceInvalidTransformException(
+            kReadSource,
+            "Missing one or more of the required parameters needed to "
+            "generate a transform.");
 }
 
-void RequireExtent(const BString &file, const AffineTerms &terms) {
-  if (terms.a != 0.0 && terms.e != 0.0)
-    return;
-  BLogger::Instance()->WriteLine(
-      ELogSeverity::Error,
-      "BRefERS::Read Failure XDimension and/or YDimention is zero!");
-  ThrowInvalid(BString::Format("File <%ls> is an invalid ERS file.  XDimension "
-                               "and / or YDimention is zero",
-                               file));
+void RequireExtent(const BString& file, const AffineTerms& terms) {
+    if (terms.a != 0.0 && terms.e != 0.0) return;
+    BLogger::Instance()->WriteLine(ELogSeverity::Error,
+                                   "BRefERS::Read Failure XDimension and/or YDimention is zero!");
+    ThrowInvalid(
+        BString::Format("File <%ls> is an invalid ERS file.  XDimension "
+                        "and / or YDimention is zero",
+                        file));
 }
 
 std::optional<std::string> TimeStamp() {
-  constexpr int kLimit = 255;
-  const std::time_t now = std::time(nullptr);
-  std::tm utc{};
-  std::array<char, kLimit + 1> stamp{};
-  if (!gmtime_r(&now, &utc) || !FormatERSTimeStamp(&utc, stamp.data(), kLimit))
-    return std::nullopt;
-  return std::string(stamp.data());
+    constexpr int kLimit = 255;
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+    std::array<char, kLimit + 1> stamp{};
+    if (!gmtime_r(&now, &utc) || !FormatERSTimeStamp(&utc, stamp.data(), kLimit)) return std::nullopt;
+    return std::string(stamp.data());
 }
 
 /// Zeros for a reference without a transform.
-AffineTerms TermsOf(const BGeoReference &reference) {
-  AffineTerms t;
-  if (reference.HasMathTransform())
-    reference.MathTransform->GetAffineParameters(t.a, t.b, t.c, t.d, t.e, t.f);
-  return t;
+AffineTerms TermsOf(const BGeoReference& reference) {
+    AffineTerms t;
+    if (reference.HasMathTransform())
+        reference.MathTransform->GetAffineParameters(t.a, t.b, t.c, t.d, t.e, t.f);
+    return t;
 }
 
-bool IsRotated(const AffineTerms &terms) {
-  constexpr double kNoRotation = 1e-7;
-  return !(std::fabs(terms.b) < kNoRotation) ||
-         !(std::fabs(terms.d) < kNoRotation);
+bool IsRotated(const AffineTerms& terms) {
+    constexpr double kNoRotation = 1e-7;
+    return !(std::fabs(terms.b) < kNoRotation) || !(std::fabs(terms.d) < kNoRotation);
 }
 
 struct Names {
-  BString projection;
-  BString datum;
+    BString projection;
+    BString datum;
 };
 
 /// Both or none: what cannot be told is the whole.
-Names NamesByName(const BGeoReference &reference) {
-  if (!reference.HasCoordSys() || !reference.CoordSys->IsValid())
-    return {};
-  BIdentifier projection;
-  BIdentifier datum;
-  // A system with a name of its own goes without: hosts know it so.
-  if (reference.CoordSys->GetIdentifier(kErMapper, projection))
-    return {};
-  if (!GetERMapperProjectionName(projection.Code, reference.CoordSys) ||
-      projection.Code.IsEmpty())
-    return {};
-  if (!reference.CoordSys->GetDatumIdentifier(kErMapper, datum))
-    datum.Code = kRaw;
-  if (datum.Code.IsEmpty())
-    return {};
-  return {projection.Code, datum.Code};
+Names NamesByName(const BGeoReference& reference) {
+    if (!reference.HasCoordSys() || !reference.CoordSys->IsValid()) return {};
+    BIdentifier projection;
+    BIdentifier datum;
+    // A system with a name of its own goes without: hosts know it so.
+    if (reference.CoordSys->GetIdentifier(kErMapper, projection)) return {};
+    if (!GetERMapperProjectionName(projection.Code, reference.CoordSys) || projection.Code.IsEmpty())
+        return {};
+    if (!reference.CoordSys->GetDatumIdentifier(kErMapper, datum)) datum.Code = kRaw;
+    if (datum.Code.IsEmpty()) return {};
+    return {projection.Code, datum.Code};
 }
 
-[[noreturn]] void ThrowNoCode(const BString &file, const char *of,
-                              const BString &name) {
-  throw BGeoReferenceInvalidCoordSysException(
-      kOutput.source,
-      BString::Format(
-          "Can't write ERS file <%ls>, Can't find an ERMapper code for %s %ls.",
-          file, of, name));
+[[noreturn]] void ThrowNoCode(const BString& file, const char* of, const BString& name) {
+    throw BGeoReferenceInvalidCoordSysException(
+        kOutput.source, BString::Format("Can't write ERS file <%ls>, Can't find an ERMapper code for %s %ls.",
+                                        file, of, name));
 }
 
 /// One by one: a projection may go without its datum.
-Names NamesByType(const BString &file, const BGeoReference &reference,
-                  OnFailure on_failure) {
-  if (!reference.HasCoordSys())
-    return {};
-  GeoCalc::CS::CCoordSys &object = *reference.CoordSys->GetGCCoordSys();
-  const GeoCalc::CS::CHorizontalDatum *datum = object.GetHorizontalDatum();
-  BIdentifier projection;
-  reference.CoordSys->GetIdentifier(kErMapper, projection);
-  if (projection.Code.IsEmpty()) {
-    if (on_failure == OnFailure::Throw)
-      ThrowNoCode(file, "Projection", object.GetName());
-    return {};
-  }
-  const bool found = datum && datum->GetIdentifiers().Exists(kErMapper);
-  if (!found && on_failure == OnFailure::Throw)
-    ThrowNoCode(file, "Datum", datum ? datum->GetName() : BString());
-  return {projection.Code,
-          found ? datum->GetIdentifiers().GetCode(kErMapper) : BString()};
+Names NamesByType(const BString& file, const BGeoReference& reference, OnFailure on_failure) {
+    if (!reference.HasCoordSys()) return {};
+    GeoCalc::CS::CCoordSys& object = *reference.CoordSys->GetGCCoordSys();
+    const GeoCalc::CS::CHorizontalDatum* datum = object.GetHorizontalDatum();
+    BIdentifier projection;
+    reference.CoordSys->GetIdentifier(kErMapper, projection);
+    if (projection.Code.IsEmpty()) {
+        if (on_failure == OnFailure::Throw) ThrowNoCode(file, "Projection", object.GetName());
+        return {};
+    }
+    const bool found = datum && datum->GetIdentifiers().Exists(kErMapper);
+    if (!found && on_failure == OnFailure::Throw)
+        ThrowNoCode(file, "Datum", datum ? datum->GetName() : BString());
+    return {projection.Code, found ? datum->GetIdentifiers().GetCode(kErMapper) : BString()};
 }
 
 /// What a save is asked to write.
 struct Order {
-  const BString &file;
-  const BGeoReference &reference;
-  long width;
-  long height;
-  const BString &image_name;
+    const BString& file;
+    const BGeoReference& reference;
+    long width;
+    long height;
+    const BString& image_name;
 };
 
-BString HeaderText(const Order &order, const std::string &stamp,
-                   const AffineTerms &terms, const Names &names) {
-  const BGeoReference &reference = order.reference;
-  const bool placed = reference.HasCoordSys() && reference.CoordSys->IsValid();
-  return FormatErs(
-      {.name = BFileUtilities::GetFileName(order.file),
-       .time_stamp = stamp,
-       .image_name = BFileUtilities::GetFileName(order.image_name),
-       .datum = names.datum,
-       .projection = names.projection,
-       .terms = terms,
-       .units_per_metre = placed ? UnitsPerMetre(*reference.CoordSys) : 1.0,
-       .width = order.width,
-       .height = order.height});
+BString HeaderText(const Order& order, const std::string& stamp, const AffineTerms& terms,
+                   const Names& names) {
+    const BGeoReference& reference = order.reference;
+    const bool placed = reference.HasCoordSys() && reference.CoordSys->IsValid();
+    return FormatErs({.name = BFileUtilities::GetFileName(order.file),
+                      .time_stamp = stamp,
+                      .image_name = BFileUtilities::GetFileName(order.image_name),
+                      .datum = names.datum,
+                      .projection = names.projection,
+                      .terms = terms,
+                      .units_per_metre = placed ? UnitsPerMetre(*reference.CoordSys) : 1.0,
+                      .width = order.width,
+                      .height = order.height});
 }
 
-} // namespace
+}  // namespace
 
-bool BRefERS::Read(const BString &file, BGeoReference &reference) {
-  BFile in(file);
-  if (!in.Open(EFileMode::Read, EFileMode::Text))
-    return false;
-  const ErsHeader header = ParseErs(in);
-  in.Close();
-  if (!header.has_raster_info_end)
-    return false;
-  const auto system =
-      NamesSystem(header) ? LookUpSystem(header) : BSharedPtr<BCoordSys>();
-  const AffineTerms terms = SetSystem(reference, system, header);
-  if (header.HasTerms())
-    StoreAffine(reference, terms, OnFailure::GoOn, kAffineVoice);
-  return true;
+bool BRefERS::Read(const BString& file, BGeoReference& reference) {
+    BFile in(file);
+    if (!in.Open(EFileMode::Read, EFileMode::Text)) return false;
+    const ErsHeader header = ParseErs(in);
+    in.Close();
+    if (!header.has_raster_info_end) return false;
+    const auto system = NamesSystem(header) ? LookUpSystem(header) : BSharedPtr<BCoordSys>();
+    const AffineTerms terms = SetSystem(reference, system, header);
+    if (header.HasTerms()) StoreAffine(reference, terms, OnFailure::GoOn, kAffineVoice);
+    return true;
 }
 
-void BRefERS::Read(const BString &file, const unsigned int &flags,
-                   BGeoReference &reference) {
-  BFile in(file);
-  if (!in.Open(EFileMode::Read, EFileMode::Text))
-    throw BFileAccessException(
-        kReadSource,
-        BString::Format("Could not open the reference file <%ls> for reading.",
-                        file));
-  const ErsHeader header = ParseErs(in);
-  in.Close();
-  RequireTags(header);
-  const Strictness strictness(flags);
-  const auto system = NamesSystem(header)
-                          ? FindSystem(header, strictness.CoordSys())
-                          : BSharedPtr<BCoordSys>();
-  const AffineTerms terms = SetSystem(reference, system, header);
-  RequireTerms(header);
-  RequireExtent(file, terms);
-  StoreAffine(reference, terms, strictness.Transform(), kAffineVoice);
+void BRefERS::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
+    BFile in(file);
+    if (!in.Open(EFileMode::Read, EFileMode::Text))
+        throw BFileAccessException(
+            kReadSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    const ErsHeader header = ParseErs(in);
+    in.Close();
+    RequireTags(header);
+    const Strictness strictness(flags);
+    const auto system =
+        NamesSystem(header) ? FindSystem(header, strictness.CoordSys()) : BSharedPtr<BCoordSys>();
+    const AffineTerms terms = SetSystem(reference, system, header);
+    RequireTerms(header);
+    RequireExtent(file, terms);
+    StoreAffine(reference, terms, strictness.Transform(), kAffineVoice);
 }
 
-bool BRefERS::Write(const BString &file, const BGeoReference &reference,
-                    long width, long height, const BString &imageName) {
-  const auto stamp = TimeStamp();
-  if (!stamp)
-    return false;
-  const AffineTerms terms = TermsOf(reference);
-  if (IsRotated(terms))
-    throw BGeoReferenceWriteException(
-        kOutput.source, "ERS referencing format does not support rotation.");
-  BFile out(file);
-  OpenForWriting(out, kOutput, "ERS write could not open file");
-  try {
-    out.WriteLine(HeaderText({file, reference, width, height, imageName},
-                             *stamp, terms, NamesByName(reference)));
-  } catch (const BException &error) {
-    BLogger::Instance()->WriteLine(
-        ELogSeverity::Error, "BRefERS::Write Couldn't ERS <%ls>.  Error (%ls)",
-        file, error.GetDetailedMessage());
-    return false;
-  }
-  CloseWritten(out, kOutput);
-  return true;
+bool BRefERS::Write(const BString& file, const BGeoReference& reference, long width, long height,
+                    const BString& imageName) {
+    const auto stamp = TimeStamp();
+    if (!stamp) return false;
+    const AffineTerms terms = TermsOf(reference);
+    if (IsRotated(terms))
+        throw BGeoReferenceWriteException(kOutput.source,
+                                          "ERS referencing format does not support rotation.");
+    BFile out(file);
+    OpenForWriting(out, kOutput, "ERS write could not open file");
+    try {
+        out.WriteLine(
+            HeaderText({file, reference, width, height, imageName}, *stamp, terms, NamesByName(reference)));
+    } catch (const BException& error) {
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefERS::Write Couldn't ERS <%ls>.  Error (%ls)",
+                                       file, error.GetDetailedMessage());
+        return false;
+    }
+    CloseWritten(out, kOutput);
+    return true;
 }
 
-void BRefERS::Write(const BString &file, const unsigned int &flags,
-                    const BGeoReference &reference, long width, long height,
-                    const BString &imageName) {
-  BFile out(file);
-  if (!out.Open(EFileMode::Write, EFileMode::Text))
-    // "For reading" is how hosts know it.
-    throw BFileAccessException(
-        kOutput.source,
-        BString::Format("Could not open the reference file <%ls> for reading.",
-                        file));
-  const auto stamp = TimeStamp();
-  if (!stamp)
-    throw BGeoReferenceWriteException(kOutput.source,
-                                      "Can't generate a valid ERS time stamp");
-  const AffineTerms terms = TermsOf(reference);
-  if (IsRotated(terms))
-    throw BGeoReferenceInvalidTransformException(
-        kOutput.source,
-        BString::Format(
-            "Can't write ERS file <%ls>, ERS referencing format does not "
-            "support rotation in X (%f) or Y (%f).",
-            file, terms.b, terms.d));
-  const Names names =
-      NamesByType(file, reference, Strictness(flags).CoordSys());
-  out.WriteLine(HeaderText({file, reference, width, height, imageName}, *stamp,
-                           terms, names));
-  CloseWritten(out, kOutput);
+void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
+                    long width, long height, const BString& imageName) {
+    BFile out(file);
+    if (!out.Open(EFileMode::Write, EFileMode::Text))
+        // "For reading" is how hosts know it.
+        throw BFileAccessException(
+            kOutput.source, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    const auto stamp = TimeStamp();
+    if (!stamp) throw BGeoReferenceWriteException(kOutput.source, "Can't generate a valid ERS time stamp");
+    const AffineTerms terms = TermsOf(reference);
+    if (IsRotated(terms))
+        throw BGeoReferenceInvalidTransformException(
+            kOutput.source, BString::Format("Can't write ERS file <%ls>, ERS referencing format does not "
+                                            "support rotation in X (%f) or Y (%f).",
+                                            file, terms.b, terms.d));
+    const Names names = NamesByType(file, reference, Strictness(flags).CoordSys());
+    out.WriteLine(HeaderText({file, reference, width, height, imageName}, *stamp, terms, names));
+    CloseWritten(out, kOutput);
 }
 
-} // namespace MapAnchor
+}  // namespace MapAnchor

@@ -227,14 +227,16 @@ TEST(Ers, WritesTheWholeHeader) {
     EXPECT_EQ(Roads::Save(kErs, folder / "type.ers", reference, Roads::kStrict).type, "");
     EXPECT_EQ(SlurpHeader(folder / "type.ers"), expected("type.ers", "RAW", "RAW"));
 
-    // A geodetic system is told by its datum's name on both lines.
+    // A system with a name of its own, here the datum's, goes without by name.
     References::SetSystem(reference, "4326");
     EXPECT_EQ(Roads::Save(folder / "name.ers", reference).type, "");
-    EXPECT_EQ(SlurpHeader(folder / "name.ers"), expected("name.ers", "WGS84", "WGS84"));
-    BGeoReference back;
-    EXPECT_EQ(Roads::Read(folder / "name.ers", back).type, "");
-    ASSERT_TRUE(back.HasCoordSys());
-    EXPECT_EQ(back.CoordSys->ToEPSGCode(), BString("EPSG:4326"));
+    EXPECT_EQ(SlurpHeader(folder / "name.ers"), expected("name.ers", "RAW", "RAW"));
+    EXPECT_EQ(Roads::Save(kErs, folder / "type.ers", reference, Roads::kStrict).type, "");
+    EXPECT_EQ(SlurpHeader(folder / "type.ers"), expected("type.ers", "WGS84", "WGS84"));
+    // One on another datum than its projection's own is told by both, by name alone.
+    References::SetSystem(reference, "26711");
+    EXPECT_EQ(Roads::Save(folder / "name.ers", reference).type, "");
+    EXPECT_EQ(SlurpHeader(folder / "name.ers"), expected("name.ers", "NAD27", "NUTM11"));
 
     // No transform: zeros.
     EXPECT_EQ(Roads::Save(folder / "none.ers", BGeoReference()).type, "");
