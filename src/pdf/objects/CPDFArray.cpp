@@ -5,6 +5,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <string>
 
 namespace VellumLib {
@@ -16,6 +17,7 @@ namespace {
 /// Shortest text that reads back as the same double, without an exponent, which PDF
 /// does not know. Raw data has no separator of its own, hence the blank.
 PoDoFo::PdfData PreciseReal(double value) {
+    if (!std::isfinite(value)) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_ValueOutOfRange);
     std::array<char, 400> text;
     const auto end =
         std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed).ptr;

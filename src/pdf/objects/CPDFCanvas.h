@@ -1,6 +1,7 @@
 #pragma once
 
 #include "objects/CPDFStatement.h"
+#include "objects/ContentReader.h"
 
 #include <QMatrix>
 #include <QString>
@@ -49,7 +50,7 @@ protected:
     /// A new reading state on the same content; callbacks stay behind.
     CPDFCanvas(const CPDFCanvas& other);
 
-    std::unique_ptr<PoDoFo::PdfContentsTokenizer> tokenizer_;
+    std::unique_ptr<ContentTokenizer> tokenizer_;
     PoDoFo::PdfVecObjects* objects_ = nullptr;         ///< the document's
     PoDoFo::PdfObject* x_object_resources_ = nullptr;  ///< the document's; null when unknown
     /// The form that the last statement called for and that was not entered yet.

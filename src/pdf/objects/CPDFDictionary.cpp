@@ -40,6 +40,12 @@ CPDFDictionary& CPDFDictionary::operator=(const CPDFDictionary& other) {
     return *this;
 }
 
+CPDFDictionary& CPDFDictionary::operator=(PdfObject& object) {
+    dictionary_ = &object.GetDictionary();
+    if (!owned_) object_ = &object;
+    return *this;
+}
+
 CPDFDictionary::~CPDFDictionary() = default;
 
 PdfObject& CPDFDictionary::Add(const QString& key, const PdfObject& value) {

@@ -29,6 +29,9 @@ public:
     CPDFDictionary(const CPDFDictionary&) = default;
     /// Takes the object of the other over only where that one does not own its container.
     CPDFDictionary& operator=(const CPDFDictionary& other);
+    /// Stands for the dictionary in the object from now on, and can be referred to
+    /// unless it was made as one of its own, which it keeps until it goes.
+    CPDFDictionary& operator=(PoDoFo::PdfObject& object);
     virtual ~CPDFDictionary();
 
     void AddName(const QString& key, const QString& value);

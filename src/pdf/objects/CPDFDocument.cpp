@@ -3,6 +3,7 @@
 #include "objects/CCorruptedPDFException.h"
 #include "objects/CPDFPage.h"
 #include "objects/CPDFString.h"
+#include "objects/ContentReader.h"
 #include "objects/PdfText.h"
 
 #include <QObject>
@@ -77,6 +78,7 @@ QString CPDFDocument::GetMetadata() {
     if (!metadata || !metadata->HasStream()) return QString();
     auto* stream = dynamic_cast<PoDoFo::PdfMemStream*>(metadata->GetStream());
     if (!stream) return QString();
+    CountDecodedBytes(metadata);  // refuses what would not fit, before it is kept
     stream->Uncompress();
     const auto* bytes = stream->Get();
     const auto length = static_cast<uint>(stream->GetLength());
@@ -163,7 +165,7 @@ int CPDFDocument::RemoveReferencedObjects(const CPDFDictionary& dictionary) {
 
 void CPDFDocument::Write(const QString& path) {
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
-    document_->Write(path.toLocal8Bit().constData());
+    document_->Write(path.toUtf8().constData());
 }
 
 }  // namespace VellumLib

@@ -84,11 +84,7 @@ QString CPDFPage::GetPropertyTitle(const QString& resource_name) const {
 }
 
 std::size_t CPDFPage::GetContentsLength() const {
-    PdfObject* contents = page_->GetObject()->GetIndirectKey(PdfName("Contents"));
-    if (!contents || !contents->HasStream()) return 0;
-    PoDoFo::PdfMemoryOutputStream copy;
-    contents->GetStream()->GetFilteredCopy(&copy);
-    return static_cast<std::size_t>(copy.GetLength());
+    return CountDecodedBytes(FollowKey(*objects_, *page_->GetObject(), PdfName("Contents")));
 }
 
 CPDFCanvas& CPDFPage::Top() {
@@ -113,7 +109,9 @@ void CPDFPage::FlushTopCanvas() {
 }
 
 void CPDFPage::OpenContents() {
-    if (!tokenizer_) tokenizer_ = std::make_unique<PoDoFo::PdfContentsTokenizer>(page_);
+    if (tokenizer_) return;
+    const PdfObject* contents = FollowKey(*objects_, *page_->GetObject(), PdfName("Contents"));
+    tokenizer_ = std::make_unique<ContentTokenizer>(DecodeContents(objects_, contents));
 }
 
 void CPDFPage::WriteStatement(const CPDFStatement& statement) {

@@ -16,7 +16,9 @@ std::string CPDFString::ToStdString() const {
 
 QString CPDFString::ToQString() const {
     if (!text_.IsValid()) return QString();
-    return text_.IsUnicode() ? FromPdfBytes(text_.GetStringUtf8().c_str()) : FromPdfBytes(text_.GetString());
+    if (text_.IsUnicode()) return FromPdfBytes(text_.GetStringUtf8().c_str());
+    const auto length = static_cast<uint>(text_.GetLength());
+    return QString::fromLatin1(text_.GetString(), static_cast<int>(qstrnlen(text_.GetString(), length)));
 }
 
 }  // namespace VellumLib

@@ -4,16 +4,16 @@ namespace VellumLib {
 
 CPDFXObject::CPDFXObject(PoDoFo::PdfObject* object) : form_(std::make_unique<PoDoFo::PdfXObject>(object)) {}
 
-CPDFXObject::~CPDFXObject() {
-    tokenizer_.reset();
-}
+CPDFXObject::~CPDFXObject() = default;
 
 std::uint32_t CPDFXObject::GetObjectNumber() const {
     return form_->GetObject()->Reference().ObjectNumber();
 }
 
 void CPDFXObject::OpenContents() {
-    if (!tokenizer_) tokenizer_ = std::make_unique<PoDoFo::PdfContentsTokenizer>(form_.get());
+    if (!tokenizer_)
+        tokenizer_ = std::make_unique<ContentTokenizer>(
+            DecodeContents(form_->GetObject()->GetOwner(), form_->GetObject()));
 }
 
 void CPDFXObject::WriteStatement(const CPDFStatement& statement) {

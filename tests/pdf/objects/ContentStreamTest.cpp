@@ -110,15 +110,65 @@ TEST(ContentStream, FormsAndImages) {
               (std::vector<Seen>{{1, {}}}));
 }
 
+TEST(ContentStream, StreamsOfAnArrayAreReadAsOne) {
+    const TempFolder folder;
+    const std::string file = folder.Write(
+        "array.pdf",
+        PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                  "<< /Type /Page /Parent 2 0 R /Contents [4 0 R 9 0 R 6 0 R 5 0 R (x)] >>",
+                  PdfStreamObject("1 2"), PdfStreamObject("m 3 4 l S"), "<< /Not /A_stream >>"}));
+    EXPECT_EQ(Walk(file), (std::vector<Seen>{{2, {{1, 2}, {3, 4}}}}));
+    const std::string none = folder.Write("none.pdf", PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>",
+                                                                "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                                                                "<< /Type /Page /Parent 2 0 R >>"}));
+    EXPECT_EQ(Walk(none), std::vector<Seen>());
+}
+
+TEST(ContentStream, AClipKnowsOfAShadingInItsGroup) {
+    const TempFolder folder;
+    CPDFDocument document(QString::fromStdString(
+        folder.Write("page.pdf", PageWith("0 0 9 9 re W n /S sh Q 0 0 9 9 re W n Q /S sh"))));
+    std::vector<std::pair<int, bool>> seen;
+    CPDFStatement statement;
+    while (document.GetPage(0).GetNextStatement(statement) != StatementEnd)
+        seen.emplace_back(statement.GetKind(), statement.HasShading());
+    EXPECT_EQ(seen, (std::vector<std::pair<int, bool>>{
+                        {12, true}, {13, false}, {9, false}, {12, false}, {9, false}, {13, false}}));
+}
+
+TEST(ContentStream, CurvesCarryTheirControls) {
+    const TempFolder folder;
+    CPDFDocument document(
+        QString::fromStdString(folder.Write("page.pdf", PageWith("2 0 0 2 0 0 cm 0 0 m 1 2 3 4 5 6 c S"))));
+    int begun = 0, steps = 0, ended = 0;
+    document.GetPage(0).SetProgressBeginCallback([&] { ++begun; });
+    document.GetPage(0).SetProgressStepCallback([&] { ++steps; });
+    document.GetPage(0).SetProgressEndCallback([&] { ++ended; });
+    CPDFStatement statement;
+    document.GetPage(0).GetNextStatement(statement);
+    document.GetPage(0).GetNextStatement(statement);
+    EXPECT_EQ(statement.GetPoints(), (std::vector<CPDFPathPoint>{{0, 0, 2, 4, 0, 0}, {10, 12, 0, 0, 6, 8}}));
+    EXPECT_EQ(statement.GetByteCount(), 11U);
+    EXPECT_EQ(statement.ToText(), "0 0 m\n1 2 3 4 5 6 c\nS\n");
+    EXPECT_EQ((std::vector<int>{begun, steps, ended}), (std::vector<int>{1, 2, 1}));
+}
+
 TEST(ContentStream, FaultsOfTheContentAreErrors) {
     const TempFolder folder;
     std::string clips;
     for (int i = 0; i < 100000; ++i)
         clips += "0 0 m W n ";
-    for (const std::string& content :
-         {std::string("1 cm"), std::string("m S"), std::string("(a) 2 m S"), clips}) {
+    std::string dictionaries = "/A ";
+    std::string arrays;
+    for (int i = 0; i < 200000; ++i) {
+        dictionaries += "<</A(>>)";
+        arrays += "[";
+    }
+    for (const std::string& content : {std::string("1 cm"), std::string("m S"), std::string("(a) 2 m S"),
+                                       std::string("5 Do"), clips, dictionaries, arrays}) {
         SCOPED_TRACE(content.substr(0, 20));
-        EXPECT_THROW(Walk(folder.Write("page.pdf", PageWith(content))), PoDoFo::PdfError);
+        EXPECT_THROW(Walk(folder.Write("page.pdf", PageWith(content, "<< /XObject << >> >>"))),
+                     PoDoFo::PdfError);
     }
 }
 

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -80,6 +81,30 @@ TEST(PdfValues, ArraysCheckTheirIndices) {
     EXPECT_THROW(array[2].GetReal(), PoDoFo::PdfError);
 }
 
+TEST(PdfValues, CopiesOfOwningWrappersShareTheirContainer) {
+    CPDFDictionary copy;
+    CPDFArray array;
+    {
+        CPDFDictionary own;
+        own.AddBool("A", true);
+        copy = own;
+        own = CPDFDictionary();
+        CPDFArray own_array;
+        own_array.InsertBool(0, true);
+        array = own_array;
+        array.InsertArray(1, own_array);  // of itself, as it stands
+        array.InsertDictionary(2, copy);
+    }
+    EXPECT_TRUE(copy.HasKey("A"));
+    EXPECT_EQ(array.GetSize(), 3);
+    EXPECT_EQ(array[1].GetArray().GetSize(), 1);
+    PoDoFo::PdfObject object(PoDoFo::PdfReference(7, 0), PoDoFo::PdfVariant(PoDoFo::PdfDictionary()));
+    copy = object;
+    EXPECT_FALSE(copy.HasKey("A"));
+    EXPECT_EQ(copy.Object(), nullptr);  // made as one of its own
+    EXPECT_THROW(array.InsertPreciseReal(0, std::numeric_limits<double>::infinity()), PoDoFo::PdfError);
+}
+
 TEST(PdfValues, StringsThatAreNotAscii) {
     CPDFDictionary dictionary;
     const QString text = QString::fromUtf8("Wei\u00DF");
@@ -115,6 +140,80 @@ TEST(PdfDocument, RefusalsAndTheirWords) {
     EXPECT_TRUE(document.GetModDate().isNull());
     const std::string long_text(2000, 'x');
     EXPECT_EQ(std::string(CCorruptedPDFException(PathOf(long_text)).what()), long_text.substr(0, 511));
+}
+
+TEST(PdfDocument, AMissingObjectIsToldApartFromOtherFaults) {
+    const TempFolder folder;
+    std::string text = RichPdf(200, 100);
+    text.replace(text.find("/Root 1 0 R"), 11, "/Root 99 0 R");
+    try {
+        CPDFDocument(PathOf(folder.Write("rootless.pdf", text)));
+        ADD_FAILURE();
+    } catch (const CCorruptedPDFException& error) {
+        const std::string start =
+            "The PDF was partially corrupt and could not be read, the file will open without "
+            "referencing\n\n Details : ";
+        EXPECT_EQ(std::string(error.what()).substr(0, start.size()), start);
+        EXPECT_GT(std::string(error.what()).size(), start.size());
+    }
+}
+
+TEST(PdfDocument, ObjectsAreMadeFoundAndRemoved) {
+    const TempFolder folder;
+    CPDFDocument document(PathOf(folder.Write("rich.pdf", RichPdf(200, 100))));
+    CPDFDictionary made = document.CreateDictionary();
+    made.AddInteger("One", 1);
+    const auto reference = made.Object()->Reference();
+    EXPECT_EQ(document.GetDictionaryFromReference(reference).GetNumber("One"), 1);
+    EXPECT_THROW(document.GetArrayFromReference(reference), PoDoFo::PdfError);
+    CPDFDictionary holder;
+    holder.AddReference("A", made);
+    holder.AddReference("Array", document.CreateArray());  // cannot be referred to
+    holder.AddInteger("Number", 5);
+    EXPECT_EQ(document.RemoveReferencedObjects(holder), 1);
+    EXPECT_EQ(document.RemoveReferencedObjects(holder), 0);
+    EXPECT_FALSE(document.RemoveObject(reference));
+    EXPECT_THROW(document.GetDictionaryFromReference(reference), PoDoFo::PdfError);
+}
+
+TEST(PdfDocument, WhatAPageWritesStandsInTheFile) {
+    const TempFolder folder;
+    const std::string out = folder / "out.pdf";
+    {
+        CPDFDocument document(PathOf(folder.Write("rich.pdf", RichPdf(200, 100))));
+        CPDFPage copy(document.GetPage(0));
+        copy.SetClearOnFlush(true);
+        copy.WriteText("0 1 0 rg\n");
+        copy.FlushTopCanvas();
+        document.Write(PathOf(out));
+    }
+    CPDFDocument document(PathOf(out));
+    EXPECT_EQ(document.GetPage(0).GetContentsLength(), 9U);
+    EXPECT_EQ(document.GetPage(1).GetContentsLength(), 23U);
+    EXPECT_TRUE(document.HasMetadata());
+    EXPECT_TRUE(document.GetCatalog().HasKey("Outlines"));
+    EXPECT_TRUE(document.GetPage(0).GetDictionary().HasKey("Annots"));
+    EXPECT_FALSE(document.GetPage(0).GetDictionary().HasKey("VP"));
+}
+
+TEST(PdfPage, NamesOfItsProperties) {
+    const TempFolder folder;
+    const auto page = [&](const std::string& resources) {
+        return folder.Write(
+            "page.pdf",
+            PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                      "<< /Type /Page /Parent 2 0 R /Resources " + resources + " >>",
+                      "<< /Name (Rivers) /Title (No) >>"}));
+    };
+    CPDFDocument document(PathOf(page("<< /Properties << /A 4 0 R /B << /Title (Roads) >> /C << >> >> >>")));
+    CPDFPage& first = document.GetPage(0);
+    EXPECT_EQ(first.GetPropertyTitle("A"), "Rivers");
+    EXPECT_EQ(first.GetPropertyTitle("B"), "Roads");
+    EXPECT_EQ(first.GetPropertyTitle("C"), "");
+    EXPECT_EQ(first.GetPropertyTitle("D"), "");
+    EXPECT_EQ(first.GetPropertyTitle(""), "");
+    CPDFDocument without(PathOf(page("<< >>")));
+    EXPECT_THROW(without.GetPage(0).GetPropertyTitle("A"), PoDoFo::PdfError);
 }
 
 struct BoxCase {
