@@ -9,3 +9,4 @@ void AddInfoCommand(CLI::App& app, ExitStatus& status);
 void AddConvertCommand(CLI::App& app, ExitStatus& status);
 void AddFormatsCommand(CLI::App& app, ExitStatus& status);
 void AddExtCommand(CLI::App& app, ExitStatus& status);
+void AddCrsCommand(CLI::App& app, ExitStatus& status);

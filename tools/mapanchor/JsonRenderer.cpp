@@ -64,18 +64,6 @@ Json Transform(const BMathTransform& transform, const Residuals& residuals) {
     return json;
 }
 
-Json CoordSys(const BCoordSys& system) {
-    Json json = Json::object();
-    PutText(json, "name", system.GetName());
-    json["kind"] = WordForKind(system);
-    PutText(json, "epsg", system.ToEPSGCode());
-    const BSharedPtr<BUnit> unit = system.GetUnits();
-    if (!unit) return json;
-    PutText(json, "units", unit->GetName());
-    if (unit->IsLinear()) PutNumber(json, "unitsPerMetre", unit->GetUnitsPerBase());
-    return json;
-}
-
 void PutReference(Json& top, Json& ours, const ReadResult& result) {
     const BGeoReference& reference = result.reference;
     const Residuals residuals = ComputeResiduals(reference);
@@ -89,7 +77,7 @@ void PutReference(Json& top, Json& ours, const ReadResult& result) {
     if (reference.HasCoordSys()) {
         const BString wkt = reference.CoordSys->ToWKT();
         if (!wkt.IsEmpty()) top["coordinateSystem"] = {{"wkt", wkt.StdStr()}};
-        ours["coordSys"] = CoordSys(*reference.CoordSys);
+        ours["coordSys"] = RenderJson(*reference.CoordSys);
     }
     if (!reference.PointPairVector.empty()) {
         top["gcps"] = Gcps(reference.PointPairVector);
@@ -102,6 +90,18 @@ void PutReference(Json& top, Json& ours, const ReadResult& result) {
 }
 
 }  // namespace
+
+Json RenderJson(const BCoordSys& system) {
+    Json json = Json::object();
+    PutText(json, "name", system.GetName());
+    json["kind"] = WordForKind(system);
+    PutText(json, "epsg", system.ToEPSGCode());
+    const BSharedPtr<BUnit> unit = system.GetUnits();
+    if (!unit) return json;
+    PutText(json, "units", unit->GetName());
+    if (unit->IsLinear()) PutNumber(json, "unitsPerMetre", unit->GetUnitsPerBase());
+    return json;
+}
 
 Json RenderJson(const Failure& failure) {
     Json json = {{"type", failure.type}};

@@ -16,6 +16,7 @@ constexpr int kSchemaVersion = 1;
 
 Json RenderJson(const ReadResult& result, const ReadOptions& options);
 Json RenderJson(const Failure& failure);
+Json RenderJson(const Tellurion::BCoordSys& system);
 Json RenderJson(const Diagnostics& diagnostics);
 
 /// One line, or spread over lines when an indent is asked for. Bytes that are no

@@ -59,6 +59,7 @@ ExitStatus RunProgram(int argc, char** argv) {
     AddConvertCommand(app, status);
     AddFormatsCommand(app, status);
     AddExtCommand(app, status);
+    AddCrsCommand(app, status);
     app.require_subcommand(0, 1);
     try {
         std::vector<std::string> words = NormalWords(app, {argv + 1, argv + argc});

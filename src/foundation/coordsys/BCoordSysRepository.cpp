@@ -3,13 +3,17 @@
 #include "coordsys/DefinitionCaches.h"
 #include "coordsys/MapInfoClause.h"
 #include "coordsys/MapInfoSystem.h"
+#include "coordsys/Names.h"
 #include "coordsys/PlainNames.h"
 #include "geocalc/CDataSource.h"
+#include "geocalc/ErMapperSystems.h"
 
 #include <Tellurion/BCoordSysException.h>
 #include <Tellurion/BFile.h>
 
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace Tellurion {
 namespace {
@@ -47,6 +51,34 @@ BCoordSys* BCoordSysRepository::ReadCoordSysFromFile(const BString& path) {
     throw BCoordSysException("The coordinate system cannot be read.",
                              "BCoordSysRepository::ReadCoordSysFromFile",
                              BString::Format("%s: CoordSys clause: %s", path, clause.fault));
+}
+
+BCoordSys* BCoordSysRepository::ReadCoordSysFromMIFString(const BString& clause) {
+    constexpr std::string_view kStart = "coordsys";
+    std::string text = clause.StdStr();
+    text.erase(0, text.find_first_not_of(" \t\r\n"));
+    if (LowerAscii(text).starts_with(kStart)) text.erase(0, kStart.size());
+    const MapInfoClause read = ParseMapInfoClause(text);
+    const CoordSysDefinition::Ptr definition = read.fault.empty() ? FindByMapInfo(read.text) : nullptr;
+    if (definition) return Wrap(definition);
+    throw BCoordSysException("The coordinate system cannot be read.",
+                             "BCoordSysRepository::ReadCoordSysFromMIFString",
+                             BString::Format("CoordSys clause: %s", read.fault));
+}
+
+bool BCoordSysRepository::WriteCoordSysToERMapperNames(const BCoordSys& coordSys, BString& projection,
+                                                       BString& datum) const {
+    BIdentifier identifier;
+    if (!coordSys.GetDatumIdentifier(GeoCalc::DB::kErMapper, identifier)) return false;
+    BString name("GEODETIC");
+    if (coordSys.GetKind() == BCoordSys::kKindProjected) {
+        const GeoCalc::CS::CProjectedCoordSys object(coordSys.GetDefinition());
+        name = GetDSInstance()->FindERMapperName(std::as_const(object).GetProjection());
+    }
+    if (name.IsEmpty()) return false;
+    projection = name;
+    datum = identifier.Code;
+    return true;
 }
 
 BString BCoordSysRepository::WriteCoordSysToMIFString(const BCoordSys& coordSys) {

@@ -5,7 +5,8 @@
 #include "coordsys/Identification.h"
 #include "coordsys/Names.h"
 #include "coordsys/UnitTable.h"
-#include "geocalc/ErMapperNames.h"
+#include "geocalc/CDataSource.h"
+#include "geocalc/ErMapperSystems.h"
 
 #include <proj_experimental.h>
 
@@ -90,18 +91,34 @@ CoordSysDefinition::Ptr FindUtm(const CoordSysDefinition& geodetic, const UtmZon
     return known != 0 ? FindByEpsg(known) : CoordSysDefinition::Make(std::move(projected));
 }
 
+/// A grid that ER Mapper has a name for.
+CoordSysDefinition::Ptr FindErMapperGrid(std::string_view projection, std::string_view datum,
+                                         std::string_view units) {
+    const CoordSysDefinition::Ptr own = GeoCalc::DB::FindErMapperSystem(BString(UpperAscii(projection)));
+    const CoordSysDefinition::Ptr geodetic = GeoCalc::DB::FindErMapperDatum(BString(UpperAscii(datum)));
+    if (!own || !geodetic || own->GetKind() != CoordSysDefinition::Kind::Projected) return nullptr;
+    GeoCalc::CS::CProjectedCoordSys object(own);
+    object.SetGeodeticCoordSys(GeoCalc::CS::CGeodeticCoordSys(geodetic));
+    if (!units.empty()) {
+        const BSharedPtr<BLinearUnit> unit = FindUnit(units);
+        if (!unit) return nullptr;
+        object.SetUnits(unit);
+    }
+    return GeoCalc::DB::CDataSource::Instance().FindPreferred(object);
+}
+
 }  // namespace
 
 CoordSysDefinition::Ptr FindByPlainNames(std::string_view projection, std::string_view datum,
                                          std::string_view units) {
     const int geodetic_number = FindDatum(datum);
     const CoordSysDefinition::Ptr geodetic = geodetic_number != 0 ? FindByEpsg(geodetic_number) : nullptr;
-    if (!geodetic) return nullptr;
     const std::string name = UpperAscii(LettersAndDigits(projection));
     if (ListHas(kGeographicNames, name)) return geodetic;
     UtmZone zone;
     const BSharedPtr<BLinearUnit> unit = FindUnit(units);
-    if (!unit || !ParseUtm(name, zone)) return nullptr;
+    if (!ParseUtm(name, zone)) return FindErMapperGrid(projection, datum, units);
+    if (!geodetic || !unit) return nullptr;
     return FindUtm(*geodetic, zone, *unit);
 }
 

@@ -108,6 +108,15 @@ std::vector<CEquivalent> CDataSource::FindSame(const CS::CCoordSys& object, bool
     return found;
 }
 
+CS::CCoordSys::Definition CDataSource::FindPreferred(const CProjectedCoordSys& object) const {
+    std::vector<CEquivalent> found = Equivalent(object);
+    if (found.empty()) found = EquivalentLessRestrictive(object);
+    if (found.empty()) return object.GetDefinition();
+    const auto current = std::ranges::find_if(
+        found, [](const CEquivalent& entry) { return (entry.GetStatus() & CEquivalent::kDeprecated) == 0; });
+    return Find(kValGc, (current == found.end() ? found.front() : *current).GetIssuerCode(kValGc));
+}
+
 bool CDataSource::PutSerializable(int objectType, const CS::CCoordSys& object, bool overwrite, bool) {
     const BString code = object.GetIdentifiers().GetCode(kValGc);
     if (objectType != kProjectedCoordSys || code.IsEmpty()) return false;

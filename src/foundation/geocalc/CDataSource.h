@@ -46,6 +46,10 @@ public:
     /// The same within what PJ::CProjection::IsNearlyEqual leaves open.
     std::vector<CEquivalent> EquivalentLessRestrictive(const CS::CCoordSys& object) const;
 
+    /// The current entry that is the same as a projected object, nearly if none is fully;
+    /// without one, what the object describes.
+    CS::CCoordSys::Definition FindPreferred(const CS::CProjectedCoordSys& object) const;
+
     /// Stores a copy of a projected system under its code of the database's own; one of
     /// that code is replaced with `overwrite`. False when nothing was stored. `commit`
     /// has no effect: what is stored lives as long as the process.

@@ -112,6 +112,16 @@ void CProjectedCoordSys::SetProjectedPoint(const ML::CProjectedPoint& point) {
     parts_.point.emplace(point);
 }
 
+void CProjectedCoordSys::SetUnits(const Tellurion::BSharedPtr<BLinearUnit>& unit) {
+    SetProjectedPoint({ML::CProjectedPoint::kPlain, ML::CLinearValue(0.0, unit)});
+    CParameterCollection& parameters = GetProjection().GetParameters();
+    for (const char* key : {kValFalseEasting, kValFalseNorthing}) {
+        ML::CLinearValue value = parameters.GetLinearValue(key);
+        value.SetUnits(unit);
+        parameters.SetLinearValue(key, value);
+    }
+}
+
 bool CProjectedCoordSys::HasNewUnit() const {
     if (!parts_.point) return false;
     return parts_.point->GetEast().GetUnits()->GetUnitsPerMeter() !=

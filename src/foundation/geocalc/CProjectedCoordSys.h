@@ -41,6 +41,8 @@ public:
     /// Positions are told in the point's unit from now on. The projection's lengths
     /// keep theirs until they are set anew.
     void SetProjectedPoint(const ML::CProjectedPoint& point);
+    /// Positions and the false origin are told in the unit from now on.
+    void SetUnits(const Tellurion::BSharedPtr<Tellurion::BLinearUnit>& unit);
 
 private:
     struct Parts {
