@@ -68,7 +68,10 @@ EpsgProjections::EpsgProjections() {
         rows_.push_back({Proj::ParseCode(info.code), Text(info.name), Text(info.projection_method_name),
                          info.deprecated != 0});
     }
+    // A system that is used in several areas is listed for each.
     std::ranges::sort(rows_, {}, &Row::number);
+    const auto is_same = [](const Row& a, const Row& b) { return a.number == b.number; };
+    rows_.erase(std::unique(rows_.begin(), rows_.end(), is_same), rows_.end());
 }
 
 EpsgProjections::SystemPtr EpsgProjections::Read(int number) {

@@ -31,7 +31,8 @@ const ErMapperProjections& ErMapperProjections::Instance() {
 ErMapperProjections::ErMapperProjections() {
     for (const ErMapperProjection& row : ErMapperNames::Instance().Projections())
         entries_.push_back({&row, PJ::ReadProjection(row), OwnDatumOf(row)});
-    std::ranges::stable_partition(entries_, [](const Entry& entry) { return IsUtmZone(entry.row->name); });
+    std::stable_partition(entries_.begin(), entries_.end(),
+                          [](const Entry& entry) { return IsUtmZone(entry.row->name); });
     for (std::size_t i = 0; i < entries_.size(); ++i)
         places_[entries_[i].projection.GetKind()].push_back({MeridianOf(entries_[i].projection), i});
     for (auto& [kind, places] : places_)

@@ -154,7 +154,7 @@ CProjection ReadProjection(const Tellurion::CoordSysDefinition& projected) {
 }
 
 BSharedPtr<BLinearUnit> UnitOf(const DB::ErMapperProjection& row) {
-    return Tellurion::UnitTable::LinearFromText("", row.metres_per_unit, 0);
+    return Tellurion::UnitTable::LinearFromText("unknown", row.metres_per_unit, 0);
 }
 
 CProjection ReadProjection(const DB::ErMapperProjection& row) {
