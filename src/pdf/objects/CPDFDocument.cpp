@@ -4,6 +4,7 @@
 #include "objects/CPDFPage.h"
 #include "objects/CPDFString.h"
 #include "objects/ContentReader.h"
+#include "objects/GuardedLoad.h"
 #include "objects/PdfText.h"
 
 #include <QObject>
@@ -51,7 +52,7 @@ CPDFDocument::CPDFDocument(const QString& path) {
 }
 
 void CPDFDocument::Load(const QString& path) {
-    document_->Load(path.toLocal8Bit().constData());
+    LoadGuarded(*document_, path.toLocal8Bit().constData());
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
 }
 

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+namespace PoDoFo {
+class PdfMemDocument;
+}
+
+namespace VellumLib {
+
+/// Loads a PDF from any bytes, within a second and memory in proportion to the file.
+///
+/// Objects and streams stay in the file until they are asked for: the document keeps
+/// the file open for as long as any of its objects may still need it, and the limits
+/// stay in force. Throws PoDoFo::PdfError: FileNotFound, InvalidPassword for every
+/// encrypted file whatever its cipher, OutOfMemory or BrokenFile for what the file
+/// asks beyond its means, and the parser's own errors for the rest.
+void LoadGuarded(PoDoFo::PdfMemDocument& document, const std::string& utf8_path);
+
+}  // namespace VellumLib

@@ -1,0 +1,349 @@
+// Files that would keep the parser busy for ever, fill the memory or break the stack.
+// Each is loaded in a process of its own, which is measured from outside.
+
+#include "objects/GuardedLoad.h"
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <podofo/podofo.h>
+
+#include <gtest/gtest.h>
+
+#include "PdfBuilder.h"
+#include "TempFolder.h"
+
+#include <functional>
+#include <numeric>
+
+namespace VellumLib {
+namespace {
+
+using namespace PoDoFo;
+
+// Not a measure of speed: it ends what would never end.
+constexpr unsigned kHangSeconds = 60;
+constexpr long kMemoryKiB = 256 * 1024;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kMemoryCounts = false;
+#else
+constexpr bool kMemoryCounts = true;
+#endif
+
+enum class Ending { Refused, Loads, Either };
+
+struct Bomb {
+    const char* name;
+    Ending ending;
+    std::function<std::string()> make;
+};
+
+std::ostream& operator<<(std::ostream& out, const Bomb& bomb) {
+    return out << bomb.name;
+}
+
+constexpr int kLoaded = 99;
+constexpr int kForeign = 98;
+
+void UsePage(PdfMemDocument& document) {
+    if (document.GetPageCount() == 0) return;
+    PdfPage* const page = document.GetPage(0);
+    if (!page) return;
+    page->GetMediaBox();
+    page->GetObject()->GetIndirectKey("VP");
+}
+
+int LoadAndUse(const std::string& path) {
+    try {
+        PdfMemDocument document;
+        LoadGuarded(document, path);
+        UsePage(document);
+        return kLoaded;
+    } catch (const PdfError& error) {
+        return error.GetError();
+    } catch (...) {
+        return kForeign;
+    }
+}
+
+struct Outcome {
+    int status = 0;
+    long memory = 0;
+};
+
+Outcome LoadApart(const std::string& path) {
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(kHangSeconds);
+        PdfError::EnableDebug(false);
+        PdfError::EnableLogging(false);
+        _exit(LoadAndUse(path));
+    }
+    Outcome outcome;
+    rusage usage{};
+    wait4(child, &outcome.status, 0, &usage);
+    outcome.memory = usage.ru_maxrss;
+    return outcome;
+}
+
+class HostilePdf : public testing::TestWithParam<Bomb> {};
+
+TEST_P(HostilePdf, EndsInTimeAndMemory) {
+    const TempFolder folder;
+    const std::string path = folder.Write("bomb.pdf", GetParam().make());
+    const Outcome outcome = LoadApart(path);
+    ASSERT_TRUE(WIFEXITED(outcome.status)) << "ended by signal " << WTERMSIG(outcome.status);
+    const int code = WEXITSTATUS(outcome.status);
+    EXPECT_NE(code, kForeign) << "an exception that is no PdfError";
+    if (GetParam().ending != Ending::Either) {
+        EXPECT_EQ(code == kLoaded, GetParam().ending == Ending::Loads) << "code " << code;
+    }
+    if (kMemoryCounts) {
+        EXPECT_LT(outcome.memory, kMemoryKiB);
+    }
+}
+
+std::string Page(const std::string& keys) {
+    PdfBuilder file;
+    file.AddPage(keys);
+    return file.Finish();
+}
+
+std::string NestedPage(const std::string& open, const std::string& close, std::size_t depth) {
+    return Page("/A " + Nested(open, close, depth));
+}
+
+std::vector<int> From(int first, std::size_t count) {
+    std::vector<int> numbers(count);
+    std::iota(numbers.begin(), numbers.end(), first);
+    return numbers;
+}
+
+// Objects 6 and on live in object stream 4; 5 is the cross-reference stream.
+std::string InObjectStream(const std::vector<int>& numbers, const std::vector<std::string>& objects,
+                           const std::vector<int>& compressed) {
+    PdfBuilder file;
+    file.AddPage("/VP 6 0 R");
+    const ObjectStream stream = MakeObjectStream(numbers, objects);
+    file.AddStream(stream.keys + "/Filter/FlateDecode", Deflated(stream.content));
+    return file.FinishWithStream(compressed);
+}
+
+std::string OneInObjectStream(const std::string& object) {
+    return InObjectStream({6}, {object}, {4});
+}
+
+std::string ReferencesBy(const std::string& keys, const std::string& data) {
+    PdfBuilder file;
+    file.AddPage();
+    const std::int64_t start = file.Position();
+    file.AddStream("/Type/XRef/Root 1 0 R" + keys, data);
+    return file.End(start);
+}
+
+std::string MillionAtOnePlace() {
+    const std::string rows = Repeated(std::string("\x01\0\0\0\x09\0", 6), 1'000'000);
+    return ReferencesBy("/Size 1000000/W[1 4 1]/Filter/FlateDecode", Deflated(rows));
+}
+
+std::string Descending(int count) {
+    PdfBuilder file;
+    file.AddPage();
+    for (int i = count; i > 3; --i)
+        file.AddAs(i, "null");
+    return file.Finish();
+}
+
+std::string MillionKids() {
+    PdfBuilder file;
+    file.Add("<</Type/Catalog/Pages 2 0 R>>");
+    file.Add("<</Type/Pages/Count 1000000/Kids[" + Repeated("3 0 R ", 1'000'000) + "]>>");
+    file.Add("<</Type/Page/Parent 2 0 R>>");
+    return file.Finish();
+}
+
+std::string BrokenObjects(int count) {
+    PdfBuilder file;
+    file.AddPage();
+    const std::int64_t start = file.Position();
+    file.Append("xref\n0 " + std::to_string(count) + "\n" +
+                Repeated("0000000003 00000 n \n", static_cast<std::size_t>(count)) +
+                "trailer\n<</Root 1 0 R/Size 4>>\n");
+    return file.End(start);
+}
+
+std::string Subsection(const std::string& header, const std::string& size) {
+    PdfBuilder file;
+    file.AddPage();
+    const std::int64_t start = file.Position();
+    file.Append(file.Table() + header + "\n0000000009 00000 n \ntrailer\n<</Root 1 0 R/Size " + size +
+                ">>\n");
+    return file.End(start);
+}
+
+std::string PreviousChain(int sections) {
+    PdfBuilder file;
+    file.AddPage();
+    std::int64_t previous = file.Position();
+    file.Append(file.Table() + "trailer\n<</Root 1 0 R/Size 4>>\n");
+    for (int i = 1; i < sections; ++i) {
+        const std::int64_t start = file.Position();
+        file.Append("xref\n0 1\n0000000000 65535 f \ntrailer\n<</Root 1 0 R/Size 4/Prev " +
+                    std::to_string(previous) + ">>\n");
+        previous = start;
+    }
+    return file.End(previous);
+}
+
+std::string PreviousIsItself(const std::string& key) {
+    PdfBuilder file;
+    file.AddPage();
+    const std::string start = std::to_string(file.Position());
+    return file.Finish(key + " " + start);
+}
+
+std::string Tree(const std::string& root, const std::string& node) {
+    PdfBuilder file;
+    file.Add("<</Type/Catalog/Pages 2 0 R>>");
+    file.Add(root);
+    file.Add(node);
+    return file.Finish();
+}
+
+std::string DeepTree(int depth) {
+    PdfBuilder file;
+    file.Add("<</Type/Catalog/Pages 2 0 R>>");
+    for (int i = 0; i < depth; ++i)
+        file.Add("<</Type/Pages/Count 1/Kids[" + std::to_string(i + 3) + " 0 R]>>");
+    file.Add("<</Type/Page/MediaBox[0 0 1 1]>>");
+    return file.Finish();
+}
+
+std::string StreamOfLength(const std::string& length) {
+    PdfBuilder file;
+    file.AddPage();
+    const std::int64_t start = file.Position();
+    file.Add("<</Type/XRef/Root 1 0 R/W[1 4 1]/Size 4/Length " + length + ">>\nstream\n" +
+             Repeated(std::string("\x01\0\0\0\x09\0", 6), 4) + "\nendstream");
+    return file.End(start);
+}
+
+std::string ManyObjectStreams() {
+    PdfBuilder file;
+    file.AddPage();
+    std::vector<int> compressed;
+    for (int i = 0; i < 60'000; ++i)
+        compressed.push_back(file.AddStream("/N 0/First 0", ""));
+    return file.FinishWithStream(compressed, "/Size 1999999");
+}
+
+std::string Whole() {
+    return Page("");
+}
+
+const std::vector<Bomb> kBombs = {
+    {"dictionary_1000_deep", Ending::Refused, [] { return NestedPage("<</A ", ">>", 1'000); }},
+    {"dictionary_20000_deep", Ending::Refused, [] { return NestedPage("<</A ", ">>", 20'000); }},
+    {"array_200000_deep", Ending::Refused, [] { return NestedPage("[", "]", 200'000); }},
+    {"mixed_5000_deep", Ending::Refused, [] { return NestedPage("<</A[", "]>>", 5'000); }},
+    {"nesting_behind_a_string_with_brackets", Ending::Refused,
+     [] { return NestedPage("<</S(\\)>>)/T<3e3e>/A ", ">>", 5'000); }},
+    {"compressed_dictionary_5000_deep", Ending::Refused,
+     [] { return OneInObjectStream(Nested("<</A ", ">>", 5'000)); }},
+    {"compressed_dictionary_20000_deep", Ending::Refused,
+     [] { return OneInObjectStream(Nested("<</A ", ">>", 20'000)); }},
+    {"large_array_far_inside", Ending::Refused,
+     [] { return NestedPage("<</B[" + Repeated("1 ", 90'000) + "]/A ", ">>", 90); }},
+    {"fields_without_width", Ending::Refused,
+     [] { return ReferencesBy("/Size 4/W[0 0 0]/Index[0 1099511627776]", "x"); }},
+    {"fields_without_width_many_ranges", Ending::Refused,
+     [] { return ReferencesBy("/Size 4/W[0 0 0]/Index[" + Repeated("0 2000000000 ", 1'000) + "]", "x"); }},
+    {"last_entry_cut", Ending::Refused, [] { return ReferencesBy("/Size 4/W[8 8 8]/Index[0 1]", "\x01"); }},
+    {"field_wider_than_a_number", Ending::Refused,
+     [] { return ReferencesBy("/Size 4/W[1 4000 1]", Repeated("x", 20'000)); }},
+    {"million_entries_at_one_place", Ending::Refused, MillionAtOnePlace},
+    {"broken_entries", Ending::Either, [] { return BrokenObjects(100'000); }},
+    {"many_broken_entries", Ending::Refused, [] { return BrokenObjects(1'000'000); }},
+    {"one_array_named_200_times", Ending::Refused,
+     [] {
+         std::vector<int> numbers(200, 6);
+         ObjectStream stream = MakeObjectStream(numbers, {});
+         PdfBuilder file;
+         file.AddPage();
+         std::string content = Repeated("6 0 ", 200) + "[" + Repeated("1 ", 2'000'000) + "]";
+         file.AddStream("/Type/ObjStm/N 200/First 800/Filter/FlateDecode", Deflated(content));
+         return file.FinishWithStream({4});
+     }},
+    {"compressed_references_2_gibibytes", Ending::Refused,
+     [] { return ReferencesBy("/Size 4/W[1 4 1]/Filter/FlateDecode", DeflatedZeros(2'048)); }},
+    {"compressed_twice", Ending::Refused,
+     [] {
+         return ReferencesBy("/Size 4/W[1 4 1]/Filter[/FlateDecode/FlateDecode]",
+                             Deflated(DeflatedZeros(4'096)));
+     }},
+    {"row_of_a_predictor", Ending::Refused,
+     [] {
+         return ReferencesBy(
+             "/Size 4/W[1 4 1]/Filter/FlateDecode/DecodeParms<</Predictor 12/Columns "
+             "2147483647>>",
+             Deflated("x"));
+     }},
+    {"size_at_the_limit", Ending::Refused, [] { return Subsection("4 1", "8388607"); }},
+    {"subsection_at_the_limit", Ending::Loads, [] { return Subsection("8388606 1", "5"); }},
+    {"object_stream_with_100000_entries", Ending::Refused,
+     [] {
+         return InObjectStream(From(6, 100'000), std::vector<std::string>(100'000, "1"),
+                               std::vector<int>(100'000, 4));
+     }},
+    {"object_stream_in_descending_order", Ending::Refused,
+     [] {
+         std::vector<int> numbers = From(6, 120'000);
+         return InObjectStream({numbers.rbegin(), numbers.rend()}, std::vector<std::string>(120'000, "1"),
+                               {4});
+     }},
+    {"many_object_streams", Ending::Refused, ManyObjectStreams},
+    {"objects_in_descending_order", Ending::Refused, [] { return Descending(200'000); }},
+    {"million_kids", Ending::Refused, MillionKids},
+    {"previous_is_itself", Ending::Loads, [] { return PreviousIsItself("/Prev"); }},
+    {"stream_beside_the_table_is_the_table", Ending::Refused, [] { return PreviousIsItself("/XRefStm"); }},
+    {"chain_of_50_updates", Ending::Loads, [] { return PreviousChain(50); }},
+    {"chain_of_5000_updates", Ending::Refused, [] { return PreviousChain(5'000); }},
+    {"tree_points_to_its_root", Ending::Refused,
+     [] { return Tree("<</Type/Pages/Kids[3 0 R]/Count 1>>", "<</Type/Pages/Kids[2 0 R]/Count 1>>"); }},
+    {"parents_in_a_circle", Ending::Either,
+     [] { return Tree("<</Type/Pages/Parent 2 0 R/Kids[3 0 R]/Count 1>>", "<</Type/Page/Parent 2 0 R>>"); }},
+    {"tree_5000_deep", Ending::Refused, [] { return DeepTree(5'000); }},
+    {"count_is_huge", Ending::Either,
+     [] { return Tree("<</Type/Pages/Kids[3 0 R]/Count 2147483647>>", "<</Type/Page>>"); }},
+    {"count_is_negative", Ending::Either,
+     [] { return Tree("<</Type/Pages/Kids[3 0 R]/Count -5>>", "<</Type/Page>>"); }},
+    {"length_4_gibibytes", Ending::Either, [] { return StreamOfLength("4294967296"); }},
+    {"length_8_exbibytes", Ending::Either, [] { return StreamOfLength("9223372036854775807"); }},
+    {"length_negative", Ending::Refused, [] { return StreamOfLength("-5"); }},
+    {"length_is_the_stream_itself", Ending::Refused, [] { return StreamOfLength("4 0 R"); }},
+    {"start_behind_the_end", Ending::Either,
+     [] {
+         PdfBuilder file;
+         file.AddPage();
+         return file.End(99'999'999'999);
+     }},
+    {"cut_in_the_middle", Ending::Refused, [] { return Whole().substr(0, 120); }},
+    {"nothing_but_the_end", Ending::Refused, [] { return std::string("%PDF-1.5\n%%EOF\n"); }},
+    {"empty", Ending::Refused, [] { return std::string(); }},
+    {"junk_before_the_header", Ending::Refused, [] { return "junk\n" + Whole(); }},
+    {"no_end_in_16_mebibytes", Ending::Refused, [] { return "%PDF-1.5\n" + Repeated(" ", 16'000'000); }},
+    {"metadata_of_2_gibibytes", Ending::Loads,
+     [] {
+         PdfBuilder file;
+         file.AddPage("/Metadata 4 0 R");
+         file.AddStream("/Filter/FlateDecode", DeflatedZeros(2'048));
+         return file.Finish();
+     }},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, HostilePdf, testing::ValuesIn(kBombs),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
+}  // namespace VellumLib
