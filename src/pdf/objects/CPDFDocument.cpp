@@ -52,7 +52,7 @@ CPDFDocument::CPDFDocument(const QString& path) {
 }
 
 void CPDFDocument::Load(const QString& path) {
-    LoadGuarded(*document_, path.toLocal8Bit().constData());
+    LoadGuarded(*document_, path.toUtf8().constData());
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
 }
 
