@@ -41,10 +41,10 @@ public:
         std::ofstream(path_ / name, std::ios::binary) << content;
         return Path(name);
     }
-    /// A raster of 64 by 64 gray pixels.
+    /// A raster of 64 by 64 pixels in three bands, as ERS headers claim.
     std::string MakeRaster(const std::string& name, const char* driver) const {
         GDALDriverManager& drivers = *GetGDALDriverManager();
-        const Dataset memory(drivers.GetDriverByName("MEM")->Create("", 64, 64, 1, GDT_Byte, nullptr));
+        const Dataset memory(drivers.GetDriverByName("MEM")->Create("", 64, 64, 3, GDT_Byte, nullptr));
         const Dataset copy(drivers.GetDriverByName(driver)->CreateCopy(Path(name).c_str(), memory.get(),
                                                                        FALSE, nullptr, nullptr, nullptr));
         if (!copy) std::abort();
