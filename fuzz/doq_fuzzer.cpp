@@ -1,0 +1,13 @@
+// Orthophoto headers: any bytes through both roads of the front door.
+
+#include "ReferenceFuzz.h"
+
+using namespace Tellurion;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const fuzz::MemoryFile memory("doq");
+    memory.Fill(data, size);
+    BGeoReference reference;
+    fuzz::ReadOnAllRoads(EReferenceType::DOQQ, memory.Path(), reference);
+    return 0;
+}

@@ -1,0 +1,13 @@
+// BSB chart headers: any bytes through both roads of the front door.
+
+#include "ReferenceFuzz.h"
+
+using namespace Tellurion;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const fuzz::MemoryFile memory("kap");
+    memory.Fill(data, size);
+    BGeoReference reference;
+    fuzz::ReadOnAllRoads(EReferenceType::KAP, memory.Path(), reference);
+    return 0;
+}
