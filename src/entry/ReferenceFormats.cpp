@@ -1,5 +1,7 @@
 #include "ReferenceFormats.h"
 
+#include "BRefGeoPDF.h"
+
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 
@@ -243,7 +245,13 @@ std::vector<ReferenceFormat> MakeTable() {
          .title = "ADRG distribution rectangle",
          .type = EReferenceType::Reserved,
          .centre_anchored = true},
-        {.name = "PDF", .title = "Geospatial PDF", .type = EReferenceType::GeoPDF},
+        {.name = "PDF",
+         .title = "Geospatial PDF",
+         .type = EReferenceType::GeoPDF,
+         .typed_save =
+             [](const SaveCall& call) {
+                 BRefGeoPDF::Write(call.file, call.reference, call.width, call.height, call.params);
+             }},
     };
 }
 

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "objects/CPDFArray.h"
+#include "objects/CPDFDictionary.h"
+#include "objects/CPDFDocument.h"
+#include "objects/CPDFPage.h"
+#include "objects/CPDFPathPoint.h"
+#include "objects/CPDFStructureTreeRoot.h"
+
+#include <QString>
+
+#include <utility>
+#include <vector>
+
+class QWidget;
+
+namespace VellumLib {
+
+/// Adds georeferencing to the first page of a PDF that exists, and writes the result
+/// to another file. What the georeferencing is, a derived class says. Set up once,
+/// exported once; warnings go through the warning box.
+class CPDFExport {
+public:
+    /// The well-known text and the code ("EPSG:32633", or empty) of a system.
+    using SystemTexts = std::pair<QString, QString>;
+    using Points = std::vector<CPDFPathPoint>;
+
+    CPDFExport(const QString& title, QWidget* parent);
+    virtual ~CPDFExport();
+    CPDFExport(const CPDFExport&) = delete;
+    CPDFExport& operator=(const CPDFExport&) = delete;
+
+    void SetSourcePath(const QString& path) { source_path_ = path; }
+    /// Appends ".pdf" unless the path ends in it; the case counts.
+    void SetDestinationPath(const QString& path);
+    /// Whether the page loses its own content; it does unless told otherwise.
+    void SetClearContents(bool clear) { clear_contents_ = clear; }
+    const QString& GetSourcePath() const { return source_path_; }
+    const QString& GetDestinationPath() const { return destination_path_; }
+    bool GetClearContents() const { return clear_contents_; }
+
+    /// True when the destination was written. A failure of PoDoFo removes the
+    /// destination and goes to HandlePdfError; any other ends in a warning box. The
+    /// source is only read.
+    bool Export();
+
+    /// A viewport of the page, in points, placed into the page's "VP".
+    void WriteViewport(CPDFDocument& document, CPDFArray& vp, const CPDFPathPoint& lower_left,
+                       const CPDFPathPoint& upper_right, const SystemTexts& system, int index);
+    void WriteMeasure(CPDFDocument& document, CPDFDictionary& measure, const SystemTexts& system);
+    void WriteBounds(CPDFArray& bounds);
+    void WriteGCS(CPDFDictionary& gcs, const SystemTexts& system);
+    /// The names of the linear, area and angular unit; metres and degrees for a unit
+    /// without one.
+    void WritePDU(CPDFArray& pdu, const QString& unit_name);
+    void WritePieceInfo(CPDFDocument& document);
+
+protected:
+    virtual void PrepareDocument(CPDFDocument& document) = 0;
+    virtual QString GetVersionText() = 0;
+    virtual QString GetVersionKey() = 0;
+    virtual QString GetPieceInfoKey() = 0;
+    virtual void WriteViewports(CPDFDocument& document, CPDFArray& vp) = 0;
+    /// The name of the linear unit, such as "METERS".
+    virtual QString GetUnitName() = 0;
+    /// Fills two empty lists. A point of `lpts` lies in the unit square of the
+    /// viewport: its vertical position in x, its horizontal one in y. A point of
+    /// `gpts` has longitude in x and latitude in y, in degrees.
+    virtual void GetTiePoints(Points& lpts, Points& gpts) = 0;
+    virtual void ExportHookA() = 0;
+    virtual void ExportHookB() = 0;
+    virtual bool IsDocumentPrepared() = 0;
+    /// Turns a failure into the derived class's own; may throw.
+    virtual void HandlePdfError(const PoDoFo::PdfError& error) = 0;
+    virtual void WriteStructure(CPDFDocument& document, CPDFPage& page, CPDFStructureTreeRoot& root) = 0;
+
+private:
+    void ExportDocument();
+    void WriteFirstPage(CPDFDocument& document, CPDFStructureTreeRoot& root);
+    void Warn(const QString& text) const;
+
+    QString source_path_;
+    QString destination_path_;
+    QString title_;
+    QWidget* parent_;
+    bool clear_contents_ = true;
+};
+
+}  // namespace VellumLib

@@ -1,0 +1,84 @@
+#include "export/MovedAside.h"
+
+#include <Tellurion/BFileAccessException.h>
+#include <Tellurion/BLogger.h>
+
+#include <QFileInfo>
+
+namespace MapAnchor {
+
+using Tellurion::BFileAccessException;
+using Tellurion::BLogger;
+using Tellurion::BString;
+using Tellurion::ELogSeverity;
+
+namespace {
+
+constexpr const char* kSource = "BRefGeoPDF::Write";
+
+BString ToBString(const QString& text) {
+    return BString(std::u16string(reinterpret_cast<const char16_t*>(text.utf16()),
+                                  static_cast<std::size_t>(text.size())));
+}
+
+/// A link stays a link: what it leads to is what is written.
+QString Resolved(const QString& path) {
+    const QFileInfo info(path);
+    return info.isSymLink() && info.exists() ? info.canonicalFilePath() : path;
+}
+
+const char* RenameFailure(QFileDevice::FileError error) {
+    switch (error) {
+        case QFileDevice::RenameError:
+            return "Could not create temp file for PDF export. The target file may be open or read-only.";
+        case QFileDevice::PermissionsError:
+            return "Could not create temp File for PDF export. Insufficient priveledges.";
+        default:
+            return "Could not create temp File for PDF export.";
+    }
+}
+
+}  // namespace
+
+MovedAside::MovedAside(const BString& target)
+    : target_(Resolved(QString::fromUtf8(target.Utf8()))), file_(target_) {
+    if (target_.isEmpty() || !file_.exists()) return;
+    if (!reserved_.open()) {
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefGeoPDF::Write Failed to open temp file");
+        throw BFileAccessException(kSource, "Could not create temp File for PDF export.");
+    }
+    const QString name = reserved_.fileName() + ".pdf";
+    reserved_.close();
+    permissions_ = file_.permissions();
+    MoveTo(name);
+}
+
+void MovedAside::MoveTo(const QString& name) {
+    file_.unsetError();
+    if (!file_.rename(name)) throw BFileAccessException(kSource, RenameFailure(file_.error()));
+    name_ = name;
+    away_ = true;
+}
+
+MovedAside::~MovedAside() {
+    if (away_)
+        BLogger::Instance()->WriteLine(ELogSeverity::Error,
+                                       "BRefGeoPDF::Write The PDF file <%ls> stands under the name <%ls>",
+                                       ToBString(target_), ToBString(name_));
+}
+
+void MovedAside::Restore() {
+    if (away_ && file_.rename(target_)) away_ = false;
+}
+
+void MovedAside::RestoreIfGone() {
+    if (!QFile::exists(target_)) Restore();
+}
+
+void MovedAside::Discard() {
+    if (!away_) return;
+    QFile::setPermissions(target_, permissions_);
+    if (file_.remove()) away_ = false;
+}
+
+}  // namespace MapAnchor
