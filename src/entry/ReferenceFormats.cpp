@@ -215,6 +215,23 @@ ReferenceFormat Jp2() {
             .read_extensions = {REFERENCE_JP2_TAG.GetUnits()}};
 }
 
+ReferenceFormat GeoPdfFormat() {
+    return {.name = "PDF",
+            .title = "Geospatial PDF",
+            .type = EReferenceType::GeoPDF,
+            // False is no failure by type: the reference says what there is, and the log
+            // where a PDF that was not written stands.
+            .typed_read =
+                [](const ReadCall& call) {
+                    BRefGeoPDF::Read(call.file, call.flags, call.reference, call.math_type, call.width,
+                                     call.height, call.params);
+                },
+            .typed_save =
+                [](const SaveCall& call) {
+                    BRefGeoPDF::Write(call.file, call.reference, call.width, call.height, call.params);
+                }};
+}
+
 std::vector<ReferenceFormat> MakeTable() {
     return {
         Rsf(),
@@ -245,13 +262,7 @@ std::vector<ReferenceFormat> MakeTable() {
          .title = "ADRG distribution rectangle",
          .type = EReferenceType::Reserved,
          .centre_anchored = true},
-        {.name = "PDF",
-         .title = "Geospatial PDF",
-         .type = EReferenceType::GeoPDF,
-         .typed_save =
-             [](const SaveCall& call) {
-                 BRefGeoPDF::Write(call.file, call.reference, call.width, call.height, call.params);
-             }},
+        GeoPdfFormat(),
     };
 }
 

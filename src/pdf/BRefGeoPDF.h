@@ -7,14 +7,19 @@
 
 namespace MapAnchor {
 
-/// Geospatial PDF: the reference of page 1. Reached by type alone.
+/// Geospatial PDF: the first page of a document, shown by a raster of one of its boxes.
 class BRefGeoPDF {
 public:
-    /// Fills the reference for a raster of that size that shows the page's crop box, or
-    /// the box that the parameters name. Reports every failure by exception.
-    static void Read(const Tellurion::BString& file, const unsigned int& flags,
-                     Tellurion::BGeoReference& reference, Tellurion::EMathTransformType math_type, long width,
+    /// Fills `reference` in place, control points with a fitted transform or an affine.
+    /// False where the page has nothing to give though nothing is wrong with the file:
+    /// a count of points that does not match, a missing coordinate system. What PoDoFo
+    /// makes of the file leaves as its PdfError, which is no std::exception.
+    static bool Read(const Tellurion::BString& file, const unsigned int& flags,
+                     Tellurion::BGeoReference& reference, Tellurion::EMathTransformType mathType, long width,
                      long height, const Tellurion::BParamList* params);
+    static bool Read(const Tellurion::BString& file, Tellurion::BGeoReference& reference,
+                     Tellurion::EMathTransformType mathType, long width, long height,
+                     const Tellurion::BParamList* params);
 
     /// Georeferences a PDF that exists, in place: its first page shows the raster of
     /// that size in pixels, at the resolution of the parameters (72 without). False
