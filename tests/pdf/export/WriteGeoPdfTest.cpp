@@ -92,7 +92,8 @@ TEST_P(WriteGeoPdf, ReadsBackAndGdalAgrees) {
     const std::string file = folder.Write("map.pdf", RichPdf(page_width, page_height));
     BGeoReference reference = ReferenceOf(test.epsg, test.terms);
     if (!test.points.empty())
-        reference.SetPointPairVector(PointsOf(test.terms, test.points), EMathTransformType::None);
+        reference.SetPointPairVectorAndMathTransform(PointsOf(test.terms, test.points),
+                                                     *reference.MathTransform);
     SavePdf(file, reference, test.width, test.height, test.dpi);
 
     BGeoReference again;
