@@ -102,6 +102,7 @@ BENCHMARK_CAPTURE(RealChart, cadrg, "cadrg/001zc013.on1");
 BENCHMARK_CAPTURE(RealChart, adrg, "adrg/SMALL_ADRG/ABCDEF01.GEN");
 
 void Open(benchmark::State& state, const std::string& path) {
+    GDALAllRegister();
     for (auto _ : state) {
         GDALDataset* dataset = GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY);
         if (!dataset) return state.SkipWithError("GDAL does not open it");
