@@ -3,6 +3,7 @@
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 
+#include "import/BRefGeoPDF.h"
 #include "raster/BRefADRG.h"
 #include "raster/BRefCADRG.h"
 #include "raster/BRefDOQQ.h"
@@ -213,6 +214,17 @@ ReferenceFormat Jp2() {
             .read_extensions = {REFERENCE_JP2_TAG.GetUnits()}};
 }
 
+ReferenceFormat GeoPdfFormat() {
+    return {.name = "PDF",
+            .title = "Geospatial PDF",
+            .type = EReferenceType::GeoPDF,
+            // False is no failure by type: the reference says what there is.
+            .typed_read = [](const ReadCall& call) {
+                BRefGeoPDF::Read(call.file, call.flags, call.reference, call.math_type, call.width,
+                                 call.height, call.params);
+            }};
+}
+
 std::vector<ReferenceFormat> MakeTable() {
     return {
         Rsf(),
@@ -243,7 +255,7 @@ std::vector<ReferenceFormat> MakeTable() {
          .title = "ADRG distribution rectangle",
          .type = EReferenceType::Reserved,
          .centre_anchored = true},
-        {.name = "PDF", .title = "Geospatial PDF", .type = EReferenceType::GeoPDF},
+        GeoPdfFormat(),
     };
 }
 

@@ -272,8 +272,10 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
     if (outcome.status != ExitStatus::Refused) CleanUp(options.target, existed, outcome);
 }
 
-Outcome Convert(const ConvertOptions& options, LogCollector& log) {
+Outcome Convert(ConvertOptions options, LogCollector& log) {
     ReadResult source = ReadFile(options.source, options.read, log);
+    options.read.width = source.width;
+    options.read.height = source.height;
     Outcome outcome;
     outcome.status = source.Status();
     outcome.failure = source.failure;

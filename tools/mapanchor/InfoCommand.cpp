@@ -15,6 +15,7 @@ constexpr const char* kDescription =
     "Examples:\n"
     "  mapanchor info map.tfw\n"
     "  mapanchor info --size 2000x1000 --fit affine map.tab\n"
+    "  mapanchor info --pdf-box crop --dpi 150 map.pdf\n"
     "  find . -name '*.tfw' -print0 | mapanchor info -0 --json -";
 
 struct InfoOptions {
@@ -53,9 +54,8 @@ ExitStatus Run(const InfoOptions& options) {
     ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
         const ReadResult result = ReadFile(file, options.read, log);
         tally.Count(result.Status());
-        if (options.common.json)
-            return console.Print(ToText(RenderJson(result, options.read), options.common));
-        if (result.Ok()) console.Print(RenderText(result, options.read, options.common, console));
+        if (options.common.json) return console.Print(ToText(RenderJson(result), options.common));
+        if (result.Ok()) console.Print(RenderText(result, options.common, console));
         TalkAbout(file, result.diagnostics, result.failure ? &*result.failure : nullptr, console);
     });
     return tally.Status();

@@ -1,6 +1,7 @@
 #include "JsonRenderer.h"
 
 #include "AffineOf.h"
+#include "PdfPage.h"
 #include "ReferenceFacts.h"
 #include "Residuals.h"
 
@@ -119,18 +120,19 @@ Json RenderJson(const Diagnostics& diagnostics) {
     return list;
 }
 
-Json RenderJson(const ReadResult& result, const ReadOptions& options) {
+Json RenderJson(const ReadResult& result) {
     Json top = {{"description", result.file}};
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
     if (result.failure) {
         ours["error"] = RenderJson(*result.failure);
     } else {
-        if (options.width) top["size"] = {*options.width, *options.height};
+        if (result.width) top["size"] = {*result.width, *result.height};
         if (!result.kind.empty()) ours["referenceType"] = result.kind;
         ours["road"] = result.road == Road::Name ? "name" : "type";
         ours["usedFile"] = result.used_file;
         PutReference(top, ours, result);
     }
+    if (result.page) ours["pdfPage"] = PdfPageJson(*result.page);
     ours["diagnostics"] = RenderJson(result.diagnostics);
     top["mapanchor"] = std::move(ours);
     return top;

@@ -2,7 +2,6 @@
 
 #include "CommonOptions.h"
 #include "ReadFile.h"
-#include "ReadOptions.h"
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -14,7 +13,7 @@ extern const char* const kJsonSchema;
 
 constexpr int kSchemaVersion = 1;
 
-Json RenderJson(const ReadResult& result, const ReadOptions& options);
+Json RenderJson(const ReadResult& result);
 Json RenderJson(const Failure& failure);
 Json RenderJson(const Tellurion::BCoordSys& system);
 Json RenderJson(const Diagnostics& diagnostics);

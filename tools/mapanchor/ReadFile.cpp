@@ -1,5 +1,7 @@
 #include "ReadFile.h"
 
+#include "PdfPage.h"
+
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BFileUtilities.h>
@@ -70,8 +72,8 @@ void ReadByName(const BString& file, const ReadOptions& options, ReadResult& res
 
 void ReadByType(const BString& file, EReferenceType type, const ReadOptions& options, ReadResult& result) {
     BGeoReference reference;
-    BMapAnchor::Read(type, file, reference, options.width.value_or(0), options.height.value_or(0),
-                     options.fit, options.flags, &options.params);
+    BMapAnchor::Read(type, file, reference, result.width.value_or(0), result.height.value_or(0), options.fit,
+                     options.flags, &options.params);
     result.reference = reference;
     result.road = Road::Type;
     result.used_file = file.StdStr();
@@ -125,10 +127,20 @@ void HintAtSidecar(const BString& file, ReadResult& result) {
     }
 }
 
+void ReadPdf(const BString& file, const ReadOptions& options, ReadResult& result) {
+    LookAtPdfPage(file, options, result);
+    try {
+        ReadByType(file, EReferenceType::GeoPDF, options, result);
+    } catch (...) {
+        result.failure = PdfFailure(*result.page);
+    }
+    if (result.failure) ExplainPdfFailure(result);
+}
+
 void Dispatch(const BString& file, const ReadOptions& options, ReadResult& result) {
+    if (options.type == EReferenceType::GeoPDF || (!options.type && LowerExtension(file) == BString(".pdf")))
+        return ReadPdf(file, options, result);
     if (options.type) return ReadByType(file, *options.type, options, result);
-    if (LowerExtension(file) == BString(".pdf"))
-        return ReadByType(file, EReferenceType::GeoPDF, options, result);
     ReadByName(file, options, result);
 }
 
@@ -166,7 +178,9 @@ Failure CurrentFailure() {
 
 ExitStatus ReadResult::Status() const {
     if (!failure) return diagnostics.empty() ? ExitStatus::Done : ExitStatus::Warnings;
-    if (failure->type == "BFileContentNotValidException") return ExitStatus::NoReference;
+    if (failure->type == "BFileContentNotValidException" || (page && IsWithoutMap(*page)))
+        return ExitStatus::NoReference;
+    if (page && page->Encrypted) return ExitStatus::Refused;
     if (IsUnsupported(*failure) || failure->type == "BGeoReferenceNotSupportedException")
         return ExitStatus::Refused;
     return ExitStatus::Error;
@@ -175,6 +189,8 @@ ExitStatus ReadResult::Status() const {
 ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogCollector& log) {
     ReadResult result;
     result.file = name;
+    result.width = options.width;
+    result.height = options.height;
     const BString file(name);
     if (!name.empty() && !BFileUtilities::Exists(file)) {
         result.failure =

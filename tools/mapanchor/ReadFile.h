@@ -4,6 +4,7 @@
 #include "ExitStatus.h"
 #include "ReadOptions.h"
 
+#include <MapAnchor/BGeoPDFPage.h>
 #include <Tellurion/BException.h>
 #include <Tellurion/BGeoReference.h>
 
@@ -36,6 +37,9 @@ struct ReadResult {
     std::string kind;       ///< short name of the kind that was read, such as "WLD"; empty when unknown
     std::string used_file;  ///< the file that was actually read
     bool centre_anchored = false;
+    std::optional<long> width;  ///< of the raster, as given or as the file implies
+    std::optional<long> height;
+    std::optional<MapAnchor::BGeoPDFPage> page;  ///< of a PDF
     Diagnostics diagnostics;
 
     bool Ok() const { return !failure; }

@@ -73,7 +73,7 @@ void ReadOptions::AddTo(CLI::App& app) {
         ->type_name("PART,...");
     app.add_option_function<std::string>(
            "--size", [this](const std::string& text) { ParseSize(text, *this); },
-           "The raster's size in pixels")
+           "The raster's size in pixels; of a PDF without it: its box at the resolution")
         ->type_name("WxH");
     app.add_option(
            "--fit", fit,
@@ -83,14 +83,19 @@ void ReadOptions::AddTo(CLI::App& app) {
     app.add_option_function<std::string>(
            "--pdf-box",
            [this](const std::string& box) {
-               params.SetInteger(BMapAnchor::kValPDFCropType, kPdfBoxes.at(box));
+               pdf_box = kPdfBoxes.at(box);
+               params.SetInteger(BMapAnchor::kValPDFCropType, pdf_box);
            },
            "The box of a PDF page that the raster shows: art, trim, bleed, crop, media")
         ->check(CLI::IsMember({"art", "trim", "bleed", "crop", "media"}))
         ->type_name("BOX");
     app.add_option_function<double>(
-           "--dpi", [this](double dpi) { params.SetDouble(BMapAnchor::kValPDFResolution, dpi); },
-           "Resolution of a PDF page in dots per inch")
+           "--dpi",
+           [this](double value) {
+               dpi = value;
+               params.SetDouble(BMapAnchor::kValPDFResolution, value);
+           },
+           "Resolution of a PDF page in dots per inch; 72 without it")
         ->check(CLI::Range(1.0, 1e5))
         ->type_name("N");
 }

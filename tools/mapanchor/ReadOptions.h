@@ -16,6 +16,11 @@ struct ReadOptions {
     std::optional<long> height;
     Tellurion::EMathTransformType fit = Tellurion::EMathTransformType::Affine;
     Tellurion::BParamList params;
+    int pdf_box = kMediaBox;  ///< by the library's number
+    double dpi = kPointsPerInch;
+
+    static constexpr int kMediaBox = 5;
+    static constexpr double kPointsPerInch = 72.0;
 
     void AddTo(CLI::App& app);
 };

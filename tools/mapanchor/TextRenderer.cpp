@@ -1,6 +1,7 @@
 #include "TextRenderer.h"
 
 #include "AffineOf.h"
+#include "PdfPage.h"
 #include "ReferenceFacts.h"
 #include "Residuals.h"
 
@@ -30,8 +31,7 @@ std::string Padded(const std::string& text, std::size_t width) {
 }
 
 std::string Line(const Console& console, const char* label, const std::string& text) {
-    constexpr std::size_t kLabelWidth = 12;
-    return "  " + console.Dim(Padded(label, kLabelWidth)) + " " + text + "\n";
+    return RenderLine(label, text, console);
 }
 
 std::string SystemText(const BCoordSys& system) {
@@ -68,18 +68,17 @@ std::string CornerText(const BMathTransform& transform, double column, double ro
     return Number(column) + ", " + Number(row);
 }
 
-std::string CornersText(const BMathTransform& transform, const ReadOptions& options, const Console& console) {
-    if (!options.width) return {};
-    const auto width = static_cast<double>(*options.width);
-    const auto height = static_cast<double>(*options.height);
+std::string CornersText(const BMathTransform& transform, const ReadResult& result, const Console& console) {
+    if (!result.width) return {};
+    const auto width = static_cast<double>(*result.width);
+    const auto height = static_cast<double>(*result.height);
     return Line(console, "corners", "upper left   " + CornerText(transform, 0, 0)) +
            Line(console, "", "upper right  " + CornerText(transform, width, 0)) +
            Line(console, "", "lower right  " + CornerText(transform, width, height)) +
            Line(console, "", "lower left   " + CornerText(transform, 0, height));
 }
 
-std::string TransformText(const ReadResult& result, const Residuals& residuals, const ReadOptions& options,
-                          const Console& console) {
+std::string TransformText(const ReadResult& result, const Residuals& residuals, const Console& console) {
     const BMathTransform& transform = *result.reference.MathTransform;
     std::string what = WordFor(transform.GetMathTransformType());
     what += result.centre_anchored ? ", from the centre" : ", from the outer corner";
@@ -89,7 +88,7 @@ std::string TransformText(const ReadResult& result, const Residuals& residuals, 
         text += Line(console, "residuals",
                      "root mean square " + Number(*residuals.root_mean_square) + ", largest " +
                          Number(*residuals.maximum) + " pixels");
-    return text + CornersText(transform, options, console);
+    return text + CornersText(transform, result, console);
 }
 
 std::string PointsText(const std::vector<BPointPair>& pairs, const Residuals& residuals,
@@ -112,6 +111,11 @@ const char* RoadText(Road road) {
 
 }  // namespace
 
+std::string RenderLine(const char* label, const std::string& text, const Console& console) {
+    constexpr std::size_t kLabelWidth = 12;
+    return "  " + console.Dim(Padded(label, kLabelWidth)) + " " + text + "\n";
+}
+
 std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console) {
     std::vector<std::size_t> widths(rows.front().size(), 0);
     for (const auto& row : rows)
@@ -127,8 +131,7 @@ std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const
     return text;
 }
 
-std::string RenderText(const ReadResult& result, const ReadOptions& options, const CommonOptions& common,
-                       const Console& console) {
+std::string RenderText(const ReadResult& result, const CommonOptions& common, const Console& console) {
     const BGeoReference& reference = result.reference;
     const Residuals residuals = ComputeResiduals(reference);
     std::string text = console.Bold(result.file) + "\n";
@@ -136,11 +139,12 @@ std::string RenderText(const ReadResult& result, const ReadOptions& options, con
                  result.kind + ", " + RoadText(result.road) +
                      (result.used_file == result.file ? "" : ", from " + result.used_file));
     text += Line(console, "system", reference.HasCoordSys() ? SystemText(*reference.CoordSys) : "none");
-    if (reference.HasMathTransform()) text += TransformText(result, residuals, options, console);
+    if (reference.HasMathTransform()) text += TransformText(result, residuals, console);
     if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
         text += Line(console, "heights", "in " + unit->GetName().StdStr());
     if (reference.IsPixelAsPointRegistered()) text += Line(console, "pixels", "stand for points");
     if (!reference.PointPairVector.empty()) text += PointsText(reference.PointPairVector, residuals, console);
+    if (result.page) text += RenderPdfPage(*result.page, console);
     if (common.verbose && reference.HasCoordSys())
         text += Line(console, "text", reference.CoordSys->ToWKT().StdStr());
     return text;

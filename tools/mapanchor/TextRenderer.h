@@ -2,14 +2,15 @@
 
 #include "CommonOptions.h"
 #include "ReadFile.h"
-#include "ReadOptions.h"
 
 #include <string>
 #include <vector>
 
 /// What a person sees of one input; ends in a line end.
-std::string RenderText(const ReadResult& result, const ReadOptions& options, const CommonOptions& common,
-                       const Console& console);
+std::string RenderText(const ReadResult& result, const CommonOptions& common, const Console& console);
+
+/// A label and what it labels.
+std::string RenderLine(const char* label, const std::string& text, const Console& console);
 
 /// Says the remarks about a file, and its failure, on stderr.
 void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,

@@ -34,6 +34,14 @@ public:
 
     /// The name or title of an entry of the page's property list; empty without.
     QString GetPropertyTitle(const QString& resource_name) const;
+    /// The dialect of geospatial PDF that the page speaks.
+    enum ESpatialKind : std::int32_t {
+        kSpatialNone = 0,
+        kSpatialMeasure = 1,  ///< a usable viewport
+        kSpatialLGIDict = 2,  ///< no usable viewport, but an "LGIDict"
+    };
+    std::int32_t GetSpatialKind() const;
+
     /// Bytes of the content with its filters undone; 0 when it has no stream.
     std::size_t GetContentsLength() const;
 

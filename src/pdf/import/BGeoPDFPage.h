@@ -1,0 +1,56 @@
+#pragma once
+
+#include <MapAnchor/Export.h>
+#include <Tellurion/BString.h>
+
+#include <vector>
+
+namespace MapAnchor {
+
+/// A rectangle of a PDF page in points, which count from the lower left.
+struct MAPANCHOR_EXPORT BGeoPDFBox {
+    double Left = 0.0;
+    double Bottom = 0.0;
+    double Right = 0.0;
+    double Top = 0.0;
+    bool Present = false;  ///< false: the file has none, the numbers mean nothing
+};
+
+/// One map of a page: a viewport, or an entry of its "LGIDict".
+struct MAPANCHOR_EXPORT BGeoPDFMap {
+    Tellurion::BString Name;
+    BGeoPDFBox Box;
+    double Area = 0.0;            ///< of its outline on the page, in square points
+    Tellurion::BString CoordSys;  ///< name and code; empty when it is not understood
+    bool InUse = false;           ///< the one that a read takes
+    Tellurion::BString Fault;     ///< why it cannot be read; usually empty
+};
+
+/// The first page of a PDF as the reading of geospatial PDF sees it: what maps are on
+/// it, which is read, and what stands in the way. Nothing here is needed for a read.
+class MAPANCHOR_EXPORT BGeoPDFPage {
+public:
+    enum class EDialect : int { None = 0, Measure = 1, LGIDict = 2 };
+
+    bool Loaded = false;     ///< the file is a PDF whose first page could be looked at
+    bool Encrypted = false;  ///< it is encrypted, and so refused
+    EDialect Dialect = EDialect::None;
+    /// As the page's own dictionary has them, by the rules that a read follows.
+    BGeoPDFBox MediaBox, CropBox, BleedBox, TrimBox, ArtBox;
+    int Rotate = 0;         ///< degrees clockwise; a read lies in the page as it is unrotated
+    double UserUnit = 1.0;  ///< in 1/72 inch
+    std::vector<BGeoPDFMap> Maps;
+
+    /// What a read would be refused with, in the words of whoever refuses; usually empty.
+    Tellurion::BString Fault;
+    /// A sentence on what was expected in its place and what stands there; may be empty.
+    Tellurion::BString Explanation;
+
+    /// The box that the crop type of a read shows; not Present when there is none.
+    BGeoPDFBox BoxForCropType(int cropType) const;
+
+    /// Never throws for what the file holds: faults are told in the result.
+    static BGeoPDFPage Describe(const Tellurion::BString& file);
+};
+
+}  // namespace MapAnchor

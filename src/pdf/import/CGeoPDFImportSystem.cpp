@@ -1,0 +1,151 @@
+// The coordinate system of an LGIDict: datum, projection and units through OGR.
+
+#include "import/CGeoPDFImport.h"
+
+#include "import/LGINumbers.h"
+#include "import/LGIProjectionMapping.h"
+#include "import/TextCache.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <ogr_spatialref.h>
+
+#include <limits>
+#include <memory>
+
+namespace VellumLib {
+namespace {
+
+/// No error handler of the host hears of what OGR thinks of a file's parameters.
+class QuietOgr {
+private:
+    CPLErrorStateBackuper state_;
+    CPLErrorHandlerPusher handler_{CPLQuietErrorHandler};
+};
+
+struct CplDeleter {
+    void operator()(char* text) const noexcept { CPLFree(text); }
+};
+
+std::string ExportToWkt(const OGRSpatialReference& srs) {
+    char* text = nullptr;
+    srs.exportToWkt(&text);
+    const std::unique_ptr<char, CplDeleter> owner(text);
+    return text ? text : "";
+}
+
+/// A unit of the dialect that is not the metre; without a name for any other text.
+struct FootUnit {
+    const char* name = nullptr;
+    double metres = 0.0;
+
+    static FootUnit Of(const std::string& code) {
+        if (code == "USSF") return {"Foot_US", 0.3048006096012192};
+        if (code == "FT") return {"Foot (International)", 0.3048};
+        return {};
+    }
+};
+
+/// The projection's parameters as one text. Lengths stand before the values, so that
+/// no value can pass for a neighbour.
+std::string CacheKey(const std::map<int, std::string>& parameters) {
+    std::string key;
+    for (const auto& [number, value] : parameters)
+        if (!value.empty())
+            key += std::to_string(number) + ' ' + std::to_string(value.size()) + ' ' + value + ' ';
+    return key;
+}
+
+TextCache& SystemTexts() {
+    static TextCache cache;
+    return cache;
+}
+
+}  // namespace
+
+std::string CGeoPDFImport::BuildWKT() {
+    const std::string text = SystemTexts().Get(CacheKey(Parameters), [this] {
+        const QuietOgr quiet;
+        OGRSpatialReference srs;
+        srs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+        ApplyDatum(srs);
+        ApplyProjection(srs);
+        return ExportToWkt(srs);
+    });
+    ScaleCTM();
+    return text;
+}
+
+void CGeoPDFImport::ApplyDatum(OGRSpatialReference& srs) {
+    const std::string& datum = Parameters[kDatum];
+    const std::string code = datum.substr(0, datum.find('-'));
+    if (code.empty()) return;
+    const auto found = Datums.find(code);
+    if (found != Datums.end()) srs.importFromEPSG(found->second.EPSG);
+}
+
+std::int32_t CGeoPDFImport::ProjectionId() {
+    const auto found = Projections.find(Parameters[kProjectionType]);
+    return found == Projections.end() ? CLGIProjection::kUnknownId : found->second.Id;
+}
+
+void CGeoPDFImport::ApplyProjection(OGRSpatialReference& srs) {
+    switch (const std::int32_t id = ProjectionId()) {
+        case CLGIProjection::kNoProjection:
+            return;
+        case CLGIProjection::kUTM:
+            srs.SetUTM(LGIInteger(Parameters[kZone]), Parameters[kHemisphere] == "N");
+            return;
+        case CLGIProjection::kStatePlane:
+            return ApplyStatePlane(srs);
+        default:
+            srs.SetProjCS(SetLGIProjection(srs, id, [this](LGIParameter number) -> const std::string& {
+                              return Parameters[number];
+                          }).c_str());
+            ApplyLinearUnits(srs);
+            ApplyFalseOrigin(srs);
+    }
+}
+
+void CGeoPDFImport::ApplyStatePlane(OGRSpatialReference& srs) {
+    // NAD83 whatever the datum says, "NAS" included.
+    constexpr bool kNad83 = true;
+    constexpr int kOtherZones = 10000;
+    const int zone = LGIInteger(Parameters[kZone]);
+    const FootUnit unit = FootUnit::Of(Parameters[kUnits]);
+    if (srs.SetStatePlane(zone, kNad83, unit.name, unit.metres) != OGRERR_NONE &&
+        zone <= std::numeric_limits<int>::max() - kOtherZones)
+        srs.SetStatePlane(zone + kOtherZones, kNad83, unit.name, unit.metres);
+    srs.SetProjCS("State Plane 83");
+    ApplyFalseOrigin(srs);
+}
+
+void CGeoPDFImport::ApplyLinearUnits(OGRSpatialReference& srs) {
+    const FootUnit unit = FootUnit::Of(Parameters[kUnits]);
+    if (unit.name) {
+        srs.SetLinearUnits(unit.name, unit.metres);
+    } else {
+        srs.SetLinearUnits("Meter", 1.0);
+    }
+}
+
+void CGeoPDFImport::ApplyFalseOrigin(OGRSpatialReference& srs) {
+    if (const std::string& easting = Parameters[kFalseEasting]; !easting.empty())
+        srs.SetNormProjParm("false_easting", LGIReal(easting));
+    if (const std::string& northing = Parameters[kFalseNorthing]; !northing.empty())
+        srs.SetNormProjParm("false_northing", LGIReal(northing));
+}
+
+/// The matrix counts as metres; the system may be in feet. A geographic system and UTM
+/// leave it alone.
+void CGeoPDFImport::ScaleCTM() {
+    const std::int32_t id = ProjectionId();
+    if (id == CLGIProjection::kNoProjection || id == CLGIProjection::kUTM) return;
+    const FootUnit unit = FootUnit::Of(Parameters[kUnits]);
+    if (!unit.name) return;
+    constexpr std::size_t kTerms = 6;
+    for (std::size_t i = 0; i < CTM.size() && i < kTerms; ++i)
+        CTM[i] /= unit.metres;
+}
+
+}  // namespace VellumLib

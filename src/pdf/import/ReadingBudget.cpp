@@ -1,0 +1,15 @@
+#include "import/ReadingBudget.h"
+
+#include <podofo/podofo.h>
+
+namespace VellumLib {
+
+void ReadingBudget::Take(int count) {
+    const auto wanted = static_cast<std::size_t>(count < 0 ? 0 : count);
+    if (wanted > left_)
+        PODOFO_RAISE_ERROR_INFO(PoDoFo::ePdfError_ValueOutOfRange,
+                                "The maps of the page hold more numbers than any map needs.");
+    left_ -= wanted;
+}
+
+}  // namespace VellumLib

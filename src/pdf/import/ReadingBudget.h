@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+
+namespace VellumLib {
+
+/// Bounds what one import reads. A file is small that names one long array a thousand
+/// times; without a bound its import would not be.
+class ReadingBudget {
+public:
+    /// A PdfError when `count` more values are too many.
+    void Take(int count);
+
+private:
+    std::size_t left_ = std::size_t{1} << 22;
+};
+
+}  // namespace VellumLib
