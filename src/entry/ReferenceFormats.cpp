@@ -1,10 +1,9 @@
 #include "ReferenceFormats.h"
 
-#include "BRefGeoPDF.h"
-
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 
+#include "BRefGeoPDF.h"
 #include "raster/BRefADRG.h"
 #include "raster/BRefCADRG.h"
 #include "raster/BRefDOQQ.h"

@@ -153,7 +153,8 @@ void Describe(CPDFDocument& document, BGeoPDFPage& page) {
     CPDFPage& source = document.GetPage(0);
     page.Rotate = VellumLib::PageRotation(source);
     page.UserUnit = VellumLib::PageUserUnit(source);
-    page.Fault = FaultOf([&] { DescribeMaps(document, source, page); });
+    const BString maps = FaultOf([&] { DescribeMaps(document, source, page); });
+    if (page.Fault.IsEmpty()) page.Fault = maps;
     if (page.Fault.IsEmpty()) page.Fault = FaultOfRead(document, page);
     const BString boxes = FaultOf([&] { DescribeBoxes(source, page); });
     if (page.Fault.IsEmpty()) page.Fault = boxes;

@@ -1,5 +1,7 @@
 #include "import/RefusedForm.h"
 
+#include "import/CLGIProjection.h"
+
 #include "objects/CPDFDictionary.h"
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"
@@ -65,6 +67,12 @@ std::string ExplainProjection(const Look& projection) {
         return "\"Projection\" is expected to be a dictionary in place; here it is a reference.";
     const Look zone = projection.Key("Zone");
     if (zone.IsString()) return "\"Zone\" is expected to be a whole number; here it is a string.";
+    for (const auto& [number, key] : LGIParameterKeys()) {
+        const Look value = projection.Key(key.c_str());
+        if (number == kType || number == kZone || !value.IsHere() || value.IsString()) continue;
+        return "\"" + key + "\" of the projection is expected to be a string; here it is " +
+               (value.IsNumber() ? "a plain number." : "a value of another kind.");
+    }
     return {};
 }
 

@@ -13,6 +13,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 
 namespace MapAnchor {
 namespace {
@@ -61,16 +62,27 @@ TEST(HostileCharts, CutAtEveryLength) {
     }
 }
 
+void PutByte(const std::string& path, std::size_t at, char byte) {
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(static_cast<std::streamoff>(at));
+    file.put(byte);
+    ASSERT_TRUE(file.flush());
+}
+
 TEST(HostileCharts, EveryByteSpoiled) {
     const TempFolder folder;
     const LogCapture log;
-    for (const Kind& kind : SmallFiles())
-        for (std::size_t at = 0; at < kind.bytes.size(); ++at)
-            for (const char byte : {'\xFF', '-'}) {
-                std::string bytes = kind.bytes;
-                bytes[at] = byte;
-                ExpectSound(ReadByName(folder.Write(kind.file, bytes)), kind.file + std::to_string(at));
+    for (const Kind& kind : SmallFiles()) {
+        const std::string path = folder.Write(kind.file, kind.bytes);
+        for (std::size_t at = 0; at < kind.bytes.size(); ++at) {
+            for (const char byte : {'\x00', '\xFF', '\x80', '-'}) {
+                PutByte(path, at, byte);
+                ExpectSound(ReadByName(path), kind.file + std::to_string(at));
             }
+            PutByte(path, at, kind.bytes[at]);
+        }
+        EXPECT_TRUE(ReadByName(path).reference.HasMathTransform()) << kind.file;
+    }
 }
 
 // Pixels by the hundred megabytes, as a hole without a line end, behind the header.
