@@ -1,5 +1,6 @@
 #include <MapAnchor/BMapAnchor.h>
 
+#include "PdfParameters.h"
 #include "ReferenceFormats.h"
 
 #include <Tellurion/BException.h>
@@ -27,8 +28,8 @@ using Tellurion::ELogSeverity;
 using Tellurion::EMathTransformType;
 using Tellurion::EReferenceType;
 
-const BString BMapAnchor::kValPDFCropType("MAP_ANCHOR_PDF_CROP_TYPE");
-const BString BMapAnchor::kValPDFResolution("MAP_ANCHOR_RESOLUTION");
+const BString BMapAnchor::kValPDFCropType(PdfParameters::kCropType);
+const BString BMapAnchor::kValPDFResolution(PdfParameters::kResolution);
 
 namespace {
 

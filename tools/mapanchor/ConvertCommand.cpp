@@ -1,13 +1,12 @@
 #include "Commands.h"
-#include "CommonOptions.h"
+#include "Convert.h"
 #include "JsonRenderer.h"
-#include "ReadFile.h"
-#include "ReadOptions.h"
 #include "TextRenderer.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BFileUtilities.h>
+#include <Tellurion/Numbers.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -26,87 +25,8 @@ constexpr const char* kDescription =
     "  mapanchor convert map.tfw copy.jgw\n"
     "  mapanchor convert --dry-run map.tfw other.wld\n"
     "  mapanchor convert --overwrite map.tfw map.tif\n"
+    "  mapanchor convert --overwrite --backup --verify --size 3000x1500 map.tfw map.pdf\n"
     "  mapanchor convert --to wld --overwrite map.pgw map.txt";
-
-struct ConvertOptions {
-    CommonOptions common;
-    ReadOptions read;
-    std::string source;
-    std::string target;
-    std::optional<EReferenceType> to;
-    std::string image;
-    bool overwrite = false;
-    bool dry_run = false;
-};
-
-/// What a kind of target holds of a reference, and what it wants to know of the raster.
-struct Capacity {
-    const char* kind;
-    bool coord_sys;
-    bool points;
-    bool disabled_points;
-    bool vertical_unit;
-    bool needs_system = false;  ///< without one a default is written
-    bool names_image = false;
-    bool states_size = false;
-    bool needs_corners = false;  ///< a transform alone is told by the raster's corners
-};
-
-constexpr Capacity kCapacities[] = {
-    {"WLD", true, false, false, false},
-    {.kind = "RSF",
-     .coord_sys = true,
-     .points = true,
-     .disabled_points = true,
-     .vertical_unit = true,
-     .needs_corners = true},
-    {.kind = "TAB",
-     .coord_sys = true,
-     .points = true,
-     .disabled_points = false,
-     .vertical_unit = false,
-     .needs_system = true,
-     .names_image = true,
-     .needs_corners = true},
-    {.kind = "ERS",
-     .coord_sys = true,
-     .points = false,
-     .disabled_points = false,
-     .vertical_unit = false,
-     .names_image = true,
-     .states_size = true},
-    {"TIF", true, true, true, true},
-    {"PDF", true, true, true, false},
-};
-
-/// Null for a kind that nothing is known of.
-const Capacity* CapacityOf(const std::string& kind) {
-    const auto* const found = std::find_if(std::begin(kCapacities), std::end(kCapacities),
-                                           [&](const Capacity& c) { return kind == c.kind; });
-    return found == std::end(kCapacities) ? nullptr : found;
-}
-
-/// A save that is about to happen, or would.
-struct Plan {
-    std::string kind;  ///< empty when the target's extension names none
-    /// The target is a raster that takes the reference in; all other kinds are made anew.
-    bool IsInPlace() const { return kind == "TIF"; }
-    bool writes_prj = false;
-    std::vector<std::string> files;
-};
-
-struct Outcome {
-    std::optional<Failure> failure;
-    ExitStatus status = ExitStatus::Done;
-    Plan plan;
-    Diagnostics diagnostics;
-
-    void Fail(ExitStatus with, const char* type, const std::string& detail) {
-        failure = Failure{type, "", "mapanchor", detail};
-        status = with;
-    }
-    void Warn(const std::string& text) { diagnostics.push_back({false, text}); }
-};
 
 bool IsWorldFileByName(const ConvertOptions& options, const Plan& plan) {
     return !options.to && plan.kind == "WLD";
@@ -121,60 +41,13 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
         if (options.to ? format.HasType && format.Type == *options.to : by_name)
             plan.kind = format.Name.StdStr();
     }
+    // A PDF is saved by type alone; here its name says the type.
+    if (!options.to && extension == BString(".pdf")) plan.kind = "PDF";
     plan.files.push_back(options.target);
     plan.writes_prj = IsWorldFileByName(options, plan) && reference.HasCoordSys();
     if (plan.writes_prj)
         plan.files.push_back(BFileUtilities::ChangeExtension(BString(options.target), "prj").StdStr());
     return plan;
-}
-
-bool HasDisabledPoints(const BGeoReference& reference) {
-    return std::any_of(reference.PointPairVector.begin(), reference.PointPairVector.end(),
-                       [](const BPointPair& pair) { return !pair.Enabled; });
-}
-
-void WarnOfPointLosses(const Capacity& capacity, const BGeoReference& reference, Outcome& outcome) {
-    if (reference.PointPairVector.empty()) return;
-    if (!capacity.points)
-        outcome.Warn("the control points are not saved: this kind of file has no place for them");
-    else if (!capacity.disabled_points && HasDisabledPoints(reference))
-        outcome.Warn(
-            "disabled control points are saved like the others: this kind of file has no mark for them");
-}
-
-void WarnOfLosses(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    const Capacity* capacity = CapacityOf(outcome.plan.kind);
-    if (!capacity) return;
-    const bool keeps_system = capacity->coord_sys && (outcome.plan.kind != "WLD" || outcome.plan.writes_prj);
-    if (reference.HasCoordSys() && !keeps_system)
-        outcome.Warn(
-            options.to
-                ? "the coordinate system is not saved: a world file saved by type has no prj file beside it"
-                : "the coordinate system is not saved: this kind of file has no place for it");
-    if (!reference.HasCoordSys() && capacity->needs_system)
-        outcome.Warn("there is no coordinate system: longitude and latitude without a datum are written");
-    WarnOfPointLosses(*capacity, reference, outcome);
-    if (reference.HasVerticalUnit() && !capacity->vertical_unit)
-        outcome.Warn("the vertical unit is not saved: this kind of file has no place for it");
-    if (reference.HasVerticalUnit() && outcome.plan.IsInPlace() && !options.to)
-        outcome.Warn("the vertical unit is not saved: a GeoTIFF takes it by type alone, see --to tif");
-    if (capacity->names_image && options.image.empty())
-        outcome.Warn("the file names no raster: --image NAME gives it one");
-    if (capacity->states_size && !options.read.width)
-        outcome.Warn("the file says 0 by 0 pixels: --size WxH gives the raster's size");
-}
-
-/// Corners of a raster of unknown size would be made up.
-bool HasWhatItNeeds(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    const Capacity* capacity = CapacityOf(outcome.plan.kind);
-    const bool has_size = options.read.width && *options.read.width > 1 && *options.read.height > 1;
-    if (!capacity || !capacity->needs_corners || has_size || !reference.PointPairVector.empty() ||
-        !reference.HasMathTransform())
-        return true;
-    outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
-                 "The reference has no control points, and the corners that stand for them need the raster's "
-                 "size, two pixels at least each way: --size WxH.");
-    return false;
 }
 
 bool IsSameFile(const std::string& a, const std::string& b) {
@@ -197,11 +70,26 @@ bool MayWrite(const ConvertOptions& options, Outcome& outcome) {
         return false;
     }
     if (!outcome.plan.IsInPlace() || BFileUtilities::Exists(BString(options.target))) return true;
-    outcome.Fail(
-        ExitStatus::Error, "BFileAccessException",
-        "File <" + options.target + "> does NOT exist; a reference is saved into a raster that is there.");
+    outcome.Fail(ExitStatus::Error, "BFileAccessException",
+                 "File <" + options.target + "> does NOT exist; a reference is saved into a " +
+                     (outcome.plan.IsPdf() ? "PDF" : "raster") + " that is there.");
     return false;
 }
+
+std::string FreeName(const std::string& stem) {
+    std::string name = stem;
+    for (int i = 1; BFileUtilities::Exists(BString(name)); ++i)
+        name = stem + "." + std::to_string(i);
+    return name;
+}
+
+ExitStatus StatusOf(const Failure& failure) {
+    const bool refused = failure.type == "BUnsupportedFileTypeException" ||
+                         failure.type == "BGeoReferenceNotSupportedException";
+    return refused ? ExitStatus::Refused : ExitStatus::Error;
+}
+
+}  // namespace
 
 void CallSave(const ConvertOptions& options, const BGeoReference& reference) {
     const BString target(options.target);
@@ -215,11 +103,28 @@ void CallSave(const ConvertOptions& options, const BGeoReference& reference) {
         BMapAnchor::Save(target, reference, width, height, image, &options.read.params);
 }
 
-ExitStatus StatusOf(const Failure& failure) {
-    const bool refused = failure.type == "BUnsupportedFileTypeException" ||
-                         failure.type == "BGeoReferenceNotSupportedException";
-    return refused ? ExitStatus::Refused : ExitStatus::Error;
+void FailByCurrent(Outcome& outcome) {
+    outcome.failure = CurrentFailure();
+    outcome.status = StatusOf(*outcome.failure);
 }
+
+bool KeepCopies(Outcome& outcome) {
+    for (const std::string& file : outcome.plan.files) {
+        if (!BFileUtilities::Exists(BString(file))) continue;
+        const std::string copy = FreeName(file + ".bak");
+        std::error_code error;
+        if (!std::filesystem::copy_file(file, copy, error)) {
+            outcome.Fail(ExitStatus::Error, "BFileAccessException",
+                         "No copy <" + copy + "> can be kept: " + error.message() + ".");
+            std::filesystem::remove(copy, error);
+            return false;
+        }
+        outcome.kept.push_back(copy);
+    }
+    return true;
+}
+
+namespace {
 
 /// A file that the failed save made is no reference: away with it. One that was there
 /// before may have been cut; that cannot be undone, so it is said. A raster keeps its
@@ -262,17 +167,37 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
         CallSave(options, reference);
         SaveSystemInErs(options, reference, outcome);
     } catch (...) {
-        outcome.failure = CurrentFailure();
+        FailByCurrent(outcome);
     }
     if (!outcome.failure && !BFileUtilities::Exists(BString(options.target)))
         outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
                      "Nothing was saved: the reference has no part that this kind of file holds.");
     if (!outcome.failure) return;
-    outcome.status = StatusOf(*outcome.failure);
     if (outcome.status != ExitStatus::Refused) CleanUp(options.target, existed, outcome);
 }
 
+/// False, with a failure, for a plan that cannot be.
+bool IsPossible(ConvertOptions& options, const BGeoReference& reference, bool has_size, Outcome& outcome) {
+    if (outcome.plan.kind.empty())
+        outcome.Fail(
+            ExitStatus::Refused, "BUnsupportedFileTypeException",
+            "File <" + options.target + "> is not of a kind that can be saved here; see mapanchor formats.");
+    else if (options.verify && !outcome.plan.IsPdf())
+        outcome.Fail(ExitStatus::Usage, "BReadParametersException",
+                     "--verify reads back a PDF; <" + options.target + "> is none.");
+    return !outcome.failure && HasWhatItNeeds(options, reference, outcome) && MayWrite(options, outcome) &&
+           (!outcome.plan.IsPdf() || FitToPage(options, has_size, outcome));
+}
+
+void CarryOut(const ConvertOptions& options, const BGeoReference& reference, LogCollector& log,
+              Outcome& outcome) {
+    if (outcome.plan.IsPdf()) return SavePdf(options, reference, log, outcome);
+    if (options.dry_run || (options.backup && !KeepCopies(outcome))) return;
+    Save(options, reference, outcome);
+}
+
 Outcome Convert(ConvertOptions options, LogCollector& log) {
+    const bool has_size = options.read.width.has_value();
     ReadResult source = ReadFile(options.source, options.read, log);
     options.read.width = source.width;
     options.read.height = source.height;
@@ -282,22 +207,26 @@ Outcome Convert(ConvertOptions options, LogCollector& log) {
     outcome.diagnostics = std::move(source.diagnostics);
     if (outcome.failure) return outcome;
     outcome.plan = MakePlan(options, source.reference);
-    if (outcome.plan.kind.empty()) {
-        outcome.Fail(
-            ExitStatus::Refused, "BUnsupportedFileTypeException",
-            "File <" + options.target + "> is not of a kind that can be saved here; see mapanchor formats.");
-        return outcome;
-    }
-    if (!HasWhatItNeeds(options, source.reference, outcome) || !MayWrite(options, outcome)) return outcome;
+    if (!IsPossible(options, source.reference, has_size, outcome)) return outcome;
     WarnOfLosses(options, source.reference, outcome);
-    if (!options.dry_run) Save(options, source.reference, outcome);
+    CarryOut(options, source.reference, log, outcome);
     log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
     if (!outcome.failure)
         outcome.status = outcome.diagnostics.empty() ? ExitStatus::Done : ExitStatus::Warnings;
     return outcome;
 }
 
+/// What a PDF says now, or would say.
+void PutSaved(Json& top, Json& ours, const Outcome& outcome) {
+    if (!outcome.saved) return;
+    Json saved = ::RenderJson(*outcome.saved);
+    top["size"] = saved["size"];
+    for (const char* key : {"points", "coordSys", "pdfPage"})
+        if (saved["mapanchor"].contains(key)) ours[key] = saved["mapanchor"][key];
+}
+
 Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
+    Json top = {{"description", options.source}};
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", !outcome.failure}};
     if (outcome.failure) {
         ours["error"] = ::RenderJson(*outcome.failure);
@@ -305,9 +234,26 @@ Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
         ours["referenceType"] = outcome.plan.kind;
         ours["dryRun"] = options.dry_run;
         ours["written"] = outcome.plan.files;
+        PutSaved(top, ours, outcome);
     }
+    if (!outcome.kept.empty()) ours["kept"] = outcome.kept;
+    if (outcome.closeness)
+        ours["closeness"] = {{"pixels", outcome.closeness->pixels}, {"metres", outcome.closeness->metres}};
     ours["diagnostics"] = ::RenderJson(outcome.diagnostics);
-    return {{"description", options.source}, {"mapanchor", std::move(ours)}};
+    top["mapanchor"] = std::move(ours);
+    return top;
+}
+
+void PrintText(const ConvertOptions& options, const Outcome& outcome, const Console& console) {
+    for (const std::string& file : outcome.kept)
+        console.Print("kept " + file + "\n");
+    if (outcome.failure) return;
+    for (const std::string& file : outcome.plan.files)
+        console.Print((options.dry_run ? "would write " : "wrote ") + file + "\n");
+    if (outcome.saved && options.dry_run) console.Print(RenderText(*outcome.saved, options.common, console));
+    if (outcome.closeness)
+        console.Print("read back: at most " + PrintFixed(outcome.closeness->pixels, 6) + " pixels, " +
+                      PrintFixed(outcome.closeness->metres, 6) + " metres off at the corners\n");
 }
 
 ExitStatus Run(const ConvertOptions& options) {
@@ -318,9 +264,7 @@ ExitStatus Run(const ConvertOptions& options) {
         console.Print(ToText(RenderJson(options, outcome), options.common));
         return outcome.status;
     }
-    if (!outcome.failure)
-        for (const std::string& file : outcome.plan.files)
-            console.Print((options.dry_run ? "would write " : "wrote ") + file + "\n");
+    PrintText(options, outcome, console);
     TalkAbout(options.source, outcome.diagnostics, outcome.failure ? &*outcome.failure : nullptr, console);
     return outcome.status;
 }
@@ -340,7 +284,10 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
     convert->add_option("--image", options->image, "The raster's file name, which some kinds write down")
         ->type_name("NAME");
     convert->add_flag("--overwrite", options->overwrite,
-                      "Replace files that exist; georeference a raster in place");
+                      "Replace files that exist; georeference a raster or a PDF in place");
+    convert->add_flag("--backup", options->backup, "Keep a copy, .bak, of each file that is written over");
+    convert->add_flag("--verify", options->verify,
+                      "Read a PDF back, and tell how far it lies from the reference at the corners");
     convert->add_flag("--dry-run", options->dry_run, "Say what would be written and write nothing");
     options->read.AddTo(*convert);
     options->common.AddTo(*convert);

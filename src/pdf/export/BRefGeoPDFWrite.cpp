@@ -1,12 +1,12 @@
 #include "BRefGeoPDF.h"
 
+#include "PdfParameters.h"
 #include "export/BExportGeoPDF.h"
 #include "export/BMapAnchorGCPSampler.h"
 #include "export/MovedAside.h"
 #include "export/WebMercatorText.h"
 
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
-#include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/BException.h>
 
 #include <cmath>
@@ -40,8 +40,8 @@ CPDFPathPoint PointAt(double x, double y) {
 
 double PointsPerPixel(const BKeyValuePairs* params) {
     double resolution = kPointsPerInch;
-    if (params && params->HasProperty(BMapAnchor::kValPDFResolution))
-        resolution = params->GetDouble(BMapAnchor::kValPDFResolution, kPointsPerInch);
+    if (params && params->HasProperty(PdfParameters::kResolution))
+        resolution = params->GetDouble(PdfParameters::kResolution, kPointsPerInch);
     return kPointsPerInch / resolution;
 }
 

@@ -1,5 +1,6 @@
 #include "BRefGeoPDF.h"
 
+#include "PdfParameters.h"
 #include "import/CGeoPDFImportWM.h"
 #include "import/CSpatialPDFImport.h"
 #include "import/PageBoxes.h"
@@ -77,9 +78,8 @@ CMeasureDictionaryData ReadRecord(CPDFDocument& document) {
     }
 }
 
-/// Where the constant lives is the front door, which lies above this class.
 PDFCropType CropTypeOf(const BParamList* params) {
-    static const BString kCropType("MAP_ANCHOR_PDF_CROP_TYPE");
+    static const BString kCropType(PdfParameters::kCropType);
     constexpr int kDefault = static_cast<int>(PDFCropType::Media);
     const int number =
         params && params->HasProperty(kCropType) ? params->GetInteger(kCropType, kDefault) : kDefault;

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <sys/stat.h>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+/// A folder of its own in which a PDF is georeferenced under a second name, so that the
+/// target stands whole until the result is moved over it. Whatever is left of the work
+/// goes with the folder. Failures of the file system are filesystem_errors.
+class PdfWorkplace {
+public:
+    enum class Purpose {
+        Save,      ///< beside the target; a second name costs no copy
+        Rehearsal  ///< on a copy among the temporary files
+    };
+
+    PdfWorkplace(const std::string& target, Purpose purpose);
+    ~PdfWorkplace();
+    PdfWorkplace(const PdfWorkplace&) = delete;
+    PdfWorkplace& operator=(const PdfWorkplace&) = delete;
+
+    /// The name to work on.
+    const std::string& File() const { return file_; }
+    /// True when a new file stands there.
+    bool HasResult() const;
+    /// The result takes the target's place in one step.
+    void MoveOverTarget();
+
+    /// `text` with the target's name in place of the workplace's.
+    std::string InWordsOfTarget(std::string text) const;
+    /// True for words on what stands in the workplace alone.
+    bool IsAboutLeftovers(const std::string& text) const;
+
+private:
+    std::string name_;  ///< of the target, as given
+    std::filesystem::path target_;
+    std::filesystem::path folder_;
+    std::string file_;
+    ino_t number_ = 0;                        ///< of the file before the work
+    std::optional<std::string> temporaries_;  ///< TMPDIR as it was
+};
