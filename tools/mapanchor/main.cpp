@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
+#include "Generate.h"
 #include "JsonRenderer.h"
 
 #include <algorithm>
@@ -49,12 +50,21 @@ std::vector<std::string> NormalWords(CLI::App& app, std::vector<std::string> wor
     return words;
 }
 
+/// What the build installs beside the program, by the word that --generate takes.
+std::string Generate(const std::string& what, const CLI::App& app) {
+    const CommandTable table(app);
+    if (what == "man") return ManPage(table);
+    return what == "bash" ? BashCompletion(table) : ZshCompletion(table);
+}
+
 ExitStatus RunProgram(int argc, char** argv) {
     CLI::App app(kDescription, "mapanchor");
     ExitStatus status = ExitStatus::Done;
     bool schema = false;
     app.set_version_flag("--version", "mapanchor " MAPANCHOR_VERSION);
     app.add_flag("--json-schema", schema, "Print the schema of the JSON output");
+    std::string generate;
+    app.add_option("--generate", generate)->group("")->check(CLI::IsMember({"man", "bash", "zsh"}));
     AddInfoCommand(app, status);
     AddConvertCommand(app, status);
     AddFormatsCommand(app, status);
@@ -67,6 +77,10 @@ ExitStatus RunProgram(int argc, char** argv) {
         app.parse(words);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitStatus::Done : ExitStatus::Usage;
+    }
+    if (!generate.empty()) {
+        Console(ColorMode::Never, false).Print(Generate(generate, app));
+        return ExitStatus::Done;
     }
     if (schema) {
         Console(ColorMode::Never, false).Print(kJsonSchema);
