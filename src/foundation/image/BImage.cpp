@@ -53,6 +53,18 @@ bool HasField(std::string_view bytes, const Iso8211Leader& leader, std::string_v
     return false;
 }
 
+/// An RPF file without NITF around it: the byte order, the length of its header
+/// section in that order, and in its place the standard that it follows.
+bool IsBareRpf(std::string_view bytes) {
+    constexpr std::size_t kHeaderLength = 48;
+    constexpr std::size_t kStandard = 16;
+    if (bytes.size() < kHeaderLength) return false;
+    const bool big_endian = bytes[0] == '\0';
+    if (!big_endian && bytes[0] != '\xFF') return false;
+    return bytes[big_endian ? 1 : 2] == '\0' && bytes[big_endian ? 2 : 1] == char{kHeaderLength} &&
+           bytes.substr(kStandard).starts_with("MIL-");
+}
+
 }  // namespace
 
 bool BImage::CheckIfADRGReader(const BString& path) {
@@ -70,7 +82,8 @@ bool BImage::CheckIfCADRGReader(const BString& path) {
     constexpr std::string_view kTag = "RPFHDR";
     const std::string bytes = FirstBytes(path, 512);
     const auto same = [](char a, char b) { return std::toupper(static_cast<unsigned char>(a)) == b; };
-    return std::search(bytes.begin(), bytes.end(), kTag.begin(), kTag.end(), same) != bytes.end();
+    return IsBareRpf(bytes) ||
+           std::search(bytes.begin(), bytes.end(), kTag.begin(), kTag.end(), same) != bytes.end();
 }
 
 }  // namespace Tellurion

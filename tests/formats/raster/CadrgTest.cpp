@@ -31,6 +31,10 @@ TEST(Cadrg, StartsAtTheCentreOfTheTopLeftPixel) {
     sloped.coverage[6] = 10.0 + 2e-7;
     FrameFile mixed_case;
     mixed_case.tag_text = "rpfHDR";
+    FrameFile bare;
+    bare.bare = true;
+    FrameFile bare_little = little;
+    bare_little.bare = true;
     FrameFile far;
     far.coverage[4] = 95.0;  // the north-east corner is not asked
     // From a level south edge up; the north-west corner counts only above a sloped one.
@@ -44,6 +48,8 @@ TEST(Cadrg, StartsAtTheCentreOfTheTopLeftPixel) {
                  {"little_endian", little, level},
                  {"sloped", sloped, from_north},
                  {"mixed_case", mixed_case, level},
+                 {"bare", bare, level},
+                 {"bare_little", bare_little, level},
                  {"far", far, level}};
     for (const auto& test : cases) {
         const std::string file = folder.Write("frame.on1", test.frame.Bytes());

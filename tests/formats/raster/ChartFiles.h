@@ -25,6 +25,7 @@ inline void Put(std::string& bytes, std::size_t at, const std::string& field) {
 /// A CADRG frame whose sections follow one another; the places say where they start.
 struct FrameFile {
     bool big_endian = true;
+    bool bare = false;  ///< without NITF around it, which is where the tag stands
     std::size_t tag = 20;
     /// NW, SW, NE, SE latitude and longitude, two resolutions, latitude and longitude interval.
     std::array<double, 12> coverage = {11.5, -100, 10.0, -100, 11.5, -98, 10.0, -98, 150, 150, 0.001, 0.002};
@@ -37,7 +38,7 @@ struct FrameFile {
     std::uint64_t coverage_id = 130;
     std::uint64_t coverage_at = 0;  ///< 0: behind the table
 
-    std::size_t Header() const { return tag + 11; }
+    std::size_t Header() const { return bare ? 0 : tag + 11; }
     std::size_t Location() const { return Header() + 48; }
     std::size_t Table() const { return Location() + 14; }
     std::size_t Coverage() const { return Table() + 20; }
@@ -47,8 +48,9 @@ struct FrameFile {
             return Number(value, size, big_endian);
         };
         std::string bytes = "NITF02.00";
-        Put(bytes, tag, tag_text + "00048");
+        if (!bare) Put(bytes, tag, tag_text + "00048");
         Put(bytes, Header(), std::string(1, big_endian ? '\0' : '\xFF') + number(header_length, 2));
+        Put(bytes, Header() + 16, "MIL-C-89038    ");
         Put(bytes, Header() + 44, number(location_at == 0 ? Location() : location_at, 4));
         Put(bytes, Location(),
             number(14, 2) + number(table_offset, 4) + number(records, 2) + number(record_length, 2));
