@@ -129,7 +129,7 @@ void CPDFPage::FlushContents() {
     PoDoFo::PdfStream* stream = page_->GetContents()->GetStream();
     stream->BeginAppend(clear_on_flush_);
     for (const QString& line : output_)
-        stream->Append(line.toStdString());
+        stream->Append(line.toLatin1().toStdString());
     stream->EndAppend();
     output_.clear();
 }
