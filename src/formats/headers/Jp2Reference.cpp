@@ -53,13 +53,29 @@ int EpsgCodeOf(const OGRSpatialReference& system) {
     return code ? std::atoi(code) : 0;
 }
 
+bool IsSystemOf(const OGRSpatialReference& system, int code) {
+    const char* const options[] = {"IGNORE_DATA_AXIS_TO_SRS_AXIS_MAPPING=YES", nullptr};
+    OGRSpatialReference stated;
+    return stated.importFromEPSG(code) == OGRERR_NONE && system.IsSame(&stated, options);
+}
+
+void ForgetSystem(Jp2Reference& out) {
+    out.system = 0;
+    out.projected.reset();
+    out.geographic.reset();
+}
+
+/// A system that no code names still takes the place of another one.
 void TakeSystem(const OGRSpatialReference& system, Jp2Reference& out) {
     if (!system.IsProjected() && !system.IsGeographic()) return;
     const int code = EpsgCodeOf(system);
-    if (code <= 0) return;
+    if (code <= 0) {
+        if (out.system == 0 || IsSystemOf(system, out.system)) return;
+        out.tags.ascii.clear();
+        return ForgetSystem(out);
+    }
+    ForgetSystem(out);
     out.system = code;
-    out.projected.reset();
-    out.geographic.reset();
     if (code > std::numeric_limits<std::uint16_t>::max()) return;
     (system.IsProjected() ? out.projected : out.geographic) = static_cast<std::uint16_t>(code);
 }

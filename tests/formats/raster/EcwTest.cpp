@@ -2,7 +2,9 @@
 // ECW reader tells it.
 
 #include <gtest/gtest.h>
+#include <ogr_spatialref.h>
 
+#include "GdalFiles.h"
 #include "HeaderFiles.h"
 #include "LogCapture.h"
 #include "References.h"
@@ -219,6 +221,44 @@ TEST(Jpeg2000, RotatedImagesStartAtTheCentre) {
     BGeoReference by_type;
     EXPECT_EQ(Roads::Read(kEcw, folder / "a.jp2", by_type).type, "");
     EXPECT_FALSE(by_type.HasMathTransform());
+}
+
+// What lies beside the image overrules its boxes, a system that no code names as well.
+TEST(Jpeg2000, TheAuxiliaryFileGoesBeforeTheBoxes) {
+    const TempFolder folder;
+    GDALAllRegister();
+    const std::string file = folder / "a.jp2";
+    const std::string tiff = GdalFiles::MakeTiff(folder / "a.tif", 1, [](GDALDataset& raster) {
+        double terms[6] = {500000, 10, 0, 4100000, 0, -10};
+        OGRSpatialReference system;
+        system.importFromEPSG(32633);
+        raster.SetGeoTransform(terms);
+        raster.SetSpatialRef(&system);
+    });
+    auto* const driver = GetGDALDriverManager()->GetDriverByName("JP2OpenJPEG");
+    ASSERT_TRUE(driver);
+    ASSERT_TRUE(GdalFiles::Dataset(
+        driver->CreateCopy(file.c_str(), GdalFiles::Open(tiff).get(), 0, nullptr, nullptr, nullptr)));
+    const Six own = {10, 0, 500000, 0, -10, 4100000};
+    const struct {
+        const char* name;
+        const char* content;
+        const char* code;
+        Six terms;
+    } cases[] = {
+        {"terms", "<GeoTransform>7,2,0,9,0,-2</GeoTransform>", "EPSG:32633", {2, 0, 7, 0, -2, 9}},
+        {"system_with_a_code", "<SRS>EPSG:32634</SRS>", "EPSG:32634", own},
+        {"system_without_a_code", "<SRS>+proj=laea +lat_0=50 +lon_0=17</SRS>", "", own},
+        {"nothing", "", "EPSG:32633", own},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        folder.Write("a.jp2.aux.xml", "<PAMDataset>" + std::string(c.content) + "</PAMDataset>");
+        BGeoReference reference;
+        ASSERT_EQ(Roads::Read(file, reference).type, "");
+        EXPECT_EQ(CodeOf(reference), c.code);
+        EXPECT_EQ(References::Terms(reference), c.terms);
+    }
 }
 
 TEST(Ecw, IsNeverSaved) {
