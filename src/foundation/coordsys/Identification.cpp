@@ -51,6 +51,26 @@ double MetresPerUnit(PJ* crs) {
     return Proj::GetAxis(crs, 0, axis, owner) ? axis.unit_factor : 0.0;
 }
 
+/// The false easting and northing of a projected system, in metres. Some count a zone's
+/// number into the easting: there it is more than an Earth's width.
+BPoint FalseOrigin(PJ* crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    BPoint origin;
+    const Proj::Object conversion(proj_crs_get_coordoperation(context, crs));
+    const int count = conversion ? proj_coordoperation_get_param_count(context, conversion.get()) : 0;
+    for (int i = 0; i < count; ++i) {
+        const char* text = nullptr;
+        double value = 0.0;
+        double factor = 1.0;
+        proj_coordoperation_get_param(context, conversion.get(), i, &text, nullptr, nullptr, &value, nullptr,
+                                      &factor, nullptr, nullptr, nullptr, nullptr);
+        const std::string_view name(text ? text : "");
+        if (name.find("asting") != name.npos) origin.x = value * factor;
+        if (name.find("orthing") != name.npos) origin.y = value * factor;
+    }
+    return origin;
+}
+
 /// Projects the same positions with both, spread over the area of `second`. They
 /// must agree wherever the grids have a meaning: within an Earth's width.
 bool ProjectAlike(PJ* first, PJ* second) {
@@ -60,13 +80,14 @@ bool ProjectAlike(PJ* first, PJ* second) {
     const GeodeticConversion one(first);
     const GeodeticConversion other(second);
     const double metres = MetresPerUnit(second);
+    const BPoint origin = FalseOrigin(second);
     int compared = 0;
     for (int i = 0; i < kSteps * kSteps; ++i) {
         BPoint a = area.At((i % kSteps + 0.5) / kSteps, (i / kSteps + 0.4) / kSteps);
         BPoint b = a;
         const bool has_a = one.FromGeodetic(a);
         if (has_a != other.FromGeodetic(b)) return false;
-        if (!has_a || std::hypot(b.x, b.y) * metres > kEarth) continue;
+        if (!has_a || std::hypot(b.x * metres - origin.x, b.y * metres - origin.y) > kEarth) continue;
         if (!(std::hypot(a.x - b.x, a.y - b.y) * metres < kSamePlace)) return false;
         ++compared;
     }

@@ -117,7 +117,7 @@ TEST(MapInfoClause, IsReadFromAText) {
 }
 
 TEST(MapInfoClause, SaysTheSystemOrNothing) {
-    for (const char* code : {"4326", "32633", "26712", "27700", "2193", "3395"}) {
+    for (const char* code : {"4326", "32633", "26712", "27700", "2193", "3395", "2407"}) {
         const Ptr system(BCoordSys::FromEPSGCode(code));
         const BString clause = Repository().WriteCoordSysToMIFString(*system);
         ASSERT_FALSE(clause.IsEmpty()) << code;

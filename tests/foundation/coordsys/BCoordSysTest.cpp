@@ -33,6 +33,12 @@ constexpr const char* kEsriUtm =
     "0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],"
     "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",-111.0],PARAMETER[\"Scale_Factor\","
     "0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"Meter\",1.0]]";
+constexpr const char* kEsriZone50 =
+    "PROJCS[\"Pulkovo_1942_3_Degree_GK_Zone_50\",GEOGCS[\"GCS_Pulkovo_1942\",DATUM[\"D_Pulkovo_1942\","
+    "SPHEROID[\"Krasovsky_1940\",6378245.0,298.3]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\","
+    "0.0174532925199433]],PROJECTION[\"Gauss_Kruger\"],PARAMETER[\"False_Easting\",50500000.0],"
+    "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",150.0],PARAMETER[\"Scale_Factor\",1.0],"
+    "PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"Meter\",1.0]]";
 constexpr const char* kWkt2 =
     "GEOGCRS[\"WGS 84\",DATUM[\"World Geodetic System 1984\",ELLIPSOID[\"WGS 84\",6378137,298.257223563]],"
     "CS[ellipsoidal,2],AXIS[\"latitude\",north],AXIS[\"longitude\",east],ANGLEUNIT[\"degree\","
@@ -53,6 +59,7 @@ struct TextCase {
 
 constexpr TextCase kTexts[] = {
     {"well_known_text_of_esri", kEsriUtm, 3, "EPSG:26912", "metre"},
+    {"a_zone_number_in_the_false_easting", kEsriZone50, 3, "EPSG:2567", "metre"},
     {"well_known_text_2", kWkt2, 1, "EPSG:4326", "degree"},
     {"a_shift_to_another_datum", kShifted, 1, "EPSG:4277", "degree"},
     {"no_place_on_earth", kLocal, 0, "", "metre"},
