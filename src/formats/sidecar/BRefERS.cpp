@@ -262,9 +262,8 @@ void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoRe
                     long width, long height, const BString& imageName) {
     BFile out(file);
     if (!out.Open(EFileMode::Write, EFileMode::Text))
-        // "For reading" is how hosts know it.
         throw BFileAccessException(
-            kOutput.source, BString::Format("Could not open the reference file <%ls> for reading.", file));
+            kOutput.source, BString::Format("Could not open the reference file <%ls> for writing.", file));
     const auto stamp = TimeStamp();
     if (!stamp) throw BGeoReferenceWriteException(kOutput.source, "Can't generate a valid ERS time stamp");
     const AffineTerms terms = TermsOf(reference);

@@ -329,7 +329,7 @@ TEST(Ers, WhatCannotBeWrittenSaysSo) {
     log.lines.clear();
     thrown = Roads::Save(kErs, nowhere, References::WithAffine(1, 0, 0, 0, 1, 0));
     EXPECT_EQ(thrown.type, "BFileAccessException");
-    EXPECT_EQ(thrown.detail, "Could not open the reference file <" + nowhere + "> for reading.");
+    EXPECT_EQ(thrown.detail, "Could not open the reference file <" + nowhere + "> for writing.");
     EXPECT_EQ(log.lines.size(), 1U);  // the front door's own
 }
 
