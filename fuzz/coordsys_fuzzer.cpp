@@ -1,5 +1,6 @@
 // Texts of coordinate systems: the first byte says which road the rest takes. What is
-// understood tells itself in every form, and the well-known text is read back.
+// understood tells its well-known text, which is read back; one text in thirty tells
+// itself in every form, since that asks much of PROJ's database.
 
 #include <Tellurion/BCoordSys.h>
 #include <Tellurion/BCoordSysException.h>
@@ -49,16 +50,27 @@ void Tell(const BCoordSys& system) {
     BIdentifier identifier;
     system.GetIdentifier("ERMapper", identifier);
     system.GetDatumIdentifier("ERMapper", identifier);
-    system.GetUnits();
-    system.GetVerticalUnits();
     system.ToPRJ();
     system.GetGCCoordSys();
     BCoordSysRepository::Instance()->WriteCoordSysToMIFString(system);
-    delete system.GetBaseCoordSys();
     try {
         system.ConvertToGeodetic(system.ConvertFromGeodetic({9.0, 48.0, 0.0}));
     } catch (const BCoordSysException&) {
     }
+}
+
+bool IsOneInThirty(const std::string& text) {
+    std::uint32_t hash = 2166136261U;
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+    return hash % 30 == 0;
+}
+
+/// The cheap questions, which all systems answer.
+void Ask(const BCoordSys& system) {
+    system.GetUnits();
+    system.GetVerticalUnits();
+    delete system.GetBaseCoordSys();
 }
 
 }  // namespace
@@ -69,7 +81,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const std::unique_ptr<BCoordSys> system(Read(static_cast<char>(data[0]), text));
         if (!system) return 0;
-        Tell(*system);
+        Ask(*system);
+        if (IsOneInThirty(text)) Tell(*system);
         const BString wkt = system->ToWKT();
         if (wkt.IsEmpty()) return 0;
         const std::unique_ptr<BCoordSys> back(BCoordSys::FromWKT(wkt));

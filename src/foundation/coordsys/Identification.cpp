@@ -1,11 +1,18 @@
 #include "coordsys/Identification.h"
 
 #include "coordsys/GeodeticConversion.h"
+#include "coordsys/LruCache.h"
+
+#include <Tellurion/BString.h>
+
+#include <proj_experimental.h>
 
 #include <algorithm>
 #include <cmath>
 #include <compare>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace Tellurion {
 namespace {
@@ -159,8 +166,11 @@ bool HasUsualAxes(PJ* crs) {
 /// The best of the candidates seen so far, and whether another is as good.
 struct Best {
     int number = 0;
+    std::string name;
     Rank rank;
     bool alone = false;
+
+    int Answer() const { return alone ? number : 0; }
 
     void Offer(PJ* candidate, int confidence) {
         const Rank offered{proj_is_deprecated(candidate) == 0, confidence, HasUsualAxes(candidate)};
@@ -168,9 +178,57 @@ struct Best {
         if (offered_number == 0 || (number != 0 && offered < rank)) return;
         alone = number == 0 || rank < offered;
         number = offered_number;
+        name = proj_get_name(candidate);
         rank = offered;
     }
 };
+
+/// The systems that are the same by what they are. With its name the search would try
+/// all that resemble it, which takes a hundred times as long.
+Best FindByContent(PJ* crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const Proj::Object unnamed(
+        proj_get_type(crs) == PJ_TYPE_COMPOUND_CRS ? nullptr : proj_alter_name(context, crs, "unknown"));
+    int* numbers = nullptr;
+    const Proj::List list(proj_identify(context, unnamed ? unnamed.get() : crs, "EPSG", nullptr, &numbers));
+    const Proj::Ints confidences(numbers);
+    Best best;
+    for (int i = 0; list && i < std::min(proj_list_get_count(list.get()), kMostCandidates); ++i) {
+        const Proj::Object candidate(proj_list_get(context, list.get(), i));
+        if (candidate && IsSameSystem(crs, candidate.get())) best.Offer(candidate.get(), numbers[i]);
+    }
+    return best;
+}
+
+using Numbers = std::vector<int>;
+
+Numbers ReadNumbersOf(const char* name, PJ_TYPE type) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const Proj::List list(
+        proj_create_from_name(context, "EPSG", name, &type, 1, 0, kMostCandidates, nullptr));
+    Numbers numbers;
+    for (int i = 0; list && i < proj_list_get_count(list.get()); ++i)
+        numbers.push_back(Proj::StatedEpsg(Proj::Object(proj_list_get(context, list.get(), i)).get()));
+    return numbers;
+}
+
+/// The systems that the database has under this very name.
+Numbers NumbersOf(const char* name, PJ_TYPE type) {
+    constexpr std::size_t kMostNames = 256;
+    static auto* const cache = new LruCache<Numbers>(kMostNames);
+    const BString key(std::to_string(type) + ' ' + name);
+    return cache->Get(key.GetUnits(), [&] { return ReadNumbersOf(name, type); });
+}
+
+Best FindByName(PJ* crs) {
+    Best best;
+    for (const int number : NumbersOf(proj_get_name(crs), proj_get_type(crs))) {
+        const Proj::Object candidate(proj_create_from_database(
+            Proj::ThreadContext(), "EPSG", std::to_string(number).c_str(), PJ_CATEGORY_CRS, 0, nullptr));
+        if (candidate && IsSameSystem(crs, candidate.get())) best.Offer(candidate.get(), 100);
+    }
+    return best;
+}
 
 }  // namespace
 
@@ -187,18 +245,13 @@ bool IsSamePlacement(PJ* first, PJ* second) {
     return ProjectAlike(first, second);
 }
 
+/// A name decides between systems that are the same, and finds the one whose numbers
+/// the text has rounded too far for a search.
 int IdentifyEpsg(PJ* crs) {
-    PJ_CONTEXT* context = Proj::ThreadContext();
-    int* numbers = nullptr;
-    const Proj::List list(proj_identify(context, crs, "EPSG", nullptr, &numbers));
-    const Proj::Ints confidences(numbers);
-    if (!list) return 0;
-    Best best;
-    for (int i = 0; i < std::min(proj_list_get_count(list.get()), kMostCandidates); ++i) {
-        const Proj::Object candidate(proj_list_get(context, list.get(), i));
-        if (candidate && IsSameSystem(crs, candidate.get())) best.Offer(candidate.get(), numbers[i]);
-    }
-    return best.alone ? best.number : 0;
+    const Best best = FindByContent(crs);
+    if (best.alone && best.name == proj_get_name(crs)) return best.number;
+    const Best named = FindByName(crs);
+    return named.number != 0 ? named.Answer() : best.Answer();
 }
 
 }  // namespace Tellurion

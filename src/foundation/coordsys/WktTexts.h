@@ -10,7 +10,8 @@
 namespace Tellurion {
 
 /// The text in UTF-8 without white space and a byte order mark around it; empty for
-/// one that is too long or holds a NUL, and so cannot be a system's.
+/// one that cannot be a system's: by its length, its first word, a NUL, or brackets
+/// that do not close or nest too deep.
 std::string CleanWkt(const BString& text);
 
 /// Well-known text 1 in GDAL's flavour; empty when the system cannot be told in it.

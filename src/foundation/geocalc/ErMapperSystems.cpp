@@ -51,11 +51,13 @@ std::string WktOf(const ErMapperProjection& row, const CoordSysDefinition& geode
     return wkt + "," + UnitText(*PJ::UnitOf(row), row.metres_per_unit) + "]";
 }
 
-/// Rows are rounded; an EPSG system that is as near as that is what they mean.
+/// Rows are rounded; an EPSG system that is as near as that is what they mean. Most
+/// are exact, and those need no search through all systems.
 Definition MakeProjected(const ErMapperProjection& row) {
     const Definition geodetic = FindByEpsg(OwnDatumOf(row));
     const Definition made = geodetic ? CoordSysDefinition::FromWkt(BString(WktOf(row, *geodetic))) : nullptr;
     if (!made) return nullptr;
+    if (const int exact = made->EpsgNumber(); exact != 0) return FindByEpsg(exact);
     const auto same =
         EpsgProjections::Instance().Find(PJ::ReadProjection(*made), *geodetic, Sameness::LessRestrictive);
     const Definition known = same.empty() ? nullptr : FindByEpsg(same.front()->number);

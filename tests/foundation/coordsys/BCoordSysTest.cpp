@@ -63,6 +63,8 @@ constexpr TextCase kTexts[] = {
     {"well_known_text_2", kWkt2, 1, "EPSG:4326", "degree"},
     {"a_shift_to_another_datum", kShifted, 1, "EPSG:4277", "degree"},
     {"no_place_on_earth", kLocal, 0, "", "metre"},
+    {"a_bracket_in_a_name", "LOCAL_CS[\"site ]] (\",UNIT[\"metre\",1]]", 0, "", "metre"},
+    {"round_brackets_and_small_letters", "local_cs (\"site\",UNIT(\"metre\",1))", 0, "", "metre"},
 };
 
 TEST(BCoordSys, UnderstandsTexts) {
@@ -129,6 +131,16 @@ TEST(BCoordSys, DoesNotTakeAnotherMercatorForWebMercator) {
     const std::string prj = FromEpsg("3395")->ToPRJ().StdStr();
     EXPECT_EQ(prj.find("Pseudo"), std::string::npos);
     EXPECT_EQ(FromWkt(prj)->ToEPSGCode(), BString("EPSG:3395"));
+}
+
+/// Two systems that are the same but for their names, the older one deprecated.
+TEST(BCoordSys, TellsTwinsByTheirNames) {
+    std::string wkt = FromEpsg("2091")->ToWKT().StdStr();
+    for (std::size_t at; (at = wkt.find(",AUTHORITY[")) != std::string::npos;)
+        wkt.erase(at, wkt.find(']', at) + 1 - at);
+    EXPECT_EQ(FromWkt(wkt)->ToEPSGCode(), BString("EPSG:2091"));
+    wkt.replace(8, wkt.find('"', 8) - 8, "A name of ours");
+    EXPECT_EQ(FromWkt(wkt)->ToEPSGCode(), BString("EPSG:2395"));
 }
 
 TEST(BCoordSys, IdentifiesWhatDoesNotStateANumber) {
