@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 TOOL := build/release/bin/mapanchor
 
-.PHONY: help setup build run test asan tsan coverage fuzz bench format format-check tidy consumer clean
+.PHONY: help setup build run test asan tsan coverage fuzz bench format format-check tidy conformance consumer clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -36,6 +36,10 @@ fuzz: setup ## build the fuzz targets and run each for FUZZ_SECONDS (60)
 
 bench: setup ## run the benchmarks
 	@scripts/bench.sh $(JOBS)
+
+CORPUS ?= ../shared/corpus
+conformance: build ## hold the tool against GDAL on the files of CORPUS, into docs/conformance.md
+	@/usr/bin/python3 scripts/conformance.py $(TOOL) $(CORPUS) docs/conformance.md
 
 consumer: build ## build a project outside the tree against the installed package
 	@tests/consumer/check.sh build/release
