@@ -37,8 +37,9 @@ public:
     explicit Shelf(const std::string& folder) : folder_(folder) {
         std::filesystem::create_directory(folder);
         const std::string keys = Tiff(Placed({}));
-        Write("chart.kap", "BSB/NA=Bay,RA=200,100\nKNP/GD=WGS84\nREF/1,0,0,48,-123\nREF/2,200,0,48,-121\n"
-                           "REF/3,200,100,47,-121\nREF/4,0,100,47,-123\n\x1A");
+        Write("chart.kap",
+              "BSB/NA=Bay,RA=200,100\nKNP/GD=WGS84\nREF/1,0,0,48,-123\nREF/2,200,0,48,-121\n"
+              "REF/3,200,100,47,-121\nREF/4,0,100,47,-123\n\x1A");
         Write("frame.on1", FrameFile().Bytes());
         Write("quad.doq", DoqFile().Bytes());
         Write("image.ecw", Ecw2({}));
@@ -62,8 +63,7 @@ public:
             const Thrown thrown = Roads::Read(EReferenceType::GeoPDF, Path("map.pdf"), read);
             answers.push_back("map.pdf " + Describe(thrown, read));
         }
-        for (const char* name :
-             {"chart.kap", "frame.on1", "quad.doq", "image.ecw", "image.jp2", "image.sid"})
+        for (const char* name : {"chart.kap", "frame.on1", "quad.doq", "image.ecw", "image.jp2", "image.sid"})
             answers.push_back(Answer(name));
         return answers;
     }
