@@ -33,6 +33,9 @@ CPDFDictionary::CPDFDictionary()
 
 CPDFDictionary::CPDFDictionary(PdfObject& object) : dictionary_(&object.GetDictionary()), object_(&object) {}
 
+CPDFDictionary::CPDFDictionary(const CPDFDictionary& other)
+    : owned_(other.owned_), dictionary_(other.dictionary_), object_(other.owned_ ? nullptr : other.object_) {}
+
 CPDFDictionary& CPDFDictionary::operator=(const CPDFDictionary& other) {
     dictionary_ = other.dictionary_;
     if (!other.owned_) object_ = other.object_;

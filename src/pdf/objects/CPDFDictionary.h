@@ -26,8 +26,8 @@ public:
     explicit CPDFDictionary(PoDoFo::PdfDictionary& dictionary) : dictionary_(&dictionary) {}
     /// The dictionary in the object; one that can be referred to.
     explicit CPDFDictionary(PoDoFo::PdfObject& object);
-    CPDFDictionary(const CPDFDictionary&) = default;
-    /// Takes the object of the other over only where that one does not own its container.
+    // Both take the object of the other over only where that one does not own its container.
+    CPDFDictionary(const CPDFDictionary& other);
     CPDFDictionary& operator=(const CPDFDictionary& other);
     /// Stands for the dictionary in the object from now on, and can be referred to
     /// unless it was made as one of its own, which it keeps until it goes.

@@ -102,6 +102,9 @@ TEST(PdfValues, CopiesOfOwningWrappersShareTheirContainer) {
     copy = object;
     EXPECT_FALSE(copy.HasKey("A"));
     EXPECT_EQ(copy.Object(), nullptr);  // made as one of its own
+    CPDFDictionary view(object);
+    view = CPDFDictionary();
+    EXPECT_EQ(CPDFDictionary(view).Object(), nullptr);  // what is owned cannot be referred to
     EXPECT_THROW(array.InsertPreciseReal(0, std::numeric_limits<double>::infinity()), PoDoFo::PdfError);
 }
 
