@@ -25,11 +25,11 @@ void Redirect(const std::string& path, int flags, int to) {
     Redirect(err, O_WRONLY | O_CREAT, STDERR_FILENO);
     for (const auto& [name, value] : setting.environment)
         setenv(name.c_str(), value.c_str(), 1);
-    std::vector<char*> arguments = {const_cast<char*>(MAPANCHOR_TOOL)};
+    std::vector<char*> arguments = {const_cast<char*>(setting.program.c_str())};
     for (const std::string& word : words)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
-    execv(MAPANCHOR_TOOL, arguments.data());
+    execv(setting.program.c_str(), arguments.data());
     _exit(126);
 }
 

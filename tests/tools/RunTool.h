@@ -19,7 +19,8 @@ struct ToolSetting {
     std::string in = {};                                                ///< standard input
     std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to the caller's
     std::string out_path = {};                                          ///< stdout goes there instead
+    std::string program = MAPANCHOR_TOOL;
 };
 
-/// Runs the mapanchor that was built with these tests.
+/// Runs the mapanchor that was built with these tests, or another program.
 ToolRun RunTool(const std::vector<std::string>& words, const ToolSetting& setting = {});

@@ -2,7 +2,6 @@
 
 #include <cpl_vsi.h>
 
-#include <cstring>
 #include <memory>
 
 namespace MapAnchor {
@@ -16,9 +15,11 @@ struct FileCloser {
 };
 using File = std::unique_ptr<VSILFILE, FileCloser>;
 
-bool IsTiff(const std::array<char, 16>& head) {
+constexpr std::size_t kHeadLength = std::size_t{64} << 10;
+
+bool IsTiff(const std::string& head) {
     for (const char* mark : {"II*\0", "II+\0", "MM\0*", "MM\0+"})
-        if (std::memcmp(head.data(), mark, 4) == 0) return true;
+        if (head.compare(0, 4, mark, 4) == 0) return true;
     return false;
 }
 
@@ -48,8 +49,9 @@ std::string MemoryFaultOfOpening() {
 
 Savepoint::Savepoint(const BString& file) : path_(file.StdStr()), metadata_path_(path_ + ".aux.xml") {
     const File in(VSIFOpenL(path_.c_str(), "rb"));
-    if (in && VSIFReadL(head_.data(), 1, head_.size(), in.get()) == head_.size() && IsTiff(head_))
-        is_tiff_ = GetLength(path_, length_);
+    head_.resize(kHeadLength);
+    head_.resize(in ? VSIFReadL(head_.data(), 1, head_.size(), in.get()) : 0);
+    is_tiff_ = IsTiff(head_) && GetLength(path_, length_);
     std::uint64_t length = 0;
     has_metadata_ = GetLength(metadata_path_, length);
     if (has_metadata_) metadata_ = ReadWhole(metadata_path_, length);

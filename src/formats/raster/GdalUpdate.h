@@ -5,16 +5,17 @@
 #include <Tellurion/BString.h>
 #include <Tellurion/QuietGdal.h>
 
-#include <array>
 #include <cstdint>
 #include <string>
 
 namespace MapAnchor {
 
-/// What a save may change, as it was before. Of a TIFF the first bytes and the length:
-/// a directory that is written anew is appended and then named in the first bytes, so
-/// that with these two restored the file is what it was. Of any raster the file with
-/// further metadata that lies beside it.
+/// What a save may change, as it was before. Of a TIFF the beginning and the length: a
+/// directory that is written anew is appended and then named in the first bytes, so
+/// that with these two restored the file is what it was. After a write that failed the
+/// appended bytes can land behind the first ones; the beginning that is kept is long
+/// enough for a directory. Of any raster the file with further metadata that lies
+/// beside it.
 class Savepoint {
 public:
     explicit Savepoint(const Tellurion::BString& file);
@@ -25,7 +26,7 @@ private:
     void RestoreMetadata() const;
 
     std::string path_;
-    std::array<char, 16> head_{};
+    std::string head_;
     std::uint64_t length_ = 0;
     bool is_tiff_ = false;
     std::string metadata_path_;

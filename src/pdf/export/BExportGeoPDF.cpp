@@ -2,6 +2,7 @@
 
 #include "objects/CPDFStructureElement.h"
 
+#include <MapAnchor/BGeoReferenceWriteException.h>
 #include <Tellurion/BException.h>
 
 #include <QObject>
@@ -113,6 +114,11 @@ void BExportGeoPDF::GetTiePoints(Points& lpts, Points& gpts) {
 }
 
 void BExportGeoPDF::HandlePdfError(const PoDoFo::PdfError& error) {
+    // A disk may be full only when the last bytes are written.
+    if (error.GetError() == PoDoFo::ePdfError_InvalidDeviceOperation)
+        throw BGeoReferenceWriteException(
+            "BRefGeoPDF::Write", BString::Format("Failed writing PDF file <%ls>.",
+                                                 BString(GetDestinationPath().toUtf8().constData())));
     throw Tellurion::BException(BString(MessageOf(error, GetDestinationPath()).toLocal8Bit().constData()));
 }
 

@@ -5,6 +5,10 @@
 
 #include <QFileInfo>
 
+#include <sys/stat.h>
+#include <filesystem>
+#include <system_error>
+
 namespace MapAnchor {
 
 using Tellurion::BFileAccessException;
@@ -38,6 +42,38 @@ const char* RenameFailure(QFileDevice::FileError error) {
     }
 }
 
+struct stat StateOf(const QString& path) {
+    struct stat state {};
+    stat(QFile::encodeName(path).constData(), &state);
+    return state;
+}
+
+bool IsOnOneDevice(const QString& file, const QString& other) {
+    return StateOf(file).st_dev == StateOf(QFileInfo(other).path()).st_dev;
+}
+
+/// To another device: the old file goes when the new one is whole. Qt's own way lets it
+/// go before the last bytes are written.
+QFileDevice::FileError MoveByCopy(QFile& file, const QString& name) {
+    std::error_code failed;
+    const std::filesystem::path to = QFile::encodeName(name).toStdString();
+    if (std::filesystem::exists(to, failed)) return QFileDevice::RenameError;
+    const bool copied =
+        std::filesystem::copy_file(QFile::encodeName(file.fileName()).toStdString(), to, failed);
+    if (!copied || !file.remove()) {
+        std::filesystem::remove(to, failed);
+        return copied ? QFileDevice::RenameError : QFileDevice::CopyError;
+    }
+    file.setFileName(name);
+    return QFileDevice::NoError;
+}
+
+QFileDevice::FileError Move(QFile& file, const QString& name) {
+    file.unsetError();
+    if (!IsOnOneDevice(file.fileName(), name)) return MoveByCopy(file, name);
+    return file.rename(name) ? QFileDevice::NoError : file.error();
+}
+
 }  // namespace
 
 MovedAside::MovedAside(const BString& target)
@@ -54,8 +90,8 @@ MovedAside::MovedAside(const BString& target)
 }
 
 void MovedAside::MoveTo(const QString& name) {
-    file_.unsetError();
-    if (!file_.rename(name)) throw BFileAccessException(kSource, RenameFailure(file_.error()));
+    const QFileDevice::FileError error = Move(file_, name);
+    if (error != QFileDevice::NoError) throw BFileAccessException(kSource, RenameFailure(error));
     name_ = name;
     away_ = true;
 }
@@ -68,7 +104,7 @@ MovedAside::~MovedAside() {
 }
 
 void MovedAside::Restore() {
-    if (away_ && file_.rename(target_)) away_ = false;
+    if (away_ && Move(file_, target_) == QFileDevice::NoError) away_ = false;
 }
 
 void MovedAside::RestoreIfGone() {

@@ -9,12 +9,17 @@
 
 #include <QObject>
 
+#include <fstream>
+#include <vector>
+
 namespace VellumLib {
 
 using PoDoFo::PdfObject;
 using PoDoFo::PdfReference;
 
 namespace {
+
+constexpr std::size_t kWriteBuffer = std::size_t{64} << 10;
 
 /// PoDoFo talks to stderr unless told not to.
 void Silence() {
@@ -166,7 +171,15 @@ int CPDFDocument::RemoveReferencedObjects(const CPDFDictionary& dictionary) {
 
 void CPDFDocument::Write(const QString& path) {
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
-    document_->Write(path.toUtf8().constData());
+    std::vector<char> buffer(kWriteBuffer);
+    std::ofstream out;
+    out.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    out.open(path.toUtf8().constData(), std::ios::binary | std::ios::trunc);
+    if (!out) ThrowPdfError(PoDoFo::ePdfError_FileNotFound, path);
+    PoDoFo::PdfOutputDevice device(&out);
+    document_->Write(&device);
+    out.close();
+    if (!out) ThrowPdfError(PoDoFo::ePdfError_InvalidDeviceOperation, path);
 }
 
 }  // namespace VellumLib

@@ -1,0 +1,244 @@
+// Where the user's PDF stands when something fails while it is georeferenced, and what
+// the caller is told.
+
+#include "FaultRun.h"
+#include "PagePdf.h"
+#include "PlainPdf.h"
+#include "SmallDisk.h"
+
+#include <MapAnchor/BGeoPDFPage.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <functional>
+#include <optional>
+
+namespace {
+
+namespace fs = std::filesystem;
+using MapAnchor::BGeoPDFPage;
+
+constexpr const char* kPdfType = "11";
+
+bool IsWholeResult(const std::string& file) {
+    if (!TempFolder::Slurp(file).ends_with("%%EOF\n")) return false;
+    const BGeoPDFPage page = BGeoPDFPage::Describe(Tellurion::BString(file));
+    return page.Dialect == BGeoPDFPage::EDialect::Measure && page.Fault.IsEmpty();
+}
+
+constexpr const char* kUtm32 =
+    "PROJCS[\"WGS_1984_UTM_Zone_32N\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\","
+    "6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],"
+    "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],PARAMETER[\"False_Northing\","
+    "0.0],PARAMETER[\"Central_Meridian\",9.0],PARAMETER[\"Scale_Factor\",0.9996],"
+    "PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"Meter\",1.0]]";
+
+/// A PDF and the folder for temporary files, on a disk of its own where asked.
+class Scene {
+public:
+    explicit Scene(const std::string& content, bool other_device = false)
+        : original(content), target(folder_.Write("map.pdf", content)), temporaries(folder_ / "tmp") {
+        fs::create_directory(temporaries);
+        if (other_device) Mount(temporaries, "1m");
+    }
+    ~Scene() {
+        if (held_ >= 0) close(held_);
+    }
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    const SmallDisk& Mount(const std::string& folder, const std::string& size) const {
+        disk_.emplace(folder, size);
+        usable = disk_->IsMounted();
+        return *disk_;
+    }
+    void HoldOpen() const { held_ = open(target.c_str(), O_RDWR | O_CLOEXEC); }
+
+    FaultRun Save(const Fault& fault) const {
+        return RunWithFault(SAVE_DRIVER, {kPdfType, target}, fault, folder_ / "", temporaries);
+    }
+    FaultRun SaveByTool(const Fault& fault) const {
+        sources_.Write("map.prj", kUtm32);
+        const std::string source = sources_.Write("map.tfw", "0.5\n0\n0\n-0.5\n676000.25\n5241999.75\n");
+        return RunWithFault(MAPANCHOR_TOOL, {"convert", "--overwrite", source, target}, fault, folder_ / "",
+                            temporaries);
+    }
+    bool StandsAtTarget() const { return TempFolder::Slurp(target) == original; }
+    /// The name among the temporary files; empty for none.
+    std::string NameAside() const {
+        for (const auto& entry : fs::directory_iterator(temporaries))
+            if (TempFolder::Slurp(entry.path()) == original) return entry.path();
+        return {};
+    }
+    bool HasTarget() const { return fs::exists(target); }
+
+private:
+    TempFolder folder_;
+    TempFolder sources_;
+    mutable std::optional<SmallDisk> disk_;
+    mutable int held_ = -1;
+
+public:
+    const std::string original;
+    const std::string target;
+    const std::string temporaries;
+    mutable bool usable = true;
+};
+
+struct Sweep {
+    const char* name;
+    const char* call;
+    const char* kind;
+    bool other_device;
+    long fewest;  ///< strikes that there are at least
+};
+void PrintTo(const Sweep& sweep, std::ostream* out) {
+    *out << sweep.name;
+}
+
+class PdfFaults : public testing::TestWithParam<Sweep> {};
+
+// Every call on a file that the save makes, one after the other.
+TEST_P(PdfFaults, ThePdfIsNeverLost) {
+    const Sweep& sweep = GetParam();
+    const std::string original = RichPdf(200, 100);
+    long number = 1;
+    for (bool struck = true; struck && number < 300; ++number) {
+        SCOPED_TRACE(number);
+        const Scene scene(original, sweep.other_device);
+        if (!scene.usable) GTEST_SKIP() << "no file system of its own can be had";
+        const FaultRun run = scene.Save({sweep.call, sweep.kind, number});
+        struck = run.struck;
+        EXPECT_FALSE(run.HasCrashed()) << run.run.status << run.run.out;
+        const std::string aside = scene.NameAside();
+        const bool at_target = scene.StandsAtTarget();
+        const bool is_result = IsWholeResult(scene.target);
+        EXPECT_TRUE(at_target || is_result || !aside.empty()) << "lost: " << run.run.out;
+        if (run.WasKilled()) continue;
+        EXPECT_EQ(run.SaysSaved(), is_result) << run.run.out;
+        if (at_target || is_result) continue;
+        EXPECT_NE(run.run.out.find("stands under the name <" + aside + ">"), std::string::npos)
+            << run.run.out;
+    }
+    EXPECT_GE(number - 2, sweep.fewest);
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, PdfFaults,
+                         testing::Values(Sweep{"killed", "any", "kill", false, 10},
+                                         Sweep{"killed_moving_to_another_device", "any", "kill", true, 10},
+                                         Sweep{"error", "any", "EIO", false, 10},
+                                         Sweep{"error_moving_to_another_device", "any", "EIO", true, 10},
+                                         Sweep{"half_written", "write", "short", false, 1},
+                                         Sweep{"disk_full_from_here", "write", "disk-full", false, 1}),
+                         [](const auto& row) { return row.param.name; });
+
+class PdfFaultsByTool : public testing::TestWithParam<const char*> {};
+
+// At the command line the target itself stands whole, whatever happens.
+TEST_P(PdfFaultsByTool, TheTargetStandsWhole) {
+    long number = 1;
+    for (bool struck = true; struck && number < 300; ++number) {
+        SCOPED_TRACE(number);
+        const Scene scene(RichPdf(200, 100));
+        const FaultRun run = scene.SaveByTool({"any", GetParam(), number});
+        struck = run.struck;
+        EXPECT_FALSE(run.HasCrashed()) << run.run.status;
+        const bool is_result = IsWholeResult(scene.target);
+        EXPECT_TRUE(scene.StandsAtTarget() || is_result) << run.run.err;
+        EXPECT_TRUE(run.WasKilled() || run.SaysSaved() == is_result) << run.run.err;
+    }
+    EXPECT_GE(number, 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, PdfFaultsByTool, testing::Values("kill", "EIO"),
+                         [](const auto& row) { return std::string(row.param); });
+
+struct Circumstance {
+    const char* name;
+    std::string content;
+    std::function<void(const Scene&)> prepare;
+    const char* told;      ///< the start of what the caller is told
+    const char* in_words;  ///< and what it holds besides
+    char stands;           ///< t: at the target, a: aside, r: the result is there
+};
+
+// Real causes of failure, and what comes of them.
+TEST(PdfFaultsOfFiles, WhereThePdfStandsAndWhatIsTold) {
+    const std::string good = RichPdf(200, 100);
+    const std::string large = good.substr(0, good.size() - 6) + std::string(300000, '\n') + "%%EOF\n";
+    const std::string encrypted =
+        PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                  "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] >>",
+                  "<< /Filter /Standard /V 1 /R 2 /O (12345678901234567890123456789012) /U "
+                  "(12345678901234567890123456789012) /P -4 >>"},
+                 "/Encrypt 4 0 R /ID [(1234567890123456) (1234567890123456)]");
+    const auto nothing = [](const Scene&) {};
+    const Circumstance circumstances[] = {
+        {"no_pdf", "this is no PDF", nothing, "BException", "This is not a PDF file", 'a'},
+        {"empty", "", nothing, "BException", "", 'a'},
+        {"cut_short", good.substr(0, good.size() / 2), nothing, "BException", "", 'a'},
+        {"encrypted", encrypted, nothing, "BException", "does not currently support password protected", 'a'},
+        {"no_file", good, [](const Scene& scene) { fs::remove(scene.target); }, "saved",
+         "Could not open temporary file, the PDF file was not exported", '-'},
+        {"no_room_to_move_aside", large, [](const Scene& scene) { scene.Mount(scene.temporaries, "64k"); },
+         "BFileAccessException", "Could not create temp", 't'},
+        {"read_only_folder_for_temporaries", good,
+         [](const Scene& scene) { scene.Mount(scene.temporaries, "64k").MakeReadOnly(); },
+         "BFileAccessException", "Could not create temp File for PDF export.", 't'},
+        {"held_open", good, [](const Scene& scene) { scene.HoldOpen(); }, "saved", "", 'r'},
+        {"read_only_file", good,
+         [](const Scene& scene) { fs::permissions(scene.target, fs::perms::owner_read); }, "saved", "", 'r'},
+    };
+    for (const Circumstance& test : circumstances) {
+        SCOPED_TRACE(test.name);
+        const Scene scene(test.content);
+        test.prepare(scene);
+        if (!scene.usable) continue;  // only root can mount
+        const FaultRun run = scene.Save({"any", "EIO", 0});
+        EXPECT_TRUE(run.run.out.starts_with(test.told)) << run.run.out;
+        EXPECT_NE(run.run.out.find(test.in_words), std::string::npos) << run.run.out;
+        EXPECT_EQ(IsWholeResult(scene.target), test.stands == 'r');
+        if (test.stands == 't') {
+            EXPECT_TRUE(scene.StandsAtTarget());
+        }
+        if (test.stands != 'a') continue;
+        EXPECT_FALSE(scene.HasTarget());
+        EXPECT_NE(run.run.out.find("stands under the name <" + scene.NameAside() + ">"), std::string::npos)
+            << run.run.out;
+    }
+}
+
+// The target's own disk is full, or cannot be written; the PDF has been moved to another.
+TEST(PdfFaultsOfFiles, TheTargetsDisk) {
+    for (const bool read_only : {false, true}) {
+        SCOPED_TRACE(read_only ? "read-only" : "full");
+        const TempFolder own;
+        const TempFolder temporaries;
+        // One page of the disk holds it; the result needs two.
+        const std::string good =
+            PagePdf("/MediaBox [0 0 200 100] /Note (" + std::string(3400, 'x') + ")").Text();
+        const SmallDisk disk(own / ".", "16k");
+        if (!disk.IsMounted()) GTEST_SKIP() << "no file system of its own can be had";
+        const std::string target = own.Write("map.pdf", good);
+        if (read_only) {
+            ASSERT_TRUE(disk.MakeReadOnly());
+        }
+        if (!read_only) own.Write("other", std::string(12288, 'x'));
+        const FaultRun run =
+            RunWithFault(SAVE_DRIVER, {kPdfType, target}, {"any", "EIO", 0}, own / "", temporaries / "");
+        EXPECT_EQ(run.run.status, 2) << run.run.out;
+        if (read_only) {
+            EXPECT_TRUE(run.run.out.starts_with("BFileAccessException")) << run.run.out;
+            EXPECT_EQ(TempFolder::Slurp(target), good);
+            continue;
+        }
+        EXPECT_TRUE(run.run.out.starts_with("BGeoReferenceWriteException")) << run.run.out;
+        EXPECT_NE(run.run.out.find(target), std::string::npos);
+        EXPECT_NE(run.run.out.find("stands under the name <"), std::string::npos);
+        EXPECT_FALSE(fs::exists(target));
+    }
+}
+
+}  // namespace
