@@ -10,3 +10,7 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status);
 void AddFormatsCommand(CLI::App& app, ExitStatus& status);
 void AddExtCommand(CLI::App& app, ExitStatus& status);
 void AddCrsCommand(CLI::App& app, ExitStatus& status);
+void AddDiffCommand(CLI::App& app, ExitStatus& status);
+void AddCheckCommand(CLI::App& app, ExitStatus& status);
+void AddFootprintCommand(CLI::App& app, ExitStatus& status);
+void AddBatchCommand(CLI::App& app, ExitStatus& status);

@@ -1,5 +1,6 @@
 #include "CommonOptions.h"
 
+#include <CLI/CLI.hpp>
 #include <map>
 #include <string>
 

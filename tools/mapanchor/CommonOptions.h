@@ -2,7 +2,9 @@
 
 #include "Console.h"
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 /// Options that every subcommand has.
 struct CommonOptions {

@@ -2,6 +2,7 @@
 #include "CommonOptions.h"
 #include "JsonRenderer.h"
 #include "ReferenceFacts.h"
+#include "Systems.h"
 
 #include <Tellurion/BCoordSys.h>
 #include <Tellurion/BCoordSysRepository.h>
@@ -9,10 +10,8 @@
 #include <Tellurion/BUnit.h>
 #include <Tellurion/Numbers.h>
 
-#include <algorithm>
-#include <cctype>
 #include <memory>
-#include <sstream>
+#include <vector>
 
 namespace {
 
@@ -36,48 +35,6 @@ struct CrsOptions {
     CommonOptions common;
     std::vector<std::string> words;
 };
-
-struct Answer {
-    std::unique_ptr<BCoordSys> system;
-    const char* understood_as = "names";
-};
-
-BString Text(const std::string& text) {
-    return BString(text);
-}
-
-std::vector<std::string> SplitWords(const std::string& text) {
-    std::istringstream in(text);
-    return {std::istream_iterator<std::string>(in), {}};
-}
-
-std::string Lower(std::string text) {
-    std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
-BCoordSys* FromNames(const std::string& text) {
-    BCoordSysRepository& repository = *BCoordSysRepository::Instance();
-    const std::vector<std::string> words = SplitWords(text);
-    if (words.size() == 1) return repository.GetCoordSys({"ERMapper", Text(words[0])});
-    if (words.size() != 2 && words.size() != 3) return nullptr;
-    const BString units = words.size() == 3 ? Text(words[2]) : BString();
-    return repository.ReadCoordSysFromPlainTextStrings(Text(words[0]), Text(words[1]), units);
-}
-
-/// Each kind of text has a mark that no other has.
-Answer Understand(const std::string& text) {
-    const std::string lower = Lower(text);
-    if (text.find('[') != std::string::npos)
-        return {std::unique_ptr<BCoordSys>(BCoordSys::FromWKT(Text(text))), "well-known text"};
-    if (lower.starts_with("coordsys") || lower.starts_with("earth ") || lower.starts_with("nonearth "))
-        return {std::unique_ptr<BCoordSys>(
-                    BCoordSysRepository::Instance()->ReadCoordSysFromMIFString(Text(text))),
-                "MapInfo clause"};
-    if (BCoordSys* system = BCoordSys::FromEPSGCode(Text(text)))
-        return {std::unique_ptr<BCoordSys>(system), "EPSG code"};
-    return {std::unique_ptr<BCoordSys>(FromNames(text)), "names"};
-}
 
 /// The name of the EPSG system that the system was told to be or found to match.
 std::string EpsgName(const BCoordSys& system) {
@@ -111,7 +68,7 @@ std::string Line(const Console& console, const std::string& label, const std::st
            "\n";
 }
 
-std::string RenderText(const Answer& answer, const Console& console) {
+std::string RenderText(const SystemAnswer& answer, const Console& console) {
     const BCoordSys& system = *answer.system;
     const std::string code = system.ToEPSGCode().StdStr();
     const ErMapperNames names(system);
@@ -137,7 +94,7 @@ Json Texts(const BCoordSys& system) {
     return texts;
 }
 
-Json RenderJson(const std::string& text, const Answer& answer) {
+Json RenderJson(const std::string& text, const SystemAnswer& answer) {
     Json json = {{"description", text}};
     const std::string wkt = answer.system->ToWKT().StdStr();
     if (!wkt.empty()) json["coordinateSystem"] = {{"wkt", wkt}};
@@ -171,7 +128,7 @@ ExitStatus Run(const CrsOptions& options) {
     for (const std::string& word : options.words)
         text += (text.empty() ? "" : " ") + word;
     try {
-        const Answer answer = Understand(text);
+        const SystemAnswer answer = SystemFromText(text);
         if (!answer.system) return Refuse(text, "nothing known by these words", options, console);
         console.Print(options.common.json ? ToText(RenderJson(text, answer), options.common)
                                           : RenderText(answer, console));

@@ -7,6 +7,7 @@
 struct Diagnostic {
     bool is_error = false;
     std::string text;
+    std::string id = {};  ///< stable, for programs; most have none
 
     const char* Severity() const { return is_error ? "error" : "warning"; }
 };

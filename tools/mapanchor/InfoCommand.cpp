@@ -4,6 +4,7 @@
 #include "JsonRenderer.h"
 #include "ReadFile.h"
 #include "ReadOptions.h"
+#include "Tally.h"
 #include "TextRenderer.h"
 
 #include <memory>
@@ -23,28 +24,6 @@ struct InfoOptions {
     ReadOptions read;
     std::vector<std::string> files;
     bool nul_separated = false;
-};
-
-/// What many inputs come to: one status for all, or "some failed".
-class Tally {
-public:
-    void Count(ExitStatus status) {
-        const bool usable = status == ExitStatus::Done || status == ExitStatus::Warnings;
-        ++(usable ? usable_ : failed_);
-        if (status == ExitStatus::Warnings) warned_ = true;
-        if (usable) return;
-        failure_ = failed_ == 1 || failure_ == status ? status : ExitStatus::Error;
-    }
-    ExitStatus Status() const {
-        if (failed_ > 0) return usable_ > 0 ? ExitStatus::Warnings : failure_;
-        return warned_ ? ExitStatus::Warnings : ExitStatus::Done;
-    }
-
-private:
-    int usable_ = 0;
-    int failed_ = 0;
-    bool warned_ = false;
-    ExitStatus failure_ = ExitStatus::Done;
 };
 
 ExitStatus Run(const InfoOptions& options) {

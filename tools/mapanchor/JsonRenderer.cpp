@@ -115,8 +115,11 @@ Json RenderJson(const Failure& failure) {
 
 Json RenderJson(const Diagnostics& diagnostics) {
     Json list = Json::array();
-    for (const Diagnostic& diagnostic : diagnostics)
-        list.push_back({{"severity", diagnostic.Severity()}, {"text", diagnostic.text}});
+    for (const Diagnostic& diagnostic : diagnostics) {
+        Json remark = {{"severity", diagnostic.Severity()}, {"text", diagnostic.text}};
+        if (!diagnostic.id.empty()) remark["id"] = diagnostic.id;
+        list.push_back(std::move(remark));
+    }
     return list;
 }
 

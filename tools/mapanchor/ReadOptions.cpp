@@ -2,6 +2,7 @@
 
 #include <MapAnchor/BMapAnchor.h>
 
+#include <CLI/CLI.hpp>
 #include <charconv>
 #include <map>
 #include <vector>

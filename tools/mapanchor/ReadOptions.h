@@ -4,9 +4,12 @@
 #include <Tellurion/EMathTransformType.h>
 #include <Tellurion/EReferenceType.h>
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 /// How a reference is to be read: the arguments of the library, by option.
 struct ReadOptions {

@@ -154,5 +154,6 @@ void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Fa
                const Console& console) {
     if (failure) console.Complain("mapanchor: " + file + ": error: " + failure->Text());
     for (const Diagnostic& diagnostic : diagnostics)
-        console.Talk("mapanchor: " + file + ": " + diagnostic.Severity() + ": " + diagnostic.text);
+        console.Talk("mapanchor: " + file + ": " + diagnostic.Severity() + ": " + diagnostic.text +
+                     (diagnostic.id.empty() ? "" : " [" + diagnostic.id + "]"));
 }

@@ -70,6 +70,10 @@ ExitStatus RunProgram(int argc, char** argv) {
     AddFormatsCommand(app, status);
     AddExtCommand(app, status);
     AddCrsCommand(app, status);
+    AddDiffCommand(app, status);
+    AddCheckCommand(app, status);
+    AddFootprintCommand(app, status);
+    AddBatchCommand(app, status);
     app.require_subcommand(0, 1);
     try {
         std::vector<std::string> words = NormalWords(app, {argv + 1, argv + argc});

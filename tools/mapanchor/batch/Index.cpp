@@ -1,0 +1,121 @@
+#include "batch/Index.h"
+
+#include "JsonRenderer.h"
+
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BString.h>
+#include <Tellurion/QuietGdal.h>
+
+#include <ogrsf_frmts.h>
+
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+using Tellurion::BFileUtilities;
+using Tellurion::BString;
+using Tellurion::QuietGdal;
+
+namespace {
+
+[[noreturn]] void Fail(const std::string& file, const std::string& why) {
+    throw std::runtime_error("the index <" + file + "> " + why);
+}
+
+bool ServesExtension(GDALDriver& driver, const std::string& extension) {
+    const char* extensions = driver.GetMetadataItem(GDAL_DMD_EXTENSIONS);
+    std::istringstream words(extensions ? extensions : "");
+    for (std::string word; words >> word;)
+        if ("." + word == extension) return true;
+    return false;
+}
+
+GDALDriver& DriverFor(const std::string& file) {
+    GDALAllRegister();
+    const std::string extension = BFileUtilities::GetExtension(BString(file)).ToLower().StdStr();
+    for (int i = 0; i < GetGDALDriverManager()->GetDriverCount(); ++i) {
+        GDALDriver& driver = *GetGDALDriverManager()->GetDriver(i);
+        if (driver.GetMetadataItem(GDAL_DCAP_VECTOR) && driver.GetMetadataItem(GDAL_DCAP_CREATE) &&
+            ServesExtension(driver, extension))
+            return driver;
+    }
+    Fail(file, "is of no kind that GDAL can make here, such as .gpkg");
+}
+
+struct Column {
+    const char* name;
+    OGRFieldType type;
+};
+
+constexpr Column kColumns[] = {{"location", OFTString}, {"ok", OFTInteger},        {"type", OFTString},
+                               {"epsg", OFTString},     {"columns", OFTInteger64}, {"rows", OFTInteger64},
+                               {"error", OFTString}};
+
+std::unique_ptr<OGRGeometry> AreaOf(const Json& feature) {
+    if (feature["geometry"].is_null()) return nullptr;
+    std::unique_ptr<OGRGeometry> area(
+        OGRGeometryFactory::createFromGeoJson(feature["geometry"].dump().c_str()));
+    return std::unique_ptr<OGRGeometry>(OGRGeometryFactory::forceToMultiPolygon(area.release()));
+}
+
+void SetText(OGRFeature& row, const char* column, const Json& properties, const char* key) {
+    if (properties.contains(key)) row.SetField(column, properties[key].get<std::string>().c_str());
+}
+
+}  // namespace
+
+Index::Index(const std::string& file, bool overwrite) : file_(file) {
+    const QuietGdal quiet;
+    const bool exists = BFileUtilities::Exists(BString(file));
+    if (exists && !overwrite) Fail(file, "exists; --overwrite replaces it");
+    GDALDriver& driver = DriverFor(file);
+    if (exists) driver.Delete(file.c_str());
+    dataset_.reset(driver.Create(file.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    OGRSpatialReference wgs84;
+    wgs84.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    wgs84.importFromEPSG(4326);
+    if (dataset_) layer_ = dataset_->CreateLayer("footprints", &wgs84, wkbMultiPolygon, nullptr);
+    if (!layer_) Fail(file, "cannot be made: " + quiet.FirstFailure());
+    for (const Column& column : kColumns) {
+        OGRFieldDefn field(column.name, column.type);
+        if (layer_->CreateField(&field) != OGRERR_NONE) Fail(file, "cannot be made: " + quiet.FirstFailure());
+    }
+    has_transactions_ =
+        dataset_->TestCapability(ODsCTransactions) && dataset_->StartTransaction() == OGRERR_NONE;
+}
+
+void Index::Add(const std::string& feature) {
+    const QuietGdal quiet;
+    const Json json = Json::parse(feature);
+    const Json& properties = json["properties"];
+    OGRFeature row(layer_->GetLayerDefn());
+    SetText(row, "location", properties, "description");
+    row.SetField("ok", properties["ok"].get<bool>() ? 1 : 0);
+    SetText(row, "type", properties, "referenceType");
+    SetText(row, "epsg", properties, "epsg");
+    if (properties.contains("size")) {
+        row.SetField("columns", static_cast<GIntBig>(properties["size"][0].get<std::int64_t>()));
+        row.SetField("rows", static_cast<GIntBig>(properties["size"][1].get<std::int64_t>()));
+    }
+    if (properties.contains("error")) SetText(row, "error", properties["error"], "type");
+    row.SetGeometryDirectly(AreaOf(json).release());
+    if (layer_->CreateFeature(&row) != OGRERR_NONE) Fail(file_, "cannot be written: " + quiet.FirstFailure());
+    constexpr int kRowsAtOnce = 1000;
+    if (++uncommitted_ >= kRowsAtOnce) Commit();
+}
+
+void Index::Commit() {
+    const QuietGdal quiet;
+    uncommitted_ = 0;
+    if (!has_transactions_) return;
+    if (dataset_->CommitTransaction() != OGRERR_NONE || dataset_->StartTransaction() != OGRERR_NONE)
+        Fail(file_, "cannot be written: " + quiet.FirstFailure());
+}
+
+void Index::Close() {
+    const QuietGdal quiet;
+    if (has_transactions_ && dataset_->CommitTransaction() != OGRERR_NONE)
+        Fail(file_, "cannot be written: " + quiet.FirstFailure());
+    dataset_.reset();
+    if (!quiet.FirstFailure().empty()) Fail(file_, "cannot be written: " + quiet.FirstFailure());
+}

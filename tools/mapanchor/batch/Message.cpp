@@ -1,0 +1,64 @@
+#include "batch/Message.h"
+
+#include <unistd.h>
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kLengthSize = sizeof(std::uint64_t);
+constexpr std::uint64_t kMostLength = std::uint64_t{1} << 31U;
+
+bool WriteAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+}  // namespace
+
+bool SendText(int descriptor, std::string_view text) {
+    const std::uint64_t length = text.size();
+    std::string bytes(kLengthSize, '\0');
+    std::memcpy(bytes.data(), &length, kLengthSize);
+    return WriteAll(descriptor, bytes.append(text));
+}
+
+std::optional<std::string> ReceiveText(int descriptor) {
+    TextReceiver receiver;
+    while (true) {
+        const auto state = receiver.Receive(descriptor);
+        if (state == TextReceiver::State::Complete) return receiver.Take();
+        if (state == TextReceiver::State::Ended) return std::nullopt;
+    }
+}
+
+std::optional<std::uint64_t> TextReceiver::Length() const {
+    if (bytes_.size() < kLengthSize) return std::nullopt;
+    std::uint64_t length = 0;
+    std::memcpy(&length, bytes_.data(), kLengthSize);
+    return length;
+}
+
+TextReceiver::State TextReceiver::Receive(int descriptor) {
+    constexpr std::size_t kPiece = 65536;
+    std::array<char, kPiece> piece;
+    const ssize_t count = read(descriptor, piece.data(), piece.size());
+    if (count < 0 && errno == EINTR) return State::Waiting;
+    if (count <= 0) return State::Ended;
+    bytes_.append(piece.data(), static_cast<std::size_t>(count));
+    const auto length = Length();
+    if (length && *length > kMostLength) return State::Ended;
+    return length && bytes_.size() >= kLengthSize + *length ? State::Complete : State::Waiting;
+}
+
+std::string TextReceiver::Take() {
+    std::string text = bytes_.substr(kLengthSize);
+    bytes_.clear();
+    return text;
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "ReadFile.h"
+
+#include <string>
+
+enum class RowFormat { JsonLines, GeoJsonSequence, Csv, Stac };
+
+struct RowSettings {
+    RowFormat format = RowFormat::JsonLines;
+    bool with_feature = false;  ///< for an index
+};
+
+/// What one input comes to.
+struct Row {
+    ExitStatus status = ExitStatus::Done;
+    std::string text;     ///< for the output, with its line end
+    std::string feature;  ///< the same as a GeoJSON feature; empty unless asked for
+};
+
+Row MakeRow(ReadResult& result, const RowSettings& settings);
+
+/// Of an input that no worker could finish.
+Row MakeLostRow(const std::string& name, const std::string& type, const std::string& detail,
+                const RowSettings& settings);
+
+/// What stands above the rows; empty for most formats.
+std::string HeadingOf(RowFormat format);
+
+/// A row on its way between processes.
+std::string Pack(const Row& row);
+Row Unpack(const std::string& bytes);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "batch/Worker.h"
+
+#include <memory>
+
+struct Job {
+    std::uint64_t number = 0;  ///< of the input, from 0
+    std::string name;
+};
+
+/// What became of a job: its answer, or why there is none.
+struct JobOutcome {
+    Job job;
+    std::string answer;
+    std::string loss;         ///< "Timeout", "OutOfMemory" or "Crash"; empty when there is an answer
+    std::string loss_detail;  ///< a sentence
+};
+
+/// A fixed number of workers. One that is lost is replaced, and costs its job only.
+class WorkerPool {
+public:
+    WorkerPool(int count, Answer answer, const Limits& limits);
+
+    bool HasFree() const { return FindFree() != nullptr; }
+    bool IsIdle() const;
+    /// To a free worker.
+    void Give(Job job);
+    /// What ends within `wait`; returns early when `descriptor` (-1 for none) can be read.
+    std::vector<JobOutcome> Wait(int descriptor, std::chrono::milliseconds wait);
+
+private:
+    using Clock = std::chrono::steady_clock;
+    struct Seat {
+        std::unique_ptr<Worker> worker;
+        std::optional<Job> job;
+        Clock::time_point deadline;
+    };
+
+    Seat* FindFree() const;
+    void Hire(Seat& seat);
+    JobOutcome Lose(Seat& seat, bool timed_out);
+    std::optional<JobOutcome> Look(Seat& seat, bool is_readable);
+    int PollTime(std::chrono::milliseconds wait) const;
+
+    Answer answer_;
+    Limits limits_;
+    std::vector<std::unique_ptr<Seat>> seats_;
+};
