@@ -14,3 +14,4 @@ void AddDiffCommand(CLI::App& app, ExitStatus& status);
 void AddCheckCommand(CLI::App& app, ExitStatus& status);
 void AddFootprintCommand(CLI::App& app, ExitStatus& status);
 void AddBatchCommand(CLI::App& app, ExitStatus& status);
+void AddPreviewCommand(CLI::App& app, ExitStatus& status);

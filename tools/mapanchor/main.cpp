@@ -74,6 +74,7 @@ ExitStatus RunProgram(int argc, char** argv) {
     AddCheckCommand(app, status);
     AddFootprintCommand(app, status);
     AddBatchCommand(app, status);
+    AddPreviewCommand(app, status);
     app.require_subcommand(0, 1);
     try {
         std::vector<std::string> words = NormalWords(app, {argv + 1, argv + argc});

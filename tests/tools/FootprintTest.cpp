@@ -1,0 +1,99 @@
+#include <gtest/gtest.h>
+
+#include "RunTool.h"
+#include "TempFolder.h"
+
+#include <gdal_priv.h>
+
+#include <memory>
+
+namespace {
+
+using nlohmann::json;
+
+struct FootprintCase {
+    const char* name;
+    const char* epsg;
+    const char* world_file;  ///< of a raster of a hundred pixels each way
+    std::size_t parts;
+    std::vector<double> box;  ///< west, south, east, north
+    double area;              ///< in square degrees
+};
+
+// Boxes and areas follow from the corners; those of curved edges were computed with PROJ
+// from five thousand points an edge.
+const FootprintCase kCases[] = {
+    {"plain", "4326", "0.1\n0\n0\n-0.1\n10.05\n49.95\n", 1, {10, 40, 20, 50}, 100},
+    {"south_up", "4326", "0.1\n0\n0\n0.1\n10.05\n40.05\n", 1, {10, 40, 20, 50}, 100},
+    {"whole_earth", "4326", "3.6\n0\n0\n-1.8\n-178.2\n89.1\n", 1, {-180, -90, 180, 90}, 64800},
+    {"from_greenwich_on", "4326", "3.6\n0\n0\n-1.8\n1.8\n89.1\n", 2, {-180, -90, 180, 90}, 64800},
+    {"across_the_antimeridian", "4326", "0.1\n0\n0\n-0.1\n175.05\n49.95\n", 2, {175, 40, -175, 50}, 100},
+    {"beyond_it", "4326", "0.1\n0\n0\n-0.1\n190.05\n49.95\n", 1, {-170, 40, -160, 50}, 100},
+    {"up_to_it", "4326", "0.1\n0\n0\n-0.1\n170.05\n49.95\n", 1, {170, 40, 180, 50}, 100},
+    {"north_pole_inside",
+     "3995",
+     "20000\n0\n0\n-20000\n-990000\n990000\n",
+     1,
+     {-180, 77.0374, 180, 90},
+     3708.26},
+    {"pole_off_the_middle",
+     "3995",
+     "20000\n0\n0\n-20000\n-190000\n990000\n",
+     1,
+     {-180, 71.2119, 180, 90},
+     3114.93},
+    {"south_pole_inside",
+     "3031",
+     "20000\n0\n0\n-20000\n-990000\n990000\n",
+     1,
+     {-180, -90, 180, -77.0374},
+     3708.26},
+    {"pole_beside",
+     "3995",
+     "10000\n0\n0\n-10000\n505000\n505000\n",
+     1,
+     {45.5787, 75.4932, 135.5673, 85.4005},
+     543.990},
+    {"curved_edges",
+     "3035",
+     "10000\n0\n0\n-10000\n3505000\n3995000\n",
+     1,
+     {-4.1121, 49.5384, 13.1151, 59.1008},
+     139.113},
+};
+
+class Footprints : public testing::TestWithParam<FootprintCase> {};
+
+TEST_P(Footprints, LieOnTheEarth) {
+    const FootprintCase& c = GetParam();
+    const TempFolder folder;
+    const std::string file = folder.Write("map.tfw", c.world_file);
+    folder.Write("map.prj", RunTool({"crs", "--json", c.epsg}).Objects().at(0)["mapanchor"]["texts"]["prj"]);
+    const ToolRun run = RunTool({"footprint", "--size", "100x100", file});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const json feature = json::parse(run.out)["features"].at(0);
+    const std::unique_ptr<OGRGeometry> area(
+        OGRGeometryFactory::createFromGeoJson(feature["geometry"].dump().c_str()));
+    ASSERT_TRUE(area && area->IsValid()) << run.out;
+    const std::unique_ptr<OGRGeometry> parts(OGRGeometryFactory::forceToMultiPolygon(area->clone()));
+    EXPECT_EQ(feature["geometry"]["type"], c.parts == 1 ? "Polygon" : "MultiPolygon");
+    double square_degrees = 0.0;
+    std::size_t count = 0;
+    for (const OGRPolygon* part : *parts->toMultiPolygon()) {
+        ++count;
+        square_degrees += part->get_Area();
+        EXPECT_FALSE(part->getExteriorRing()->isClockwise());
+        OGREnvelope extent;
+        part->getEnvelope(&extent);
+        EXPECT_TRUE(extent.MinX >= -180 && extent.MaxX <= 180) << run.out;
+    }
+    EXPECT_EQ(count, c.parts);
+    EXPECT_NEAR(square_degrees, c.area, c.area * 1e-3);
+    for (std::size_t side = 0; side < c.box.size(); ++side)
+        EXPECT_NEAR(feature["bbox"][side].get<double>(), c.box[side], 1e-3) << side;
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, Footprints, testing::ValuesIn(kCases),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace

@@ -1,0 +1,114 @@
+#include "Commands.h"
+#include "CommonOptions.h"
+#include "Footprint.h"
+#include "JsonRenderer.h"
+#include "ReadFile.h"
+#include "ReadOptions.h"
+#include "Systems.h"
+#include "TextRenderer.h"
+#include "preview/Views.h"
+
+#include <Tellurion/BFileUtilities.h>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+constexpr const char* kDescription =
+    "Draw where a file lies, as SVG\n\n"
+    "Its area on a map of the Earth; the control points with arrows to where the transform\n"
+    "puts them, much enlarged; of a PDF the page with its boxes and maps.\n\n"
+    "Examples:\n"
+    "  mapanchor preview map.tif -o map.svg\n"
+    "  mapanchor preview --pdf-box crop map.pdf > map.svg";
+
+struct PreviewOptions {
+    CommonOptions common;
+    ReadOptions read;
+    std::string file;
+    std::string target;  ///< empty for stdout
+    bool overwrite = false;
+};
+
+std::string SubtitleOf(const ReadResult& result) {
+    std::string text = result.kind;
+    if (result.reference.HasCoordSys()) text += ", " + NameOf(*result.reference.CoordSys);
+    if (result.width)
+        text += ", " + std::to_string(*result.width) + " by " + std::to_string(*result.height) + " pixels";
+    return text;
+}
+
+std::string Draw(ReadResult& result) {
+    const auto footprint = FootprintOf(result);
+    const auto frame = FrameOf(result);
+    constexpr double kMostHeight =
+        2 * kMargin + 2 * kLine + kViewWidth / 2 + 2 * kLine + 2 * (kViewHeight + 2 * kLine);
+    Svg svg(kViewWidth + 2 * kMargin, kMostHeight);
+    double top = kMargin;
+    svg.Text({kMargin, top}, result.file, "title");
+    svg.Text({kMargin, top + kLine}, SubtitleOf(result), "label");
+    top += 2 * kLine;
+    top += DrawWorld(svg, top, footprint);
+    if (result.page) top += DrawPage(svg, top, *result.page);
+    if (frame && (!result.page || !result.reference.PointPairVector.empty()))
+        top += DrawRaster(svg, top, result, *frame);
+    svg.CutBelow(top);
+    return svg.ToText();
+}
+
+/// Throws OutputLost for a file that does not get all of it.
+void WriteFile(const std::string& file, const std::string& text) {
+    std::FILE* const out = std::fopen(file.c_str(), "wb");
+    const bool is_written = out && std::fwrite(text.data(), 1, text.size(), out) == text.size();
+    const bool is_closed = out && std::fclose(out) == 0;
+    if (!is_written || !is_closed) throw OutputLost("<" + file + "> cannot be written");
+}
+
+Json OutcomeJson(const PreviewOptions& options, const ReadResult& result) {
+    Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
+    if (result.failure)
+        ours["error"] = RenderJson(*result.failure);
+    else
+        ours["written"] = {options.target};
+    ours["diagnostics"] = RenderJson(result.diagnostics);
+    return {{"description", options.file}, {"mapanchor", std::move(ours)}};
+}
+
+bool MayWrite(const PreviewOptions& options) {
+    return options.target.empty() || options.overwrite ||
+           !Tellurion::BFileUtilities::Exists(Tellurion::BString(options.target));
+}
+
+ExitStatus Run(const PreviewOptions& options) {
+    const Console console = options.common.MakeConsole();
+    LogCollector log;
+    ReadResult result = ReadFile(options.file, options.read, log);
+    if (result.Ok() && !MayWrite(options))
+        result.failure = Failure{"BFileAccessException", "", "mapanchor",
+                                 "File <" + options.target + "> exists; --overwrite replaces it."};
+    const std::string drawing = result.Ok() ? Draw(result) : std::string();
+    if (result.Ok() && options.target.empty())
+        console.Print(drawing);
+    else if (result.Ok())
+        WriteFile(options.target, drawing);
+    if (options.common.json && !options.target.empty())
+        console.Print(ToText(OutcomeJson(options, result), options.common));
+    else
+        TalkAbout(options.file, result.diagnostics, result.failure ? &*result.failure : nullptr, console);
+    return result.Status();
+}
+
+}  // namespace
+
+void AddPreviewCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<PreviewOptions>();
+    CLI::App* preview = app.add_subcommand("preview", kDescription);
+    preview->add_option("FILE", options->file, "File to draw")->required();
+    preview->add_option("-o,--output", options->target, "SVG file to write; stdout without it")
+        ->type_name("SVG");
+    preview->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
+    options->read.AddTo(*preview);
+    options->common.AddTo(*preview);
+    preview->callback([options, &status] { status = Run(*options); });
+}
