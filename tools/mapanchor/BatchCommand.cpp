@@ -179,7 +179,8 @@ ExitStatus Batch::Run() {
         source_.ReadAhead();
         Deal();
         if (pool_.IsIdle() && source_.IsAtEnd()) break;
-        const bool can_wait = !pool_.HasFree() || source_.Descriptor() >= 0 || source_.IsListed();
+        const bool can_wait =
+            !pool_.HasFree() || source_.Pending() > 0 || source_.Descriptor() >= 0 || source_.IsListed();
         for (const JobOutcome& outcome : pool_.Wait(source_.Descriptor(), can_wait ? kTick : kTick * 0))
             Finish(outcome);
         progress_.Tell(Left());

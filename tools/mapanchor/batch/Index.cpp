@@ -8,6 +8,7 @@
 
 #include <ogrsf_frmts.h>
 
+#include <cstdint>
 #include <memory>
 #include <sstream>
 #include <stdexcept>

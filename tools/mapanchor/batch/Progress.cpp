@@ -2,6 +2,7 @@
 
 #include <Tellurion/Numbers.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 

@@ -29,8 +29,8 @@ RowFile::RowFile(const std::string& file) : file_(file) {
     std::ifstream in(file, std::ios::binary);
     for (std::string row; std::getline(in, row);) {
         const std::string name = NameIn(row);
-        const bool is_last = in.eof() || in.peek() == std::ifstream::traits_type::eof();
-        if (is_last && (in.eof() || name.empty())) break;
+        if (in.eof()) break;  // it has no line end
+        if (name.empty() && in.peek() == std::ifstream::traits_type::eof()) break;
         if (name.empty()) throw std::runtime_error("<" + file + "> is no file of rows, it stays as it is");
         names_.insert(name);
         whole += row.size() + 1;
@@ -42,7 +42,7 @@ RowFile::RowFile(const std::string& file) : file_(file) {
 }
 
 bool RowFile::Has(const std::string& name) const {
-    return names_.contains(AsInRow(name));
+    return !names_.empty() && names_.contains(AsInRow(name));
 }
 
 void RowFile::Print(std::string_view row) {
