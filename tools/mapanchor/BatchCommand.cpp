@@ -25,7 +25,7 @@ namespace {
 using Tellurion::BFileUtilities;
 using Tellurion::BString;
 
-constexpr const char* kDescription =
+constexpr const char* kBatchDescription =
     "Tell the references of many files, a row each\n\n"
     "Names come from stdin, or from folders with all that lies below. Each file is read in a\n"
     "worker process with a limit of time and memory: one that crashes, hangs or wants too much\n"
@@ -260,7 +260,7 @@ void AddLimits(CLI::App& batch, BatchOptions& options) {
 
 void AddBatchCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<BatchOptions>();
-    CLI::App* batch = app.add_subcommand("batch", kDescription);
+    CLI::App* batch = app.add_subcommand("batch", kBatchDescription);
     AddInputs(*batch, *options);
     AddOutputs(*batch, *options);
     AddLimits(*batch, *options);

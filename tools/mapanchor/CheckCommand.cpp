@@ -21,7 +21,7 @@ namespace {
 using Tellurion::BCoordSys;
 using Tellurion::PrintShortest;
 
-constexpr const char* kDescription =
+constexpr const char* kCheckDescription =
     "Judge each file by what its reference should be\n\n"
     "A file passes when it has a transform and all that the options ask. What is wrong is\n"
     "told with an id that stays: transform-missing, crs-missing, crs-mismatch, outside,\n"
@@ -181,7 +181,7 @@ ExitStatus Run(const CheckOptions& options) {
 
 void AddCheckCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<CheckOptions>();
-    CLI::App* check = app.add_subcommand("check", kDescription);
+    CLI::App* check = app.add_subcommand("check", kCheckDescription);
     check->add_option("FILE", options->files, "Files to judge; - reads names from stdin, one a line")
         ->required();
     check->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kFootprintDescription =
     "Tell the area of each file on the Earth, as GeoJSON\n\n"
     "Longitude and latitude on WGS 84, with as many points as the curves of the edge need,\n"
     "cut at the antimeridian. One collection of features or, with --json, a feature a line.\n\n"
@@ -78,7 +78,7 @@ ExitStatus Run(const FootprintOptions& options) {
 
 void AddFootprintCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<FootprintOptions>();
-    CLI::App* footprint = app.add_subcommand("footprint", kDescription);
+    CLI::App* footprint = app.add_subcommand("footprint", kFootprintDescription);
     footprint->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
         ->required();
     footprint->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");

@@ -13,7 +13,7 @@ using MapAnchor::BReferenceFormat;
 using MapAnchor::BReferenceFormats;
 using Tellurion::BString;
 
-constexpr const char* kDescription =
+constexpr const char* kFormatsDescription =
     "Tell what can be read and saved here, and by which reader\n\n"
     "Examples:\n"
     "  mapanchor formats\n"
@@ -79,7 +79,7 @@ ExitStatus Run(const CommonOptions& common) {
 
 void AddFormatsCommand(CLI::App& app, ExitStatus& status) {
     auto common = std::make_shared<CommonOptions>();
-    CLI::App* formats = app.add_subcommand("formats", kDescription);
+    CLI::App* formats = app.add_subcommand("formats", kFormatsDescription);
     common->AddTo(*formats);
     formats->callback([common, &status] { status = Run(*common); });
 }

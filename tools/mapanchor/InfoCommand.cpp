@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kInfoDescription =
     "Tell the reference of each file\n\n"
     "Examples:\n"
     "  mapanchor info map.tfw\n"
@@ -44,7 +44,7 @@ ExitStatus Run(const InfoOptions& options) {
 
 void AddInfoCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<InfoOptions>();
-    CLI::App* info = app.add_subcommand("info", kDescription);
+    CLI::App* info = app.add_subcommand("info", kInfoDescription);
     info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
         ->required();
     info->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");

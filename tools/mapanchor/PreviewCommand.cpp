@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kPreviewDescription =
     "Draw where a file lies, as SVG\n\n"
     "Its area on a map of the Earth; the control points with arrows to where the transform\n"
     "puts them, much enlarged; of a PDF the page with its boxes and maps.\n\n"
@@ -103,7 +103,7 @@ ExitStatus Run(const PreviewOptions& options) {
 
 void AddPreviewCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<PreviewOptions>();
-    CLI::App* preview = app.add_subcommand("preview", kDescription);
+    CLI::App* preview = app.add_subcommand("preview", kPreviewDescription);
     preview->add_option("FILE", options->file, "File to draw")->required();
     preview->add_option("-o,--output", options->target, "SVG file to write; stdout without it")
         ->type_name("SVG");
