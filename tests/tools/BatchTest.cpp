@@ -79,18 +79,25 @@ TEST_F(BatchRun, ARowForEachInputInOrder) {
     EXPECT_EQ(RunTool({"batch", "--progress", folder / "a.tfw"}).err.find("1 of 1 files, 0 failed"), 0U);
 }
 
-/// Sends a signal to the process that has opened a pipe without a writer for reading.
+bool HasOpen(const fs::path& process, const std::string& file) {
+    std::error_code error;
+    for (fs::directory_iterator entry(process / "fd", error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code unreadable;
+        if (fs::read_symlink(entry->path(), unreadable) == fs::path(file)) return true;
+    }
+    return false;
+}
+
+/// Sends a signal to the other process that has a pipe open, as soon as there is one.
 void KillReaderOf(const std::string& pipe, int signal) {
     const int writer = open(pipe.c_str(), O_WRONLY);  // waits for the reader
-    for (const auto& process : fs::directory_iterator("/proc")) {
-        const std::string number = process.path().filename().string();
-        std::error_code error;
-        if (number == std::to_string(getpid()) || number.find_first_not_of("0123456789") != std::string::npos)
-            continue;
-        for (fs::directory_iterator file(process.path() / "fd", error), end; !error && file != end;
-             file.increment(error)) {
-            std::error_code unreadable;
-            if (fs::read_symlink(file->path(), unreadable) == fs::path(pipe)) kill(std::stoi(number), signal);
+    for (bool is_sent = false; !is_sent;) {
+        for (const auto& process : fs::directory_iterator("/proc")) {
+            const std::string number = process.path().filename().string();
+            const bool is_other = number.find_first_not_of("0123456789") == std::string::npos &&
+                                  number != std::to_string(getpid());
+            if (is_other && HasOpen(process.path(), pipe)) is_sent = kill(std::stoi(number), signal) == 0;
         }
     }
     close(writer);
