@@ -114,7 +114,7 @@ TEST_F(BatchRun, OneBadFileCostsOneRow) {
     };
     const Bad bads[] = {{"hangs.tfw", "Timeout", {"--timeout", "0.7"}},
                         {"dies.tfw", "Crash", {}},
-                        {"huge.tfw", "OutOfMemory", {"--memory", "1"}}};
+                        {"huge.tfw", "OutOfMemory", {"--memory", "8"}}};
     for (const Bad& bad : bads) {
         std::vector<std::string> words = {"batch", "--jobs", "1"};
         words.insert(words.end(), bad.words.begin(), bad.words.end());
