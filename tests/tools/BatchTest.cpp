@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <gdal_priv.h>
+#include <ogrsf_frmts.h>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -4,6 +4,7 @@
 #include "TempFolder.h"
 
 #include <gdal_priv.h>
+#include <ogr_spatialref.h>
 
 #include <cmath>
 

@@ -3,7 +3,7 @@
 #include "RunTool.h"
 #include "TempFolder.h"
 
-#include <gdal_priv.h>
+#include <ogr_geometry.h>
 
 #include <memory>
 
