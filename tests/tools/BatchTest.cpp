@@ -172,7 +172,7 @@ TEST_F(BatchRun, RowsOfOtherKinds) {
     ASSERT_EQ(csv.size(), 4U);
     EXPECT_EQ(csv[1], folder / "deep/c.tfw" + ",true,WLD,EPSG:4326,100,100,10,40,20,50,,,");
     EXPECT_EQ(csv[2].find(folder / "none.tfw" + ",false,,,,,,,,,,BFileNotFoundException,"), 0U) << csv[2];
-    EXPECT_EQ(csv[3], "\"" + (folder / "a,\"\"1\"\".tfw") + "\",true,WLD,,100,100,,,,,,,");
+    EXPECT_EQ(csv[3], std::string("\"") + (folder / "a,\"\"1\"\".tfw") + "\",true,WLD,,100,100,,,,,,,");
     const auto sequence = rows("geojsonseq");
     ASSERT_EQ(sequence.size(), 3U);
     EXPECT_EQ(sequence[0][0], '\x1e');
