@@ -48,7 +48,7 @@ TEST(Preview, DrawsWhatIsThere) {
     const PreviewCase cases[] = {
         {"cut_area", "map<&>.tfw", {{"sea", 1}, {"area", 2}, {"ring", 0}, {"raster", 1}, {"point", 0}}},
         {"residuals", "map.tab", {{"area", 1}, {"point", 4}, {"arrow", 4}, {"raster", 1}}},
-        {"page", "map.pdf", {{"area", 2}, {"ring", 1}, {"box", 1}, {"raster", 1}}},
+        {"page", "map.pdf", {{"area", 2}, {"ring", 1}, {"box", 4}, {"raster", 1}}},
     };
     for (const PreviewCase& test : cases) {
         const std::string svg = folder / (std::string(test.name) + ".svg");

@@ -55,10 +55,26 @@ void AddRings(const OGRGeometry& geometry, double shift, Footprint& footprint) {
         AddRings(*part, shift, footprint);
 }
 
+/// Parts that touch along a meridian become one.
+void AddUnion(const OGRMultiPolygon& parts, Footprint& footprint) {
+    const std::unique_ptr<OGRGeometry> whole(parts.UnionCascaded());
+    if (whole) AddRings(*whole, 0.0, footprint);
+}
+
+void Shift(OGRGeometry& geometry, double shift, OGRMultiPolygon& parts) {
+    Footprint moved;
+    AddRings(geometry, shift, moved);
+    for (const auto& ring : moved.rings) {
+        const OGRPolygon part = ToPolygon(ring);
+        parts.addGeometry(&part);
+    }
+}
+
 /// False when the outline crosses itself, so that nothing can be cut.
 bool Cut(const OGRPolygon& area, const OGREnvelope& extent, Footprint& footprint) {
     const auto turn_of = [](double longitude) { return std::floor((longitude + kHalfTurn) / kTurn); };
     const double most_east = std::min(extent.MaxX, extent.MinX + kTurn);  // nothing is told twice
+    OGRMultiPolygon parts;
     for (double turn = turn_of(extent.MinX); turn <= turn_of(extent.MaxX); ++turn) {
         const double west = std::max(extent.MinX, turn * kTurn - kHalfTurn);
         const double east = std::min(most_east, turn * kTurn + kHalfTurn);
@@ -66,8 +82,9 @@ bool Cut(const OGRPolygon& area, const OGREnvelope& extent, Footprint& footprint
         const OGRPolygon strip = Strip(west, east);
         const std::unique_ptr<OGRGeometry> part(area.Intersection(&strip));
         if (!part) return false;
-        AddRings(*part, -turn * kTurn, footprint);
+        Shift(*part, -turn * kTurn, parts);
     }
+    AddUnion(parts, footprint);
     return true;
 }
 
