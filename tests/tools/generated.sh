@@ -13,16 +13,19 @@ sed 's/\\-/-/g; s/\\f[BIR]//g' "$scratch/man" >"$scratch/man.plain"
 mapfile -t commands < <("$tool" --help | sed -n '/^Subcommands:/,$s/^  \([a-z]\+\)  .*/\1/p')
 [ ${#commands[@]} -ge 5 ] || fail "--help lists ${#commands[@]} commands"
 
+man=$(cat "$scratch/man.plain")
+bash=$(cat "$scratch/bash")
+zsh=$(cat "$scratch/zsh")
 for command in "" "${commands[@]}"; do
-    [ -z "$command" ] || grep -q "^\.SS $command$" "$scratch/man.plain" || fail "$command is not in the man page"
+    [[ -z $command || $man == *$'\n'".SS $command"$'\n'* ]] || fail "$command is not in the man page"
+    in_zsh=${zsh#*"_mapanchor_${command:-without}()"}
+    in_bash=${bash#*"${command:-info}) _mapanchor_words '"}
     # shellcheck disable=SC2086
     for option in $("$tool" $command --help | grep -oP '^  -\S+' | tr ',' ' '); do
         option=${option%%:*}
-        grep -q -- "^.*$option\b" "$scratch/man.plain" || fail "$command $option is not in the man page"
-        sed -n "/^_mapanchor_${command:-without}()/,/^}/p" "$scratch/zsh" | grep -q -- "$option\[" ||
-            fail "$command $option is not in the zsh completion"
-        grep -q -- "${command:-info}) _mapanchor_words '.*$option\b" "$scratch/bash" ||
-            fail "$command $option is not in the bash completion"
+        [[ $man =~ $'\n'[^$'\n']*"$option"[$'\n'\ ,] ]] || fail "$command $option is not in the man page"
+        [[ ${in_zsh%%$'\n}'*} == *"$option["* ]] || fail "$command $option is not in the zsh completion"
+        [[ "'${in_bash%%\'*} " == *[\'\ ]"$option "* ]] || fail "$command $option is not in the bash completion"
     done
 done
 ! command -v man >/dev/null || [ -z "$(MANROFFOPT='-ww' man --warnings -E UTF-8 -l "$scratch/man" 2>&1 >/dev/null)" ] ||
