@@ -1,0 +1,58 @@
+# Debian packages by CPack, one a component: the libraries, what is needed to build on
+# them, and the tool. Their dependencies on other packages are those of the binaries.
+get_target_property(soversion MapAnchor SOVERSION)
+set(runtime_package libmapanchor${soversion})
+set(dev_package libmapanchor-dev)
+set(tool_package mapanchor)
+set(maintainer "The MapAnchor developers <maintainers@mapanchor.example>")
+
+set(changelog ${PROJECT_BINARY_DIR}/packaging/changelog.gz)
+add_custom_command(OUTPUT ${changelog}
+    COMMAND sh -c "\"$1\" \"$2\" \"$3\" | gzip -9n > \"$4\"" sh ${PROJECT_SOURCE_DIR}/packaging/changelog.sh
+            ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${maintainer} ${changelog}
+    DEPENDS ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/packaging/changelog.sh VERBATIM)
+add_custom_target(package_documents ALL DEPENDS ${changelog})
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging)
+
+foreach(component runtime dev tool)
+    set(name ${${component}_package})
+    install(FILES ${PROJECT_SOURCE_DIR}/packaging/copyright ${changelog}
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} COMPONENT ${component})
+    if(EXISTS ${PROJECT_SOURCE_DIR}/packaging/lintian/${component})
+        install(FILES ${PROJECT_SOURCE_DIR}/packaging/lintian/${component} RENAME ${name}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides COMPONENT ${component})
+    endif()
+    string(TOUPPER ${component} upper)
+    set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${name})
+    set(CPACK_DEBIAN_${upper}_FILE_NAME DEB-DEFAULT)
+endforeach()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_COMPONENTS_ALL runtime dev tool)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_PACKAGE_CONTACT ${maintainer})
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER ${maintainer})
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+set(purpose " MapAnchor tells in which coordinate system a raster or a map is, and how its
+ pixels relate to it: world files, RSF, TAB, ERS, GeoTIFF, charts, frames, MrSID,
+ JPEG 2000, ECW and geospatial PDF.\n .\n")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "library for the georeferencing of rasters and maps\n${purpose} This package holds the shared libraries.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+
+set(CPACK_DEBIAN_DEV_DESCRIPTION "library for the georeferencing of rasters and maps (development)\n${purpose} This package holds the headers, the CMake package and the pkg-config module.")
+set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
+
+set(CPACK_DEBIAN_TOOL_DESCRIPTION "command line for the georeferencing of rasters and maps\n${purpose} This package holds the command line.")
+set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+include(CPack)
