@@ -38,19 +38,29 @@ set(CPACK_PACKAGE_CONTACT ${maintainer})
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER ${maintainer})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-set(purpose " MapAnchor tells in which coordinate system a raster or a map is, and how its
- pixels relate to it: world files, RSF, TAB, ERS, GeoTIFF, charts, frames, MrSID,
- JPEG 2000, ECW and geospatial PDF.\n .\n")
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "library for the georeferencing of rasters and maps\n${purpose} This package holds the shared libraries.")
+# What the libraries are called in the dependencies of others, and what the linker must
+# know when they come and go.
+set(control ${PROJECT_BINARY_DIR}/packaging)
+set(version ">= ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
+file(WRITE ${control}/shlibs
+    "libMapAnchor ${soversion} ${runtime_package} (${version})\nlibTellurion ${soversion} ${runtime_package} (${version})\n")
+file(WRITE ${control}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${control}/shlibs ${control}/triggers)
+
+set(purpose "MapAnchor tells in which coordinate system a raster or a map is, and how its
+pixels relate to it: world files, RSF, TAB, ERS, GeoTIFF, charts, frames,
+MrSID, JPEG 2000, ECW and geospatial PDF.
+.
+This package holds")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${purpose} the shared libraries.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
 
-set(CPACK_DEBIAN_DEV_DESCRIPTION "library for the georeferencing of rasters and maps (development)\n${purpose} This package holds the headers, the CMake package and the pkg-config module.")
+set(CPACK_DEBIAN_DEV_DESCRIPTION "${purpose} what is needed to build on the libraries.")
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
 
-set(CPACK_DEBIAN_TOOL_DESCRIPTION "command line for the georeferencing of rasters and maps\n${purpose} This package holds the command line.")
+set(CPACK_DEBIAN_TOOL_DESCRIPTION "${purpose} the command line.")
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
