@@ -10,8 +10,9 @@ rm -f build/package/*.deb
 
 as_user=()
 [ "$(id -u)" -ne 0 ] || as_user=(--allow-root)
-lintian "${as_user[@]}" --fail-on error,warning --show-overrides build/package/*.deb
-echo "package: lintian accepts"
+lintian "${as_user[@]}" --fail-on error,warning build/package/*.deb
+echo "package: lintian accepts; overlooked on purpose:"
+grep -hv "^#" packaging/lintian/*
 
 unpacked=$(mktemp -d)
 trap 'rm -rf "$unpacked"' EXIT
