@@ -1,5 +1,7 @@
 #include "BRefGeoPDF.h"
 
+#include "import/ReadGeoPDF.h"
+
 #include "PdfParameters.h"
 #include "import/CGeoPDFImportWM.h"
 #include "import/CSpatialPDFImport.h"
@@ -196,9 +198,8 @@ void StoreMatrix(BGeoReference& reference, const std::vector<double>& matrix, co
 
 }  // namespace
 
-bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
-                      EMathTransformType mathType, long width, long height, const BParamList* params) {
-    CPDFDocument document(QString::fromStdWString(file.WideStr()));
+bool ReadGeoPDF(CPDFDocument& document, unsigned int flags, BGeoReference& reference,
+                EMathTransformType mathType, long width, long height, const BParamList* params) {
     const CMeasureDictionaryData record = ReadRecord(document);
     const PDFCropType crop = CropTypeOf(params);
     if (record.GPTS.size() != record.LPTS.size()) return false;
@@ -216,6 +217,12 @@ bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoRefere
     if (!MakePairs(record, frame, search.system.Get(), pairs)) return false;
     StoreControlPoints(reference, pairs, mathType, size, strictness.Transform(), kPointsVoice);
     return true;
+}
+
+bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
+                      EMathTransformType mathType, long width, long height, const BParamList* params) {
+    CPDFDocument document(QString::fromStdWString(file.WideStr()));
+    return ReadGeoPDF(document, flags, reference, mathType, width, height, params);
 }
 
 bool BRefGeoPDF::Read(const BString& file, BGeoReference& reference, EMathTransformType mathType, long width,
