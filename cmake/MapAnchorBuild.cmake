@@ -5,6 +5,8 @@ add_library(mapanchor_options INTERFACE)
 target_compile_options(mapanchor_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2
+    # The staged folder GeoCalc links to files in one of the same name in lower case.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-nonportable-include-path>
     $<$<BOOL:${MAPANCHOR_WERROR}>:-Werror>)
 if(MAPANCHOR_SANITIZERS)
     add_compile_options(-fsanitize=${MAPANCHOR_SANITIZERS} -fno-omit-frame-pointer)

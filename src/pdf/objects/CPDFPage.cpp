@@ -2,6 +2,7 @@
 
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFXObject.h"
+#include "objects/PageTree.h"
 #include "objects/PdfText.h"
 
 namespace VellumLib {
@@ -11,6 +12,7 @@ using PoDoFo::PdfObject;
 
 CPDFPage::CPDFPage(CPDFDocument* document, int index) : document_(document) {
     if (index < 0) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_PageNotFound);
+    RequireReachablePage(document_->Document(), index);
     page_ = document_->Document().GetPage(index);
     if (!page_ || !page_->GetObject() || !page_->GetObject()->IsDictionary())
         PODOFO_RAISE_ERROR(PoDoFo::ePdfError_PageNotFound);

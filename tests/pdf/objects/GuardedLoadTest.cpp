@@ -1,5 +1,8 @@
 #include "objects/GuardedLoad.h"
 
+#include "objects/CPDFDocument.h"
+#include "objects/CPDFPage.h"
+
 #include <sys/stat.h>
 
 #include <podofo/podofo.h>
@@ -149,6 +152,47 @@ TEST(GuardedLoad, HundredsOfBadFilesDoNotSpoilAGoodOne) {
         EXPECT_THROW(document.GetPage(0), PdfError);
     }
     EXPECT_EQ(CodeOf(folder.Write("small.pdf", SmallFile())), ePdfError_ErrOk);
+}
+
+// A chain of nodes above the page; `back` is what the last of them has for a kid.
+std::string ChainOfNodes(int depth, int back = 0) {
+    PdfBuilder file;
+    file.Add("<</Type/Catalog/Pages 2 0 R>>");
+    for (int i = 0; i < depth; ++i) {
+        const int kid = back > 0 && i + 1 == depth ? back : i + 3;
+        file.Add("<</Type/Pages/Count 1/Kids[" + std::to_string(kid) + " 0 R]>>");
+    }
+    file.Add("<</Type/Page/MediaBox[0 0 100 100]>>" + std::string(600, ' '));
+    return file.Finish();
+}
+
+struct TreeCase {
+    const char* name;
+    std::string file;
+    bool found;
+};
+
+// Found after hundreds of searches that failed on the same thread.
+TEST(PageTree, IsSearchedAsDeepAsTheThreadCanGoWithoutLosingALevel) {
+    const TreeCase cases[] = {
+        {"too_deep", ChainOfNodes(300), false},
+        {"back_to_the_root", ChainOfNodes(60, 2), false},
+        {"back_to_itself", ChainOfNodes(60, 61), false},
+        {"deep", ChainOfNodes(190), true},
+        {"flat", SmallFile(), true},
+    };
+    for (const TreeCase& row : cases) {
+        SCOPED_TRACE(row.name);
+        const TempFolder folder;
+        const QString path = QString::fromStdString(folder.Write("tree.pdf", row.file));
+        for (int i = 0; i < (row.found ? 1 : 300); ++i) {
+            CPDFDocument document(path);
+            if (row.found)
+                EXPECT_EQ(document.GetPage(0).GetMediaBox().at(2), 100.0);
+            else
+                EXPECT_THROW(document.GetPage(0), PdfError);
+        }
+    }
 }
 
 TEST(GuardedLoad, OpensAHundredThousandObjects) {
