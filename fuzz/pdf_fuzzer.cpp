@@ -45,6 +45,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const QString path = QString::fromUtf8(std::string(memory.Path().Utf8()).c_str());
     memory.Fill(data, size);
     fuzz::Survives([] {
+        CPDFDocument document(path, EPDFExtent::FirstPageAlone);
+        AskPage(document.GetPage(0));
+    });
+    fuzz::Survives([] {
         CPDFDocument document(path);
         AskDocument(document);
         CPDFPage& page = document.GetPage(0);

@@ -173,7 +173,7 @@ BGeoPDFBox BGeoPDFPage::BoxForCropType(int cropType) const {
 BGeoPDFPage BGeoPDFPage::Describe(const BString& file) {
     BGeoPDFPage page;
     const BString fault = FaultOf([&] {
-        CPDFDocument document(QString::fromStdWString(file.WideStr()));
+        CPDFDocument document(QString::fromStdWString(file.WideStr()), VellumLib::EPDFExtent::FirstPage);
         MapAnchor::Describe(document, page);
         if (!page.Fault.IsEmpty() || !page.MediaBox.Present)
             page.Explanation = BString(VellumLib::ExplainRefusedForm(document));

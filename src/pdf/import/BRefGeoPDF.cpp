@@ -221,7 +221,7 @@ bool ReadGeoPDF(CPDFDocument& document, unsigned int flags, BGeoReference& refer
 
 bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
                       EMathTransformType mathType, long width, long height, const BParamList* params) {
-    CPDFDocument document(QString::fromStdWString(file.WideStr()));
+    CPDFDocument document(QString::fromStdWString(file.WideStr()), VellumLib::EPDFExtent::FirstPage);
     return ReadGeoPDF(document, flags, reference, mathType, width, height, params);
 }
 

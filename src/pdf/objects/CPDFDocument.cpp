@@ -4,7 +4,6 @@
 #include "objects/CPDFPage.h"
 #include "objects/CPDFString.h"
 #include "objects/ContentReader.h"
-#include "objects/GuardedLoad.h"
 #include "objects/PdfText.h"
 
 #include <QObject>
@@ -42,7 +41,7 @@ QString WrongType(const char* type) {
 
 }  // namespace
 
-CPDFDocument::CPDFDocument(const QString& path) {
+CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(extent) {
     Silence();
     document_ = std::make_unique<PoDoFo::PdfMemDocument>();
     try {
@@ -57,7 +56,7 @@ CPDFDocument::CPDFDocument(const QString& path) {
 }
 
 void CPDFDocument::Load(const QString& path) {
-    LoadGuarded(*document_, path.toUtf8().constData());
+    LoadGuarded(*document_, path.toUtf8().constData(), extent_);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
 }
 
@@ -170,6 +169,7 @@ int CPDFDocument::RemoveReferencedObjects(const CPDFDictionary& dictionary) {
 }
 
 void CPDFDocument::Write(const QString& path) {
+    if (extent_ != EPDFExtent::Whole) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InternalLogic);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
     std::vector<char> buffer(kWriteBuffer);
     std::ofstream out;

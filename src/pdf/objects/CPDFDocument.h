@@ -2,6 +2,7 @@
 
 #include "objects/CPDFArray.h"
 #include "objects/CPDFDictionary.h"
+#include "objects/GuardedLoad.h"
 
 #include <QString>
 
@@ -22,7 +23,10 @@ public:
     /// Opens and reads the file; objects load when they are asked for. An encrypted
     /// file throws a PdfError (invalid password), one that lacks an object it refers to
     /// a CCorruptedPDFException.
-    explicit CPDFDocument(const QString& path);
+    ///
+    /// Of less than the whole extent only the first page's boxes and maps are asked,
+    /// and it is not written.
+    explicit CPDFDocument(const QString& path, EPDFExtent extent = EPDFExtent::Whole);
     ~CPDFDocument();
     CPDFDocument(const CPDFDocument&) = delete;
     CPDFDocument& operator=(const CPDFDocument&) = delete;
@@ -61,6 +65,7 @@ private:
     QString GetInfoText(const char* key);
     PoDoFo::PdfObject* ObjectOf(const PoDoFo::PdfReference& reference);
 
+    const EPDFExtent extent_;
     std::unique_ptr<PoDoFo::PdfMemDocument> document_;
     std::map<int, std::unique_ptr<CPDFPage>> pages_;
 };

@@ -31,21 +31,35 @@ FileWindow::~FileWindow() {
 }
 
 int FileWindow::Fetch(std::int64_t position) {
-    if (position < 0 || position >= size_) return -1;
+    if (position < 0 || position >= Size()) return -1;
     const auto width = static_cast<std::int64_t>(window_.size());
     // Forward reading goes on at the position itself, a jump keeps a piece before it.
     const bool onward = position == start_ + filled_;
-    start_ = onward ? position : std::max<std::int64_t>(0, std::min(position - kLookBack, size_ - width));
+    start_ = onward ? position : std::max<std::int64_t>(0, std::min(position - kLookBack, Size() - width));
     filled_ = 0;
     while (filled_ < width) {
-        const ssize_t got = pread(descriptor_, window_.data() + filled_,
-                                  static_cast<std::size_t>(width - filled_), start_ + filled_);
-        if (got < 0 && errno == EINTR) continue;
+        const std::int64_t got = FillFrom(start_ + filled_, window_.data() + filled_, width - filled_);
         if (got <= 0) break;
         filled_ += got;
     }
     const std::int64_t index = position - start_;
     return index < filled_ ? window_[static_cast<std::size_t>(index)] : -1;
+}
+
+std::int64_t FileWindow::FillFrom(std::int64_t position, unsigned char* target, std::int64_t count) {
+    if (position >= size_) {
+        const auto begin = static_cast<std::size_t>(position - size_);
+        if (begin >= appendix_.size()) return 0;
+        const std::size_t piece = std::min(appendix_.size() - begin, static_cast<std::size_t>(count));
+        std::copy_n(appendix_.data() + begin, piece, target);
+        return static_cast<std::int64_t>(piece);
+    }
+    const auto wanted = static_cast<std::size_t>(std::min(count, size_ - position));
+    ssize_t got = -1;
+    do
+        got = pread(descriptor_, target, wanted, position);
+    while (got < 0 && errno == EINTR);
+    return got;
 }
 
 std::size_t FileWindow::Read(std::int64_t position, char* target, std::size_t count) {

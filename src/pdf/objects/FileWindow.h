@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace VellumLib {
 
@@ -19,8 +20,10 @@ public:
     FileWindow& operator=(const FileWindow&) = delete;
 
     bool IsOpen() const { return descriptor_ >= 0; }
-    /// The length that the file had when it was opened.
-    std::int64_t Size() const { return size_; }
+    /// The length that the file had when it was opened, and of what was appended.
+    std::int64_t Size() const { return size_ + static_cast<std::int64_t>(appendix_.size()); }
+    /// Goes on behind the end of the file as if `text` stood there.
+    void Append(std::string text) { appendix_ = std::move(text); }
 
     /// The byte at `position`, -1 behind the end.
     int At(std::int64_t position) {
@@ -33,9 +36,11 @@ public:
 
 private:
     int Fetch(std::int64_t position);
+    std::int64_t FillFrom(std::int64_t position, unsigned char* target, std::int64_t count);
 
     int descriptor_ = -1;
     std::int64_t size_ = 0;
+    std::string appendix_;
     std::int64_t start_ = 0;
     std::int64_t filled_ = 0;
     std::array<unsigned char, 32 * 1024> window_;

@@ -15,6 +15,9 @@ namespace {
 
 using namespace PoDoFo;
 
+// About where finding the first page's objects costs less than parsing all of them.
+constexpr std::int64_t kManyRows = 200;
+
 /// The parser's settings of the whole process, as a load needs them, and as they were
 /// afterwards: a cap on object numbers, and nothing on standard error.
 class ParserSettings {
@@ -42,13 +45,15 @@ private:
 
 }  // namespace
 
-void LoadGuarded(PdfMemDocument& document, const std::string& utf8_path) {
+void LoadGuarded(PdfMemDocument& document, const std::string& utf8_path, EPDFExtent extent) {
     if (utf8_path.empty()) RefusePdf(ePdfError_InvalidHandle, "No file is named.");
     auto* const device = new GuardedDevice(utf8_path);
     // Shared with the document's objects: the last of them closes the file.
     const PdfRefCountedInputDevice shared(device);
     if (device->Reader().HasHeader() && !device->Reader().HasEndMarker())
         RefusePdf(ePdfError_NoEOFToken, "EOF marker could not be found.");
+    if (extent != EPDFExtent::Whole)
+        device->Reader().NarrowToFirstPage(extent == EPDFExtent::FirstPage ? kManyRows : 0);
     try {
         const ParserSettings settings;
         document.LoadFromDevice(shared);

@@ -8,6 +8,16 @@ class PdfMemDocument;
 
 namespace VellumLib {
 
+/// How much of a document is asked for.
+enum class EPDFExtent {
+    Whole,
+    /// The catalog, the way to the first page, its boxes and its maps; a file with few
+    /// objects is loaded whole, since that costs no more.
+    FirstPage,
+    /// The same for a file of any size.
+    FirstPageAlone
+};
+
 /// Loads a PDF from any bytes, within a second and memory in proportion to the file.
 ///
 /// Objects and streams stay in the file until they are asked for: the document keeps
@@ -15,6 +25,7 @@ namespace VellumLib {
 /// stay in force. Throws PoDoFo::PdfError: FileNotFound, InvalidPassword for every
 /// encrypted file whatever its cipher, OutOfMemory or BrokenFile for what the file
 /// asks beyond its means, and the parser's own errors for the rest.
-void LoadGuarded(PoDoFo::PdfMemDocument& document, const std::string& utf8_path);
+void LoadGuarded(PoDoFo::PdfMemDocument& document, const std::string& utf8_path,
+                 EPDFExtent extent = EPDFExtent::Whole);
 
 }  // namespace VellumLib

@@ -1,5 +1,6 @@
 #include "objects/GuardedReader.h"
 
+#include "objects/FirstPageExcerpt.h"
 #include "objects/StreamInspection.h"
 
 #include <podofo/base/PdfDefines.h>
@@ -176,6 +177,10 @@ void GuardedReader::TakeTableEntry(std::int64_t start, const char* data, std::si
     const bool in_use = std::string_view(data, size).find('n') != std::string_view::npos;
     if (in_use && table_number_ >= 0) budget_.AnnounceObject(static_cast<std::uint64_t>(table_number_));
     ++table_number_;
+}
+
+void GuardedReader::NarrowToFirstPage(std::int64_t fewest_rows) {
+    file_.Append(ExcerptOfFirstPage(file_, fewest_rows));
 }
 
 void GuardedReader::EndLoading() {

@@ -30,6 +30,8 @@ public:
     std::size_t Read(char* target, std::int64_t count);
     bool AtEnd() const { return at_end_; }
 
+    /// Shows the parser the first page alone, where that spares it many objects.
+    void NarrowToFirstPage(std::int64_t fewest_rows);
     /// From here on objects come when they are asked for.
     void EndLoading();
     /// False for a file without the end marker near its end; nothing is looked

@@ -54,10 +54,10 @@ void UsePage(PdfMemDocument& document) {
     page->GetObject()->GetIndirectKey("VP");
 }
 
-int LoadAndUse(const std::string& path) {
+int LoadAndUse(const std::string& path, EPDFExtent extent = EPDFExtent::Whole) {
     try {
         PdfMemDocument document;
-        LoadGuarded(document, path);
+        LoadGuarded(document, path, extent);
         UsePage(document);
         return kLoaded;
     } catch (const PdfError& error) {
@@ -78,6 +78,7 @@ Outcome LoadApart(const std::string& path) {
         alarm(kHangSeconds);
         PdfError::EnableDebug(false);
         PdfError::EnableLogging(false);
+        if (LoadAndUse(path, EPDFExtent::FirstPageAlone) == kForeign) _exit(kForeign);
         _exit(LoadAndUse(path));
     }
     Outcome outcome;

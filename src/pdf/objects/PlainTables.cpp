@@ -1,0 +1,175 @@
+#include "objects/PlainTables.h"
+
+#include "objects/LoadBudget.h"
+#include "objects/SyntaxTracker.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+namespace VellumLib {
+
+namespace {
+
+using namespace PoDoFo;
+
+constexpr std::int64_t kRow = 20;
+constexpr std::int64_t kEndOfFile = 1024;
+constexpr std::size_t kText = 8 * 1024 * 1024;
+constexpr std::int64_t kWhite = 1000;
+constexpr std::size_t kReferenceText = 48;
+constexpr std::size_t kSections = 50;
+constexpr std::int64_t kLargest = 9'999'999'999;
+
+void Require(bool held) {
+    if (!held) RefusePdf(ePdfError_InvalidXRef, "The cross-references are not plain.");
+}
+
+bool IsWhite(int byte) {
+    return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t' || byte == '\f' || byte == 0;
+}
+
+bool IsDigit(int byte) {
+    return byte >= '0' && byte <= '9';
+}
+
+}  // namespace
+
+PlainTables::PlainTables(FileWindow& file) : file_(file) {
+    std::set<std::int64_t> seen;
+    std::int64_t start = FindStart();
+    for (bool more = true; more;) {
+        Require(seen.size() < kSections && seen.insert(start).second);
+        PdfVariant trailer = ReadSection(start);
+        const PdfDictionary& keys = trailer.GetDictionary();
+        Require(!keys.HasKey("Encrypt") && !keys.HasKey("XRefStm"));
+        const PdfObject* const previous = keys.GetKey("Prev");
+        more = previous != nullptr;
+        if (more) {
+            Require(previous->IsNumber());
+            start = previous->GetNumber();
+        }
+        if (seen.size() == 1) trailer_ = std::move(trailer);
+    }
+}
+
+std::int64_t PlainTables::CountRows() const {
+    std::int64_t count = 0;
+    for (const Subsection& subsection : subsections_)
+        count += subsection.count;
+    return count;
+}
+
+std::int64_t PlainTables::FindStart() {
+    constexpr std::string_view kWord = "startxref";
+    const std::int64_t first = std::max<std::int64_t>(0, file_.Size() - kEndOfFile);
+    std::string end(static_cast<std::size_t>(file_.Size() - first), '\0');
+    end.resize(file_.Read(first, end.data(), end.size()));
+    const std::size_t found = end.rfind(kWord);
+    Require(found != std::string::npos && end.find("%%EOF", found) != std::string::npos);
+    std::int64_t position = first + static_cast<std::int64_t>(found + kWord.size());
+    return TakeNumber(position);
+}
+
+/// Notes where the rows are, and gives the trailer.
+PdfVariant PlainTables::ReadSection(std::int64_t start) {
+    std::int64_t position = start;
+    Require(TakeWord(position, "xref"));
+    while (!TakeWord(position, "trailer")) {
+        const std::int64_t first = TakeNumber(position);
+        const std::int64_t count = TakeNumber(position);
+        SkipWhite(position);
+        Require(first <= LoadBudget::kObjectNumbers && count <= (file_.Size() - position) / kRow);
+        subsections_.push_back({first, count, position});
+        position += count * kRow;
+    }
+    PdfVariant trailer = ValueAt(position);
+    Require(trailer.IsDictionary());
+    return trailer;
+}
+
+PlainTables::Row PlainTables::RowAt(std::int64_t position) {
+    std::int64_t at = position;
+    Row row{};
+    row.offset = TakeNumber(at);
+    Require(at == position + 10 && file_.At(at) == ' ' && IsDigit(file_.At(at + 1)));
+    row.generation = TakeNumber(at);
+    Require(at == position + 16 && file_.At(at) == ' ' && IsWhite(file_.At(at + 2)) &&
+            IsWhite(file_.At(at + 3)));
+    row.used = file_.At(at + 1) == 'n';
+    Require(row.used || file_.At(at + 1) == 'f');
+    return row;
+}
+
+std::optional<std::int64_t> PlainTables::Find(const PdfReference& reference) {
+    const auto number = static_cast<std::int64_t>(reference.ObjectNumber());
+    for (const Subsection& subsection : subsections_) {
+        if (number < subsection.first || number >= subsection.first + subsection.count) continue;
+        const Row row = RowAt(subsection.rows + (number - subsection.first) * kRow);
+        if (!row.used || row.generation != reference.GenerationNumber()) return {};
+        Require(row.offset > 0);
+        return row.offset;
+    }
+    return {};
+}
+
+PdfVariant PlainTables::ObjectAt(std::int64_t offset, const PdfReference& reference) {
+    std::int64_t position = offset;
+    Require(IsDigit(file_.At(offset)));
+    Require(TakeNumber(position) == static_cast<std::int64_t>(reference.ObjectNumber()));
+    Require(TakeNumber(position) == reference.GenerationNumber() && TakeWord(position, "obj"));
+    return ValueAt(position);
+}
+
+/// The extent of the value is found first, so that the tokenizer never meets one that
+/// is too deep or too large for it.
+PdfVariant PlainTables::ValueAt(std::int64_t position) {
+    SyntaxTracker tracker;
+    std::string text;
+    while (!tracker.ValueEnded()) {
+        const int byte = file_.At(position++);
+        Require(byte >= 0 && ++text_ < kText);
+        tracker.Consume(static_cast<unsigned char>(byte));
+        Require(tracker.Depth() <= LoadBudget::kDeepest &&
+                tracker.Values() <= LoadBudget::kValuesOfOneObject &&
+                copies_ + tracker.CopyCost() <= LoadBudget::kCopiesOfOneObject);
+        text.push_back(static_cast<char>(byte));
+    }
+    copies_ += tracker.CopyCost();
+    // A number may turn out to be the first of a reference.
+    const std::size_t size = text.size();
+    text.resize(size + kReferenceText);
+    text.resize(size + file_.Read(position, text.data() + size, kReferenceText));
+    PdfTokenizer tokenizer(text.data(), text.size());
+    PdfVariant value;
+    tokenizer.GetNextVariant(value, nullptr);
+    return value;
+}
+
+void PlainTables::SkipWhite(std::int64_t& position) {
+    const std::int64_t start = position;
+    while (IsWhite(file_.At(position)))
+        Require(++position - start < kWhite);
+}
+
+std::int64_t PlainTables::TakeNumber(std::int64_t& position) {
+    SkipWhite(position);
+    Require(IsDigit(file_.At(position)));
+    std::int64_t number = 0;
+    for (int byte = file_.At(position); IsDigit(byte); byte = file_.At(++position)) {
+        number = number * 10 + (byte - '0');
+        Require(number <= kLargest);
+    }
+    return number;
+}
+
+bool PlainTables::TakeWord(std::int64_t& position, std::string_view word) {
+    SkipWhite(position);
+    std::int64_t at = position;
+    for (const char byte : word)
+        if (file_.At(at++) != byte) return false;
+    position = at;
+    return true;
+}
+
+}  // namespace VellumLib

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "objects/FileWindow.h"
+
+#include <podofo/podofo.h>
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace VellumLib {
+
+/// The cross-reference tables of a file and the objects that they lead to, without a
+/// look at any row but those that are asked for. Every doubt, a stream of
+/// cross-references or encryption among them, ends in a PdfError: the parser proper has
+/// its own ways with such files.
+class PlainTables {
+public:
+    explicit PlainTables(FileWindow& file);
+
+    std::int64_t CountRows() const;
+    /// Of the newest section.
+    const PoDoFo::PdfDictionary& Trailer() const { return trailer_.GetDictionary(); }
+    /// Where the object is; none for one that does not exist.
+    std::optional<std::int64_t> Find(const PoDoFo::PdfReference& reference);
+    /// The object without its stream.
+    PoDoFo::PdfVariant ObjectAt(std::int64_t offset, const PoDoFo::PdfReference& reference);
+
+private:
+    struct Subsection {
+        std::int64_t first;
+        std::int64_t count;
+        std::int64_t rows;
+    };
+    /// A row of a table.
+    struct Row {
+        std::int64_t offset;
+        std::int64_t generation;
+        bool used;
+    };
+
+    std::int64_t FindStart();
+    PoDoFo::PdfVariant ReadSection(std::int64_t start);
+    Row RowAt(std::int64_t position);
+    PoDoFo::PdfVariant ValueAt(std::int64_t position);
+
+    // Steps over what stands at the position.
+    void SkipWhite(std::int64_t& position);
+    std::int64_t TakeNumber(std::int64_t& position);
+    bool TakeWord(std::int64_t& position, std::string_view word);
+
+    FileWindow& file_;
+    std::size_t text_ = 0;                 ///< bytes of values so far
+    std::uint64_t copies_ = 0;             ///< what parsing them has cost
+    std::vector<Subsection> subsections_;  ///< those of newer sections first
+    PoDoFo::PdfVariant trailer_;
+};
+
+}  // namespace VellumLib

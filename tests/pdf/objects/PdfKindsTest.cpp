@@ -1,0 +1,199 @@
+// The same map in every kind of PDF file: boxes and reference come out alike, whether
+// the file is loaded whole or for its first page alone.
+
+#include "objects/CPDFDocument.h"
+#include "objects/CPDFPage.h"
+
+#include <MapAnchor/BMapAnchor.h>
+#include <Tellurion/BException.h>
+
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPdfWriter>
+
+#include "GeoPdfFiles.h"
+#include "TempFolder.h"
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+
+namespace VellumLib {
+namespace {
+
+using namespace Tellurion;
+using MapAnchor::BMapAnchor;
+
+constexpr int kWidth = 612;
+constexpr int kHeight = 792;
+
+bool Qpdf(const std::string& arguments) {
+    return std::system(("qpdf " + arguments + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+struct Kind {
+    const char* name;
+    /// Writes map.pdf; false where the tool for it is missing.
+    std::function<bool(const TempFolder&)> make;
+    /// Loading the first page alone leaves objects out.
+    bool narrows = true;
+    bool has_box = true;
+};
+
+std::ostream& operator<<(std::ostream& out, const Kind& kind) {
+    return out << kind.name;
+}
+
+bool Write(const TempFolder& folder, const std::string& text) {
+    folder.Write("map.pdf", text);
+    return true;
+}
+
+// One object more than the page needs.
+PagePdf Plain(const std::string& page_keys = "/MediaBox [0 0 612 792]") {
+    GeoPdf::Viewport viewport;
+    viewport.page = page_keys;
+    return viewport.Pdf().Add("<< /Left /Out >>");
+}
+
+bool WriteByQpdf(const TempFolder& folder, const std::string& options) {
+    const std::string plain = folder.Write("plain.pdf", Plain().Text());
+    return Qpdf(options + " '" + plain + "' '" + folder / "map.pdf" + "'");
+}
+
+bool WriteTwice(const TempFolder& folder) {
+    const std::string plain = folder.Write("plain.pdf", Plain().Text());
+    return Qpdf("--empty --pages '" + plain + "' 1 '" + plain + "' 1 -- '" + folder / "map.pdf" + "'");
+}
+
+/// The page is replaced by an update; the older one has other boxes.
+std::string Updated() {
+    std::string text = Plain("/MediaBox [0 0 1 1]").Text();
+    const std::size_t previous = text.rfind("xref\n0");
+    const std::string newer = Plain().Text();
+    const std::size_t from = newer.find("3 0 obj");
+    const std::string page = newer.substr(from, newer.find("4 0 obj") - from);
+    char row[32];
+    std::snprintf(row, sizeof row, "%010zu 00000 n \n", text.size());
+    text += page;
+    const std::size_t start = text.size();
+    return text + "xref\n3 1\n" + row + "trailer\n<< /Root 1 0 R /Size 7 /Prev " + std::to_string(previous) +
+           " >>\nstartxref\n" + std::to_string(start) + "\n%%EOF\n";
+}
+
+std::string ManyObjects() {
+    PagePdf file = Plain();
+    for (int i = 0; i < 1'000; ++i)
+        file.Add("<< /Number " + std::to_string(i) + " >>");
+    return file.Text();
+}
+
+/// Two nodes stand between the root and the page; the first counts no pages.
+std::string TreeOfNodes() {
+    std::string text = Plain()
+                           .Inherit("/Spare (      )")
+                           .Add("<< /Type /Pages /Kids [ ] /Count 0 >>")
+                           .Add("<< /Type /Pages /Kids [ 3 0 R ] /Count 1 >>")
+                           .Text();
+    const std::string direct = "/Kids [ 3 0 R ] /Count 1 /Spare (      )";
+    const std::string nodes = "/Kids [ 7 0 R 8 0 R ] /Count 1 /Spare ()";
+    return text.replace(text.find(direct), direct.size(), nodes);
+}
+
+bool WriteByQt(const TempFolder& folder) {
+    int count = 1;
+    char name[] = "kinds";
+    char* arguments[] = {name, nullptr};
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(count, arguments);
+    const std::string path = folder / "map.pdf";
+    {
+        QPdfWriter writer(QString::fromStdString(path));
+        writer.setPageSize(QPageSize(QSizeF(kWidth, kHeight), QPageSize::Point));
+        QPainter(&writer).fillRect(100, 100, 500, 300, Qt::red);
+    }
+    BGeoReference reference;
+    const std::unique_ptr<BMathTransform> transform(
+        BMathTransform::CreateAffine(1.0 / kWidth, 0, 15, 0, -1.0 / kHeight, 48, true));
+    reference.SetMathTransform(*transform);
+    reference.SetCoordSys(BSharedPtr<BCoordSys>(BCoordSys::FromEPSGCode("4326")));
+    BMapAnchor::Save(EReferenceType::GeoPDF, BString(path), reference, kWidth, kHeight, BString(), 0,
+                     nullptr);
+    return true;
+}
+
+const std::vector<Kind> kKinds = {
+    {"plain", [](const TempFolder& folder) { return Write(folder, Plain().Text()); }},
+    {"updated", [](const TempFolder& folder) { return Write(folder, Updated()); }},
+    {"many_objects", [](const TempFolder& folder) { return Write(folder, ManyObjects()); }},
+    {"indirect_resources",
+     [](const TempFolder& folder) {
+         return Write(folder, Plain("/MediaBox [0 0 612 792] /Resources 6 0 R /Contents 6 0 R").Text());
+     }},
+    {"inherited_box",
+     [](const TempFolder& folder) {
+         return Write(folder, Plain("").Inherit("/MediaBox [0 0 612 792]").Text());
+     },
+     true, false},
+    {"object_streams",
+     [](const TempFolder& folder) { return WriteByQpdf(folder, "--object-streams=generate"); }, false},
+    {"linearised",
+     [](const TempFolder& folder) { return WriteByQpdf(folder, "--linearize --object-streams=disable"); }},
+    {"linearised_with_object_streams",
+     [](const TempFolder& folder) { return WriteByQpdf(folder, "--linearize --object-streams=generate"); },
+     false},
+    {"tree_of_nodes", [](const TempFolder& folder) { return Write(folder, TreeOfNodes()); }},
+    {"several_pages", WriteTwice},
+    {"by_qt", WriteByQt},
+};
+
+class PdfKinds : public testing::TestWithParam<Kind> {};
+
+TEST_P(PdfKinds, ReadAlike) {
+    const TempFolder folder;
+    if (!GetParam().make(folder)) GTEST_SKIP() << "needs qpdf";
+    const std::string path = folder / "map.pdf";
+    std::size_t objects[2] = {};
+    for (const EPDFExtent extent : {EPDFExtent::Whole, EPDFExtent::FirstPageAlone}) {
+        CPDFDocument document(QString::fromStdString(path), extent);
+        CPDFPage& page = document.GetPage(0);
+        const std::vector<double> box = {0, 0, kWidth, kHeight};
+        EXPECT_EQ(page.GetMediaBox(), GetParam().has_box ? box : std::vector<double>());
+        EXPECT_EQ(page.GetSpatialKind(), CPDFPage::kSpatialMeasure);
+        objects[extent == EPDFExtent::Whole ? 0 : 1] = document.Document().GetObjects().GetSize();
+    }
+    EXPECT_EQ(objects[1] < objects[0], GetParam().narrows) << objects[1] << " of " << objects[0];
+
+    BGeoReference reference;
+    const auto read = [&] {
+        BMapAnchor::Read(EReferenceType::GeoPDF, BString(path), reference, kWidth, kHeight,
+                         EMathTransformType::Affine,
+                         BMapAnchor::kStrictTransform | BMapAnchor::kStrictCoordSys, nullptr);
+    };
+    if (!GetParam().has_box) {
+        EXPECT_THROW(read(), BException);
+        return;
+    }
+    read();
+    double x = 306.0;
+    double y = 198.0;
+    reference.MathTransform->ConvertSourceToTarget(x, y);
+    EXPECT_NEAR(x, 15.5, 1e-6);
+    EXPECT_NEAR(y, 47.75, 1e-6);
+    EXPECT_TRUE(reference.CoordSys->ToEPSGCode().StdStr().find("4326") != std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PdfKinds, testing::ValuesIn(kKinds),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(FirstPage, IsNotWritten) {
+    const TempFolder folder;
+    const QString path = QString::fromStdString(folder.Write("map.pdf", ManyObjects()));
+    CPDFDocument document(path, EPDFExtent::FirstPage);
+    EXPECT_THROW(document.Write(QString::fromStdString(folder / "out.pdf")), PoDoFo::PdfError);
+}
+
+}  // namespace
+}  // namespace VellumLib
