@@ -1,16 +1,19 @@
 #include "sidecar/SplitTokens.h"
 
-#include <cstring>
-
 namespace MapAnchor {
 namespace {
 
-char* SkipDelimiters(char* text, const char* delimiters) {
-    return text + std::strspn(text, delimiters);
+/// Never asked for the end of the text.
+bool IsOneOf(char c, const char* delimiters) {
+    while (*delimiters != '\0' && *delimiters != c)
+        ++delimiters;
+    return *delimiters != '\0';
 }
 
-bool IsOneOf(char c, const char* delimiters) {
-    return std::strchr(delimiters, c) != nullptr;
+char* SkipDelimiters(char* text, const char* delimiters) {
+    while (*text != '\0' && IsOneOf(*text, delimiters))
+        ++text;
+    return text;
 }
 
 }  // namespace

@@ -224,6 +224,9 @@ std::string ReadNonEarth(Tokens& tokens, std::string& text) {
 /// texts do not count.
 std::size_t FindKeyword(std::string_view line) {
     constexpr std::string_view kKeyword = "coordsys";
+    // Few lines have its rarest letter, and only those are looked at closely.
+    if (line.find('y') == std::string_view::npos && line.find('Y') == std::string_view::npos)
+        return std::string_view::npos;
     bool quoted = false;
     for (std::size_t i = 0; i < line.size(); ++i) {
         if (line[i] == '"') quoted = !quoted;

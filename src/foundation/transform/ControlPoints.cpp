@@ -2,12 +2,11 @@
 
 #include "LeastSquares.h"
 
-#include <Eigen/QR>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 namespace Tellurion {
 namespace {
@@ -28,12 +27,14 @@ std::vector<Eigen::Index> ByPixel(const Positions& pixels) {
     return order;
 }
 
-Eigen::Index DifferentPixels(const Positions& pixels) {
-    const auto order = ByPixel(pixels);
-    Eigen::Index different = 1;
-    for (std::size_t k = 1; k < order.size(); ++k)
-        different += pixels.row(order[k]) != pixels.row(order[k - 1]) ? 1 : 0;
-    return different;
+/// How many different pixels there are, counted no further than `enough`.
+Eigen::Index DifferentPixels(const Positions& pixels, Eigen::Index enough) {
+    std::vector<std::pair<double, double>> seen;
+    for (Eigen::Index i = 0; i < pixels.rows() && std::ssize(seen) < enough; ++i) {
+        const std::pair pixel{pixels(i, 0), pixels(i, 1)};
+        if (std::ranges::find(seen, pixel) == seen.end()) seen.push_back(pixel);
+    }
+    return std::ssize(seen);
 }
 
 /// 0 when the positions coincide, 1 when they lie on a line, 2 otherwise, each
@@ -54,9 +55,14 @@ Eigen::Index Dimension(const Positions& positions) {
             unit.col(axis).setZero();
         }
     }
-    Eigen::ColPivHouseholderQR<Positions> factors(unit);
-    factors.setThreshold(tolerance);
-    return factors.rank();
+    const Eigen::Vector2d squares = unit.colwise().squaredNorm();
+    Eigen::Index longer = 0;
+    const double square = squares.maxCoeff(&longer);
+    if (square == 0.0) return 0;
+    // What the longer column leaves of the other is what the other adds.
+    const double share = unit.col(longer).dot(unit.col(1 - longer)) / square;
+    const double left = (unit.col(1 - longer) - share * unit.col(longer)).norm();
+    return left > tolerance * std::sqrt(square) ? 2 : 1;
 }
 
 void RequireFinite(const ControlPoints& points) {
@@ -65,6 +71,11 @@ void RequireFinite(const ControlPoints& points) {
         if (!(points.world.row(i).cwiseAbs().maxCoeff<Eigen::PropagateNaN>() <= kLargestCoordinate))
             RefuseFit("The world position of point %ld (%g, %g) is not a finite number in range",
                       points.Number(i), points.world(i, 0), points.world(i, 1));
+}
+
+[[noreturn]] void RefuseCoinciding(const ControlPoints& points, const FitRule& rule) {
+    RefuseFit("The %s fit needs different positions, the world positions of the %td enabled points coincide",
+              rule.name, points.Count());
 }
 
 }  // namespace
@@ -106,27 +117,25 @@ ControlPoints::ControlPoints(const std::vector<BPointPair>& pairs, const FitRule
         world.row(i) << pair.World.x, pair.World.y;
     }
     RequireFinite(*this);
-    const Eigen::Index different = DifferentPixels(pixels);
+    const Eigen::Index different = DifferentPixels(pixels, rule.points);
     if (different < rule.points)
         RefuseFit("The %s fit needs points at %td different pixels, the %td enabled ones coincide at %td",
                   rule.name, rule.points, count, different);
 }
 
 void RequireArea(const ControlPoints& points, const FitRule& rule) {
-    RequireExtent(points, rule);
+    const Eigen::Index world = Dimension(points.world);
+    if (world < 1) RefuseCoinciding(points, rule);
     if (Dimension(points.pixels) < 2)
         RefuseFit("The %s fit needs an area, the pixels of the %td enabled points lie on a line", rule.name,
                   points.Count());
-    if (Dimension(points.world) < 2)
+    if (world < 2)
         RefuseFit("The %s fit needs an area, the world positions of the %td enabled points lie on a line",
                   rule.name, points.Count());
 }
 
 void RequireExtent(const ControlPoints& points, const FitRule& rule) {
-    if (Dimension(points.world) < 1)
-        RefuseFit(
-            "The %s fit needs different positions, the world positions of the %td enabled points coincide",
-            rule.name, points.Count());
+    if (Dimension(points.world) < 1) RefuseCoinciding(points, rule);
 }
 
 void RequireDifferentPixels(const ControlPoints& points, const FitRule& rule) {

@@ -22,6 +22,8 @@ public:
     Eigen::MatrixXd Solve(const Eigen::MatrixXd& observed) const;
 
 private:
+    Eigen::MatrixXd Left(const Eigen::MatrixXd& observed, const Eigen::MatrixXd& unknowns) const;
+
     Eigen::MatrixXd design_;
     Eigen::ColPivHouseholderQR<Eigen::MatrixXd> factors_;
 };
