@@ -127,7 +127,8 @@ const char* BMapAnchor::ReadAndName(const BString& file, BGeoReference& referenc
         const std::u16string& wanted = extension.GetUnits();
         if (const ReferenceFormat* format = FindFormatToRead(wanted)) {
             const ReadCall call{file, reference, width, height, mathType, kNoFlags, params, &usedFile};
-            return format->named_read && format->named_read(call) ? format->name : nullptr;
+            const ReferenceFormat* answered = ReadByName(*format, call);
+            return answered ? answered->name : nullptr;
         }
         if (IsPlainRasterExtension(wanted)) return nullptr;
         return TryOpeningForRead(file, reference, usedFile, width, height, mathType);

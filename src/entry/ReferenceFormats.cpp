@@ -199,16 +199,14 @@ ReferenceFormat Ecw() {
 }
 
 /// The ECW reader states the corner of the first pixel, so that is this kind's anchor;
-/// what only the MrSID reader can tell, such as a rotated image, starts at its centre.
+/// what only the MrSID reader can tell, such as a rotated image, starts at its centre
+/// and is told as of that kind.
 ReferenceFormat Jp2() {
     return {.name = "JP2",
             .title = "JPEG 2000",
             .type = EReferenceType::Reserved,
-            .named_read =
-                [](const ReadCall& call) {
-                    return BRefECW::Read(call.file, call.reference) ||
-                           BRefMrSID::Read(call.file, call.reference);
-                },
+            .named_read = [](const ReadCall& call) { return BRefECW::Read(call.file, call.reference); },
+            .second_reader = "SID",
             .served_by = HeaderReaders::Jpeg2000(),
             .missing = HeaderReaders::MissingForJpeg2000,
             .read_extensions = {REFERENCE_JP2_TAG.GetUnits()}};
@@ -332,6 +330,14 @@ const ReferenceFormat* FindFormatByType(EReferenceType type) {
 
 const ReferenceFormat* FindFormatToRead(std::u16string_view extension) {
     return FindFormat([extension](const auto& format) { return Holds(format.read_extensions, extension); });
+}
+
+const ReferenceFormat* ReadByName(const ReferenceFormat& format, const ReadCall& call) {
+    if (!format.named_read) return nullptr;
+    if (format.named_read(call)) return &format;
+    const std::string_view second = format.second_reader ? format.second_reader : "";
+    const ReferenceFormat* other = FindFormat([second](const auto& row) { return row.name == second; });
+    return other && other->named_read(call) ? other : nullptr;
 }
 
 const ReferenceFormat* FindFormatToSave(std::u16string_view extension) {

@@ -51,11 +51,12 @@ struct ReferenceFormat {
     TypedSave typed_save = nullptr;
     NamedRead named_read = nullptr;
     NamedSave named_save = nullptr;
-    bool refuses_typed_read = false;     ///< its typed_read only throws
-    bool centre_anchored = false;        ///< its affine starts at the centre of the top left pixel
-    SaveRefusal refusal = {};            ///< without a source: it does not refuse
-    const char* served_by = nullptr;     ///< where there is a choice of readers, the one of this build
-    const char* (*missing)() = nullptr;  ///< the driver that this machine lacks; null for none
+    const char* second_reader = nullptr;  ///< the kind that reads by name what this one does not
+    bool refuses_typed_read = false;      ///< its typed_read only throws
+    bool centre_anchored = false;         ///< its affine starts at the centre of the top left pixel
+    SaveRefusal refusal = {};             ///< without a source: it does not refuse
+    const char* served_by = nullptr;      ///< where there is a choice of readers, the one of this build
+    const char* (*missing)() = nullptr;   ///< the driver that this machine lacks; null for none
     std::vector<std::u16string_view> read_extensions = {};  ///< lower case, with the dot
     std::vector<std::u16string_view> save_extensions = {};
 };
@@ -79,6 +80,8 @@ bool IsPlainRasterExtension(std::u16string_view extension);
 
 const ReferenceFormat* FindFormatByType(Tellurion::EReferenceType type);
 const ReferenceFormat* FindFormatToRead(std::u16string_view extension);
+/// Reads by name; the kind whose reader answered, null when none did.
+const ReferenceFormat* ReadByName(const ReferenceFormat& format, const ReadCall& call);
 const ReferenceFormat* FindFormatToSave(std::u16string_view extension);
 
 }  // namespace MapAnchor

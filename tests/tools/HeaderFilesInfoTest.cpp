@@ -21,11 +21,15 @@ TEST(Info, ReadsImagesByTheirHeaders) {
     const json corner = json::array({500000.0, 10.0, 0.0, 4100000.0, 0.0, -10.0});
     const std::string records = HeaderFiles::SidPlace(500005, 4099995, 10, 10) +
                                 HeaderFiles::SidShort(HeaderFiles::kSidProjected, 32633);
+    const HeaderFiles::GeoTags north{
+        {}, {}, {10, 0, 0, 500000, 0, 10, 0, 4100000, 0, 0, 0, 0, 0, 0, 0, 1}, {3072, 0, 1, 32633}, ""};
     const HeaderCase cases[] = {
         {"a.ecw", HeaderFiles::Ecw2({.datum = "EPSG:32633", .projection = "EPSG:32633"}), "ECW", "corner",
          corner},
         {"b.sid", HeaderFiles::Sid2(records), "SID", "centre", corner},
         {"c.jp2", HeaderFiles::Jp2(HeaderFiles::Placed({3072, 0, 1, 32633})), "JP2", "corner", corner},
+        {"north_going.jp2", HeaderFiles::Jp2(north), "SID", "centre",
+         json::array({500000.0, 10.0, 0.0, 4100000.0, 0.0, 10.0})},
     };
     const TempFolder folder;
     for (const HeaderCase& c : cases) {
