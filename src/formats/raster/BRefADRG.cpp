@@ -2,12 +2,12 @@
 
 #include "common/FileHead.h"
 #include "common/FindCoordSys.h"
+#include "common/InputFile.h"
 #include "common/PlainNames.h"
 #include "common/StoreTransform.h"
 #include "raster/AdrgInfo.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
-#include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BFileUtilities.h>
 
 #include <algorithm>
@@ -17,7 +17,6 @@
 namespace MapAnchor {
 
 using Tellurion::BFile;
-using Tellurion::BFileAccessException;
 using Tellurion::BFileUtilities;
 using Tellurion::BGeoReference;
 using Tellurion::BString;
@@ -95,9 +94,7 @@ bool BRefADRG::Read(const BString& file, BGeoReference& reference, BString& refe
 
 void BRefADRG::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
     BFile in(file);
-    if (!in.Open(EFileMode::Read, EFileMode::Binary))
-        throw BFileAccessException(
-            kSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!in.Open(EFileMode::Read, EFileMode::Binary)) ThrowUnreadable(kSource, file);
     const std::optional<AdrgInfo> info = ReadInfo(in, file);
     if (!info) return;
     if (info->fault == AdrgInfo::Fault::NoTag)

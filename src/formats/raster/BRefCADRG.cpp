@@ -1,16 +1,15 @@
 #include "raster/BRefCADRG.h"
 
 #include "common/FindCoordSys.h"
+#include "common/InputFile.h"
 #include "common/PlainNames.h"
 #include "common/StoreTransform.h"
 #include "raster/CadrgFrame.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
-#include <Tellurion/BFileAccessException.h>
 
 namespace MapAnchor {
 
-using Tellurion::BFileAccessException;
 using Tellurion::BGeoReference;
 using Tellurion::BString;
 
@@ -73,9 +72,7 @@ bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
 
 void BRefCADRG::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
     RandomAccessFile in(file);
-    if (!in.IsOpen())
-        throw BFileAccessException(
-            kSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!in.IsOpen()) ThrowUnreadable(kSource, file);
     const CadrgFrame frame = ParseCadrgFrame(in);
     if (const char* fault = FaultOf(frame))
         throw BGeoReferenceInvalidReferenceFileException(

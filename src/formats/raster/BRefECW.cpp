@@ -1,5 +1,6 @@
 #include "raster/BRefECW.h"
 
+#include "common/InputFile.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
 #include "headers/EcwKit.h"
@@ -8,7 +9,6 @@
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <MapAnchor/BGeoReferenceNotSupportedException.h>
-#include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BLogger.h>
 
 #include <cmath>
@@ -19,7 +19,6 @@ namespace MapAnchor {
 
 using Tellurion::BCoordSys;
 using Tellurion::BException;
-using Tellurion::BFileAccessException;
 using Tellurion::BGeoReference;
 using Tellurion::BLogger;
 using Tellurion::BMathTransform;
@@ -174,9 +173,7 @@ bool BRefECW::Read(const BString& file, BGeoReference& reference) {
 
 void BRefECW::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
     EcwView view(file);
-    if (!view.IsOpen())
-        throw BFileAccessException(
-            kSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!view.IsOpen()) ThrowUnreadable(kSource, file);
     const NCSFileViewFileInfoEx* const info = view.Info();
     if (!info) throw BGeoReferenceInvalidReferenceFileException(kSource, "Could not read ViewFileInfo.");
     if (IsGeoreferenced(info)) Store(file, *info, Strictness(flags), reference);

@@ -2,17 +2,16 @@
 
 #include "common/FileHead.h"
 #include "common/FindCoordSys.h"
+#include "common/InputFile.h"
 #include "common/PlainNames.h"
 #include "common/StoreControlPoints.h"
 #include "raster/KapHeader.h"
 
-#include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BLogger.h>
 
 namespace MapAnchor {
 
 using Tellurion::BFile;
-using Tellurion::BFileAccessException;
 using Tellurion::BGeoReference;
 using Tellurion::BLogger;
 using Tellurion::BString;
@@ -101,9 +100,7 @@ bool BRefKAP::Read(const BString& file, BGeoReference& reference) {
 
 void BRefKAP::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
     BFile in(file);
-    if (!in.Open(EFileMode::Read, EFileMode::Text))
-        throw BFileAccessException(
-            kSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!in.Open(EFileMode::Read, EFileMode::Text)) ThrowUnreadable(kSource, file);
     const KapHeader header = ReadHeader(in);
     in.Close();
     LogIncompletePoints(file, header);

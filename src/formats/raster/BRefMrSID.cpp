@@ -1,5 +1,6 @@
 #include "raster/BRefMrSID.h"
 
+#include "common/InputFile.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
 #include "headers/MrSidKit.h"
@@ -12,7 +13,6 @@
 #include <MapAnchor/BGeoReferenceNotSupportedException.h>
 #include <Tellurion/BCoordSysRepository.h>
 #include <Tellurion/BFile.h>
-#include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
 
@@ -25,7 +25,6 @@ using Tellurion::BCoordSys;
 using Tellurion::BCoordSysRepository;
 using Tellurion::BException;
 using Tellurion::BFile;
-using Tellurion::BFileAccessException;
 using Tellurion::BFileUtilities;
 using Tellurion::BGeoReference;
 using Tellurion::BIdentifier;
@@ -205,8 +204,7 @@ void BRefMrSID::Read(const BString& file, const unsigned int& flags, BGeoReferen
         case Opened::NoReader:
             return;
         case Opened::No:
-            throw BFileAccessException(
-                kSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+            ThrowUnreadable(kSource, file);
         case Opened::Yes:
             break;
     }

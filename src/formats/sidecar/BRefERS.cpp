@@ -1,6 +1,7 @@
 #include "sidecar/BRefERS.h"
 
 #include "common/FindCoordSys.h"
+#include "common/InputFile.h"
 #include "common/OutputFile.h"
 #include "common/StoreTransform.h"
 #include "sidecar/CoordSysLookups.h"
@@ -27,7 +28,6 @@ namespace MapAnchor {
 using Tellurion::BCoordSys;
 using Tellurion::BException;
 using Tellurion::BFile;
-using Tellurion::BFileAccessException;
 using Tellurion::BFileUtilities;
 using Tellurion::BGeoReference;
 using Tellurion::BIdentifier;
@@ -221,9 +221,7 @@ bool BRefERS::Read(const BString& file, BGeoReference& reference) {
 
 void BRefERS::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
     BFile in(file);
-    if (!in.Open(EFileMode::Read, EFileMode::Text))
-        throw BFileAccessException(
-            kReadSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!in.Open(EFileMode::Read, EFileMode::Text)) ThrowUnreadable(kReadSource, file);
     const ErsHeader header = ParseErs(in);
     in.Close();
     RequireTags(header);
@@ -262,7 +260,7 @@ void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoRe
                     long width, long height, const BString& imageName) {
     BFile out(file);
     if (!out.Open(EFileMode::Write, EFileMode::Text))
-        throw BFileAccessException(
+        throw Tellurion::BFileAccessException(
             kOutput.source, BString::Format("Could not open the reference file <%ls> for writing.", file));
     const auto stamp = TimeStamp();
     if (!stamp) throw BGeoReferenceWriteException(kOutput.source, "Can't generate a valid ERS time stamp");

@@ -1,6 +1,7 @@
 #include "sidecar/BRefRSF.h"
 
 #include "common/FindCoordSys.h"
+#include "common/InputFile.h"
 #include "common/OutputFile.h"
 #include "common/PointsToWrite.h"
 #include "common/StoreControlPoints.h"
@@ -10,7 +11,6 @@
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <Tellurion/BCoordSysRepository.h>
-#include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BLogger.h>
 
 namespace MapAnchor {
@@ -156,9 +156,7 @@ bool BRefRSF::Read(const BString& file, BGeoReference& reference, EMathTransform
 void BRefRSF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
                    EMathTransformType mathType, long width, long height) {
     BFile in(file);
-    if (!in.Open(EFileMode::Read, EFileMode::Text))
-        throw Tellurion::BFileAccessException(
-            kReadSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!in.Open(EFileMode::Read, EFileMode::Text)) ThrowUnreadable(kReadSource, file);
     const RsfFile rsf = ParseRsf(in, RsfPixels::Whole);
     in.Close();
     const Strictness strictness(flags);

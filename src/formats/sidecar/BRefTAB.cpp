@@ -1,6 +1,7 @@
 #include "sidecar/BRefTAB.h"
 
 #include "common/FindCoordSys.h"
+#include "common/InputFile.h"
 #include "common/OutputFile.h"
 #include "common/PointsToWrite.h"
 #include "common/StoreControlPoints.h"
@@ -9,7 +10,6 @@
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <Tellurion/BCoordSysRepository.h>
-#include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BLogger.h>
 
 namespace MapAnchor {
@@ -79,17 +79,15 @@ bool BRefTAB::Read(const BString& file, BGeoReference& reference, EMathTransform
     if (!tab.IsRaster()) return false;
     const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::All, OnFailure::GoOn);
     if (system) reference.SetCoordSys(system);
-    if (!tab.points.empty())
-        StoreControlPoints(reference, tab.points, mathType, {width, height}, OnFailure::GoOn, kPointVoice);
-    return system || !tab.points.empty();
+    if (tab.points.empty()) return !system.IsEmpty();
+    StoreControlPoints(reference, tab.points, mathType, {width, height}, OnFailure::GoOn, kPointVoice);
+    return true;
 }
 
 void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
                    EMathTransformType mathType, long width, long height) {
     BFile in(file);
-    if (!in.Open(EFileMode::Read, EFileMode::Text))
-        throw Tellurion::BFileAccessException(
-            kReadSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!in.Open(EFileMode::Read, EFileMode::Text)) ThrowUnreadable(kReadSource, file);
     const TabFile tab = ParseTab(in);
     in.Close();
     if (!tab.IsRaster())

@@ -1,5 +1,6 @@
 #include "sidecar/BRefWLD.h"
 
+#include "common/InputFile.h"
 #include "common/OutputFile.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
@@ -9,7 +10,6 @@
 #include <MapAnchor/BGeoReferenceInvalidTransformException.h>
 #include <MapAnchor/BGeoReferenceWriteException.h>
 #include <Tellurion/BFile.h>
-#include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
 
@@ -20,7 +20,6 @@ namespace MapAnchor {
 using Tellurion::BCoordSys;
 using Tellurion::BException;
 using Tellurion::BFile;
-using Tellurion::BFileAccessException;
 using Tellurion::BFileUtilities;
 using Tellurion::BGeoReference;
 using Tellurion::BLogger;
@@ -115,9 +114,7 @@ bool BRefWLD::Read(const BString& file, BGeoReference& reference) {
 
 void BRefWLD::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
     BFile in(file);
-    if (!in.Open(EFileMode::Read, EFileMode::Text))
-        throw BFileAccessException(
-            kReadSource, BString::Format("Could not open the reference file <%ls> for reading.", file));
+    if (!in.Open(EFileMode::Read, EFileMode::Text)) ThrowUnreadable(kReadSource, file);
     const WorldFile world_file = ParseWorldFile(in);
     in.Close();
     if (!world_file.IsComplete())
