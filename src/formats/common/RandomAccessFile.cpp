@@ -5,48 +5,72 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace MapAnchor {
 namespace {
 
 constexpr std::size_t kWindow = 4096;
 
-/// pread(2) that goes on after a signal and after a part; negative on failure.
-ssize_t ReadAt(int descriptor, char* buffer, std::size_t count, std::uint64_t offset) {
-    std::size_t done = 0;
-    while (done < count) {
-        const ssize_t got = ::pread(descriptor, buffer + done, count - done,
-                                    static_cast<off_t>(offset + static_cast<std::uint64_t>(done)));
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return -1;
-        if (got == 0) break;
-        done += static_cast<std::size_t>(got);
-    }
-    return static_cast<ssize_t>(done);
-}
-
 }  // namespace
-
-RandomAccessFile::RandomAccessFile(const Tellurion::BString& path) {
-    if (path.GetUnits().find(u'\0') != std::u16string::npos) return;
-    descriptor_ = ::open(path.Ascii(), O_RDONLY | O_CLOEXEC);
-    if (!IsOpen()) return;
-    struct stat status;
-    // A folder opens and fails at the first read: read now, and tell it at the door.
-    if (::fstat(descriptor_, &status) != 0 || !Fill(0, 0)) {
-        Close();
-        return;
-    }
-    size_ = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
-}
 
 RandomAccessFile::~RandomAccessFile() {
     Close();
 }
 
+RandomAccessFile::RandomAccessFile(RandomAccessFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)),
+      size_(std::exchange(other.size_, 0)),
+      window_start_(other.window_start_),
+      window_(std::move(other.window_)) {}
+
+RandomAccessFile& RandomAccessFile::operator=(RandomAccessFile&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    std::swap(size_, other.size_);
+    std::swap(window_start_, other.window_start_);
+    window_.swap(other.window_);
+    return *this;
+}
+
+bool RandomAccessFile::Open(const Tellurion::BString& path) {
+    Close();
+    if (path.GetUnits().find(u'\0') != std::u16string::npos) return false;
+    // Opening a pipe would wait for its other end.
+    descriptor_ = ::open(path.Ascii(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status;
+    if (descriptor_ < 0 || ::fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
+        Close();
+        return false;
+    }
+    size_ = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
+    return true;
+}
+
 void RandomAccessFile::Close() {
     if (IsOpen()) ::close(descriptor_);
     descriptor_ = -1;
+    size_ = 0;
+    window_.clear();
+}
+
+/// How many of the bytes at `offset` there were.
+std::size_t RandomAccessFile::ReadAt(std::uint64_t offset, std::span<char> out) const {
+    std::size_t done = 0;
+    while (done < out.size()) {
+        const ssize_t got =
+            ::pread(descriptor_, out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+std::string RandomAccessFile::Window(std::uint64_t offset, std::size_t count) const {
+    if (offset >= size_) return {};
+    std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - offset)), '\0');
+    bytes.resize(ReadAt(offset, bytes));
+    return bytes;
 }
 
 bool RandomAccessFile::Holds(std::uint64_t offset, std::size_t count) const {
@@ -54,20 +78,14 @@ bool RandomAccessFile::Holds(std::uint64_t offset, std::size_t count) const {
            count <= window_.size() - (offset - window_start_);
 }
 
-bool RandomAccessFile::Fill(std::uint64_t offset, std::size_t count) {
-    window_start_ = offset;
-    window_.resize(std::max(count, kWindow));
-    const ssize_t got = ReadAt(descriptor_, window_.data(), window_.size(), offset);
-    window_.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-    return got >= 0;
-}
-
 std::string_view RandomAccessFile::Read(std::uint64_t offset, std::size_t count) {
-    if (!IsOpen() || offset >= size_) return {};
+    if (offset >= size_) return {};
     count = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - offset));
-    if (!Holds(offset, count)) Fill(offset, count);
-    const std::string_view window(window_);
-    return window.substr(std::min(static_cast<std::size_t>(offset - window_start_), window.size()), count);
+    if (!Holds(offset, count)) {
+        window_ = Window(offset, std::max(count, kWindow));
+        window_start_ = offset;
+    }
+    return std::string_view(window_).substr(static_cast<std::size_t>(offset - window_start_), count);
 }
 
 }  // namespace MapAnchor

@@ -4,31 +4,37 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace MapAnchor {
 
-/// A file that is read here and there, never as a whole. A window of a few KiB is
-/// kept, so that neighbouring reads cost one system call. Not for two threads at once.
+/// A regular file that is read here and there, never as a whole and never beyond the
+/// size that it had when it was opened. Not for two threads at once.
 class RandomAccessFile {
 public:
-    explicit RandomAccessFile(const Tellurion::BString& path);
+    RandomAccessFile() = default;
+    explicit RandomAccessFile(const Tellurion::BString& path) { Open(path); }
     ~RandomAccessFile();
-    RandomAccessFile(const RandomAccessFile&) = delete;
-    RandomAccessFile& operator=(const RandomAccessFile&) = delete;
+    RandomAccessFile(RandomAccessFile&& other) noexcept;
+    RandomAccessFile& operator=(RandomAccessFile&& other) noexcept;
 
-    /// False for a missing file, a folder, or no permission.
+    /// False for what is missing, not readable or no regular file.
+    bool Open(const Tellurion::BString& path);
     bool IsOpen() const { return descriptor_ >= 0; }
     std::uint64_t Size() const { return size_; }
 
-    /// The bytes from `offset` on, `count` of them or as many as the file has there.
-    /// The view holds until the next call.
+    /// The bytes from `offset` on, `count` of them or as many as the file has there, and
+    /// so much is allocated at most.
+    std::string Window(std::uint64_t offset, std::size_t count) const;
+    /// The same as a view that holds until the next call. A few KiB are kept, so that
+    /// neighbouring reads cost one system call.
     std::string_view Read(std::uint64_t offset, std::size_t count);
 
 private:
+    std::size_t ReadAt(std::uint64_t offset, std::span<char> out) const;
     bool Holds(std::uint64_t offset, std::size_t count) const;
-    bool Fill(std::uint64_t offset, std::size_t count);
     void Close();
 
     int descriptor_ = -1;

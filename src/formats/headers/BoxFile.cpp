@@ -8,15 +8,13 @@ namespace MapAnchor {
 namespace {
 
 constexpr int kMostBoxes = 256;
-/// Enough for all that stands before the code stream of most files.
-constexpr std::size_t kWindow = 4096;
 constexpr std::size_t kLongHeader = 16;
 
 }  // namespace
 
 bool BoxWalk::Next(Box& box) {
     if (++steps_ > kMostBoxes) return false;
-    ByteReader header(Bytes(next_, kLongHeader));
+    ByteReader header(file_.Read(next_, kLongHeader));
     std::uint64_t length = header.U32();
     box.type = header.Bytes(4);
     if (!header.Ok()) return false;
@@ -33,17 +31,7 @@ bool BoxWalk::Next(Box& box) {
 }
 
 std::string_view BoxWalk::Content(const Box& box, std::size_t limit) {
-    return Bytes(box.offset, static_cast<std::size_t>(std::min<std::uint64_t>(box.length, limit)));
-}
-
-std::string_view BoxWalk::Bytes(std::uint64_t offset, std::size_t count) {
-    const bool inside = offset >= window_offset_ && offset - window_offset_ <= window_.size() &&
-                        count <= window_.size() - (offset - window_offset_);
-    if (!inside) {
-        window_ = file_.Window(offset, std::max(count, kWindow));
-        window_offset_ = offset;
-    }
-    return std::string_view(window_).substr(static_cast<std::size_t>(offset - window_offset_), count);
+    return file_.Read(box.offset, static_cast<std::size_t>(std::min<std::uint64_t>(box.length, limit)));
 }
 
 }  // namespace MapAnchor

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "headers/FileSource.h"
+#include "common/RandomAccessFile.h"
 
 #include <cstdint>
 #include <string>
@@ -20,21 +20,17 @@ struct Box {
 /// no file keeps a walk for long. What a box holds is read only when it is asked for.
 class BoxWalk {
 public:
-    explicit BoxWalk(const FileSource& file) : file_(file) {}
+    explicit BoxWalk(RandomAccessFile& file) : file_(file) {}
 
     /// The next box; false at the end, and where the file makes no sense.
     bool Next(Box& box);
-    /// Up to `limit` bytes of a box's content. The view holds until the next call.
+    /// Up to `limit` bytes of a box's content. The view holds until the file is read again.
     std::string_view Content(const Box& box, std::size_t limit);
 
 private:
-    std::string_view Bytes(std::uint64_t offset, std::size_t count);
-
-    const FileSource& file_;
+    RandomAccessFile& file_;
     std::uint64_t next_ = 0;
     int steps_ = 0;
-    std::uint64_t window_offset_ = 0;
-    std::string window_;
 };
 
 }  // namespace MapAnchor

@@ -1,7 +1,7 @@
 #include "headers/NCSFile.h"
 
+#include "common/RandomAccessFile.h"
 #include "headers/EcwHeader.h"
-#include "headers/FileSource.h"
 
 #include <memory>
 #include <string>
@@ -9,11 +9,11 @@
 
 using MapAnchor::EcwHeader;
 using MapAnchor::EcwKind;
-using MapAnchor::FileSource;
+using MapAnchor::RandomAccessFile;
 using Tellurion::BString;
 
 struct NCSFileView {
-    FileSource file;
+    RandomAccessFile file;
     BString path;
     std::string head;
     EcwKind kind = EcwKind::Unknown;

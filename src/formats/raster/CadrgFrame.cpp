@@ -1,8 +1,8 @@
 #include "raster/CadrgFrame.h"
 
+#include "headers/ByteReader.h"
 #include "sidecar/CoordSysLookups.h"
 
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <string_view>
@@ -11,16 +11,6 @@ namespace MapAnchor {
 namespace {
 
 using Fault = CadrgFrame::Fault;
-
-/// The unsigned number in `bytes`, which are at most eight.
-std::uint64_t Unsigned(std::string_view bytes, bool big_endian) {
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(bytes[big_endian ? i : bytes.size() - 1 - i]);
-        value = value << 8 | byte;
-    }
-    return value;
-}
 
 /// Where the header section starts: behind the tag and the five digits of its length.
 /// 0 without a tag. A tag in the first four bytes is none.
@@ -50,72 +40,68 @@ public:
     Fault ToCoverage(CadrgCoverage& coverage);
 
 private:
-    bool Get(std::uint64_t offset, std::size_t size, std::uint64_t& value);
+    ByteReader At(std::uint64_t offset, std::size_t count);
     bool FindLocationSection(std::uint64_t& section);
     bool ReadLocationSection(std::uint64_t section, Table& table);
     Fault FindCoverage(const Table& table, std::uint64_t& offset);
     bool ReadCoverage(std::uint64_t offset, CadrgCoverage& coverage);
 
     RandomAccessFile& file_;
-    bool big_endian_ = false;
+    ByteOrder order_ = ByteOrder::Big;
 };
 
-bool Walk::Get(std::uint64_t offset, std::size_t size, std::uint64_t& value) {
-    const std::string_view bytes = file_.Read(offset, size);
-    value = Unsigned(bytes, big_endian_);
-    return bytes.size() == size;
+ByteReader Walk::At(std::uint64_t offset, std::size_t count) {
+    return ByteReader(file_.Read(offset, count), order_);
 }
 
 bool Walk::FindLocationSection(std::uint64_t& section) {
     constexpr std::uint64_t kOffsetFromEnd = 4;
     const std::uint64_t header = FindHeader(file_);
-    std::uint64_t flag = 0;
-    std::uint64_t length = 0;
-    if (!Get(header, 1, flag)) return false;
-    big_endian_ = flag == 0;
-    return Get(header + 1, 2, length) && header + length >= kOffsetFromEnd &&
-           Get(header + length - kOffsetFromEnd, 4, section);
+    ByteReader start = At(header, 3);
+    order_ = start.U8() == 0 ? ByteOrder::Big : ByteOrder::Little;
+    start.SetOrder(order_);
+    const std::uint64_t end = header + start.U16();
+    if (!start.Ok() || end < kOffsetFromEnd) return false;
+    ByteReader pointer = At(end - kOffsetFromEnd, 4);
+    section = pointer.U32();
+    return pointer.Ok();
 }
 
 bool Walk::ReadLocationSection(std::uint64_t section, Table& table) {
-    std::uint64_t offset = 0;
-    std::uint64_t records = 0;
-    std::uint64_t record_length = 0;
-    const bool read =
-        Get(section + 2, 4, offset) && Get(section + 6, 2, records) && Get(section + 8, 2, record_length);
-    table = {section + offset, static_cast<std::size_t>(records), static_cast<std::size_t>(record_length)};
-    return read;
+    ByteReader reader = At(section + 2, 8);
+    table.start = section + reader.U32();
+    table.records = reader.U16();
+    table.record_length = reader.U16();
+    return reader.Ok();
 }
 
 Fault Walk::FindCoverage(const Table& table, std::uint64_t& offset) {
     constexpr std::size_t kLongestTable = 2600;
-    constexpr std::uint64_t kCoverageId = 130;
-    constexpr std::size_t kFields = 10;  // of a record: two bytes of id, four of length, four of location
+    constexpr std::uint16_t kCoverageId = 130;
     if (table.start > file_.Size()) return Fault::ComponentTable;
     if (table.Length() > kLongestTable) return Fault::TableSize;
     const std::string_view bytes = file_.Read(table.start, table.Length());
     if (bytes.size() != table.Length()) return Fault::TableSize;
     for (std::size_t i = 0; i < table.records; ++i) {
-        const std::size_t at = i * table.record_length;
-        if (at + kFields > bytes.size()) break;
-        if (Unsigned(bytes.substr(at, 2), big_endian_) != kCoverageId) continue;
-        offset = Unsigned(bytes.substr(at + 6, 4), big_endian_);
-        return Fault::None;
+        ByteReader record(bytes.substr(i * table.record_length), order_);
+        const bool is_coverage = record.U16() == kCoverageId;
+        record.Skip(4);  // its length
+        offset = record.U32();
+        if (!record.Ok()) break;
+        if (is_coverage) return Fault::None;
     }
     return Fault::NoCoverage;
 }
 
 bool Walk::ReadCoverage(std::uint64_t offset, CadrgCoverage& c) {
-    constexpr std::size_t kLength = 96;
-    const std::string_view bytes = file_.Read(offset, kLength);
-    if (bytes.size() != kLength) return false;
-    const auto number = [&](std::size_t at) {
-        return std::bit_cast<double>(Unsigned(bytes.substr(at, 8), big_endian_));
-    };
-    // The two resolutions between corners and intervals are not needed.
-    c = {number(0),  number(8),  number(16), number(24), number(32),
-         number(40), number(48), number(56), number(80), number(88)};
-    return true;
+    ByteReader reader = At(offset, 96);
+    for (double* number : {&c.nw_latitude, &c.nw_longitude, &c.sw_latitude, &c.sw_longitude, &c.ne_latitude,
+                           &c.ne_longitude, &c.se_latitude, &c.se_longitude})
+        *number = reader.F64();
+    reader.Skip(16);  // the two resolutions between corners and intervals
+    c.latitude_interval = reader.F64();
+    c.longitude_interval = reader.F64();
+    return reader.Ok();
 }
 
 Fault Walk::ToCoverage(CadrgCoverage& coverage) {

@@ -1,14 +1,13 @@
 // The cursor over bytes and the file that is read in windows.
 
+#include "common/RandomAccessFile.h"
 #include "headers/ByteReader.h"
-#include "headers/FileSource.h"
 
 #include <gtest/gtest.h>
 
 #include "TempFolder.h"
 
 #include <sys/stat.h>
-#include <array>
 #include <limits>
 
 namespace MapAnchor {
@@ -59,23 +58,24 @@ TEST(ByteReader, FailsOnceAndForAllBeyondTheEnd) {
     EXPECT_TRUE(at_end.Seek(1) && at_end.Bytes(0).empty() && at_end.Ok());
 }
 
-TEST(FileSource, ReadsWindowsAndNothingBeyondTheEnd) {
+TEST(RandomAccessFile, ReadsWindowsAndNothingBeyondTheEnd) {
     const TempFolder folder;
-    FileSource file;
+    RandomAccessFile file;
     ASSERT_TRUE(file.Open(BString(folder.Write("a.bin", "0123456789"))));
     EXPECT_EQ(file.Size(), 10U);
     EXPECT_EQ(file.Window(3, 4), "3456");
     EXPECT_EQ(file.Window(8, std::size_t{1} << 60), "89");
     EXPECT_EQ(file.Window(10, 1), "");
     EXPECT_EQ(file.Window(std::numeric_limits<std::uint64_t>::max(), 1), "");
-    std::array<char, 4> out{};
-    EXPECT_EQ(file.ReadAt(7, out), 3U);
-    EXPECT_EQ(out[2], '9');
+    EXPECT_EQ(file.Read(2, 3), "234");
+    EXPECT_EQ(file.Read(7, 4), "789");  // from what was kept, and cut at the end
+    EXPECT_EQ(file.Read(1, 2), "12");   // before what was kept
+    EXPECT_EQ(file.Read(10, 1), "");
 }
 
-TEST(FileSource, OpensRegularFilesAlone) {
+TEST(RandomAccessFile, OpensRegularFilesAlone) {
     const TempFolder folder;
-    FileSource file;
+    RandomAccessFile file;
     EXPECT_FALSE(file.Open(BString(folder / "missing")));
     EXPECT_FALSE(file.Open(BString(folder / "")));
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
