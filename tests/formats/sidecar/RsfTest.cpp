@@ -1,6 +1,7 @@
 // RSF files through the front door: the road by name and the road by type.
 
 #include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BLinearUnit.h>
 
 #include <gtest/gtest.h>
 
@@ -236,6 +237,23 @@ TEST(Rsf, WritesVersionFour) {
               rows + kNone + "\n" + reference.CoordSys->ToWKT().StdStr());
     EXPECT_EQ(Roads::Save(kRsf, folder / "type.rsf", reference, Roads::kStrict).type, "");
     EXPECT_EQ(TempFolder::Slurp(folder / "type.rsf"), TempFolder::Slurp(folder / "name.rsf"));
+}
+
+// The word outside the quotes, which no grammar has, must not cost the system.
+TEST(Rsf, HeightsOfAnUnknownDatumComeBack) {
+    const TempFolder folder;
+    BGeoReference reference = ThreePoints();
+    References::SetSystem(reference, "32633");
+    reference.SetVerticalUnit(BLinearUnit::GetLinearUnit({"EPSG", "9003"}));
+    ASSERT_EQ(Roads::Save(folder / "map.rsf", reference).type, "");
+    EXPECT_NE(TempFolder::Slurp(folder / "map.rsf").find("COMPD_CS[Vertical \"WGS 84"), std::string::npos);
+    for (const unsigned int flags : {0U, Roads::kStrict}) {
+        BGeoReference back;
+        ASSERT_EQ(Roads::Read(kRsf, folder / "map.rsf", back, flags).type, "");
+        ASSERT_TRUE(back.HasCoordSys());
+        EXPECT_EQ(back.CoordSys->GetKind(), BCoordSys::kKindProjected);
+        EXPECT_NEAR(back.CoordSys->GetVerticalUnits()->GetUnitsPerMeter(), 3937 / 1200.0, 1e-9);
+    }
 }
 
 TEST(Rsf, ATransformAloneGivesTheCornerPixels) {
