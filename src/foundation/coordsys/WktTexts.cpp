@@ -57,8 +57,12 @@ std::string CleanWkt(const BString& text) {
     BString trimmed = text;
     if (trimmed.StartsWith(BString(std::u16string(u"\uFEFF"))))
         trimmed = trimmed.Right(trimmed.GetLength() - 1);
-    const std::string cleaned = trimmed.Trim().StdStr();
-    return MayBeSystem(cleaned) ? cleaned : std::string();
+    std::string cleaned = trimmed.Trim().StdStr();
+    if (!MayBeSystem(cleaned)) return {};
+    // Sidecars with heights of an unknown datum have this word outside the quotes.
+    constexpr std::string_view kWithWord = "COMPD_CS[Vertical \"";
+    if (cleaned.starts_with(kWithWord)) cleaned.replace(0, kWithWord.size(), "COMPD_CS[\"");
+    return cleaned;
 }
 
 BString ExportWkt(PJ* crs) {

@@ -247,7 +247,7 @@ TEST(Rsf, HeightsOfAnUnknownDatumComeBack) {
     reference.SetVerticalUnit(BLinearUnit::GetLinearUnit({"EPSG", "9003"}));
     ASSERT_EQ(Roads::Save(folder / "map.rsf", reference).type, "");
     EXPECT_NE(TempFolder::Slurp(folder / "map.rsf").find("COMPD_CS[Vertical \"WGS 84"), std::string::npos);
-    for (const unsigned int flags : {0U, Roads::kStrict}) {
+    for (const unsigned int flags : {0U, BMapAnchor::kStrictCoordSys}) {
         BGeoReference back;
         ASSERT_EQ(Roads::Read(kRsf, folder / "map.rsf", back, flags).type, "");
         ASSERT_TRUE(back.HasCoordSys());
