@@ -27,7 +27,7 @@ struct CodeDifference {
 constexpr CodeDifference kWorldMercator = {"EPSG:3395",
                                            "the text has no code; its terms are World Mercator's"};
 const std::map<std::string, CodeDifference> kCodes = {
-    {"WGS_1984_Web_Mercator.tif", {"", "102113 is a number of ESRI's, not one of EPSG's"}},
+    {"WGS_1984_Web_Mercator.tif", {"EPSG:3857", "102113 is a number of ESRI's; it is Web Mercator"}},
     {"image1.tif", kWorldMercator},
     {"image2.tif", kWorldMercator},
     {"image4.tif", kWorldMercator},

@@ -51,18 +51,19 @@ public:
 
     std::string Path(const std::string& name) const { return folder_ + "/" + name; }
 
-    /// What each file gives, one line a file; empty where it could not be saved or read.
+    /// What each file gives, one line a file, with what was thrown.
     std::vector<std::string> SaveAndReadAll() const {
         std::vector<std::string> answers;
-        BGeoReference saved = References::WithAffine(10, 0.5, 500000, 0.5, -10, 4100000);
-        References::SetSystem(saved, "EPSG:32633");
-        for (const char* name : {"map.tfw", "map.rsf", "map.tab", "map.ers", "map.tif"})
-            if (Roads::Save(Path(name), saved).type.empty()) answers.push_back(Answer(name));
-        if (Roads::Save(EReferenceType::GeoPDF, Path("map.pdf"), saved).type.empty()) {
-            BGeoReference read;
-            const Thrown thrown = Roads::Read(EReferenceType::GeoPDF, Path("map.pdf"), read);
-            answers.push_back("map.pdf " + Describe(thrown, read));
+        BGeoReference saved = References::WithAffine(10, 0, 500000, 0, -10, 4100000);
+        References::SetSystem(saved, "32633");
+        for (const char* name : {"map.tfw", "map.rsf", "map.tab", "map.ers", "map.tif"}) {
+            const std::string unsaved = Roads::Save(Path(name), saved).type;
+            answers.push_back(unsaved + Answer(name));
         }
+        const Thrown unsaved = Roads::Save(EReferenceType::GeoPDF, Path("map.pdf"), saved);
+        BGeoReference read;
+        const Thrown unread = Roads::Read(EReferenceType::GeoPDF, Path("map.pdf"), read);
+        answers.push_back("map.pdf " + unsaved.type + Describe(unread, read));
         for (const char* name : {"chart.kap", "frame.on1", "quad.doq", "image.ecw", "image.jp2", "image.sid"})
             answers.push_back(Answer(name));
         return answers;
