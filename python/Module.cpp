@@ -1,0 +1,177 @@
+#include "Module.h"
+
+#include <pybind11/stl.h>
+
+#include <MapAnchor/BGeoReferenceReadException.h>
+#include <MapAnchor/BGeoReferenceWriteException.h>
+#include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BLogger.h>
+#include <Tellurion/BMathTransform.h>
+#include <Tellurion/BParamList.h>
+
+#include <exception>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace py = pybind11;
+using namespace Tellurion;
+using MapAnchor::BMapAnchor;
+
+namespace {
+
+/// The boxes under the numbers by which the library knows them.
+enum class Box : int { Art = 0, Trim = 2, Bleed = 3, Crop = 4, Media = 5 };
+
+/// A str, bytes or os.PathLike as the file system has it.
+BString PathOf(const py::object& path) {
+    return BString(py::module_::import("os").attr("fsencode")(path).cast<std::string>());
+}
+
+unsigned int Flags(bool strict_transform, bool strict_crs) {
+    return (strict_transform ? BMapAnchor::kStrictTransform : 0U) |
+           (strict_crs ? BMapAnchor::kStrictCoordSys : 0U);
+}
+
+std::optional<EReferenceType> TypeOf(const BString& file, std::optional<EReferenceType> type) {
+    // A PDF is read and saved by type alone.
+    if (!type && BFileUtilities::GetExtension(file).ToLower() == BString(".pdf"))
+        return EReferenceType::GeoPDF;
+    return type;
+}
+
+void SetKind(PyReference& result, std::optional<EReferenceType> type) {
+    for (const MapAnchor::BReferenceFormat& format : MapAnchor::BReferenceFormats::List()) {
+        if (type ? !format.HasType || format.Type != *type : format.Name != result.kind) continue;
+        result.kind = format.Name;
+        result.centre_anchored = format.CentreAnchored;
+        return;
+    }
+}
+
+/// What is thrown and is no std::exception comes from the PDF library.
+template <class Failure, class Work>
+void Guarded(const char* source, Work work) {
+    const py::gil_scoped_release released;
+    try {
+        work();
+    } catch (const std::exception&) {
+        throw;
+    } catch (...) {
+        throw Failure(source, "The PDF library refuses the file.");
+    }
+}
+
+PyReference Read(const py::object& path, std::optional<EReferenceType> type, long width, long height,
+                 EMathTransformType fit, bool strict_transform, bool strict_crs, std::optional<Box> box,
+                 std::optional<double> dpi) {
+    const BString file = PathOf(path);
+    type = TypeOf(file, type);
+    BParamList params;
+    if (box) params.SetInteger(BMapAnchor::kValPDFCropType, static_cast<int>(*box));
+    if (dpi) params.SetDouble(BMapAnchor::kValPDFResolution, *dpi);
+    PyReference result;
+    result.used_file = file;
+    Guarded<MapAnchor::BGeoReferenceReadException>("mapanchor.read", [&] {
+        if (type)
+            BMapAnchor::Read(*type, file, result.reference, width, height, fit,
+                             Flags(strict_transform, strict_crs), &params);
+        else
+            result.kind = MapAnchor::BReferenceFormats::Read(file, result.reference, result.used_file, width,
+                                                             height, fit, &params);
+    });
+    SetKind(result, type);
+    return result;
+}
+
+void Write(const PyReference& reference, const py::object& path, std::optional<EReferenceType> type,
+           long width, long height, const py::object& image_name, bool strict_transform, bool strict_crs,
+           std::optional<double> dpi) {
+    const BString file = PathOf(path);
+    const BString image = PathOf(image_name);
+    type = TypeOf(file, type);
+    BParamList params;
+    if (dpi) params.SetDouble(BMapAnchor::kValPDFResolution, *dpi);
+    // Another thread may change the object meanwhile; a copy shares what nobody changes.
+    const BGeoReference copy = reference.reference;
+    Guarded<MapAnchor::BGeoReferenceWriteException>("mapanchor.write", [&] {
+        if (type)
+            BMapAnchor::Save(*type, file, copy, width, height, image, Flags(strict_transform, strict_crs),
+                             &params);
+        else
+            BMapAnchor::Save(file, copy, width, height, image, &params);
+    });
+}
+
+BMathTransform Fit(const std::vector<BPointPair>& points, EMathTransformType kind, unsigned int width,
+                   unsigned int height) {
+    const py::gil_scoped_release released;
+    return BMathTransform(kind, points, width, height, true);
+}
+
+void DefineEnumerations(py::module_& module) {
+    py::enum_<EReferenceType>(module, "Type")
+        .value("GEOTIFF", EReferenceType::GeoTIFF)
+        .value("TAB", EReferenceType::TAB)
+        .value("RSF", EReferenceType::RSF)
+        .value("WLD", EReferenceType::WLD)
+        .value("MRSID", EReferenceType::MrSID)
+        .value("ECW", EReferenceType::ECW)
+        .value("ERS", EReferenceType::ERS)
+        .value("DOQQ", EReferenceType::DOQQ)
+        .value("KAP", EReferenceType::KAP)
+        .value("PDF", EReferenceType::GeoPDF);
+    py::enum_<EMathTransformType>(module, "Fit")
+        .value("AFFINE", EMathTransformType::Affine)
+        .value("CONFORMAL", EMathTransformType::Conformal)
+        .value("POLYNOMIAL2", EMathTransformType::Polynomial2)
+        .value("POLYNOMIAL3", EMathTransformType::Polynomial3)
+        .value("PROJECTIVE", EMathTransformType::Projective)
+        .value("THIN_PLATE_SPLINE", EMathTransformType::ThinPlateSpline)
+        .value("BILINEAR", EMathTransformType::Bilinear)
+        .value("NONE", EMathTransformType::None);
+    py::enum_<Box>(module, "Box")
+        .value("ART", Box::Art)
+        .value("TRIM", Box::Trim)
+        .value("BLEED", Box::Bleed)
+        .value("CROP", Box::Crop)
+        .value("MEDIA", Box::Media);
+}
+
+/// Sends the log to the logger "mapanchor" as long as the interpreter runs.
+void SendLogToPython() {
+    py::handle logger = py::module_::import("logging").attr("getLogger")("mapanchor").release();
+    BLogger::Instance()->SetSink([logger](ELogSeverity severity, const BString& text) {
+        const py::gil_scoped_acquire acquired;
+        try {
+            logger.attr("log")(severity == ELogSeverity::Error ? 40 : 20, "%s", text);
+        } catch (py::error_already_set& error) {
+            error.discard_as_unraisable("mapanchor log");
+        }
+    });
+    py::module_::import("atexit").attr("register")(
+        py::cpp_function([] { BLogger::Instance()->SetSink({}); }));
+}
+
+}  // namespace
+
+PYBIND11_MODULE(_mapanchor, module) {
+    module.attr("__version__") = MAPANCHOR_VERSION;
+    DefineFailures(module);
+    DefineEnumerations(module);
+    DefineReference(module);
+    SendLogToPython();
+    const auto affine = EMathTransformType::Affine;
+    module.def("read", &Read, py::arg("path"), py::arg("type") = py::none(), py::kw_only(),
+               py::arg("width") = 0, py::arg("height") = 0, py::arg("fit") = affine,
+               py::arg("strict_transform") = false, py::arg("strict_crs") = false,
+               py::arg("box") = py::none(), py::arg("dpi") = py::none());
+    module.def("write", &Write, py::arg("reference"), py::arg("path"), py::arg("type") = py::none(),
+               py::kw_only(), py::arg("width") = 0, py::arg("height") = 0, py::arg("image_name") = "",
+               py::arg("strict_transform") = false, py::arg("strict_crs") = false,
+               py::arg("dpi") = py::none());
+    module.def("fit", &Fit, py::arg("points"), py::arg("kind") = affine, py::kw_only(), py::arg("width") = 0,
+               py::arg("height") = 0);
+}

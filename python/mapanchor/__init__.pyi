@@ -1,0 +1,184 @@
+from enum import Enum
+from os import PathLike
+from typing import ClassVar, Iterable, List, Optional, Tuple, Union
+
+Path = Union[str, bytes, PathLike]
+Affine = Tuple[float, float, float, float, float, float]
+
+__version__: str
+
+class Type:
+    """The kinds of reference that have a type."""
+
+    GEOTIFF: ClassVar[Type]
+    TAB: ClassVar[Type]
+    RSF: ClassVar[Type]
+    WLD: ClassVar[Type]
+    MRSID: ClassVar[Type]
+    ECW: ClassVar[Type]
+    ERS: ClassVar[Type]
+    DOQQ: ClassVar[Type]
+    KAP: ClassVar[Type]
+    PDF: ClassVar[Type]
+    name: str
+    value: int
+
+class Fit:
+    """The kinds of fit through control points."""
+
+    AFFINE: ClassVar[Fit]
+    CONFORMAL: ClassVar[Fit]
+    POLYNOMIAL2: ClassVar[Fit]
+    POLYNOMIAL3: ClassVar[Fit]
+    PROJECTIVE: ClassVar[Fit]
+    THIN_PLATE_SPLINE: ClassVar[Fit]
+    BILINEAR: ClassVar[Fit]
+    NONE: ClassVar[Fit]
+    name: str
+    value: int
+
+class Box:
+    """The box of a PDF page that a raster shows."""
+
+    ART: ClassVar[Box]
+    TRIM: ClassVar[Box]
+    BLEED: ClassVar[Box]
+    CROP: ClassVar[Box]
+    MEDIA: ClassVar[Box]
+    name: str
+    value: int
+
+class Error(Exception):
+    """A failure of the library: a message, where it comes from, and what tells it apart."""
+
+    message: str
+    source: str
+    detail: str
+
+class MissingFileError(Error, FileNotFoundError): ...
+class FileAccessError(Error, OSError): ...
+class ReadError(Error, OSError): ...
+class WriteError(Error, OSError): ...
+class UnsupportedFileError(Error, ValueError): ...
+class NotSupportedError(Error, ValueError): ...
+class InvalidContentError(Error, ValueError): ...
+class InvalidFileError(Error, ValueError): ...
+class InvalidTransformError(Error, ValueError): ...
+class InvalidCoordSysError(Error, ValueError): ...
+class ParameterError(Error, ValueError): ...
+
+class Point:
+    """A control point: a whole pixel and its position in the coordinate system."""
+
+    column: int
+    row: int
+    x: float
+    y: float
+    z: float
+    name: str
+    enabled: bool
+    def __init__(
+        self, column: int, row: int, x: float, y: float, z: float = ..., name: str = ..., enabled: bool = ...
+    ) -> None: ...
+
+class Transform:
+    """From columns and rows to the units of a coordinate system; immutable."""
+
+    def __init__(self, a: float, b: float, c: float, d: float, e: float, f: float) -> None:
+        """x = a * column + b * row + c, y = d * column + e * row + f; ValueError without an inverse."""
+    @property
+    def kind(self) -> Fit: ...
+    @property
+    def affine(self) -> Optional[Affine]:
+        """The six terms in the order of the constructor; None for a transform that is not affine."""
+    def to_world(self, column: float, row: float) -> Tuple[float, float]:
+        """ValueError where the transform has no value."""
+    def to_pixel(self, x: float, y: float) -> Tuple[float, float]: ...
+
+class CoordSys:
+    """A coordinate system."""
+
+    def __init__(self, text: str) -> None:
+        """Of "EPSG:n" or well-known text 1 or 2; ValueError when it is not understood."""
+    @property
+    def name(self) -> str: ...
+    @property
+    def epsg(self) -> Optional[str]:
+        """Such as "EPSG:32632"; None when no system of EPSG is the same."""
+    @property
+    def wkt(self) -> str:
+        """Well-known text 1, the horizontal part."""
+    @property
+    def geodetic(self) -> bool:
+        """True when x and y are longitude and latitude."""
+    @property
+    def unit(self) -> Optional[str]: ...
+    def to_geodetic(self, x: float, y: float) -> Tuple[float, float]:
+        """Longitude and latitude in degrees, on the system's own datum."""
+    def from_geodetic(self, longitude: float, latitude: float) -> Tuple[float, float]: ...
+
+class Reference:
+    """The georeferencing of one raster or page. Any part may be missing."""
+
+    crs: Optional[CoordSys]
+    points: List[Point]
+    """A copy of the control points: assign a list to change them."""
+    pixel_is_point: bool
+    """The source states positions of pixel centres; the transform is not moved by it."""
+    def __init__(
+        self,
+        crs: Optional[CoordSys] = ...,
+        transform: Optional[Transform] = ...,
+        points: Iterable[Point] = ...,
+    ) -> None: ...
+    @property
+    def transform(self) -> Optional[Transform]: ...
+    @transform.setter
+    def transform(self, transform: Optional[Transform]) -> None: ...
+    @property
+    def affine(self) -> Optional[Affine]: ...
+    @affine.setter
+    def affine(self, terms: Affine) -> None: ...
+    @property
+    def vertical_unit(self) -> Optional[Tuple[str, float]]:
+        """The name of the unit of heights and how many make a metre."""
+    @property
+    def kind(self) -> str:
+        """What it was read as, such as "WLD"; empty for one that was not read."""
+    @property
+    def anchor(self) -> str:
+        """Where in the top left pixel column 0, row 0 lies: "corner" or "centre"."""
+    @property
+    def used_file(self) -> str:
+        """The file that was read, where another stands for the one that was named."""
+
+def read(
+    path: Path,
+    type: Optional[Type] = ...,
+    *,
+    width: int = ...,
+    height: int = ...,
+    fit: Fit = ...,
+    strict_transform: bool = ...,
+    strict_crs: bool = ...,
+    box: Optional[Box] = ...,
+    dpi: Optional[float] = ...,
+) -> Reference:
+    """Reads by the file's name, or as `type`. A PDF is read as such, and wants the raster's size."""
+
+def write(
+    reference: Reference,
+    path: Path,
+    type: Optional[Type] = ...,
+    *,
+    width: int = ...,
+    height: int = ...,
+    image_name: Path = ...,
+    strict_transform: bool = ...,
+    strict_crs: bool = ...,
+    dpi: Optional[float] = ...,
+) -> None:
+    """Saves by the file's name, or as `type`. A raster or PDF that is there is georeferenced in place."""
+
+def fit(points: Iterable[Point], kind: Fit = ..., *, width: int = ..., height: int = ...) -> Transform:
+    """The transform through the points that are enabled; Error when they cannot carry it."""

@@ -1,0 +1,147 @@
+"""The Python package as a script meets it."""
+
+import inspect
+import logging
+import pathlib
+import re
+import subprocess
+import threading
+
+import pytest
+
+import mapanchor
+from mapanchor import CoordSys, Fit, Point, Reference, Transform, Type
+
+TERMS = (0.5, 0.0, 676000.0, 0.0, -0.5, 5242000.0)
+WLD = "0.5\n0\n0\n-0.5\n676000.25\n5241999.75\n"
+GRID = [Point(c, r, 100.0 + 2 * c, 500.0 - 3 * r) for c in (0, 40, 90) for r in (0, 30, 70)]
+
+
+@pytest.fixture
+def map_file(tmp_path):
+    (tmp_path / "map.tfw").write_text(WLD)
+    (tmp_path / "map.prj").write_text(CoordSys("EPSG:32632").wkt)
+    return tmp_path / "map.tfw"
+
+
+def test_read_by_name(map_file):
+    reference = mapanchor.read(map_file)
+    assert (reference.kind, reference.anchor, reference.affine) == ("WLD", "corner", TERMS)
+    assert (reference.crs.epsg, reference.crs.unit, reference.crs.geodetic) == ("EPSG:32632", "metre", False)
+    assert reference.transform.to_world(2, 4) == (676001.0, 5241998.0)
+    assert reference.transform.to_pixel(676001.0, 5241998.0) == (2.0, 4.0)
+    assert reference.vertical_unit is None and reference.points == []
+
+
+@pytest.mark.parametrize("name", ["copy.jgw", "copy.tab", "copy.rsf", "copy.ers", "süß \udcff.tfw"])
+@pytest.mark.parametrize("path", [str, pathlib.Path, lambda text: str(text).encode("utf-8", "surrogateescape")])
+def test_write_reads_back(map_file, name, path):
+    target = map_file.parent / name
+    mapanchor.write(mapanchor.read(map_file), path(target), width=200, height=100, image_name="map.tif")
+    back = mapanchor.read(path(target), width=200, height=100)
+    assert back.transform.to_world(100, 100) == pytest.approx((676050.0, 5241950.0), abs=1e-9)
+    assert back.used_file == str(target)
+
+
+@pytest.mark.parametrize(
+    "name, content, type, raised, also",
+    [
+        ("missing.tfw", None, Type.WLD, mapanchor.MissingFileError, FileNotFoundError),
+        ("bad.tfw", "no numbers\n", None, mapanchor.UnsupportedFileError, ValueError),
+        ("bad.tfw", "0\n0\n0\n0\n0\n0\n", Type.WLD, mapanchor.Error, Exception),
+        ("bad.pdf", "%PDF-1.4\n", None, mapanchor.Error, Exception),
+        ("bad.doq", "", Type.DOQQ, mapanchor.NotSupportedError, ValueError),
+    ],
+)
+def test_failures_are_exceptions(tmp_path, name, content, type, raised, also):
+    file = tmp_path / name
+    if content is not None:
+        file.write_text(content)
+    with pytest.raises(raised) as caught:
+        mapanchor.read(file, type, width=10, height=10, strict_transform=True)
+    assert isinstance(caught.value, also) and isinstance(caught.value, mapanchor.Error)
+    assert caught.value.source and str(caught.value).endswith(f"({caught.value.source})")
+
+
+def test_write_failure_is_an_os_error(map_file):
+    with pytest.raises(mapanchor.Error) as caught:
+        mapanchor.write(mapanchor.read(map_file), map_file.parent / "no" / "copy.tfw", Type.WLD)
+    assert isinstance(caught.value, OSError)
+
+
+@pytest.mark.parametrize("kind", [kind for name, kind in Fit.__members__.items() if name != "NONE"])
+def test_every_fit_goes_both_ways(kind):
+    points = GRID + [Point(20, 20, 140.0, 440.0)]
+    if kind == Fit.CONFORMAL:
+        points = [Point(p.column, p.row, 100.0 + 2 * p.column, 500.0 - 2 * p.row) for p in points]
+    if kind == Fit.POLYNOMIAL3:
+        points = [Point(c, r, 100.0 + 2 * c, 500.0 - 3 * r) for c in (0, 20, 50, 90) for r in (0, 20, 45, 70)]
+    transform = mapanchor.fit(points, kind, width=100, height=100)
+    assert transform.kind == kind
+    assert (transform.affine is None) == (kind not in (Fit.AFFINE, Fit.CONFORMAL))
+    for p in points:
+        assert transform.to_world(p.column, p.row) == pytest.approx((p.x, p.y), abs=1e-6)
+        assert transform.to_pixel(p.x, p.y) == pytest.approx((p.column, p.row), abs=1e-6)
+
+
+def test_what_cannot_be_made():
+    with pytest.raises(mapanchor.Error):
+        mapanchor.fit(GRID[:1])
+    with pytest.raises(ValueError):
+        Transform(1, 2, 0, 2, 4, 0)
+    with pytest.raises(ValueError):
+        CoordSys("nowhere")
+    with pytest.raises(TypeError):
+        mapanchor.read(17)
+
+
+def test_reference_parts_are_set_and_unset():
+    reference = Reference(CoordSys("EPSG:4326"), points=GRID[:2])
+    assert reference.crs.geodetic and reference.transform is None and len(reference.points) == 2
+    reference.affine = TERMS
+    reference.points = [Point(1, 2, 3.0, 4.0, name="süß", enabled=False)]
+    point = reference.points[0]
+    assert (reference.affine, point.name, point.enabled, point.z) == (TERMS, "süß", False, 0.0)
+    reference.crs = reference.transform = None
+    assert reference.crs is None and reference.affine is None
+
+
+def test_geodetic_positions_go_both_ways():
+    system = CoordSys("EPSG:32632")
+    longitude, latitude = system.to_geodetic(500000.0, 5242000.0)
+    assert longitude == pytest.approx(9.0, abs=1e-12) and 47.0 < latitude < 48.0
+    assert system.from_geodetic(longitude, latitude) == pytest.approx((500000.0, 5242000.0), abs=1e-6)
+
+
+def test_log_goes_to_the_logger(map_file, caplog, capfd):
+    map_file.with_suffix(".prj").write_text("no system")
+    with caplog.at_level(logging.INFO, "mapanchor"), pytest.raises(mapanchor.Error):
+        mapanchor.read(map_file.with_name("empty.tab"), Type.TAB) if map_file.with_name(
+            "empty.tab"
+        ).write_text("!table\n") else None
+    assert [record.name for record in caplog.records] in ([], ["mapanchor"] * len(caplog.records))
+    assert capfd.readouterr().err == ""
+
+
+def test_other_threads_run_while_a_read_waits(tmp_path):
+    """A read of a pipe waits for its writer, which is a thread of this interpreter."""
+    pipe = tmp_path / "pipe.tfw"
+    subprocess.run(["mkfifo", str(pipe)], check=True)
+    writer = threading.Thread(target=lambda: pipe.write_text(WLD))
+    writer.start()
+    assert mapanchor.read(pipe, Type.WLD).affine == TERMS
+    writer.join()
+
+
+def test_hints_name_what_is_there():
+    hints = (pathlib.Path(mapanchor.__file__).with_name("__init__.pyi")).read_text()
+    hinted = set(re.findall(r"^(?:class|def) (\w+)", hints, re.M))
+    assert hinted == set(mapanchor.__all__)
+    for name in hinted:
+        body = re.search(rf"^class {name}\b.*?(?=^\S|\Z)", hints, re.M | re.S)
+        members = set(re.findall(r"^    (?:def )?([a-zA-Z]\w*)[:(]", body.group(), re.M)) if body else set()
+        there = {m for m, _ in inspect.getmembers(getattr(mapanchor, name)) if not m.startswith("_")}
+        if not issubclass(type(getattr(mapanchor, name)), type(Exception)) or not body:
+            continue
+        if not issubclass(getattr(mapanchor, name), BaseException):
+            assert members == there, name
