@@ -113,14 +113,21 @@ TEST_F(BatchRun, OneBadFileCostsOneRow) {
         const char* type;
         std::vector<std::string> words;
     };
+    // AddressSanitizer ends a process at its limit before it can say so.
+#ifdef __SANITIZE_ADDRESS__
+    const char* const at_limit = "Crash";
+#else
+    const char* const at_limit = "OutOfMemory";
+#endif
     const Bad bads[] = {{"hangs.tfw", "Timeout", {"--timeout", "0.7"}},
                         {"dies.tfw", "Crash", {}},
-                        {"huge.tfw", "OutOfMemory", {"--memory", "8"}}};
+                        {"huge.tfw", at_limit, {"--memory", "8"}}};
     for (const Bad& bad : bads) {
         std::vector<std::string> words = {"batch", "--jobs", "1"};
         words.insert(words.end(), bad.words.begin(), bad.words.end());
         std::thread killer;
-        if (std::string(bad.type) == "Crash") killer = std::thread(KillReaderOf, folder / bad.file, SIGSEGV);
+        if (std::string(bad.file) == "dies.tfw")
+            killer = std::thread(KillReaderOf, folder / bad.file, SIGSEGV);
         const ToolRun run = RunTool(words, {.in = Names({"a.tfw", bad.file, "b.tfw"})});
         if (killer.joinable()) killer.join();
         EXPECT_EQ(run.status, 3) << bad.file << run.err;
