@@ -199,7 +199,7 @@ def main():
           "shown to GDAL\nbeside a raster of its kind. Neither: nothing in the file places it, or both refuse it.\n\n"
           "| file | verdict | |\n|---|---|---|", file=out)
     for path, found, note in rows:
-        note = " ".join(note.split()).replace("|", "\\|")
+        note = " ".join(note.split()).replace(f"{path.parent}/", "").replace("|", "\\|")
         print(f"| {path.relative_to(corpus)} | {found} | {note[:160]} |", file=out)
     sys.exit(1 if counts["unexplained"] else 0)
 
