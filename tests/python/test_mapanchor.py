@@ -113,13 +113,12 @@ def test_geodetic_positions_go_both_ways():
     assert system.from_geodetic(longitude, latitude) == pytest.approx((500000.0, 5242000.0), abs=1e-6)
 
 
-def test_log_goes_to_the_logger(map_file, caplog, capfd):
+def test_a_failed_read_prints_nothing(map_file, caplog, capfd):
     map_file.with_suffix(".prj").write_text("no system")
     with caplog.at_level(logging.INFO, "mapanchor"), pytest.raises(mapanchor.Error):
         mapanchor.read(map_file.with_name("empty.tab"), Type.TAB) if map_file.with_name(
             "empty.tab"
         ).write_text("!table\n") else None
-    assert [record.name for record in caplog.records] in ([], ["mapanchor"] * len(caplog.records))
     assert capfd.readouterr().err == ""
 
 
