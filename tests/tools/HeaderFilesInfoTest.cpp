@@ -16,7 +16,7 @@ struct HeaderCase {
     json transform;  ///< from the outer corner
 };
 
-// Whatever the anchor of the kind, the geotransform is that of the outer corner.
+// Whatever the anchor of the kind, the geotransform and the corners are those of the outer edge.
 TEST(Info, ReadsImagesByTheirHeaders) {
     const json corner = json::array({500000.0, 10.0, 0.0, 4100000.0, 0.0, -10.0});
     const std::string records = HeaderFiles::SidPlace(500005, 4099995, 10, 10) +
@@ -34,7 +34,10 @@ TEST(Info, ReadsImagesByTheirHeaders) {
     const TempFolder folder;
     for (const HeaderCase& c : cases) {
         SCOPED_TRACE(c.name);
-        const ToolRun run = RunTool({"info", "--json", folder.Write(c.name, c.bytes)});
+        const std::string file = folder.Write(c.name, c.bytes);
+        const ToolRun text = RunTool({"info", "--size", "20x10", file});
+        EXPECT_NE(text.out.find("upper left   500000, 4100000\n"), std::string::npos) << text.out;
+        const ToolRun run = RunTool({"info", "--json", file});
         EXPECT_EQ(run.status, 0) << run.err;
         const json object = run.Objects().at(0);
         EXPECT_EQ(object["mapanchor"]["referenceType"], c.kind);

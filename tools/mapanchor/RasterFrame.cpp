@@ -72,13 +72,14 @@ void FindRasterSize(ReadResult& result) {
     }
 }
 
+RasterFrame FrameOf(const ReadResult& result, long width, long height) {
+    const double edge = result.centre_anchored ? -0.5 : 0.0;
+    return {edge, edge, edge + static_cast<double>(width), edge + static_cast<double>(height)};
+}
+
 std::optional<RasterFrame> FrameOf(ReadResult& result) {
     FindRasterSize(result);
-    if (result.width) {
-        const double edge = result.centre_anchored ? -0.5 : 0.0;
-        return RasterFrame{edge, edge, edge + static_cast<double>(*result.width),
-                           edge + static_cast<double>(*result.height)};
-    }
+    if (result.width) return FrameOf(result, *result.width, *result.height);
     const auto frame = FrameOfPoints(result);
     if (frame)
         result.diagnostics.push_back({false,

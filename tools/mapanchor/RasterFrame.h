@@ -25,6 +25,8 @@ struct RasterFrame {
 /// and in a raster of the same name beside it.
 void FindRasterSize(ReadResult& result);
 
+/// Of a raster of that size, by the pixel anchor of what was read.
+RasterFrame FrameOf(const ReadResult& result, long width, long height);
 /// Of the raster or, while its size is not known, of the control points; then a remark
 /// says so. Empty when there are none either.
 std::optional<RasterFrame> FrameOf(ReadResult& result);

@@ -2,6 +2,7 @@
 
 #include "AffineOf.h"
 #include "PdfPage.h"
+#include "RasterFrame.h"
 #include "ReferenceFacts.h"
 #include "Residuals.h"
 
@@ -70,12 +71,11 @@ std::string CornerText(const BMathTransform& transform, double column, double ro
 
 std::string CornersText(const BMathTransform& transform, const ReadResult& result, const Console& console) {
     if (!result.width) return {};
-    const auto width = static_cast<double>(*result.width);
-    const auto height = static_cast<double>(*result.height);
-    return Line(console, "corners", "upper left   " + CornerText(transform, 0, 0)) +
-           Line(console, "", "upper right  " + CornerText(transform, width, 0)) +
-           Line(console, "", "lower right  " + CornerText(transform, width, height)) +
-           Line(console, "", "lower left   " + CornerText(transform, 0, height));
+    const RasterFrame frame = FrameOf(result, *result.width, *result.height);
+    return Line(console, "corners", "upper left   " + CornerText(transform, frame.left, frame.top)) +
+           Line(console, "", "upper right  " + CornerText(transform, frame.right, frame.top)) +
+           Line(console, "", "lower right  " + CornerText(transform, frame.right, frame.bottom)) +
+           Line(console, "", "lower left   " + CornerText(transform, frame.left, frame.bottom));
 }
 
 std::string TransformText(const ReadResult& result, const Residuals& residuals, const Console& console) {

@@ -105,8 +105,11 @@ std::string PrintFixed(double value, int decimals) {
 }
 
 std::string PrintShortest(double value) {
+    const double size = std::abs(value);
+    const bool plain = size == 0.0 || (size >= 1e-5 && size < 1e16);
     std::array<char, 40> buffer;
-    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                            plain ? std::chars_format::fixed : std::chars_format::general);
     return std::string(buffer.data(), end);
 }
 

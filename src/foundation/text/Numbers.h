@@ -26,7 +26,8 @@ TELLURION_EXPORT long ParseLong(std::string_view text);
 /// As printf's "%.*f".
 TELLURION_EXPORT std::string PrintFixed(double value, int decimals);
 
-/// The shortest text that reads back as the same double.
+/// The fewest digits that read back as the same double; without an exponent in the
+/// range of coordinates, 1e-5 to 1e16.
 TELLURION_EXPORT std::string PrintShortest(double value);
 
 }  // namespace Tellurion

@@ -98,6 +98,9 @@ TEST(Numbers, PrintShortestReadsBackTheSameDouble) {
         }
     }
     EXPECT_EQ(PrintShortest(0.1), "0.1");
+    EXPECT_EQ(PrintShortest(500000), "500000");
+    EXPECT_EQ(PrintShortest(-0.00001), "-0.00001");
+    EXPECT_EQ(PrintShortest(1e16), "1e+16");
     EXPECT_EQ(PrintFixed(1e300, 2).size(), 304U);
     EXPECT_EQ(PrintFixed(-0.5, 0), "-0");
     EXPECT_EQ(PrintFixed(5e-324, 5000).substr(0, 4), "0.00");
