@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 TOOL := build/release/bin/mapanchor
 
-.PHONY: help setup build run test asan tsan coverage fuzz bench format format-check tidy conformance consumer package clean
+.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -34,8 +34,11 @@ coverage: setup ## test with coverage and print the share of lines of each folde
 fuzz: setup ## build the fuzz targets and run each for FUZZ_SECONDS (60)
 	@scripts/fuzz.sh $(JOBS)
 
-bench: setup ## run the benchmarks
+bench: setup ## run the benchmarks, into docs/performance.md
 	@scripts/bench.sh $(JOBS)
+
+bench-compare: setup ## tell which operation got slower than docs/performance.md says
+	@scripts/bench.sh $(JOBS) --compare
 
 CORPUS ?= ../shared/corpus
 conformance: build ## hold the tool against GDAL on the files of CORPUS, into docs/conformance.md

@@ -1,14 +1,20 @@
 #pragma once
 
+#include <MapAnchor/BMapAnchor.h>
+
+#include <benchmark/benchmark.h>
 #include <gdal_priv.h>
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 
-/// What the benchmarks share: a folder of their own, and rasters by GDAL.
+/// What the benchmarks share: how they are named, a folder of their own, rasters by
+/// GDAL, and the loops that most of them are.
 namespace bench {
 
 struct DatasetCloser {
@@ -41,12 +47,20 @@ public:
         std::ofstream(path_ / name, std::ios::binary) << content;
         return Path(name);
     }
+    /// What lies beyond the content is a hole.
+    std::string Write(const std::string& name, const std::string& content, std::uintmax_t size) const {
+        std::filesystem::resize_file(Write(name, content), size);
+        return Path(name);
+    }
     /// A raster of 64 by 64 pixels in three bands, as ERS headers claim.
     std::string MakeRaster(const std::string& name, const char* driver) const {
         GDALDriverManager& drivers = *GetGDALDriverManager();
         const Dataset memory(drivers.GetDriverByName("MEM")->Create("", 64, 64, 3, GDT_Byte, nullptr));
-        const Dataset copy(drivers.GetDriverByName(driver)->CreateCopy(Path(name).c_str(), memory.get(),
-                                                                       FALSE, nullptr, nullptr, nullptr));
+        return CopyRaster(name, driver, *memory);
+    }
+    std::string CopyRaster(const std::string& name, const char* driver, GDALDataset& raster) const {
+        const Dataset copy(GetGDALDriverManager()->GetDriverByName(driver)->CreateCopy(
+            Path(name).c_str(), &raster, FALSE, nullptr, nullptr, nullptr));
         if (!copy) std::abort();
         return Path(name);
     }
@@ -54,5 +68,56 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+/// Whose time a benchmark measures: ours, a peer's doing the same work, or the floor
+/// that no reader can go below. The walk is the plain search that an index stands for.
+enum class Who { Ours, Gdal, PoDoFo, Walk, Floor };
+
+/// Registers a benchmark under "<who>/<operation>"; scripts/performance.py sets those of
+/// one operation side by side. $MAPANCHOR_BENCH_ROUNDS fixes the number of rounds, for
+/// counting instructions.
+template <class... Arguments>
+benchmark::internal::Benchmark* Add(Who who, const std::string& operation, Arguments&&... arguments) {
+    static constexpr std::array kNames = {"ours", "gdal", "podofo", "walk", "floor"};
+    const std::string name = std::string(kNames[static_cast<std::size_t>(who)]) + '/' + operation;
+    auto* made = benchmark::RegisterBenchmark(name.c_str(), std::forward<Arguments>(arguments)...);
+    if (const char* rounds = std::getenv("MAPANCHOR_BENCH_ROUNDS")) made->Iterations(std::atoi(rounds));
+    return made;
+}
+
+inline void ReadByName(benchmark::State& state, const std::string& path, long size = 0,
+                       Tellurion::EMathTransformType fit = Tellurion::EMathTransformType::Affine) {
+    const Tellurion::BString file(path);
+    for (auto _ : state) {
+        Tellurion::BGeoReference reference;
+        Tellurion::BString used;
+        MapAnchor::BMapAnchor::Read(file, reference, used, size, size, fit, nullptr);
+        benchmark::DoNotOptimize(reference);
+    }
+}
+
+inline void ReadByType(benchmark::State& state, Tellurion::EReferenceType type, const std::string& path,
+                       long size) {
+    const Tellurion::BString file(path);
+    for (auto _ : state) {
+        Tellurion::BGeoReference reference;
+        MapAnchor::BMapAnchor::Read(type, file, reference, size, size, Tellurion::EMathTransformType::Affine,
+                                    0, nullptr);
+        benchmark::DoNotOptimize(reference);
+    }
+}
+
+/// GDAL's way to the same answers: open, terms, points, system, close.
+inline void OpenByGdal(benchmark::State& state, const std::string& path) {
+    for (auto _ : state) {
+        const Dataset raster = OpenRaster(path);
+        if (!raster) return state.SkipWithError("GDAL does not open it");
+        std::array<double, 6> terms{};
+        benchmark::DoNotOptimize(raster->GetGeoTransform(terms.data()));
+        benchmark::DoNotOptimize(raster->GetGCPs());
+        benchmark::DoNotOptimize(raster->GetSpatialRef());
+        benchmark::DoNotOptimize(terms);
+    }
+}
 
 }  // namespace bench

@@ -1,21 +1,14 @@
 // Reading charts, frames, rectangles and orthophoto headers by name, against GDAL
 // opening the same file. Small and large files, whose rest is a hole.
 
-#include <MapAnchor/BMapAnchor.h>
-
-#include <benchmark/benchmark.h>
-#include <gdal_priv.h>
-
+#include "BenchFiles.h"
 #include "ChartFiles.h"
-#include "TempFolder.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <string>
+#include <string_view>
 
 namespace {
 
-using namespace Tellurion;
+using bench::Who;
 using MapAnchor::AdrgValues;
 using MapAnchor::DoqFile;
 using MapAnchor::FrameFile;
@@ -33,7 +26,6 @@ std::string Real(const char* name) {
 class Inputs {
 public:
     Inputs() {
-        GDALAllRegister();
         std::string chart = "!Bay\r\nVER/2.0\r\nBSB/NA=Bay,RA=200,100,DU=254\r\nKNP/SC=1,GD=WGS84\r\n";
         for (int i = 1; i < 128; ++i)
             chart += "RGB/" + std::to_string(i) + ",1,2,3\r\n";
@@ -48,21 +40,18 @@ public:
         MapAnchor::Put(quad, 162, "  0");
         for (const auto& [stem, size] : {std::pair{"small", kSmall}, {"large", kLarge}}) {
             const std::string name(stem);
-            Write(name + ".kap", chart, size);
-            Write(name + ".on1", FrameFile().Bytes(), size);
-            Write(name + ".doq", quad, size);
-            Write(name + "001.img", MapAnchor::AdrgLeader(true), size);
+            folder_.Write(name + ".kap", chart, size);
+            folder_.Write(name + ".on1", FrameFile().Bytes(), size);
+            folder_.Write(name + ".doq", quad, size);
+            folder_.Write(name + "001.img", MapAnchor::AdrgLeader(true), size);
             folder_.Write(name + "001.gen", MapAnchor::AdrgLeader() + AdrgValues().Overview(name + "001") +
                                                 AdrgValues().Record(name + "001"));
         }
     }
-    std::string Path(const std::string& name) const { return folder_ / name; }
+    std::string Path(const std::string& name) const { return folder_.Path(name); }
 
 private:
-    void Write(const std::string& name, const std::string& bytes, std::uintmax_t size) const {
-        std::filesystem::resize_file(folder_.Write(name, bytes), size);
-    }
-    TempFolder folder_;
+    bench::Folder folder_;
 };
 
 const Inputs& Files() {
@@ -70,64 +59,41 @@ const Inputs& Files() {
     return inputs;
 }
 
-void Read(benchmark::State& state, const std::string& path) {
-    const BString file(path);
-    for (auto _ : state) {
-        BGeoReference reference;
-        BString used;
-        MapAnchor::BMapAnchor::Read(file, reference, used, 0, 0, EMathTransformType::Affine, nullptr);
-        benchmark::DoNotOptimize(reference);
-    }
+/// A made file by its name, or one of the corpus by the path there.
+std::string PathOf(const char* name) {
+    return std::string_view(name).find('/') == std::string_view::npos ? Files().Path(name) : Real(name);
 }
 
-void Chart(benchmark::State& state, const char* name) {
-    Read(state, Files().Path(name));
-}
-BENCHMARK_CAPTURE(Chart, kap_2MB, "small.kap");
-BENCHMARK_CAPTURE(Chart, kap_200MB, "large.kap");
-BENCHMARK_CAPTURE(Chart, cadrg_2MB, "small.on1");
-BENCHMARK_CAPTURE(Chart, cadrg_200MB, "large.on1");
-BENCHMARK_CAPTURE(Chart, adrg_2MB, "small001.img");
-BENCHMARK_CAPTURE(Chart, adrg_200MB, "large001.img");
-BENCHMARK_CAPTURE(Chart, doq_2MB, "small.doq");
-BENCHMARK_CAPTURE(Chart, doq_200MB, "large.doq");
-
-void RealChart(benchmark::State& state, const char* name) {
-    const std::string path = Real(name);
+void Read(benchmark::State& state, const char* name) {
+    const std::string path = PathOf(name);
     if (path.empty()) return state.SkipWithError("set MAPANCHOR_CORPUS");
-    Read(state, path);
-}
-BENCHMARK_CAPTURE(RealChart, kap, "kap/rgbsmall.kap");
-BENCHMARK_CAPTURE(RealChart, cadrg, "cadrg/001zc013.on1");
-BENCHMARK_CAPTURE(RealChart, adrg, "adrg/SMALL_ADRG/ABCDEF01.GEN");
-
-void Open(benchmark::State& state, const std::string& path) {
-    GDALAllRegister();
-    for (auto _ : state) {
-        GDALDataset* dataset = GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY);
-        if (!dataset) return state.SkipWithError("GDAL does not open it");
-        double terms[6];
-        dataset->GetGeoTransform(terms);
-        benchmark::DoNotOptimize(dataset->GetSpatialRef());
-        benchmark::DoNotOptimize(dataset->GetGCPs());
-        benchmark::DoNotOptimize(terms);
-        GDALClose(dataset);
-    }
+    bench::ReadByName(state, path);
 }
 
-void ChartGdal(benchmark::State& state, const char* name) {
-    Open(state, Files().Path(name));
-}
-BENCHMARK_CAPTURE(ChartGdal, doq_2MB, "small.doq");
-BENCHMARK_CAPTURE(ChartGdal, doq_200MB, "large.doq");
-
-void RealChartGdal(benchmark::State& state, const char* name) {
-    const std::string path = Real(name);
+void Gdal(benchmark::State& state, const char* name) {
+    const std::string path = PathOf(name);
     if (path.empty()) return state.SkipWithError("set MAPANCHOR_CORPUS");
-    Open(state, path);
+    Files();  // registers the drivers
+    bench::OpenByGdal(state, path);
 }
-BENCHMARK_CAPTURE(RealChartGdal, kap, "kap/rgbsmall.kap");
-BENCHMARK_CAPTURE(RealChartGdal, cadrg, "cadrg/001zc013.on1");
-BENCHMARK_CAPTURE(RealChartGdal, adrg, "adrg/SMALL_ADRG/ABCDEF01.GEN");
+
+[[maybe_unused]] const bool kAdded = [] {
+    for (const auto& [operation, name] : {std::pair{"read kap of 2 MB", "small.kap"},
+                                          {"read kap of 200 MB", "large.kap"},
+                                          {"read cadrg of 2 MB", "small.on1"},
+                                          {"read cadrg of 200 MB", "large.on1"},
+                                          {"read adrg of 2 MB", "small001.img"},
+                                          {"read adrg of 200 MB", "large001.img"}})
+        bench::Add(Who::Ours, operation, Read, name);
+    for (const auto& [operation, name] : {std::pair{"read doq of 2 MB", "small.doq"},
+                                          {"read doq of 200 MB", "large.doq"},
+                                          {"read kap", "kap/rgbsmall.kap"},
+                                          {"read cadrg", "cadrg/001zc013.on1"},
+                                          {"read adrg", "adrg/SMALL_ADRG/ABCDEF01.GEN"}}) {
+        bench::Add(Who::Ours, operation, Read, name);
+        bench::Add(Who::Gdal, operation, Gdal, name);
+    }
+    return true;
+}();
 
 }  // namespace

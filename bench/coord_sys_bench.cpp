@@ -8,16 +8,14 @@
 #include <GeoCalc/CDataSource.h>
 #include <Tellurion/BCoordSys.h>
 
-#include <benchmark/benchmark.h>
-
-#include <memory>
-#include <string>
+#include "BenchFiles.h"
 
 namespace {
 
 using GeoCalc::CS::CProjectedCoordSys;
 using GeoCalc::DB::CDataSource;
 using namespace Tellurion;
+using bench::Who;
 
 /// The first look-up of a process makes the index.
 void ColdIndex(benchmark::State& state) {
@@ -68,14 +66,20 @@ void WalkThroughAllSystems(benchmark::State& state) {
         }
 }
 
-BENCHMARK(ColdIndex)->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(ColdFindERMapperCoordSys)->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(FindERMapperCoordSys, own_datum, "NUTM12", "WGS84", 4)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(FindERMapperCoordSys, another_datum, "NUTM12", "NAD27", 4)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(FindERMapperCoordSys, stored, "NUTM31", "ED50FRA", 3)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(FindERMapperCoordSys, geodetic, "GEODETIC", "WGS84", 4)->Unit(benchmark::kMicrosecond);
-BENCHMARK(GetERMapperProjectionName)->Unit(benchmark::kMicrosecond);
-BENCHMARK(GetERMapperProjectionNameOfANewSystem)->Unit(benchmark::kMicrosecond);
-BENCHMARK(WalkThroughAllSystems)->Unit(benchmark::kMicrosecond);
+[[maybe_unused]] const bool kAdded = [] {
+    bench::Add(Who::Ours, "first look-up of an ER Mapper name", ColdIndex)->Iterations(1);
+    bench::Add(Who::Ours, "first ER Mapper system", ColdFindERMapperCoordSys)->Iterations(1);
+    bench::Add(Who::Ours, "find ER Mapper system on its own datum", FindERMapperCoordSys, "NUTM12", "WGS84",
+               4);
+    bench::Add(Who::Ours, "find ER Mapper system on another datum", FindERMapperCoordSys, "NUTM12", "NAD27",
+               4);
+    bench::Add(Who::Ours, "find ER Mapper system that was stored", FindERMapperCoordSys, "NUTM31", "ED50FRA",
+               3);
+    bench::Add(Who::Ours, "find geodetic ER Mapper system", FindERMapperCoordSys, "GEODETIC", "WGS84", 4);
+    bench::Add(Who::Ours, "name a projection of ER Mapper", GetERMapperProjectionName);
+    bench::Add(Who::Ours, "name a projection of ER Mapper anew", GetERMapperProjectionNameOfANewSystem);
+    bench::Add(Who::Walk, "name a projection of ER Mapper", WalkThroughAllSystems);
+    return true;
+}();
 
 }  // namespace

@@ -1,26 +1,18 @@
 // Reading a GeoTIFF's reference and saving one into it, against GDAL doing the same by
 // itself: open, geotransform, points, system, close.
 
-#include <MapAnchor/BMapAnchor.h>
+#include "BenchFiles.h"
 
-#include <benchmark/benchmark.h>
-#include <gdal_priv.h>
-
-#include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <string>
+#include <ogr_spatialref.h>
 
 namespace {
 
 using namespace Tellurion;
+using bench::Dataset;
+using bench::Who;
 
 constexpr std::array<double, 6> kTerms = {676000.25, 0.5, 0, 5241999.75, 0, -0.5};
-
-struct Closer {
-    void operator()(GDALDataset* dataset) const { GDALClose(GDALDataset::ToHandle(dataset)); }
-};
-using Dataset = std::unique_ptr<GDALDataset, Closer>;
+constexpr long kSize = 64;
 
 OGRSpatialReference Utm() {
     OGRSpatialReference system;
@@ -32,10 +24,6 @@ OGRSpatialReference Utm() {
 class Inputs {
 public:
     Inputs() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "mapanchor-bench-XXXXXX").string();
-        if (!mkdtemp(pattern.data())) std::abort();
-        folder_ = pattern;
-        GDALAllRegister();
         const OGRSpatialReference system = Utm();
         auto terms = kTerms;
         const Dataset placed = Make("terms.tif");
@@ -50,21 +38,14 @@ public:
         }
         Make("points.tif")->SetGCPs(4, points.data(), &system);
     }
-    ~Inputs() {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    Inputs(const Inputs&) = delete;
-    Inputs& operator=(const Inputs&) = delete;
-
-    std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string Path(const std::string& name) const { return folder_.Path(name); }
     Dataset Make(const std::string& name) const {
         auto* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
         return Dataset(driver->Create(Path(name).c_str(), 64, 64, 1, GDT_Byte, nullptr));
     }
 
 private:
-    std::filesystem::path folder_;
+    bench::Folder folder_;
 };
 
 const Inputs& Files() {
@@ -72,7 +53,7 @@ const Inputs& Files() {
     return inputs;
 }
 
-void GeoTiffGdal(benchmark::State& state, const char* name) {
+void Gdal(benchmark::State& state, const char* name) {
     const std::string path = Files().Path(name);
     for (auto _ : state) {
         const Dataset raster(GDALDataset::FromHandle(GDALOpenShared(path.c_str(), GA_ReadOnly)));
@@ -83,31 +64,13 @@ void GeoTiffGdal(benchmark::State& state, const char* name) {
         benchmark::DoNotOptimize(has_points ? raster->GetGCPProjection() : raster->GetProjectionRef());
     }
 }
-BENCHMARK_CAPTURE(GeoTiffGdal, terms, "terms.tif");
-BENCHMARK_CAPTURE(GeoTiffGdal, points, "points.tif");
 
-void GeoTiffReadByName(benchmark::State& state, const char* name) {
-    const BString file(Files().Path(name));
-    for (auto _ : state) {
-        BGeoReference reference;
-        BString used;
-        MapAnchor::BMapAnchor::Read(file, reference, used, 64, 64, EMathTransformType::Affine, nullptr);
-        benchmark::DoNotOptimize(reference);
-    }
+void Read(benchmark::State& state, const char* name) {
+    bench::ReadByName(state, Files().Path(name), kSize);
 }
-BENCHMARK_CAPTURE(GeoTiffReadByName, terms, "terms.tif");
-BENCHMARK_CAPTURE(GeoTiffReadByName, points, "points.tif");
-
-void GeoTiffReadByType(benchmark::State& state, const char* name) {
-    const BString file(Files().Path(name));
-    for (auto _ : state) {
-        BGeoReference reference;
-        MapAnchor::BMapAnchor::Read(EReferenceType::GeoTIFF, file, reference, 64, 64,
-                                    EMathTransformType::Affine, 0, nullptr);
-        benchmark::DoNotOptimize(reference);
-    }
+void ReadByType(benchmark::State& state, const char* name) {
+    bench::ReadByType(state, EReferenceType::GeoTIFF, Files().Path(name), kSize);
 }
-BENCHMARK_CAPTURE(GeoTiffReadByType, terms, "terms.tif");
 
 /// A save appends to the file: each begins with the raster as it was made.
 constexpr const char* kBare = "bare.tif";
@@ -119,7 +82,7 @@ void LayOut() {
                                std::filesystem::copy_options::overwrite_existing);
 }
 
-void GeoTiffGdalSave(benchmark::State& state) {
+void GdalSave(benchmark::State& state) {
     const std::string path = Files().Path(kSaved);
     char* text = nullptr;
     Utm().exportToWkt(&text);
@@ -134,21 +97,31 @@ void GeoTiffGdalSave(benchmark::State& state) {
     }
     CPLFree(text);
 }
-BENCHMARK(GeoTiffGdalSave);
 
-void GeoTiffSave(benchmark::State& state) {
+void Save(benchmark::State& state) {
     BGeoReference reference;
     BString used;
-    MapAnchor::BMapAnchor::Read(BString(Files().Path("terms.tif")), reference, used, 64, 64,
+    MapAnchor::BMapAnchor::Read(BString(Files().Path("terms.tif")), reference, used, kSize, kSize,
                                 EMathTransformType::Affine, nullptr);
     const BString out(Files().Path(kSaved));
     for (auto _ : state) {
         state.PauseTiming();
         LayOut();
         state.ResumeTiming();
-        MapAnchor::BMapAnchor::Save(out, reference, 64, 64, BString(), nullptr);
+        MapAnchor::BMapAnchor::Save(out, reference, kSize, kSize, BString(), nullptr);
     }
 }
-BENCHMARK(GeoTiffSave);
+[[maybe_unused]] const bool kAdded = [] {
+    for (const auto& [operation, name] :
+         {std::pair{"read GeoTIFF", "terms.tif"}, {"read GeoTIFF with points", "points.tif"}}) {
+        bench::Add(Who::Ours, operation, Read, name);
+        bench::Add(Who::Gdal, operation, Gdal, name);
+        bench::Add(Who::Ours, std::string(operation) + " by type", ReadByType, name);
+        bench::Add(Who::Gdal, std::string(operation) + " by type", Gdal, name);
+    }
+    bench::Add(Who::Ours, "write GeoTIFF", Save);
+    bench::Add(Who::Gdal, "write GeoTIFF", GdalSave);
+    return true;
+}();
 
 }  // namespace

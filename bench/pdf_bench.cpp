@@ -6,22 +6,16 @@
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"
 
-#include <MapAnchor/BMapAnchor.h>
-
-#include <benchmark/benchmark.h>
-
 #include "BenchFiles.h"
 #include "GeoPdfFiles.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
-#include <array>
-#include <fstream>
-#include <string>
 
 namespace {
 
 using namespace Tellurion;
+using bench::Who;
 
 std::string Stream(std::size_t size) {
     return "<< /Length " + std::to_string(size) + " >>\nstream\n" + std::string(size, '0') + "\nendstream";
@@ -138,19 +132,21 @@ void PdfReadGdal(benchmark::State& state, const char* name) {
     });
 }
 
-BENCHMARK_CAPTURE(PdfBoxes, small, "small");
-BENCHMARK_CAPTURE(PdfBoxesGdal, small, "small");
-BENCHMARK_CAPTURE(PdfBoxes, 1MB, "1MB");
-BENCHMARK_CAPTURE(PdfBoxesGdal, 1MB, "1MB");
-BENCHMARK_CAPTURE(PdfBoxes, 100MB, "100MB");
-BENCHMARK_CAPTURE(PdfBoxesGdal, 100MB, "100MB");
-BENCHMARK_CAPTURE(PdfBoxes, 100000_objects, "100000_objects");
-BENCHMARK_CAPTURE(PdfBoxesGdal, 100000_objects, "100000_objects");
-BENCHMARK_CAPTURE(PdfRead, measure, "measure");
-BENCHMARK_CAPTURE(PdfReadGdal, measure, "measure");
-BENCHMARK_CAPTURE(PdfRead, measure_100MB, "measure_100MB");
-BENCHMARK_CAPTURE(PdfReadGdal, measure_100MB, "measure_100MB");
-BENCHMARK_CAPTURE(PdfRead, lgidict, "lgidict");
-BENCHMARK_CAPTURE(PdfReadGdal, lgidict, "lgidict");
+[[maybe_unused]] const bool kAdded = [] {
+    for (const auto& [operation, name] : {std::pair{"read the boxes of a PDF", "small"},
+                                          {"read the boxes of a PDF of 1 MB", "1MB"},
+                                          {"read the boxes of a PDF of 100 MB", "100MB"},
+                                          {"read the boxes of a PDF of 100,000 objects", "100000_objects"}}) {
+        bench::Add(Who::Ours, operation, PdfBoxes, name);
+        bench::Add(Who::Gdal, operation, PdfBoxesGdal, name);
+    }
+    for (const auto& [operation, name] : {std::pair{"read PDF, measure", "measure"},
+                                          {"read PDF of 100 MB, measure", "measure_100MB"},
+                                          {"read PDF, LGIDict", "lgidict"}}) {
+        bench::Add(Who::Ours, operation, PdfRead, name);
+        bench::Add(Who::Gdal, operation, PdfReadGdal, name);
+    }
+    return true;
+}();
 
 }  // namespace

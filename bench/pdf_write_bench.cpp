@@ -6,14 +6,11 @@
 #include "PlainPdf.h"
 #include "References.h"
 
-#include <MapAnchor/BMapAnchor.h>
-
 #include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <benchmark/benchmark.h>
 #include <podofo/podofo.h>
 
 #include <cstdint>
@@ -22,6 +19,7 @@
 namespace {
 
 using namespace Tellurion;
+using bench::Who;
 using MapAnchor::BMapAnchor;
 namespace fs = std::filesystem;
 
@@ -106,7 +104,14 @@ void PdfLoadAndSaveByPodofo(benchmark::State& state) {
     Run(state, LoadAndSave);
 }
 
-BENCHMARK(PdfGeoreference)->Arg(2)->Arg(10 << 10)->Arg(100 << 10)->Unit(benchmark::kMillisecond);
-BENCHMARK(PdfLoadAndSaveByPodofo)->Arg(2)->Arg(10 << 10)->Arg(100 << 10)->Unit(benchmark::kMillisecond);
+[[maybe_unused]] const bool kAdded = [] {
+    for (const auto& [operation, kib] : {std::pair{"write PDF of 2 KB", 2},
+                                         {"write PDF of 10 MB", 10 << 10},
+                                         {"write PDF of 100 MB", 100 << 10}}) {
+        bench::Add(Who::Ours, operation, PdfGeoreference)->Arg(kib);
+        bench::Add(Who::PoDoFo, operation, PdfLoadAndSaveByPodofo)->Arg(kib);
+    }
+    return true;
+}();
 
 }  // namespace

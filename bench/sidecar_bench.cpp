@@ -1,44 +1,47 @@
 // Reading RSF, TAB and ERS files of 4, 100 and 10,000 points, against the floor (open,
 // read, every number, close) and against GDAL opening a raster with the same sidecar.
 
-#include <MapAnchor/BMapAnchor.h>
-
-#include <benchmark/benchmark.h>
-#include <gdal_priv.h>
-
 #include "BenchFiles.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 #include <charconv>
+#include <cmath>
 #include <map>
-#include <string>
 #include <vector>
 
 namespace {
 
 using namespace Tellurion;
+using bench::Who;
 
-constexpr int kColumns = 128;
+constexpr long kSize = 64;
+
+/// The columns of a square grid of points.
+int ColumnsOf(int points) {
+    return static_cast<int>(std::lround(std::sqrt(points)));
+}
 
 std::string RsfText(int points) {
+    const int columns = ColumnsOf(points);
     std::string text = "4 " + std::to_string(points) + "\n";
     for (int i = 0; i < points; ++i)
-        text += "\"Point " + std::to_string(i) + "\" " + std::to_string(i / kColumns * 2) + ' ' +
-                std::to_string(i % kColumns * 2) + " 0 " + std::to_string(5242000 - i / kColumns) +
-                ".123456789012345 " + std::to_string(676000 + i % kColumns) + ".123456789012345 0.00000 1\n";
+        text += "\"Point " + std::to_string(i) + "\" " + std::to_string(i / columns * 2) + ' ' +
+                std::to_string(i % columns * 2) + " 0 " + std::to_string(5242000 - i / columns) +
+                ".123456789012345 " + std::to_string(676000 + i % columns) + ".123456789012345 0.00000 1\n";
     return text + "NONE\nNONE\nNONE\nNONE\n0";
 }
 
 std::string TabText(int points) {
+    const int columns = ColumnsOf(points);
     std::string text =
         "!table\n!version 300\n!charset WindowsLatin1\n\nDefinition Table\n  File \"map.tif\"\n  Type "
         "\"RASTER\"\n";
     for (int i = 0; i < points; ++i)
-        text += "  (" + std::to_string(676000 + i % kColumns) + ".12345678901, " +
-                std::to_string(5242000 - i / kColumns) + ".12345678901) (" +
-                std::to_string(i % kColumns * 2) + ", " + std::to_string(i / kColumns * 2) +
-                ") Label \"Point " + std::to_string(i) + (i + 1 < points ? "\",\n" : "\"\n");
+        text += "  (" + std::to_string(676000 + i % columns) + ".12345678901, " +
+                std::to_string(5242000 - i / columns) + ".12345678901) (" + std::to_string(i % columns * 2) +
+                ", " + std::to_string(i / columns * 2) + ") Label \"Point " + std::to_string(i) +
+                (i + 1 < points ? "\",\n" : "\"\n");
     return text + "CoordSys Earth Projection 8, 104, \"m\", 9, 0, 0.9996, 500000, 0";
 }
 
@@ -61,15 +64,15 @@ const std::string& Input(const std::string& name, int points) {
         reference.SetMathTransform(*affine);
         reference.SetCoordSys(BSharedPtr<BCoordSys>(BCoordSys::FromEPSGCode("32632")));
         path = folder.Path("map.ers");
-        MapAnchor::BMapAnchor::Save(EReferenceType::ERS, BString(path), reference, 64, 64,
+        MapAnchor::BMapAnchor::Save(EReferenceType::ERS, BString(path), reference, kSize, kSize,
                                     BString(folder.MakeRaster("map-raster.tif", "GTiff")), 0, nullptr);
     }
     return path;
 }
 
 /// The least that any reader does: every number of every byte read once.
-void Floor(benchmark::State& state, const char* kind) {
-    const std::string path = Input(kind, static_cast<int>(state.range(0)));
+void Floor(benchmark::State& state, const char* kind, int points) {
+    const std::string path = Input(kind, points);
     for (auto _ : state) {
         const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
         std::string bytes(static_cast<std::size_t>(lseek(descriptor, 0, SEEK_END)), '\0');
@@ -88,42 +91,48 @@ void Floor(benchmark::State& state, const char* kind) {
     }
 }
 
-void ReadByName(benchmark::State& state, const char* kind, EMathTransformType fit) {
-    const BString file(Input(kind, static_cast<int>(state.range(0))));
-    for (auto _ : state) {
-        BGeoReference reference;
-        BString used;
-        MapAnchor::BMapAnchor::Read(file, reference, used, 64, 64, fit, nullptr);
-        benchmark::DoNotOptimize(reference);
-    }
-    state.counters["per_point"] =
-        benchmark::Counter(static_cast<double>(state.range(0)),
-                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+void Read(benchmark::State& state, const char* kind, int points, EMathTransformType fit) {
+    bench::ReadByName(state, Input(kind, points), kSize, fit);
+    state.counters["per_point"] = benchmark::Counter(
+        points, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-void Gdal(benchmark::State& state, const char* kind) {
-    const std::string path = Input(kind, static_cast<int>(state.range(0)));
-    for (auto _ : state) {
-        const bench::Dataset raster = bench::OpenRaster(path);
-        double terms[6];
-        benchmark::DoNotOptimize(raster->GetGeoTransform(terms));
-        benchmark::DoNotOptimize(raster->GetGCPs());
-        benchmark::DoNotOptimize(raster->GetSpatialRef());
-    }
+void Gdal(benchmark::State& state, const char* kind, int points) {
+    bench::OpenByGdal(state, Input(kind, points));
 }
 
-constexpr auto kAffine = EMathTransformType::Affine;
-constexpr auto kNoFit = EMathTransformType::None;
+/// Into another format, from the points and the affine of the TAB file.
+void Save(benchmark::State& state, const char* extension, int points) {
+    BGeoReference reference;
+    BString used;
+    MapAnchor::BMapAnchor::Read(BString(Input("tab", points)), reference, used, kSize, kSize,
+                                EMathTransformType::Affine, nullptr);
+    const BString out(Input("tab", points) + ".out." + extension);
+    const BString image(Input("tif", points));
+    for (auto _ : state)
+        MapAnchor::BMapAnchor::Save(out, reference, kSize, kSize, image, nullptr);
+}
 
-BENCHMARK_CAPTURE(Floor, rsf, "rsf")->Arg(4)->Arg(100)->Arg(10000);
-BENCHMARK_CAPTURE(ReadByName, rsf, "rsf", kNoFit)->Arg(4)->Arg(100)->Arg(10000);
-BENCHMARK_CAPTURE(ReadByName, rsf_affine, "rsf", kAffine)->Arg(4)->Arg(100)->Arg(10000);
-BENCHMARK_CAPTURE(Floor, tab, "tab")->Arg(4)->Arg(100)->Arg(10000);
-BENCHMARK_CAPTURE(ReadByName, tab, "tab", kNoFit)->Arg(4)->Arg(100)->Arg(10000);
-BENCHMARK_CAPTURE(ReadByName, tab_affine, "tab", kAffine)->Arg(4)->Arg(100)->Arg(10000);
-BENCHMARK_CAPTURE(Gdal, tab, "tif")->Arg(4)->Arg(100)->Arg(10000);
-BENCHMARK_CAPTURE(Floor, ers, "ers")->Arg(4);
-BENCHMARK_CAPTURE(ReadByName, ers, "ers", kAffine)->Arg(4);
-BENCHMARK_CAPTURE(Gdal, ers, "ers")->Arg(4);
+[[maybe_unused]] const bool kAdded = [] {
+    for (const int points : {4, 100, 10000}) {
+        const std::string count = " of " + std::to_string(points) + " points";
+        for (const char* kind : {"rsf", "tab"}) {
+            const std::string with_fit = std::string("read ") + kind + count;
+            const std::string bare = with_fit + ", no fit";
+            bench::Add(Who::Ours, with_fit, Read, kind, points, EMathTransformType::Affine);
+            bench::Add(Who::Floor, with_fit, Floor, kind, points);
+            bench::Add(Who::Ours, bare, Read, kind, points, EMathTransformType::None);
+            bench::Add(Who::Floor, bare, Floor, kind, points);
+            bench::Add(Who::Ours, std::string("write ") + kind + count, Save, kind, points);
+        }
+        bench::Add(Who::Gdal, "read tab" + count, Gdal, "tif", points);
+        bench::Add(Who::Gdal, "read tab" + count + ", no fit", Gdal, "tif", points);
+    }
+    bench::Add(Who::Ours, "read ers", Read, "ers", 4, EMathTransformType::Affine);
+    bench::Add(Who::Gdal, "read ers", Gdal, "ers", 4);
+    bench::Add(Who::Floor, "read ers", Floor, "ers", 4);
+    bench::Add(Who::Ours, "write ers", Save, "ers", 4);
+    return true;
+}();
 
 }  // namespace

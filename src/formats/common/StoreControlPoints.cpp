@@ -3,6 +3,8 @@
 #include <MapAnchor/BGeoReferenceInvalidTransformException.h>
 #include <Tellurion/BLogger.h>
 
+#include <utility>
+
 namespace MapAnchor {
 
 using Tellurion::BException;
@@ -12,14 +14,14 @@ using Tellurion::BString;
 using Tellurion::ELogSeverity;
 using Tellurion::EMathTransformType;
 
-bool StoreControlPoints(Tellurion::BGeoReference& reference, const std::vector<Tellurion::BPointPair>& pairs,
+bool StoreControlPoints(Tellurion::BGeoReference& reference, std::vector<Tellurion::BPointPair> pairs,
                         EMathTransformType type, RasterExtent extent, OnFailure on_failure,
                         const ControlPointVoice& voice) {
     constexpr bool kOptimizeFor2D = true;
     try {
         const BMathTransform transform(type, pairs, static_cast<unsigned int>(extent.width),
                                        static_cast<unsigned int>(extent.height), kOptimizeFor2D);
-        reference.SetPointPairVectorAndMathTransform(pairs, transform);
+        reference.SetPointPairVectorAndMathTransform(std::move(pairs), transform);
         return true;
     } catch (const BException& error) {
         const BString text = error.GetDetailedMessage();
@@ -27,7 +29,7 @@ bool StoreControlPoints(Tellurion::BGeoReference& reference, const std::vector<T
         if (on_failure == OnFailure::Throw)
             throw BGeoReferenceInvalidTransformException(voice.thrown_source, text);
     }
-    reference.SetPointPairVector(pairs, EMathTransformType::None);
+    reference.SetPointPairVector(std::move(pairs), EMathTransformType::None);
     return false;
 }
 

@@ -26,7 +26,7 @@ struct RasterExtent {
 /// Fits a transform of `type` through the points and stores both. Without a fit the
 /// points are stored alone, or a BGeoReferenceInvalidTransformException ends the read
 /// and the reference stays as it was. True when the transform was stored.
-bool StoreControlPoints(Tellurion::BGeoReference& reference, const std::vector<Tellurion::BPointPair>& pairs,
+bool StoreControlPoints(Tellurion::BGeoReference& reference, std::vector<Tellurion::BPointPair> pairs,
                         Tellurion::EMathTransformType type, RasterExtent extent, OnFailure on_failure,
                         const ControlPointVoice& voice);
 

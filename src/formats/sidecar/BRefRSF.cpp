@@ -13,6 +13,8 @@
 #include <Tellurion/BCoordSysRepository.h>
 #include <Tellurion/BLogger.h>
 
+#include <utility>
+
 namespace MapAnchor {
 
 using Tellurion::BCoordSys;
@@ -137,7 +139,7 @@ bool BRefRSF::Read(const BString& file, BGeoReference& reference, EMathTransform
                    long height) {
     BFile in(file);
     if (!in.Open(EFileMode::Read, EFileMode::Text)) return false;
-    const RsfFile rsf = ParseRsf(in, RsfPixels::AlsoFractions);
+    RsfFile rsf = ParseRsf(in, RsfPixels::AlsoFractions);
     in.Close();
     if (rsf.fault != Fault::None) return false;
     // Either of the two may be odd, but not both.
@@ -147,7 +149,8 @@ bool BRefRSF::Read(const BString& file, BGeoReference& reference, EMathTransform
         LogCountDiffers();
         return false;
     }
-    StoreControlPoints(reference, rsf.points, mathType, {width, height}, OnFailure::GoOn, kPointVoice);
+    StoreControlPoints(reference, std::move(rsf.points), mathType, {width, height}, OnFailure::GoOn,
+                       kPointVoice);
     const BSharedPtr<BCoordSys> system = FindSystem(rsf, OnFailure::GoOn);
     if (system) reference.SetCoordSys(system);
     return true;
@@ -157,11 +160,12 @@ void BRefRSF::Read(const BString& file, const unsigned int& flags, BGeoReference
                    EMathTransformType mathType, long width, long height) {
     BFile in(file);
     if (!in.Open(EFileMode::Read, EFileMode::Text)) ThrowUnreadable(kReadSource, file);
-    const RsfFile rsf = ParseRsf(in, RsfPixels::Whole);
+    RsfFile rsf = ParseRsf(in, RsfPixels::Whole);
     in.Close();
     const Strictness strictness(flags);
     RequireGoodPoints(file, rsf);
-    StoreControlPoints(reference, rsf.points, mathType, {width, height}, strictness.Transform(), kPointVoice);
+    StoreControlPoints(reference, std::move(rsf.points), mathType, {width, height}, strictness.Transform(),
+                       kPointVoice);
     RequireGoodBlock(file, rsf);
     const BSharedPtr<BCoordSys> system = FindSystem(rsf, strictness.CoordSys());
     if (system && system->IsValid()) reference.SetCoordSys(system);

@@ -12,6 +12,8 @@
 #include <Tellurion/BCoordSysRepository.h>
 #include <Tellurion/BLogger.h>
 
+#include <utility>
+
 namespace MapAnchor {
 
 using Tellurion::BCoordSys;
@@ -74,13 +76,14 @@ bool BRefTAB::Read(const BString& file, BGeoReference& reference, EMathTransform
                    long height) {
     BFile in(file);
     if (!in.Open(EFileMode::Read, EFileMode::Text)) return false;
-    const TabFile tab = ParseTab(in);
+    TabFile tab = ParseTab(in);
     in.Close();
     if (!tab.IsRaster()) return false;
     const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::All, OnFailure::GoOn);
     if (system) reference.SetCoordSys(system);
     if (tab.points.empty()) return !system.IsEmpty();
-    StoreControlPoints(reference, tab.points, mathType, {width, height}, OnFailure::GoOn, kPointVoice);
+    StoreControlPoints(reference, std::move(tab.points), mathType, {width, height}, OnFailure::GoOn,
+                       kPointVoice);
     return true;
 }
 
@@ -88,7 +91,7 @@ void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference
                    EMathTransformType mathType, long width, long height) {
     BFile in(file);
     if (!in.Open(EFileMode::Read, EFileMode::Text)) ThrowUnreadable(kReadSource, file);
-    const TabFile tab = ParseTab(in);
+    TabFile tab = ParseTab(in);
     in.Close();
     if (!tab.IsRaster())
         throw BGeoReferenceInvalidReferenceFileException(
@@ -100,8 +103,8 @@ void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference
     const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::ValidOnly, strictness.CoordSys());
     if (system) reference.SetCoordSys(system);
     if (!tab.points.empty())
-        StoreControlPoints(reference, tab.points, mathType, {width, height}, strictness.Transform(),
-                           kPointVoice);
+        StoreControlPoints(reference, std::move(tab.points), mathType, {width, height},
+                           strictness.Transform(), kPointVoice);
 }
 
 bool BRefTAB::Write(const BString& file, const BGeoReference& reference, long width, long height,

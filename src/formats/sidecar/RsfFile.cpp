@@ -21,6 +21,8 @@ namespace {
 
 /// No well-known text is near this; what follows is not kept.
 constexpr std::size_t kLongestWkt = std::size_t{1} << 20;
+/// A name of one letter and seven numbers of one digit.
+constexpr std::int64_t kShortestRow = 16;
 
 struct RsfRow {
     std::string_view name;
@@ -104,6 +106,9 @@ void ParseHeader(BFile& file, RsfFile& rsf) {
 void ParseRows(BFile& file, RsfPixels pixels, RsfFile& rsf) {
     TextLines lines(file);
     std::string_view line;
+    if (rsf.count > 0)
+        rsf.points.reserve(
+            static_cast<std::size_t>(std::min<std::int64_t>(rsf.count, file.GetLength() / kShortestRow)));
     for (std::int32_t row = 0; row < rsf.count; ++row) {
         if (!lines.Next(line)) {
             rsf.fault = RsfFile::Fault::NoRow;

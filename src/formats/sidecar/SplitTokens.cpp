@@ -1,27 +1,35 @@
 #include "sidecar/SplitTokens.h"
 
+#include <array>
+
 namespace MapAnchor {
 namespace {
 
-/// Never asked for the end of the text.
-bool IsOneOf(char c, const char* delimiters) {
-    while (*delimiters != '\0' && *delimiters != c)
-        ++delimiters;
-    return *delimiters != '\0';
-}
+/// Looked up by character; the end of the text is no member.
+class Delimiters {
+public:
+    explicit Delimiters(const char* characters) {
+        for (; *characters != '\0'; ++characters)
+            member_[static_cast<unsigned char>(*characters)] = true;
+    }
+    bool Hold(char c) const { return member_[static_cast<unsigned char>(c)]; }
+    char* Skip(char* text) const {
+        while (Hold(*text))
+            ++text;
+        return text;
+    }
 
-char* SkipDelimiters(char* text, const char* delimiters) {
-    while (*text != '\0' && IsOneOf(*text, delimiters))
-        ++text;
-    return text;
-}
+private:
+    std::array<bool, 256> member_{};
+};
 
 }  // namespace
 
-std::size_t SplitTokens(char* text, const char* delimiters, char** tokens, std::size_t most) {
+std::size_t SplitTokens(char* text, const char* characters, char** tokens, std::size_t most) {
     if (most == 0) return 0;
+    const Delimiters delimiters(characters);
     std::size_t count = 0;
-    char* at = SkipDelimiters(text, delimiters);
+    char* at = delimiters.Skip(text);
     bool quoted = *at == '"';
     if (quoted) ++at;
     tokens[0] = at;
@@ -35,10 +43,10 @@ std::size_t SplitTokens(char* text, const char* delimiters, char** tokens, std::
             *at++ = '\0';
             tokens[count] = at;
             quoted = true;
-        } else if (IsOneOf(*at, delimiters)) {
+        } else if (delimiters.Hold(*at)) {
             *at = '\0';
             if (++count == most) return count;
-            at = SkipDelimiters(at + 1, delimiters);
+            at = delimiters.Skip(at + 1);
             if (*at == '\0') return count;
             tokens[count] = at;
         } else {

@@ -1,5 +1,7 @@
 #include <Tellurion/BGeoReference.h>
 
+#include <utility>
+
 namespace Tellurion {
 
 BGeoReference::BGeoReference() = default;
@@ -23,14 +25,14 @@ void BGeoReference::SetMathTransform(const BMathTransform& transform) {
                                         : BSharedPtr<BMathTransform>();
 }
 
-void BGeoReference::SetPointPairVector(const std::vector<BPointPair>& pairs, EMathTransformType) {
-    PointPairVector = pairs;
+void BGeoReference::SetPointPairVector(std::vector<BPointPair> pairs, EMathTransformType) {
+    PointPairVector = std::move(pairs);
     MathTransform = BSharedPtr<BMathTransform>();
 }
 
-void BGeoReference::SetPointPairVectorAndMathTransform(const std::vector<BPointPair>& pairs,
+void BGeoReference::SetPointPairVectorAndMathTransform(std::vector<BPointPair> pairs,
                                                        const BMathTransform& transform) {
-    PointPairVector = pairs;
+    PointPairVector = std::move(pairs);
     SetMathTransform(transform);
 }
 

@@ -35,10 +35,9 @@ public:
     void SetMathTransform(const BMathTransform& transform);
     /// Stores points that have no transform: `type` says which fit was wished, and
     /// the reference stays without a transform.
-    void SetPointPairVector(const std::vector<BPointPair>& pairs, EMathTransformType type);
+    void SetPointPairVector(std::vector<BPointPair> pairs, EMathTransformType type);
     /// Stores points and a copy of the transform through them.
-    void SetPointPairVectorAndMathTransform(const std::vector<BPointPair>& pairs,
-                                            const BMathTransform& transform);
+    void SetPointPairVectorAndMathTransform(std::vector<BPointPair> pairs, const BMathTransform& transform);
 
     bool HasVerticalUnit() const;
     BSharedPtr<BLinearUnit> GetVerticalUnit() const;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Tellurion {
 namespace {
@@ -15,9 +16,13 @@ std::int32_t Clamp(long value) {
 
 BPoint::~BPoint() = default;
 
-BPointPair::BPointPair(long column, long row, double worldX, double worldY, double worldZ,
-                       const BString& name, bool enabled)
-    : Name(name), Column(Clamp(column)), Row(Clamp(row)), World(worldX, worldY, worldZ), Enabled(enabled) {}
+BPointPair::BPointPair(long column, long row, double worldX, double worldY, double worldZ, BString name,
+                       bool enabled)
+    : Name(std::move(name)),
+      Column(Clamp(column)),
+      Row(Clamp(row)),
+      World(worldX, worldY, worldZ),
+      Enabled(enabled) {}
 
 BPointPair::~BPointPair() = default;
 

@@ -13,10 +13,12 @@ namespace Tellurion {
 class TELLURION_EXPORT BPointPair {
 public:
     BPointPair() = default;
-    BPointPair(long column, long row, double worldX, double worldY, double worldZ, const BString& name,
+    BPointPair(long column, long row, double worldX, double worldY, double worldZ, BString name,
                bool enabled);
     BPointPair(const BPointPair&) = default;
+    BPointPair(BPointPair&&) noexcept = default;
     BPointPair& operator=(const BPointPair&) = default;
+    BPointPair& operator=(BPointPair&&) noexcept = default;
     virtual ~BPointPair();
 
     BString Name;

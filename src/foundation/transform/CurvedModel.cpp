@@ -41,7 +41,7 @@ CurvedModel::CurvedModel(EMathTransformType type, const FitSpace& space, RasterS
     : TransformModel(type), source_(space.source), target_(space.target), raster_(UnitRaster(space, raster)) {
     Eigen::MatrixXd design(space.from.rows(), 3);
     design << space.from, Eigen::VectorXd::Ones(space.from.rows());
-    const Eigen::Matrix<double, 3, 2> terms = LeastSquares(design).Solve(space.to);
+    const Eigen::Matrix<double, 3, 2> terms = LeastSquares(design, space.to).Solve();
     const Eigen::Matrix2d matrix = terms.topRows<2>().transpose();
     mirrored_ = matrix.determinant() < 0;
     guess_.setZero();

@@ -69,7 +69,7 @@ struct ConformalFit {
         design.col(2).head(count).setOnes();
         design.col(3).tail(count).setOnes();
         const Eigen::VectorXd observed = space.to.reshaped();
-        const Eigen::Vector4d terms = LeastSquares(design).Solve(observed);
+        const Eigen::Vector4d terms = LeastSquares(design, observed).Solve();
         unit.matrix << terms[0], terms[1], sign * terms[1], -sign * terms[0];
         unit.shift = terms.tail<2>();
         residual = (observed - design * terms).norm();
@@ -94,7 +94,7 @@ ModelPointer FitAffine(const ControlPoints& points, const FitRule& rule) {
     const FitSpace space(points, Scaling::PerAxis, Scaling::PerAxis);
     Eigen::MatrixXd design(points.Count(), 3);
     design << space.from, Eigen::VectorXd::Ones(points.Count());
-    const Eigen::Matrix<double, 3, 2> terms = LeastSquares(design).Solve(space.to);
+    const Eigen::Matrix<double, 3, 2> terms = LeastSquares(design, space.to).Solve();
     UnitAffine fit{terms.topRows<2>().transpose(), terms.row(2).transpose()};
     DropRounding(fit.matrix, LastDigits(points, space));
     return MakeModel(fit, points, space, rule, EMathTransformType::Affine);

@@ -45,12 +45,13 @@ class PolynomialModel : public CurvedModel {
 public:
     PolynomialModel(const FitSpace& space, const FitRule& rule, EMathTransformType type, RasterSize raster)
         : CurvedModel(type, space, raster), monomials_(MonomialsOf(type)) {
-        const LeastSquares squares(DesignOf(space.from, monomials_));
+        const Eigen::MatrixXd design = DesignOf(space.from, monomials_);
+        const LeastSquares squares(design, space.to);
         if (!squares.Determined())
             RefuseFit(
                 "The %s fit is left open, the pixels of the %td enabled points lie on one curve of its order",
                 rule.name, space.from.rows());
-        const Eigen::MatrixXd unknowns = squares.Solve(space.to);
+        const Eigen::MatrixXd unknowns = squares.Solve();
         for (Eigen::Index k = 0; k < unknowns.rows(); ++k)
             factors_.emplace_back(unknowns.row(k).transpose());
         Examine(space, rule);

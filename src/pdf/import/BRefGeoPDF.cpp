@@ -23,6 +23,7 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace MapAnchor {
 
@@ -215,7 +216,7 @@ bool ReadGeoPDF(CPDFDocument& document, unsigned int flags, BGeoReference& refer
     }
     std::vector<BPointPair> pairs;
     if (!MakePairs(record, frame, search.system.Get(), pairs)) return false;
-    StoreControlPoints(reference, pairs, mathType, size, strictness.Transform(), kPointsVoice);
+    StoreControlPoints(reference, std::move(pairs), mathType, size, strictness.Transform(), kPointsVoice);
     return true;
 }
 

@@ -78,7 +78,7 @@ void LoadBudget::OpenObjectStream(std::uint64_t count) {
 void LoadBudget::AddValues(std::uint64_t values, std::uint64_t copies) {
     values_ += values;
     copies_ += copies;
-    Require(values_ <= kValues + file_size_ / 4 && copies_ <= kCopies + file_size_,
+    Require(values_ <= kValues + file_size_ / 2 && copies_ <= kCopies + 2 * file_size_,
             PoDoFo::ePdfError_OutOfMemory, "The objects hold more values than the file explains.");
 }
 

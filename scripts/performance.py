@@ -1,0 +1,181 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks and sets ours, the peer's and the floor side by side.
+
+performance.py BIN TABLE            measures everything and writes TABLE (Markdown)
+performance.py --compare BIN TABLE  measures the times and tells which ratio got worse than
+                                    the one kept in TABLE by more than a tenth; a row counts
+                                    as worse when its instructions grew as well, since the
+                                    clock of a shared machine is noisy. Ends with 1 then.
+"""
+
+import argparse
+import collections
+import datetime
+import json
+import os
+import re
+import subprocess
+import sys
+
+PROGRAMS = ("bench_read", "bench_coord_sys", "bench_pdf", "bench_pdf_write")
+PEERS = {"gdal": "GDAL", "podofo": "PoDoFo", "walk": "plain walk"}
+WORSE = 1.1
+ROUNDS = 10
+
+Row = collections.namedtuple("Row", "operation ours peer peer_name floor instructions program name")
+
+
+def names_of(entry):
+    """'ours/read rsf/4/iterations:1' is ('ours', 'read rsf')."""
+    who, operation = entry["run_name"].split("/", 1)
+    return who, re.sub(r"/(iterations:)?\d+$", "", operation)
+
+
+def measure(folder, repetitions):
+    """{operation: {who: (nanoseconds, program, full name)}}, in the order of the programs."""
+    found = collections.OrderedDict()
+    for program in PROGRAMS:
+        run = subprocess.run(
+            [os.path.join(folder, program), "--benchmark_format=json",
+             "--benchmark_min_time=0.2", "--benchmark_enable_random_interleaving=true",
+             f"--benchmark_repetitions={repetitions}", "--benchmark_report_aggregates_only=true"],
+            check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        scale = {"ns": 1, "us": 1e3, "ms": 1e6}
+        for entry in json.loads(run.stdout)["benchmarks"]:
+            if entry.get("aggregate_name") != "median" or entry.get("error_occurred"):
+                continue
+            who, operation = names_of(entry)
+            time = entry["cpu_time"] * scale[entry["time_unit"]]
+            found.setdefault(operation, {})[who] = (time, program, entry["run_name"])
+    return found
+
+
+def count_instructions(folder, program, name):
+    """Of one round, as the difference of runs that differ in their rounds."""
+    counts = []
+    for rounds in (1, 1 + ROUNDS):
+        run = subprocess.run(
+            ["valgrind", "--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null",
+             os.path.join(folder, program), f"--benchmark_filter=^{re.escape(name)}"],
+            env={**os.environ, "MAPANCHOR_BENCH_ROUNDS": str(rounds)}, stdout=subprocess.DEVNULL,
+            stderr=subprocess.PIPE, text=True, check=False)
+        match = re.search(r"I\s+refs:\s+([\d,]+)", run.stderr)
+        if not match:
+            return None
+        counts.append(int(match.group(1).replace(",", "")))
+    return (counts[1] - counts[0]) // ROUNDS
+
+
+def rows_of(found):
+    rows = []
+    for operation, times in found.items():
+        if "ours" not in times:
+            continue
+        ours, program, name = times["ours"]
+        peer = next((who for who in PEERS if who in times), None)
+        rows.append(Row(operation, ours, times[peer][0] if peer else None, PEERS.get(peer),
+                        times["floor"][0] if "floor" in times else None, None, program, name))
+    return rows
+
+
+def time_text(nanoseconds):
+    if nanoseconds is None:
+        return ""
+    for unit, scale in (("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= scale:
+            return f"{nanoseconds / scale:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def ratio_text(above, below):
+    return f"{above / below:.2f}" if above and below else ""
+
+
+def version(*command):
+    run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=False)
+    return run.stdout.split("\n")[0].strip()
+
+
+def table_text(rows):
+    lines = [
+        "# Performance", "",
+        "Made by `make bench`. Times are medians of processor time for one operation; a peer and the",
+        "floor ran in the same process, in turn. \"Peer / ours\" says how many times faster than the",
+        "peer we are (below 1: slower); the floor opens the file, reads its numbers and closes it.",
+        "Instructions are those of one operation of ours, counted by Cachegrind.",
+        "`make bench-compare` tells which ratio got worse than the one kept here by more than a tenth.",
+        "",
+        f"{datetime.date.today().isoformat()}, {version('uname', '-m')}, "
+        f"{version('c++', '--version')}, GDAL {version('gdal-config', '--version')}", "",
+        "| Operation | Ours | Peer | Peer / ours | Floor | Ours / floor | Instructions |",
+        "|---|---:|---:|---:|---:|---:|---:|"]
+    for row in rows:
+        peer = f"{time_text(row.peer)} ({row.peer_name})" if row.peer else ""
+        lines.append(
+            f"| {row.operation} | {time_text(row.ours)} | {peer} | {ratio_text(row.peer, row.ours)} | "
+            f"{time_text(row.floor)} | {ratio_text(row.ours, row.floor)} | "
+            f"{row.instructions if row.instructions else ''} |")
+    return "\n".join(lines) + "\n"
+
+
+def kept_rows(path):
+    """{operation: (peer / ours, ours / floor, instructions)}, None where there is none."""
+    kept = {}
+    with open(path, encoding="utf-8") as table:
+        for line in table:
+            cells = [cell.strip() for cell in line.strip().strip("|").split("|")]
+            if line.startswith("|") and len(cells) == 7 and cells[0] not in ("Operation", "---"):
+                kept[cells[0]] = tuple(float(cells[i]) if cells[i] else None for i in (3, 5, 6))
+    return kept
+
+
+def got_worse(row, kept):
+    by_peer, by_floor, _ = kept
+    if by_peer and row.peer:
+        return by_peer / (row.peer / row.ours) > WORSE
+    if by_floor and row.floor:
+        return (row.ours / row.floor) / by_floor > WORSE
+    return False
+
+
+def compare(folder, rows, kept):
+    worse = 0
+    for row in rows:
+        if row.operation not in kept:
+            print(f"new       {row.operation}")
+            continue
+        if not got_worse(row, kept[row.operation]):
+            continue
+        before = kept[row.operation][2]
+        now = count_instructions(folder, row.program, row.name)
+        if before and now and now / before <= WORSE:
+            print(f"noise     {row.operation}: slower by the clock, {now} instructions, {before:.0f} before")
+            continue
+        worse += 1
+        print(f"worse     {row.operation}: peer / ours {ratio_text(row.peer, row.ours)}, ours / floor "
+              f"{ratio_text(row.ours, row.floor)}, {now} instructions, before {kept[row.operation]}")
+    for operation in kept.keys() - {row.operation for row in rows}:
+        print(f"missing   {operation}")
+    print(f"{len(rows)} operations compared, {worse} worse")
+    return 1 if worse else 0
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--compare", action="store_true")
+    parser.add_argument("--repetitions", type=int, default=5)
+    parser.add_argument("folder")
+    parser.add_argument("table")
+    options = parser.parse_args()
+    rows = rows_of(measure(options.folder, options.repetitions))
+    if options.compare:
+        return compare(options.folder, rows, kept_rows(options.table))
+    rows = [row._replace(instructions=None if "iterations:1" in row.name
+                         else count_instructions(options.folder, row.program, row.name)) for row in rows]
+    with open(options.table, "w", encoding="utf-8") as table:
+        table.write(table_text(rows))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
