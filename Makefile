@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 TOOL := build/release/bin/mapanchor
 
-.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package clean
+.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package docs abi abi-update clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -46,6 +46,16 @@ conformance: build ## hold the tool against GDAL on the files of CORPUS, into do
 
 consumer: build ## build a project outside the tree against the installed package
 	@tests/consumer/check.sh build/release
+
+abi: build ## compare the public ABI with the one that is kept in abi/
+	@scripts/abi.sh build/release $(JOBS)
+
+abi-update: build ## keep the public ABI as it is now
+	@scripts/abi.sh build/release $(JOBS) --renew
+
+docs: setup ## make the API reference of the installed headers, into build/release/docs
+	@cmake --preset release >/dev/null
+	@scripts/docs.sh build/release build/release/docs
 
 package: setup ## build the Debian packages and look them over with lintian
 	@scripts/package.sh $(JOBS)

@@ -16,3 +16,8 @@ install(FILES ${PROJECT_BINARY_DIR}/mapanchor.pc DESTINATION ${CMAKE_INSTALL_LIB
 if(NOT MAPANCHOR_DEBIAN_PACKAGES)  # whose copyright file says it
     install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 endif()
+
+# What the API reference and the comparison of the ABI go by.
+get_property(public_headers GLOBAL PROPERTY MAPANCHOR_PUBLIC_HEADERS)
+list(JOIN public_headers "\n" public_headers)
+file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/public-headers.txt CONTENT "${public_headers}\n")

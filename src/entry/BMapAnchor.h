@@ -19,20 +19,33 @@ class BReferenceFormats;
 /// kStrictCoordSys: with a bit set, that part failing is an exception; with it
 /// clear, the part stays unset, the failure is logged and the read goes on.
 ///
-/// Failures are exceptions of the Tellurion::BException family. Calls on different
-/// files and records may run in different threads.
+/// Failures are exceptions of the Tellurion::BException family, but for one: what PoDoFo
+/// makes of a PDF leaves as its PoDoFo::PdfError, which is no std::exception. Calls on
+/// different files and records may run in different threads.
+///
+/// Affines that are read begin at the outer corner of the top left pixel, but for the
+/// kinds that BReferenceFormat::CentreAnchored names; saving takes them likewise.
 class MAPANCHOR_EXPORT BMapAnchor {
 public:
-    /// Keys of a BParamList: the page box of a PDF that the raster shows (a whole
-    /// number), and the resolution of a PDF to write (dots per inch, default 72).
+    /// Key of a BParamList: the box of a PDF page that the raster shows, a whole number.
+    /// 0 is the art box, 3 the bleed box, 4 the crop box; 2, the trim box, and 5 both mean
+    /// the media box, which is the default and stands in for a box that is not there. 1, the
+    /// bounding box, is refused with a BReadParametersException.
     static const Tellurion::BString kValPDFCropType;
+    /// Key of a BParamList: the resolution of a raster whose PDF is saved, in dots per
+    /// inch; 72 without it.
     static const Tellurion::BString kValPDFResolution;
 
-    static constexpr unsigned int kStrictTransform = 1;
-    static constexpr unsigned int kStrictCoordSys = 2;
+    static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
+    static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system
 
     /// Reads `file` as the kind `type`. `reference` is assigned at the end: a
     /// failure leaves it as it was. `params` may be null.
+    ///
+    /// Throws a BFileNotFoundException without a file, a BUnsupportedFileTypeException for
+    /// a type that is not read, and otherwise what the kind makes of the file: mostly
+    /// BGeoReferenceReadException, BGeoReferenceInvalidReferenceFileException,
+    /// BGeoReferenceInvalidTransformException or BGeoReferenceInvalidCoordSysException.
     static void Read(const Tellurion::EReferenceType& type, const Tellurion::BString& file,
                      Tellurion::BGeoReference& reference, long width, long height,
                      Tellurion::EMathTransformType mathType, unsigned int flags,
@@ -42,19 +55,29 @@ public:
     /// chain of readers that look at the content. `usedFile` becomes the file that
     /// was actually read. A failure can leave `reference` partly filled. A world
     /// file brings the coordinate system of the prj file beside it.
+    ///
+    /// Throws a BFileNotFoundException for a name that is empty or has no extension, a
+    /// BUnsupportedFileTypeException when no reader takes the file, and a
+    /// BFileContentNotValidException when one does and finds nothing.
     static void Read(const Tellurion::BString& file, Tellurion::BGeoReference& reference,
                      Tellurion::BString& usedFile, long width, long height,
                      Tellurion::EMathTransformType mathType, const Tellurion::BParamList* params);
 
     /// Saves as the kind `type`. `imageName` is the raster's file name, which some
     /// kinds write down. The type Reserved and numbers that are no type do nothing.
+    ///
+    /// Throws a BGeoReferenceNotSupportedException for kinds that are only read, a
+    /// BGeoReferenceWriteException when the file cannot be written to its end, and what
+    /// the kind makes of a reference that it cannot hold.
     static void Save(const Tellurion::EReferenceType& type, const Tellurion::BString& file,
                      const Tellurion::BGeoReference& reference, long width, long height,
                      const Tellurion::BString& imageName, unsigned int flags,
                      const Tellurion::BParamList* params);
 
     /// Saves as the kind that the file's extension names. A world file takes a prj
-    /// file beside it when the reference has a coordinate system.
+    /// file beside it when the reference has a coordinate system. Throws a
+    /// BUnsupportedFileTypeException for an extension that is not saved, or when the kind
+    /// cannot hold the reference, and a BGeoReferenceWriteException as above.
     static void Save(const Tellurion::BString& file, const Tellurion::BGeoReference& reference, long width,
                      long height, const Tellurion::BString& imageName, const Tellurion::BParamList* params);
 

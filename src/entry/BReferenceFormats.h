@@ -15,12 +15,12 @@ namespace MapAnchor {
 struct MAPANCHOR_EXPORT BReferenceFormat {
     Tellurion::BString Name;   ///< short name, such as "WLD"
     Tellurion::BString Title;  ///< what people call it, such as "World file"
-    Tellurion::EReferenceType Type = Tellurion::EReferenceType::Reserved;
-    bool HasType = false;  ///< false for a kind that only probing reaches; Type means nothing then
-    bool ReadsByType = false;
-    bool SavesByType = false;
+    Tellurion::EReferenceType Type = Tellurion::EReferenceType::Reserved;  ///< for Read and Save
+    bool HasType = false;      ///< false for a kind that only probing reaches; Type means nothing then
+    bool ReadsByType = false;  ///< BMapAnchor::Read takes the Type
+    bool SavesByType = false;  ///< BMapAnchor::Save takes the Type
     std::vector<Tellurion::BString> ReadExtensions;  ///< lower case, with the dot
-    std::vector<Tellurion::BString> SaveExtensions;
+    std::vector<Tellurion::BString> SaveExtensions;  ///< the same for saving
     bool CentreAnchored =
         false;  ///< column 0, row 0 of its affine is the centre of the top left pixel, not its corner
     Tellurion::BString ServedBy;  ///< the reader, for kinds that another could serve; usually empty
@@ -31,7 +31,7 @@ struct MAPANCHOR_EXPORT BReferenceFormat {
 /// What this build can read and save; the front door works from the same table.
 class MAPANCHOR_EXPORT BReferenceFormats {
 public:
-    static std::vector<BReferenceFormat> List();
+    static std::vector<BReferenceFormat> List();  ///< all kinds, in a fixed order
 
     /// As BMapAnchor::Read by name, and answers the Name of the kind that was read. An
     /// extension alone does not tell it: behind an unknown one the content decides.

@@ -42,8 +42,8 @@ public:
     /// ER Mapper's is the system's own on the datum only that the name stands on.
     virtual bool GetIdentifier(const BString& issuer, BIdentifier& out) const;
 
-    static constexpr int kKindGeodetic = 1;
-    static constexpr int kKindProjected = 3;
+    static constexpr int kKindGeodetic = 1;   ///< an answer of GetKind()
+    static constexpr int kKindProjected = 3;  ///< an answer of GetKind()
 
     /// Reads a PRJ text file: well-known text, usually in ESRI's flavour.
     static BCoordSys* FromFile(const BString& path);
@@ -63,7 +63,7 @@ public:
     /// "EPSG:" and the number that the text states or, without one, that of the one
     /// EPSG system that is the same; empty when there is none.
     BString ToEPSGCode() const;
-    BString GetName() const;
+    BString GetName() const;  ///< as its text states it; may be empty
 
     /// The unit of the horizontal axes.
     BSharedPtr<BUnit> GetUnits() const;
@@ -80,7 +80,7 @@ public:
     /// meridian, and back; z is kept. Throws a BCoordSysException where the
     /// projection has no value.
     BPoint ConvertToGeodetic(const BPoint& point) const;
-    BPoint ConvertFromGeodetic(const BPoint& point) const;
+    BPoint ConvertFromGeodetic(const BPoint& point) const;  ///< the way back
 
     /// The database's object behind the system; this one's own, and lives as long.
     /// Changing it changes the system.
@@ -88,7 +88,7 @@ public:
 
     /// For the library's own use.
     explicit BCoordSys(std::shared_ptr<const CoordSysDefinition> definition);
-    std::shared_ptr<const CoordSysDefinition> GetDefinition() const;
+    std::shared_ptr<const CoordSysDefinition> GetDefinition() const;  ///< for the library's own use
 
 private:
     std::shared_ptr<const CoordSysDefinition> definition_;

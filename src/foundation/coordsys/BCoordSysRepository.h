@@ -15,7 +15,7 @@ namespace Tellurion {
 /// several threads. Returned systems are new objects, the caller's.
 class TELLURION_EXPORT BCoordSysRepository {
 public:
-    static BCoordSysRepository* Instance();
+    static BCoordSysRepository* Instance();  ///< never null; not the caller's
 
     /// As BCoordSys::FromWKT.
     BCoordSys* ReadCoordSysFromWKTString(const BString& wkt);
@@ -53,7 +53,7 @@ public:
 
     /// The coordinate system database.
     const GeoCalc::DB::CDataSource* GetDSInstance() const;
-    void* GetDSInstancePtr();
+    void* GetDSInstancePtr();  ///< the same, for changes
 
 private:
     BCoordSysRepository() = default;

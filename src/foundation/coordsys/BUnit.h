@@ -21,7 +21,7 @@ public:
     /// "INTERNATIONAL FEET", "DEGREES" ...) or "EPSG" ("9001" ...); empty when unknown.
     static BSharedPtr<BUnit> GetUnit(const BIdentifier& identifier);
 
-    bool IsLinear() const;
+    bool IsLinear() const;  ///< a length; otherwise an angle
     /// The name in the manner of well-known text, such as "metre" or "US survey foot".
     BString GetName() const;
     /// Fills `out` with the issuer's code for this unit; false when it has none.
@@ -32,7 +32,7 @@ public:
 
 protected:
     struct Row;
-    explicit BUnit(const Row& row);
+    explicit BUnit(const Row& row);  ///< of the library's own table
 
 private:
     friend struct UnitTable;

@@ -13,9 +13,9 @@ namespace Tellurion {
 /// and a detail that tells this failure apart. Copying does not throw.
 class TELLURION_EXPORT BException : public std::exception {
 public:
-    explicit BException(const BString& message);
-    BException(const BString& source, const BString& detail);
-    BException(const BString& message, const BString& source, const BString& detail);
+    explicit BException(const BString& message);               ///< no source, no detail
+    BException(const BString& source, const BString& detail);  ///< no message
+    BException(const BString& message, const BString& source, const BString& detail);  ///< all three
     BException(const BException&) noexcept;
     BException& operator=(const BException&) noexcept;
     ~BException() override;
@@ -25,9 +25,9 @@ public:
     /// Message and detail, then the source in parentheses; parts that are empty are left out.
     BString GetDetailedMessage() const;
 
-    const BString& GetMessageText() const;
-    const BString& GetSource() const;
-    const BString& GetDetail() const;
+    const BString& GetMessageText() const;  ///< fixed for the class
+    const BString& GetSource() const;       ///< the operation, may be empty
+    const BString& GetDetail() const;       ///< may be empty
     /// The name of the class, such as "BFileNotFoundException".
     virtual const char* GetTypeName() const noexcept;
 

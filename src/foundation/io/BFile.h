@@ -19,7 +19,7 @@ public:
     /// against files without line ends, far above any line that means something.
     static constexpr std::size_t kLongestLine = std::size_t{16} << 20;
 
-    explicit BFile(const BString& path);
+    explicit BFile(const BString& path);  ///< touches no file before Open()
     ~BFile();
     BFile(const BFile&) = delete;
     BFile& operator=(const BFile&) = delete;
@@ -51,7 +51,7 @@ public:
     /// before. Closing a closed file does nothing and repeats that answer.
     bool Close();
 
-    const BString& GetPath() const { return path_; }
+    const BString& GetPath() const { return path_; }  ///< as it was given
 
 private:
     bool Fill();

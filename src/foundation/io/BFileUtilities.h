@@ -9,7 +9,7 @@ namespace Tellurion {
 /// CompletePath() at the current folder.
 class TELLURION_EXPORT BFileUtilities {
 public:
-    static bool Exists(const BString& path);
+    static bool Exists(const BString& path);  ///< true for files and folders
     /// The absolute form; an absolute path comes back as it is.
     static BString CompletePath(const BString& path);
     /// The extension with its dot; empty when the last component has none.

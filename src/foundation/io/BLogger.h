@@ -14,9 +14,9 @@ namespace Tellurion {
 /// sink is called by the thread that logs and must not throw.
 class TELLURION_EXPORT BLogger {
 public:
-    using Sink = std::function<void(ELogSeverity severity, const BString& text)>;
+    using Sink = std::function<void(ELogSeverity severity, const BString& text)>;  ///< see above
 
-    static BLogger* Instance();
+    static BLogger* Instance();  ///< never null; not the caller's
 
     /// Writes one entry by the rules of BString::Format; the text may hold inner
     /// "\n", the sink adds the line end.
@@ -24,7 +24,7 @@ public:
     void WriteLine(ELogSeverity severity, const char* format, const Args&... arguments) {
         Write(severity, BString::Format(format, arguments...));
     }
-    void Write(ELogSeverity severity, const BString& text);
+    void Write(ELogSeverity severity, const BString& text);  ///< the same of a text that is ready
 
     /// Installs a sink and returns the one before; an empty one brings the default back.
     Sink SetSink(Sink sink);

@@ -27,8 +27,8 @@ public:
     BGeoReference& operator=(const BGeoReference&);
     virtual ~BGeoReference();
 
-    bool HasCoordSys() const;
-    bool HasMathTransform() const;
+    bool HasCoordSys() const;       ///< CoordSys is not empty
+    bool HasMathTransform() const;  ///< MathTransform is not empty
     /// Shares the system.
     void SetCoordSys(const BSharedPtr<BCoordSys>& coordSys);
     /// Stores a copy. A transform that is not valid leaves the reference without one.
@@ -39,16 +39,16 @@ public:
     /// Stores points and a copy of the transform through them.
     void SetPointPairVectorAndMathTransform(std::vector<BPointPair> pairs, const BMathTransform& transform);
 
-    bool HasVerticalUnit() const;
-    BSharedPtr<BLinearUnit> GetVerticalUnit() const;
-    void SetVerticalUnit(const BSharedPtr<BLinearUnit>& unit);
+    bool HasVerticalUnit() const;                               ///< heights have a unit
+    BSharedPtr<BLinearUnit> GetVerticalUnit() const;            ///< empty without one
+    void SetVerticalUnit(const BSharedPtr<BLinearUnit>& unit);  ///< shares the unit
 
-    bool IsPixelAsPointRegistered() const;
-    void SetPixelAsPointRegistered(bool registered);
+    bool IsPixelAsPointRegistered() const;            ///< see above; false until set
+    void SetPixelAsPointRegistered(bool registered);  ///< changes nothing else
 
-    std::vector<BPointPair> PointPairVector;
-    BSharedPtr<BCoordSys> CoordSys;
-    BSharedPtr<BMathTransform> MathTransform;
+    std::vector<BPointPair> PointPairVector;   ///< the control points, switched off ones too
+    BSharedPtr<BCoordSys> CoordSys;            ///< empty when there is none
+    BSharedPtr<BMathTransform> MathTransform;  ///< empty when there is none
 
 private:
     BSharedPtr<BLinearUnit> vertical_unit_;

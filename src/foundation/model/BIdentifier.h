@@ -9,13 +9,13 @@ namespace Tellurion {
 class TELLURION_EXPORT BIdentifier {
 public:
     BIdentifier() = default;
-    BIdentifier(const BString& issuer, const BString& code) : Issuer(issuer), Code(code) {}
+    BIdentifier(const BString& issuer, const BString& code) : Issuer(issuer), Code(code) {}  ///< of both
     BIdentifier(const BIdentifier&) = default;
     BIdentifier& operator=(const BIdentifier&) = default;
     virtual ~BIdentifier();
 
-    BString Issuer;
-    BString Code;
+    BString Issuer;  ///< such as "EPSG"
+    BString Code;    ///< such as "32633"
 };
 
 }  // namespace Tellurion

@@ -9,14 +9,14 @@ namespace Tellurion {
 class TELLURION_EXPORT BPoint {
 public:
     BPoint() = default;
-    BPoint(double xValue, double yValue, double zValue) : x(xValue), y(yValue), z(zValue) {}
+    /** Of all. */ BPoint(double xValue, double yValue, double zValue) : x(xValue), y(yValue), z(zValue) {}
     BPoint(const BPoint&) = default;
     BPoint& operator=(const BPoint&) = default;
     virtual ~BPoint();
 
-    double x = 0.0;
-    double y = 0.0;
-    double z = 0.0;
+    double x = 0.0;  ///< easting, longitude or column
+    double y = 0.0;  ///< northing, latitude or row
+    double z = 0.0;  ///< height
 };
 
 }  // namespace Tellurion

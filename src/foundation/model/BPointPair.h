@@ -14,18 +14,18 @@ class TELLURION_EXPORT BPointPair {
 public:
     BPointPair() = default;
     BPointPair(long column, long row, double worldX, double worldY, double worldZ, BString name,
-               bool enabled);
+               bool enabled);  ///< of all
     BPointPair(const BPointPair&) = default;
     BPointPair(BPointPair&&) noexcept = default;
     BPointPair& operator=(const BPointPair&) = default;
     BPointPair& operator=(BPointPair&&) noexcept = default;
     virtual ~BPointPair();
 
-    BString Name;
+    BString Name;             ///< may be empty
     std::int32_t Column = 0;  ///< values beyond 32 bits are clamped on construction
-    std::int32_t Row = 0;
-    BPoint World;
-    bool Enabled = true;  ///< a disabled point is kept but takes no part in a fit
+    std::int32_t Row = 0;     ///< from the top
+    BPoint World;             ///< in the units of the coordinate system
+    bool Enabled = true;      ///< a disabled point is kept but takes no part in a fit
 };
 
 }  // namespace Tellurion

@@ -23,15 +23,15 @@ public:
             throw;
         }
     }
-    BSharedPtr(const BSharedPtr& other) noexcept
+    /** Shares. */ BSharedPtr(const BSharedPtr& other) noexcept
         : pointer_(other.pointer_), counter_(other.counter_), owns_(other.owns_) {
         if (counter_) counter_->fetch_add(1, std::memory_order_relaxed);
     }
-    BSharedPtr(BSharedPtr&& other) noexcept
+    /** Takes. */ BSharedPtr(BSharedPtr&& other) noexcept
         : pointer_(std::exchange(other.pointer_, nullptr)),
           counter_(std::exchange(other.counter_, nullptr)),
           owns_(std::exchange(other.owns_, false)) {}
-    BSharedPtr& operator=(BSharedPtr other) noexcept {
+    /** Lets go of what it had. */ BSharedPtr& operator=(BSharedPtr other) noexcept {
         std::swap(pointer_, other.pointer_);
         std::swap(counter_, other.counter_);
         std::swap(owns_, other.owns_);
@@ -43,11 +43,11 @@ public:
         if (owns_) delete pointer_;
     }
 
-    T* Get() const noexcept { return pointer_; }
-    T* operator->() const noexcept { return pointer_; }
-    T& operator*() const noexcept { return *pointer_; }
-    explicit operator bool() const noexcept { return pointer_ != nullptr; }
-    bool IsEmpty() const noexcept { return pointer_ == nullptr; }
+    T* Get() const noexcept { return pointer_; }                             ///< null when empty
+    T* operator->() const noexcept { return pointer_; }                      ///< not when empty
+    T& operator*() const noexcept { return *pointer_; }                      ///< not when empty
+    explicit operator bool() const noexcept { return pointer_ != nullptr; }  ///< not empty
+    bool IsEmpty() const noexcept { return pointer_ == nullptr; }            ///< no pointee
 
 private:
     T* pointer_ = nullptr;

@@ -22,23 +22,23 @@ namespace Tellurion {
 class TELLURION_EXPORT BString {
 public:
     BString() = default;
-    BString(const wchar_t* text);      ///< null counts as empty
-    BString(const char* text);         ///< null counts as empty
-    BString(const std::string& text);  ///< may hold NUL characters
-    BString(const std::u16string& units);
+    BString(const wchar_t* text);          ///< null counts as empty
+    BString(const char* text);             ///< null counts as empty
+    BString(const std::string& text);      ///< may hold NUL characters
+    BString(const std::u16string& units);  ///< the units as they are
     BString(const BString& other);
-    BString(BString&& other) noexcept;
+    BString(BString&& other) noexcept;  ///< leaves `other` empty
     virtual ~BString();
 
     BString& operator=(const BString& other);
-    BString& operator=(BString&& other) noexcept;
-    BString& operator=(const wchar_t* text);
-    BString& operator=(const char* text);
+    BString& operator=(BString&& other) noexcept;  ///< leaves `other` empty
+    BString& operator=(const wchar_t* text);       ///< null counts as empty
+    BString& operator=(const char* text);          ///< null counts as empty
 
-    BString& operator+=(const BString& text);
-    BString& operator+=(const wchar_t* text);
-    BString& operator+=(const char* text);
-    BString& operator+=(char character);
+    BString& operator+=(const BString& text);  ///< appends
+    BString& operator+=(const wchar_t* text);  ///< appends; null counts as empty
+    BString& operator+=(const char* text);     ///< appends; null counts as empty
+    BString& operator+=(char character);       ///< appends one byte of ASCII
 
     /// printf rules: flags, width, precision and the conversions d i u x X o c f F
     /// e E g G s ls, with any length modifier. Numbers have a decimal point in every
@@ -49,13 +49,13 @@ public:
         const FormatArgument list[sizeof...(Args) + 1] = {FormatArgument(arguments)..., FormatArgument(0)};
         return FormatList(format, list, sizeof...(Args));
     }
-    template <class... Args>
+    /** The same. */ template <class... Args>
     static BString Format(const wchar_t* format, const Args&... arguments) {
         const FormatArgument list[sizeof...(Args) + 1] = {FormatArgument(arguments)..., FormatArgument(0)};
         return FormatList(BString(format).Utf8(), list, sizeof...(Args));
     }
 
-    bool IsEmpty() const { return units_.empty(); }
+    bool IsEmpty() const { return units_.empty(); }  ///< no unit at all
     /// Length in code units.
     std::size_t GetLength() const { return units_.size(); }
     /// The text itself; valid while the string is unchanged.
@@ -65,24 +65,24 @@ public:
     BString Right(std::size_t count) const;  ///< the last count units, or all
     BString& Trim();                         ///< in place; white space at both ends
     BString& ToLower();                      ///< in place; simple case mapping, the same in every locale
-    BString& ToUpper();
+    BString& ToUpper();                      ///< the same to upper case
     BString& ReplaceAll(const BString& from, const BString& to);  ///< in place; an empty from changes nothing
-    BString& RemoveAll(const BString& what);
-    bool StartsWith(const BString& prefix) const;
-    bool EndsWith(const BString& suffix) const;
+    BString& RemoveAll(const BString& what);                      ///< in place
+    bool StartsWith(const BString& prefix) const;                 ///< true for an empty one
+    bool EndsWith(const BString& suffix) const;                   ///< true for an empty one
 
     /// The UTF-8 form as a C string, valid while the string is unchanged.
     const char* Ascii() const { return Narrow().c_str(); }
-    const char* Utf8() const { return Narrow().c_str(); }
+    const char* Utf8() const { return Narrow().c_str(); }  ///< the same
     /// The UTF-8 form; keeps NUL characters.
     std::string StdStr() const { return Narrow(); }
     /// The platform's wide form.
     std::wstring WideStr() const;
 
-    friend bool operator==(const BString& a, const BString& b) { return a.units_ == b.units_; }
-    friend bool operator!=(const BString& a, const BString& b) { return a.units_ != b.units_; }
-    friend bool operator<(const BString& a, const BString& b) { return a.units_ < b.units_; }
-    friend BString operator+(BString a, const BString& b) { return std::move(a += b); }
+    friend bool operator==(const BString& a, const BString& b) { return a.units_ == b.units_; }  ///< exact
+    friend bool operator!=(const BString& a, const BString& b) { return a.units_ != b.units_; }  ///< exact
+    /** By units. */ friend bool operator<(const BString& a, const BString& b) { return a.units_ < b.units_; }
+    friend BString operator+(BString a, const BString& b) { return std::move(a += b); }  ///< joins
 
 private:
     static BString FormatList(const char* format, const FormatArgument* arguments, std::size_t count);

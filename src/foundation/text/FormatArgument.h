@@ -17,7 +17,7 @@ class BString;
 /// Refers to the caller's text and must not outlive it.
 class TELLURION_EXPORT FormatArgument {
 public:
-    enum class Kind { Signed, Unsigned, Real, Narrow, Wide, Utf16 };
+    /** How it is held. */ enum class Kind { Signed, Unsigned, Real, Narrow, Wide, Utf16 };
 
     template <class T, std::enable_if_t<std::is_integral_v<T> && std::is_signed_v<T>, int> = 0>
     FormatArgument(T value) : kind_(Kind::Signed), signed_(value) {}
@@ -27,19 +27,19 @@ public:
     FormatArgument(T value) : kind_(Kind::Signed), signed_(static_cast<std::int64_t>(value)) {}
     FormatArgument(double value) : kind_(Kind::Real), real_(value) {}
     FormatArgument(float value) : kind_(Kind::Real), real_(static_cast<double>(value)) {}
-    FormatArgument(const char* text);
+    FormatArgument(const char* text);  ///< null prints as "(null)"
     FormatArgument(const wchar_t* text);
     FormatArgument(const std::string& text) : kind_(Kind::Narrow), narrow_(text) {}
     FormatArgument(std::string_view text) : kind_(Kind::Narrow), narrow_(text) {}
     FormatArgument(const BString& text);
 
-    Kind GetKind() const { return kind_; }
-    std::int64_t Signed() const { return signed_; }
-    std::uint64_t Unsigned() const { return unsigned_; }
-    double Real() const { return real_; }
-    std::string_view Narrow() const { return narrow_; }
-    std::wstring_view Wide() const { return wide_; }
-    std::u16string_view Utf16() const { return utf16_; }
+    Kind GetKind() const { return kind_; }                ///< which of these holds
+    std::int64_t Signed() const { return signed_; }       ///< of Kind::Signed
+    std::uint64_t Unsigned() const { return unsigned_; }  ///< of Kind::Unsigned
+    double Real() const { return real_; }                 ///< of Kind::Real
+    std::string_view Narrow() const { return narrow_; }   ///< of Kind::Narrow
+    std::wstring_view Wide() const { return wide_; }      ///< of Kind::Wide
+    std::u16string_view Utf16() const { return utf16_; }  ///< of Kind::Utf16
 
 private:
     Kind kind_;

@@ -38,18 +38,18 @@ public:
     static BMathTransform* CreateAffine(double a, double b, double c, double d, double e, double f,
                                         bool optimizeFor2D);
 
-    ETransformType GetType() const override;
-    bool IsValid() const override;
+    ETransformType GetType() const override;  ///< Math
+    bool IsValid() const override;            ///< false for the type None
     bool GetOptimizeFor2D() const override;
     bool ConvertSourceToTarget(double& x, double& y) const override;
     BPoint ConvertSourceToTarget(const BPoint& point) const override;
-    bool ConvertTargetToSource(double& x, double& y) const override;
-    BPoint ConvertTargetToSource(const BPoint& point) const override;
+    bool ConvertTargetToSource(double& x, double& y) const override;   ///< curved fits: by iteration
+    BPoint ConvertTargetToSource(const BPoint& point) const override;  ///< the same
     double ConvertXDistance(double distance, const BPoint& at) const override;
-    double ConvertYDistance(double distance, const BPoint& at) const override;
+    double ConvertYDistance(double distance, const BPoint& at) const override;  ///< along y
     double ConvertXDistanceReverse(double distance, const BPoint& at) const override;
-    double ConvertYDistanceReverse(double distance, const BPoint& at) const override;
-    virtual EMathTransformType GetMathTransformType() const;
+    double ConvertYDistanceReverse(double distance, const BPoint& at) const override;  ///< along y
+    virtual EMathTransformType GetMathTransformType() const;                           ///< the kind of fit
 
     /// The six terms. Throws a BException for what is not affine; a conformal fit is.
     void GetAffineParameters(double& a, double& b, double& c, double& d, double& e, double& f) const;
