@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstdio>
+#include "PlainPdf.h"
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,18 +29,7 @@ public:
                                         "<< /Type /Pages /Kids [ 3 0 R ] /Count 1 " + inherited_ + " >>",
                                         "<< /Type /Page /Parent 2 0 R " + page_ + " >>"};
         all.insert(all.end(), objects_.begin(), objects_.end());
-        std::string text = "%PDF-1.6\n";
-        std::string table;
-        for (std::size_t i = 0; i < all.size(); ++i) {
-            char row[32];
-            std::snprintf(row, sizeof row, "%010zu 00000 n \n", text.size());
-            table += row;
-            text += std::to_string(i + 1) + " 0 obj\n" + all[i] + "\nendobj\n";
-        }
-        const std::string count = std::to_string(all.size() + 1);
-        return text + "xref\n0 " + count + "\n0000000000 65535 f \n" + table +
-               "trailer\n<< /Root 1 0 R /Size " + count + " >>\nstartxref\n" + std::to_string(text.size()) +
-               "\n%%EOF\n";
+        return PlainPdf(all);
     }
 
 private:

@@ -44,6 +44,11 @@ struct References {
         reference.MathTransform = Tellurion::BSharedPtr<Tellurion::BMathTransform>(new Transform);
         return reference;
     }
+    static BGeoReference Of(const std::string& epsg, const std::array<double, 6>& t) {
+        BGeoReference reference = WithAffine(t[0], t[1], t[2], t[3], t[4], t[5]);
+        SetSystem(reference, epsg);
+        return reference;
+    }
     static std::array<double, 6> Terms(const BGeoReference& reference) {
         std::array<double, 6> t{};
         reference.MathTransform->GetAffineParameters(t[0], t[1], t[2], t[3], t[4], t[5]);

@@ -36,10 +36,7 @@ TEST(BFile, LinesComeWithoutTheirEnds) {
         {"empty_lines", "\n\r\nc", {"", "", "c"}},
         {"empty", "", {}},
         {"only_an_end", "\n", {""}},
-        {"mark",
-         "\xEF\xBB\xBF"
-         "a\n",
-         {"a"}},
+        {"mark", "\357\273\277a\n", {"a"}},
         {"latin", "Z\xFCrich \x80\nok\n", {"Z\xC3\xBCrich \xE2\x82\xAC", "ok"}},
         {"utf8", "Z\xC3\xBCrich\n", {"Z\xC3\xBCrich"}},
         {"across_reads", chunk + "\n" + chunk + "\r\n" + chunk, {chunk, chunk, chunk}},
@@ -67,9 +64,7 @@ TEST(BFile, AFileWithoutLineEndsStopsAtTheLongestLine) {
 
 TEST(BFile, WhatWasWrittenReadsBack) {
     const TempFolder folder;
-    const BString path(folder /
-                       "\xC3\x9C"
-                       "ber.txt");
+    const BString path(folder / "\303\234ber.txt");
     BFile out(path);
     ASSERT_TRUE(out.Open(EFileMode::Write, EFileMode::Text));
     const std::string odd = "raw \xFF byte";

@@ -25,12 +25,8 @@ TEST(BFileUtilities, TakesPathsApart) {
         {"map.", "", "map.prj", "map.", "map."},
         {"dir/.tfw", ".tfw", "dir/.prj", ".tfw", ""},
         {"", "", ".prj", "", ""},
-        {"\xC3\x9C"
-         "ber/K\xC3\xA4rnten.jgw",
-         ".jgw",
-         "\xC3\x9C"
-         "ber/K\xC3\xA4rnten.prj",
-         "K\xC3\xA4rnten.jgw", "K\xC3\xA4rnten"},
+        {"\303\234ber/K\xC3\xA4rnten.jgw", ".jgw", "\303\234ber/K\xC3\xA4rnten.prj", "K\xC3\xA4rnten.jgw",
+         "K\xC3\xA4rnten"},
     };
     for (const PathCase& test : cases) {
         const BString path(test.path);

@@ -35,8 +35,7 @@ TEST(BString, AnyBytesSurviveTheWayThroughUtf16) {
 TEST(BString, CountsAndComparesCodeUnits) {
     EXPECT_EQ(BString("\xC3\xBC").GetLength(), 1U);
     EXPECT_EQ(BString("\xF0\x9F\x97\xBA").GetLength(), 2U);
-    EXPECT_EQ(BString(L"Stra\u00DFe"), BString("Stra\xC3\x9F"
-                                               "e"));
+    EXPECT_EQ(BString(L"Stra\u00DFe"), BString("Stra\303\237e"));
     EXPECT_NE(BString("a"), BString("A"));
     EXPECT_EQ(BString(L"\U0001F5FA").WideStr(), L"\U0001F5FA");
     EXPECT_TRUE(BString(static_cast<const char*>(nullptr)).IsEmpty());
@@ -80,8 +79,6 @@ TEST(BString, NarrowFormFollowsEveryChange) {
     EXPECT_STREQ(text.Ascii(), "x");
     BString moved(std::move(text));
     EXPECT_STREQ(moved.Ascii(), "x");
-    text = moved;
-    EXPECT_STREQ(text.Ascii(), "x");
     text = std::move(moved);
     EXPECT_STREQ(text.Ascii(), "x");
 }

@@ -40,15 +40,10 @@ TEST(Format, NumbersReadAsPrintfWritesThem) {
 #pragma GCC diagnostic pop
 
 TEST(Format, TextsOfAllKinds) {
-    const BString name(
-        "M\xC3\xBC"
-        "ller");
+    const BString name("M\303\274ller");
     EXPECT_EQ(BString::Format("<%ls> <%s> <%ls> <%s>", name, "b", L"c", std::string("d")).StdStr(),
-              "<M\xC3\xBC"
-              "ller> <b> <c> <d>");
-    EXPECT_EQ(BString::Format(L"<%ls> %d", name, 7).StdStr(),
-              "<M\xC3\xBC"
-              "ller> 7");
+              "<M\303\274ller> <b> <c> <d>");
+    EXPECT_EQ(BString::Format(L"<%ls> %d", name, 7).StdStr(), "<M\303\274ller> 7");
     EXPECT_EQ(BString::Format("%6s|%-6s|%.2s", "abc", "abc", "abc").StdStr(), "   abc|abc   |ab");
     EXPECT_EQ(BString::Format("%c%c", 'x', 65).StdStr(), "xA");
     EXPECT_EQ(BString::Format("100%% %s", static_cast<const char*>(nullptr)).StdStr(), "100% (null)");

@@ -22,12 +22,10 @@ TEST(BMathTransform, NoneIsNotValid) {
     const BMathTransform none(Type::None, GridOn(Straight, kUtm, 5), kWidth, kHeight, true);
     EXPECT_FALSE(none.IsValid());
     EXPECT_EQ(none.GetMathTransformType(), Type::None);
-    double x = 1, y = 2, a, b, c, d, e, f;
-    EXPECT_FALSE(none.ConvertSourceToTarget(x, y));
-    EXPECT_FALSE(none.ConvertTargetToSource(x, y));
-    EXPECT_EQ(x, 1);
-    EXPECT_EQ(y, 2);
-    const Thrown thrown = WhatIsThrown([&] { none.GetAffineParameters(a, b, c, d, e, f); });
+    ExpectNone(none, kToTarget, {1, 2});
+    ExpectNone(none, kToSource, {1, 2});
+    double t;
+    const Thrown thrown = WhatIsThrown([&] { none.GetAffineParameters(t, t, t, t, t, t); });
     EXPECT_EQ(thrown.source, "BMathTransform::GetAffineParameters");
     EXPECT_EQ(thrown.detail, "There is no transform");
 }

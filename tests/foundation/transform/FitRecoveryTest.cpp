@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <string>
-#include <tuple>
+#include <utility>
 
 namespace Tellurion {
 namespace {
@@ -50,31 +47,6 @@ struct RecoveryCase {
     Type type;
     Warp warp;
 };
-std::ostream& operator<<(std::ostream& out, const RecoveryCase& c) {
-    return out << c.name;
-}
-
-class FitRecovery : public testing::TestWithParam<std::tuple<RecoveryCase, World, bool>> {};
-
-// The pixel's size is 0.5 m or 7e-6 degrees by 5e-6; a millionth of it is the bound.
-TEST_P(FitRecovery, FindsTheTransformItsPointsCameFrom) {
-    const auto& [c, world, knows_raster] = GetParam();
-    const BMathTransform fit(c.type, GridOn(c.warp, world, 5), knows_raster ? kWidth : 0,
-                             knows_raster ? kHeight : 0, true);
-    EXPECT_EQ(fit.GetMathTransformType(), c.type);
-    const double bound_x = 1e-6 * world.width / kWidth, bound_y = 1e-6 * world.height / kHeight;
-    for (double column = 0; column <= kWidth; column += 400)
-        for (double row = 0; row <= kHeight; row += 400) {
-            double x = column, y = row;
-            ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
-            const Place truth = Truth(c.warp, world, column, row);
-            ASSERT_NEAR(x, truth.x, bound_x) << column << " " << row;
-            ASSERT_NEAR(y, truth.y, bound_y) << column << " " << row;
-            ASSERT_TRUE(fit.ConvertTargetToSource(x, y)) << column << " " << row;
-            ASSERT_NEAR(x, column, 1e-6);
-            ASSERT_NEAR(y, row, 1e-6);
-        }
-}
 
 constexpr RecoveryCase kAnyAspect[] = {
     {"affine", Type::Affine, Skewed},
@@ -94,71 +66,50 @@ constexpr RecoveryCase kConformal[] = {
     {"conformal_south_up", Type::Conformal, TurnedOver},
 };
 
-std::string NameOf(const testing::TestParamInfo<FitRecovery::ParamType>& info) {
-    return std::string(std::get<0>(info.param).name) + "_" + std::get<1>(info.param).name +
-           (std::get<2>(info.param) ? "" : "_unknown_raster");
+// The pixel's size is 0.5 m or 7e-6 degrees by 5e-6; a millionth of it is the bound.
+void ExpectRecovery(const RecoveryCase& c, const World& world) {
+    const Place bound = {1e-6 * world.width / kWidth, 1e-6 * world.height / kHeight};
+    for (const bool knows_raster : {true, false}) {
+        SCOPED_TRACE(testing::Message() << c.name << " " << world.name << " " << knows_raster);
+        const BMathTransform fit(c.type, GridOn(c.warp, world, 5), knows_raster ? kWidth : 0,
+                                 knows_raster ? kHeight : 0, true);
+        EXPECT_EQ(fit.GetMathTransformType(), c.type);
+        for (double column = 0; column <= kWidth; column += 400)
+            for (double row = 0; row <= kHeight; row += 400)
+                ExpectMeets(fit, {column, row}, Truth(c.warp, world, column, row), bound, 1e-6);
+    }
 }
-INSTANTIATE_TEST_SUITE_P(AnyAspect, FitRecovery,
-                         testing::Combine(testing::ValuesIn(kAnyAspect), testing::Values(kUtm, kGeographic),
-                                          testing::Bool()),
-                         NameOf);
-INSTANTIATE_TEST_SUITE_P(SquarePixels, FitRecovery,
-                         testing::Combine(testing::ValuesIn(kConformal), testing::Values(kUtm),
-                                          testing::Bool()),
-                         NameOf);
 
-struct ExactCase {
-    const char* name;
-    Type type;
-    std::size_t points;
-};
-std::ostream& operator<<(std::ostream& out, const ExactCase& c) {
-    return out << c.name;
+TEST(FitRecovery, FindsTheTransformItsPointsCameFrom) {
+    for (const RecoveryCase& c : kAnyAspect) {
+        ExpectRecovery(c, kUtm);
+        ExpectRecovery(c, kGeographic);
+    }
+    for (const RecoveryCase& c : kConformal)
+        ExpectRecovery(c, kUtm);
 }
-class ExactFit : public testing::TestWithParam<ExactCase> {};
 
 // With as many points as terms a fit goes through each, whatever their positions.
-TEST_P(ExactFit, GoesThroughItsPoints) {
-    constexpr std::array<std::array<long, 2>, 10> kPixels = {{{120, 80},
-                                                              {9800, 300},
-                                                              {400, 7700},
-                                                              {9500, 7900},
-                                                              {5100, 3900},
-                                                              {5300, 200},
-                                                              {250, 4100},
-                                                              {9700, 4400},
-                                                              {4700, 7600},
-                                                              {2500, 2300}}};
-    std::mt19937 random(11);
-    std::uniform_real_distribution<double> noise(-100.0, 100.0);
-    std::vector<BPointPair> pairs;
-    for (std::size_t i = 0; i < GetParam().points; ++i) {
-        const auto [column, row] = kPixels[i];
-        const Place truth = Truth(Skewed, kUtm, static_cast<double>(column), static_cast<double>(row));
-        pairs.push_back(PointAt(column, row, {truth.x + noise(random), truth.y + noise(random)}));
-    }
-    const BMathTransform fit(GetParam().type, pairs, kWidth, kHeight, true);
-    for (const BPointPair& pair : pairs) {
-        double x = pair.Column, y = pair.Row;
-        ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
-        EXPECT_NEAR(x, pair.World.x, 1e-8);
-        EXPECT_NEAR(y, pair.World.y, 1e-8);
-        ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
-        EXPECT_NEAR(x, pair.Column, 1e-6);
-        EXPECT_NEAR(y, pair.Row, 1e-6);
+TEST(ExactFit, GoesThroughItsPoints) {
+    constexpr long kColumns[] = {120, 9800, 400, 9500, 5100, 5300, 250, 9700, 4700, 2500};
+    constexpr long kRows[] = {80, 300, 7700, 7900, 3900, 200, 4100, 4400, 7600, 2300};
+    const std::pair<Type, std::size_t> cases[] = {
+        {Type::Affine, 3},     {Type::Conformal, 2}, {Type::Polynomial2, 6},     {Type::Polynomial3, 10},
+        {Type::Projective, 4}, {Type::Bilinear, 4},  {Type::ThinPlateSpline, 3}, {Type::ThinPlateSpline, 10}};
+    for (const auto& [type, points] : cases) {
+        SCOPED_TRACE(testing::Message() << "type " << static_cast<int>(type) << " of " << points);
+        std::mt19937 random(11);
+        std::uniform_real_distribution<double> noise(-100.0, 100.0);
+        std::vector<BPointPair> pairs;
+        for (std::size_t i = 0; i < points; ++i) {
+            const Place truth =
+                Truth(Skewed, kUtm, static_cast<double>(kColumns[i]), static_cast<double>(kRows[i]));
+            pairs.push_back(
+                PointAt(kColumns[i], kRows[i], {truth.x + noise(random), truth.y + noise(random)}));
+        }
+        ExpectMeetsAll(BMathTransform(type, pairs, kWidth, kHeight, true), pairs, 1e-8, 1e-6);
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(, ExactFit,
-                         testing::Values(ExactCase{"affine", Type::Affine, 3},
-                                         ExactCase{"conformal", Type::Conformal, 2},
-                                         ExactCase{"second_order", Type::Polynomial2, 6},
-                                         ExactCase{"third_order", Type::Polynomial3, 10},
-                                         ExactCase{"projective", Type::Projective, 4},
-                                         ExactCase{"bilinear", Type::Bilinear, 4},
-                                         ExactCase{"spline_of_three", Type::ThinPlateSpline, 3},
-                                         ExactCase{"spline_of_ten", Type::ThinPlateSpline, 10}),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 // The third differences 1 -3 3 -1 on a grid of 4 by 4 are at right angles to all that
 // a fit can follow, so least squares leaves them over whole. A projective fit by its
@@ -176,13 +127,9 @@ TEST(LeastSquaresFit, LeavesOutWhatNoFitCanFollow) {
     for (const Type type : {Type::Affine, Type::Conformal, Type::Polynomial2, Type::Polynomial3,
                             Type::Projective, Type::Bilinear}) {
         const BMathTransform fit(type, pairs, kWidth, kHeight, true);
-        for (const auto& [column, row] : {Place{0, 0}, {9999, 0}, {5000, 4000}, {1234, 7777}}) {
-            double x = column, y = row;
-            ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
-            const Place truth = Truth(Turned, kUtm, column, row);
-            EXPECT_NEAR(x, truth.x, 1e-5) << static_cast<int>(type);
-            EXPECT_NEAR(y, truth.y, 1e-5) << static_cast<int>(type);
-        }
+        SCOPED_TRACE(static_cast<int>(type));
+        for (const auto& [column, row] : {Place{0, 0}, {9999, 0}, {5000, 4000}, {1234, 7777}})
+            ExpectMeets(fit, {column, row}, Truth(Turned, kUtm, column, row), {1e-5, 1e-5}, 1e-4);
     }
 }
 
@@ -214,16 +161,7 @@ TEST(Spline, MeetsEveryPointOfADenseNet) {
     for (const auto& [column, row] : {Place{5001, 4001}, {5002, 4001}, {5003, 4002}})
         pairs.push_back(
             PointAt(static_cast<long>(column), static_cast<long>(row), Truth(Skewed, kUtm, column, row)));
-    const BMathTransform fit(Type::ThinPlateSpline, pairs, kWidth, kHeight, true);
-    for (const BPointPair& pair : pairs) {
-        double x = pair.Column, y = pair.Row;
-        ASSERT_TRUE(fit.ConvertSourceToTarget(x, y));
-        EXPECT_NEAR(x, pair.World.x, 1e-7);
-        EXPECT_NEAR(y, pair.World.y, 1e-7);
-        ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
-        EXPECT_NEAR(x, pair.Column, 1e-8);
-        EXPECT_NEAR(y, pair.Row, 1e-8);
-    }
+    ExpectMeetsAll(BMathTransform(Type::ThinPlateSpline, pairs, kWidth, kHeight, true), pairs, 1e-7, 1e-8);
 }
 
 // A second order transform folds the plane: beyond the fold there is no pixel, and
@@ -232,22 +170,14 @@ TEST(CurvedInverse, ChoosesThePixelInTheRasterOrNone) {
     const Warp fold = [](double u, double v) { return Place{u * (2.2 - u), v}; };
     for (const Type type : {Type::Polynomial2, Type::Polynomial3}) {
         const BMathTransform fit(type, GridOn(fold, kUtm, 5), kWidth, kHeight, true);
-        for (const double column : {0.0, 5000.0, 9900.0, 10000.0}) {
-            const Place world = Truth(fold, kUtm, column, 4000);
-            double x = world.x, y = world.y;
-            ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
-            EXPECT_NEAR(x, column, 1e-6);
-        }
+        for (const double column : {0.0, 5000.0, 9900.0, 10000.0})
+            ExpectMeets(fit, {column, 4000}, Truth(fold, kUtm, column, 4000), {1e-6, 1e-6}, 1e-6);
         // Here the raster itself folds: of two pixels outside the nearer one, at -0.1 and 1.7 of its width.
         const Warp inside = [](double u, double v) { return Place{u * (1.6 - u), v}; };
         const BMathTransform folded(type, GridOn(inside, kUtm, 5), kWidth, kHeight, true);
         EXPECT_NEAR(folded.ConvertTargetToSource(BPoint(kUtm.left - 0.17 * kUtm.width, kUtm.top, 0)).x, -1000,
                     1e-6);
-        const double beyond = kUtm.left + 1.22 * kUtm.width, north = kUtm.top - 0.5 * kUtm.height;
-        double x = beyond, y = north;
-        EXPECT_FALSE(fit.ConvertTargetToSource(x, y));
-        EXPECT_EQ(x, beyond);
-        EXPECT_EQ(y, north);
+        ExpectNone(fit, kToSource, {kUtm.left + 1.22 * kUtm.width, kUtm.top - 0.5 * kUtm.height});
     }
 }
 
@@ -288,20 +218,11 @@ TEST(Projective, HasNoValueBeyondTheHorizon) {
             pairs.push_back(PointAt(
                 column, row, Truth(road, kUtm, static_cast<double>(column), static_cast<double>(row))));
     const BMathTransform fit(Type::Projective, pairs, kWidth, kHeight, true);
-    for (const double row : {2000.0, 1999.0, 0.0, -1e9}) {
-        double x = 123, y = row;
-        EXPECT_FALSE(fit.ConvertSourceToTarget(x, y)) << row;
-        EXPECT_EQ(x, 123);
-        EXPECT_EQ(y, row);
-    }
-    double x = 123, y = 2001;
-    EXPECT_TRUE(fit.ConvertSourceToTarget(x, y));
-    ASSERT_TRUE(fit.ConvertTargetToSource(x, y));
-    EXPECT_NEAR(y, 2001, 1e-6);
+    for (const double row : {2000.0, 1999.0, 0.0, -1e9})
+        ExpectNone(fit, kToTarget, {123, row});
+    ExpectMeets(fit, {123, 2001}, Truth(road, kUtm, 123, 2001), {1, 1}, 1e-6);
     // Behind the eye: the image of what lies beyond the horizon.
-    x = kUtm.left;
-    y = kUtm.top + kUtm.height;
-    EXPECT_FALSE(fit.ConvertTargetToSource(x, y));
+    ExpectNone(fit, kToSource, {kUtm.left, kUtm.top + kUtm.height});
 }
 
 }  // namespace

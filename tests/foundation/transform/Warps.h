@@ -2,6 +2,8 @@
 
 #include <Tellurion/BMathTransform.h>
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <random>
 #include <vector>
@@ -45,3 +47,36 @@ inline std::vector<Tellurion::BPointPair> GridOn(Warp warp, const World& world, 
         }
     return pairs;
 }
+
+/// The transform takes the pixel to its place and back, each within its bound.
+inline void ExpectMeets(const Tellurion::BTransform& transform, const Place& pixel, const Place& world,
+                        const Place& world_bound, double pixel_bound) {
+    SCOPED_TRACE(testing::Message() << "pixel " << pixel.x << " " << pixel.y);
+    double x = pixel.x, y = pixel.y;
+    ASSERT_TRUE(transform.ConvertSourceToTarget(x, y));
+    EXPECT_NEAR(x, world.x, world_bound.x);
+    EXPECT_NEAR(y, world.y, world_bound.y);
+    ASSERT_TRUE(transform.ConvertTargetToSource(x, y));
+    EXPECT_NEAR(x, pixel.x, pixel_bound);
+    EXPECT_NEAR(y, pixel.y, pixel_bound);
+}
+
+inline void ExpectMeetsAll(const Tellurion::BTransform& transform,
+                           const std::vector<Tellurion::BPointPair>& pairs, double world_bound,
+                           double pixel_bound) {
+    for (const auto& pair : pairs)
+        ExpectMeets(transform, {static_cast<double>(pair.Column), static_cast<double>(pair.Row)},
+                    {pair.World.x, pair.World.y}, {world_bound, world_bound}, pixel_bound);
+}
+
+/// Where there is no value the numbers stay as they were, even those that are none.
+using Conversion = bool (Tellurion::BTransform::*)(double&, double&) const;
+inline void ExpectNone(const Tellurion::BTransform& transform, Conversion convert, const Place& at) {
+    SCOPED_TRACE(testing::Message() << "at " << at.x << " " << at.y);
+    double x = at.x, y = at.y;
+    EXPECT_FALSE((transform.*convert)(x, y));
+    EXPECT_TRUE(x == at.x || (std::isnan(x) && std::isnan(at.x)));
+    EXPECT_TRUE(y == at.y || (std::isnan(y) && std::isnan(at.y)));
+}
+constexpr Conversion kToTarget = &Tellurion::BTransform::ConvertSourceToTarget;
+constexpr Conversion kToSource = &Tellurion::BTransform::ConvertTargetToSource;

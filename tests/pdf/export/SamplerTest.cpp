@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "References.h"
+
+#include <array>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -18,10 +21,7 @@ using VellumLib::CGCPSampler;
 using VellumLib::CPDFPathPoint;
 
 CPDFPathPoint PointAt(double x, double y) {
-    CPDFPathPoint point;
-    point.x = x;
-    point.y = y;
-    return point;
+    return {x, y, 0, 0, 0, 0};
 }
 
 /// Accepts the box of one number and notes where the boxes were.
@@ -74,29 +74,26 @@ TEST(GcpSampler, ABoxWithoutExtentEndsTheSearch) {
 struct AffineCase {
     const char* name;
     const char* epsg;
-    double a, b, c, d, e, f;
+    std::array<double, 6> terms;
     double width, height;
 };
 
 // The four points carry the affine to a millionth of the raster's extent.
 TEST(GcpSampler, PointsCarryTheTransform) {
     const AffineCase cases[] = {
-        {"utm_north", "32632", 0.5, 0, 676000, 0, -0.5, 5242000, 2000, 1000},
-        {"utm_south", "32755", 30, 0, 500000, 0, -30, 6000000, 10, 10},
-        {"rotated", "32632", 3, 4, 676000, 4, -3, 5242000, 300, 200},
-        {"rotated_the_other_way", "32632", 3, 4, 676000, -4, 3, 5242000, 300, 200},
-        {"feet", "2277", 2, 0, 2500000, 0, -2, 10000000, 30000, 15000},
-        {"geographic", "4326", 0.001, 0, 11, 0, -0.001, 47, 500, 400},
-        {"web_mercator", "3857", 10, 0, 1200000, 0, -10, 6000000, 500, 400},
-        {"polar", "3031", 1000, 0, -3000000, 0, -1000, 3000000, 6000, 6000},
+        {"utm_north", "32632", {0.5, 0, 676000, 0, -0.5, 5242000}, 2000, 1000},
+        {"utm_south", "32755", {30, 0, 500000, 0, -30, 6000000}, 10, 10},
+        {"rotated", "32632", {3, 4, 676000, 4, -3, 5242000}, 300, 200},
+        {"rotated_the_other_way", "32632", {3, 4, 676000, -4, 3, 5242000}, 300, 200},
+        {"feet", "2277", {2, 0, 2500000, 0, -2, 10000000}, 30000, 15000},
+        {"geographic", "4326", {0.001, 0, 11, 0, -0.001, 47}, 500, 400},
+        {"web_mercator", "3857", {10, 0, 1200000, 0, -10, 6000000}, 500, 400},
+        {"polar", "3031", {1000, 0, -3000000, 0, -1000, 3000000}, 6000, 6000},
     };
     for (const AffineCase& test : cases) {
         SCOPED_TRACE(test.name);
-        BGeoReference reference;
-        const std::unique_ptr<BMathTransform> transform(
-            BMathTransform::CreateAffine(test.a, test.b, test.c, test.d, test.e, test.f, true));
-        reference.SetMathTransform(*transform);
-        reference.SetCoordSys(BSharedPtr<BCoordSys>(BCoordSys::FromEPSGCode(test.epsg)));
+        const auto& t = test.terms;
+        const BGeoReference reference = References::Of(test.epsg, t);
         const bool projected = reference.CoordSys->GetKind() == BCoordSys::kKindProjected;
         BMapAnchorGCPSampler sampler(reference, projected);
         ASSERT_TRUE(sampler.Sample(PointAt(0, test.height), PointAt(test.width, 0)));
@@ -105,9 +102,9 @@ TEST(GcpSampler, PointsCarryTheTransform) {
             const CPDFPathPoint& pixel = sampler.GetPixelPoints()[i];
             BPoint world(sampler.GetWorldPoints()[i].x, sampler.GetWorldPoints()[i].y, 0);
             if (projected) world = reference.CoordSys->ConvertFromGeodetic(world);
-            const double extent = std::abs(test.a) * test.width + std::abs(test.b) * test.height;
-            EXPECT_NEAR(world.x, test.a * pixel.x + test.b * pixel.y + test.c, 1e-6 * extent);
-            EXPECT_NEAR(world.y, test.d * pixel.x + test.e * pixel.y + test.f, 1e-6 * extent);
+            const double extent = std::abs(t[0]) * test.width + std::abs(t[1]) * test.height;
+            EXPECT_NEAR(world.x, t[0] * pixel.x + t[1] * pixel.y + t[2], 1e-6 * extent);
+            EXPECT_NEAR(world.y, t[3] * pixel.x + t[4] * pixel.y + t[5], 1e-6 * extent);
         }
     }
 }

@@ -31,8 +31,8 @@ int RunCommand(const std::string& command) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-void Georeference(const std::string& file, const BGeoReference& reference, long width, long height) {
-    BMapAnchor::Save(EReferenceType::GeoPDF, BString(file), reference, width, height, "", 0, nullptr);
+void Georeference(const std::string& file, const BGeoReference& reference) {
+    BMapAnchor::Save(EReferenceType::GeoPDF, BString(file), reference, 200, 100, "", 0, nullptr);
 }
 
 /// The pixels of all pages.
@@ -49,30 +49,18 @@ std::string Pictures(const TempFolder& folder, const std::string& pdf) {
     return all;
 }
 
-struct SourceForm {
-    const char* name;
-    const char* options;  ///< of qpdf
-};
-
 TEST(WriteProof, EveryFormOfSourceStaysSoundAndWhole) {
     if (RunCommand("qpdf --version") != 0 || RunCommand("pdftoppm -v") != 0)
         GTEST_SKIP() << "needs qpdf and pdftoppm";
-    const SourceForm forms[] = {
-        {"plain", "--object-streams=disable"},
-        {"object_streams", "--object-streams=generate"},
-        {"linearised", "--linearize"},
-        {"version_2", "--force-version=2.0"},
-    };
-    BGeoReference reference = References::WithAffine(0.5, 0, 676000, 0, -0.5, 5242000);
-    References::SetSystem(reference, "32632");
-    for (const SourceForm& form : forms) {
-        SCOPED_TRACE(form.name);
+    for (const std::string form :
+         {"--object-streams=disable", "--object-streams=generate", "--linearize", "--force-version=2.0"}) {
+        SCOPED_TRACE(form);
         const TempFolder folder;
         const std::string plain = folder.Write("plain.pdf", RichPdf(200, 100));
         const std::string file = folder / "map.pdf";
-        ASSERT_EQ(RunCommand("qpdf " + std::string(form.options) + " '" + plain + "' '" + file + "'"), 0);
+        ASSERT_EQ(RunCommand("qpdf " + form + " '" + plain + "' '" + file + "'"), 0);
         const std::string before = Pictures(folder, file);
-        Georeference(file, reference, 200, 100);
+        Georeference(file, References::Of("32632", {0.5, 0, 676000, 0, -0.5, 5242000}));
         EXPECT_EQ(RunCommand("qpdf --check '" + file + "'"), 0);
         EXPECT_TRUE(Pictures(folder, file) == before);
         const std::string open = folder / "open.pdf";
@@ -119,29 +107,27 @@ std::size_t ExpectPairs(const PdfObject& value, double low_1, double high_1, dou
 struct MeasureCase {
     const char* name;
     const char* epsg;
-    double a, b, c, d, e, f;
+    std::array<double, 6> terms;
     const char* type;    ///< of the system
     const char* linear;  ///< the unit on display
 };
 
 TEST(WriteProof, TheMeasureIsAsPdf2WantsIt) {
     const MeasureCase cases[] = {
-        {"utm_north", "32632", 0.5, 0, 676000, 0, -0.5, 5242000, "PROJCS", "M"},
-        {"utm_south", "32755", 30, 0, 500000, 0, -30, 6000000, "PROJCS", "M"},
-        {"rotated", "32632", 3, 4, 676000, 4, -3, 5242000, "PROJCS", "M"},
-        {"geographic", "4326", 0.001, 0, 11, 0, -0.001, 47, "GEOGCS", "M"},
-        {"across_the_antimeridian", "4326", 0.1, 0, 175, 0, -0.1, 47, "GEOGCS", "M"},
-        {"state_plane_feet", "2277", 2, 0, 3100000, 0, -2, 10100000, "PROJCS", "USFT"},
-        {"web_mercator", "3857", 10, 0, 1260000, 0, -10, 5990000, "PROJCS", "M"},
-        {"polar", "3031", 100, 0, -300000, 0, -100, 1300000, "PROJCS", "M"},
+        {"utm_north", "32632", {0.5, 0, 676000, 0, -0.5, 5242000}, "PROJCS", "M"},
+        {"utm_south", "32755", {30, 0, 500000, 0, -30, 6000000}, "PROJCS", "M"},
+        {"rotated", "32632", {3, 4, 676000, 4, -3, 5242000}, "PROJCS", "M"},
+        {"geographic", "4326", {0.001, 0, 11, 0, -0.001, 47}, "GEOGCS", "M"},
+        {"across_the_antimeridian", "4326", {0.1, 0, 175, 0, -0.1, 47}, "GEOGCS", "M"},
+        {"state_plane_feet", "2277", {2, 0, 3100000, 0, -2, 10100000}, "PROJCS", "USFT"},
+        {"web_mercator", "3857", {10, 0, 1260000, 0, -10, 5990000}, "PROJCS", "M"},
+        {"polar", "3031", {100, 0, -300000, 0, -100, 1300000}, "PROJCS", "M"},
     };
     for (const MeasureCase& test : cases) {
         SCOPED_TRACE(test.name);
         const TempFolder folder;
         const std::string file = folder.Write("map.pdf", RichPdf(200, 100));
-        BGeoReference reference = References::WithAffine(test.a, test.b, test.c, test.d, test.e, test.f);
-        References::SetSystem(reference, test.epsg);
-        Georeference(file, reference, 200, 100);
+        Georeference(file, References::Of(test.epsg, test.terms));
         VellumLib::CPDFDocument document(QString::fromStdString(file));
         const PdfObject& page = *document.Document().GetPage(0)->GetObject();
         const PdfObject& vp = At(document, page, "VP");

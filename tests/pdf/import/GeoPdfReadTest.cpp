@@ -1,9 +1,10 @@
-// Geospatial PDF by way of the front door.
+// Geospatial PDF by way of the front door, and what a page says of itself.
 
 #include "GeoPdfFiles.h"
 #include "LogCapture.h"
 #include "TempFolder.h"
 
+#include <MapAnchor/BGeoPDFPage.h>
 #include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/BException.h>
 
@@ -59,6 +60,22 @@ Outcome ReadText(const std::string& pdf, const Call& call = {}) {
     return outcome;
 }
 
+std::string With(void (*change)(GeoPdf::Viewport&)) {
+    GeoPdf::Viewport map;
+    change(map);
+    return map.Text();
+}
+std::string WithLGI(void (*change)(GeoPdf::LGIDict&)) {
+    GeoPdf::LGIDict map;
+    change(map);
+    return map.Text();
+}
+
+BGeoPDFPage Describe(const std::string& pdf) {
+    const TempFolder folder;
+    return BGeoPDFPage::Describe(BString(folder.Write("map.pdf", pdf)));
+}
+
 std::vector<std::pair<int, int>> PixelsOf(const Outcome& outcome) {
     std::vector<std::pair<int, int>> pixels;
     for (const BPointPair& pair : outcome.reference.PointPairVector)
@@ -95,7 +112,7 @@ TEST(GeoPdfViewport, LatitudeAndLongitudeBecomeCoordinatesOfTheSystem) {
 struct CropCase {
     const char* name;
     const char* boxes;
-    int crop;
+    std::optional<int> crop;
     long width;
     long height;
     PixelList pixels;  ///< empty: no box is found
@@ -106,6 +123,7 @@ const char* const kMediaAndCrop = "/MediaBox [0 0 612 792] /CropBox [10 10 602 7
 
 const CropCase kCrops[] = {
     {"crop_box_shifts_and_does_not_clip", kMediaAndCrop, 4, 592, 772, kCropCorners},
+    {"media_box_without_parameters", kMediaAndCrop, {}, 612, 792, kPageCorners},
     {"media_box_ignores_the_crop_box", kMediaAndCrop, 5, 612, 792, kPageCorners},
     {"bleed_falls_back_to_crop", kMediaAndCrop, 3, 592, 772, kCropCorners},
     {"bleed_box_itself", "/MediaBox [0 0 612 792] /BleedBox [10 10 602 782]", 3, 592, 772, kCropCorners},
@@ -121,26 +139,19 @@ const CropCase kCrops[] = {
     {"media_box_without_width", "/MediaBox [612 0 612 792]", 5, 612, 792, {}},
 };
 
-class GeoPdfCrop : public testing::TestWithParam<CropCase> {};
-
-TEST_P(GeoPdfCrop, PicksTheBox) {
-    const CropCase& c = GetParam();
-    GeoPdf::Viewport map;
-    map.page = c.boxes;
-    const Outcome outcome = ReadText(map.Text(), {.width = c.width, .height = c.height, .crop = c.crop});
-    EXPECT_EQ(PixelsOf(outcome), c.pixels);
-    EXPECT_EQ(outcome.type, c.pixels.empty() ? "BException" : "");
-    if (!c.pixels.empty()) return;
-    EXPECT_EQ(outcome.text, "BREFGeoPDF::Read (No crop boxes could be found on this PDF Page, Invalid PDF.)");
-}
-
-INSTANTIATE_TEST_SUITE_P(Rows, GeoPdfCrop, testing::ValuesIn(kCrops),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-TEST(GeoPdfCropType, MediaWithoutParameters) {
-    GeoPdf::Viewport map;
-    map.page = kMediaAndCrop;
-    EXPECT_EQ(PixelsOf(ReadText(map.Text())), kPageCorners);
+TEST(GeoPdfCrop, PicksTheBox) {
+    for (const CropCase& c : kCrops) {
+        SCOPED_TRACE(c.name);
+        GeoPdf::Viewport map;
+        map.page = c.boxes;
+        const Outcome outcome = ReadText(map.Text(), {.width = c.width, .height = c.height, .crop = c.crop});
+        EXPECT_EQ(PixelsOf(outcome), c.pixels);
+        EXPECT_EQ(outcome.type, c.pixels.empty() ? "BException" : "");
+        EXPECT_EQ(outcome.text,
+                  c.pixels.empty()
+                      ? "BREFGeoPDF::Read (No crop boxes could be found on this PDF Page, Invalid PDF.)"
+                      : "");
+    }
 }
 
 TEST(GeoPdfCropType, BoundingBoxIsRefused) {
@@ -207,68 +218,41 @@ TEST(GeoPdfKind, ViewportWinsOverLGIDict) {
 
 struct QuietCase {
     const char* name;
+    const char* kept;
     std::string pdf;
-    Call call;
-    bool system;
-    bool transform;
-    std::size_t points;
-    std::vector<std::string> log = {};
+    Call call = {};
 };
-
-std::string With(void (*change)(GeoPdf::Viewport&)) {
-    GeoPdf::Viewport map;
-    change(map);
-    return map.Text();
-}
-std::string WithLGI(void (*change)(GeoPdf::LGIDict&)) {
-    GeoPdf::LGIDict map;
-    change(map);
-    return map.Text();
-}
 
 const QuietCase kQuiet[] = {
-    {"counts_of_points_differ", With([](auto& m) { m.lpts = "[0 0 0 1 1 1]"; }), {}, false, false, 0},
-    {"degrees_without_a_system",
-     With([](auto& m) { m.system = "/Type /GEOGCS /WKT (nonsense)"; }),
-     {},
-     false,
-     false,
-     0},
-    {"matrix_without_a_system",
-     WithLGI([](auto& m) { m.projection = "<< /Type /P /ProjectionType (GEODETIC) >>"; }),
-     {},
-     false,
-     true,
-     0},
-    {"fit_that_needs_more_points",
-     GeoPdf::Viewport().Text(),
-     {.fit = EMathTransformType::Polynomial2},
-     true,
-     false,
-     4},
-    {"raster_without_width", GeoPdf::LGIDict().Text(), {.width = 0}, true, false, 0},
+    {"counts_of_points_differ", "0 points", With([](auto& m) { m.lpts = "[0 0 0 1 1 1]"; })},
+    {"degrees_without_a_system", "0 points",
+     With([](auto& m) { m.system = "/Type /GEOGCS /WKT (nonsense)"; })},
+    {"matrix_without_a_system", "0 points, transform",
+     WithLGI([](auto& m) { m.projection = "<< /Type /P /ProjectionType (GEODETIC) >>"; })},
+    {"fit_that_needs_more_points", "4 points, system", With([](auto&) {}),
+     Call{.fit = EMathTransformType::Polynomial2}},
+    {"raster_without_width", "0 points, system", WithLGI([](auto&) {}), Call{.width = 0}},
 };
 
-class GeoPdfQuiet : public testing::TestWithParam<QuietCase> {};
-
-TEST_P(GeoPdfQuiet, KeepsWhatThereIs) {
-    const QuietCase& c = GetParam();
-    const Outcome outcome = ReadText(c.pdf, c.call);
-    EXPECT_EQ(outcome.type, "") << outcome.text;
-    EXPECT_EQ(outcome.reference.HasCoordSys(), c.system);
-    EXPECT_EQ(outcome.reference.HasMathTransform(), c.transform);
-    EXPECT_EQ(outcome.reference.PointPairVector.size(), c.points);
+TEST(GeoPdfQuiet, KeepsWhatThereIs) {
+    for (const QuietCase& c : kQuiet) {
+        SCOPED_TRACE(c.name);
+        const Outcome outcome = ReadText(c.pdf, c.call);
+        EXPECT_EQ(outcome.type, "") << outcome.text;
+        std::string kept = std::to_string(outcome.reference.PointPairVector.size()) + " points";
+        if (outcome.reference.HasCoordSys()) kept += ", system";
+        if (outcome.reference.HasMathTransform()) kept += ", transform";
+        EXPECT_EQ(kept, c.kept);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, GeoPdfQuiet, testing::ValuesIn(kQuiet),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 struct FaultCase {
     const char* name;
     std::string pdf;
     unsigned int flags;
     const char* type;
-    const char* text;  ///< a part of it
+    const char* text;                   ///< a part of it
+    const char* explanation = nullptr;  ///< a part of what the page says
 };
 
 constexpr const char* kNoMap = "No Geospatial data found within PDF Document";
@@ -278,7 +262,7 @@ constexpr const char* kBadTransform = "BGeoReferenceInvalidTransformException";
 const FaultCase kFaults[] = {
     {"page_without_maps", PagePdf("/MediaBox [0 0 9 9]").Text(), 0, "std::exception", kNoMap},
     {"viewport_behind_a_reference", PagePdf("/MediaBox [0 0 9 9] /VP [4 0 R]").Add("<< >>").Text(), 0,
-     "std::exception", kNoMap},
+     "std::exception", kNoMap, "An entry of \"VP\" is expected to be a dictionary in place"},
     {"first_viewport_without_measure",
      PagePdf("/MediaBox [0 0 9 9] /VP [ << /BBox [0 0 9 9] >> " + GeoPdf::Viewport().Entry() + " ]")
          .Add(GeoPdf::Viewport().Measure())
@@ -291,9 +275,9 @@ const FaultCase kFaults[] = {
     {"viewports_are_no_array", PagePdf("/MediaBox [0 0 9 9] /VP 7").Text(), 0, "PdfError",
      "The key VP is not of type Array."},
     {"direct_measure", With([](auto& m) { m.measure_value = m.Measure(); }), 0, "PdfError",
-     "The key Measure is not of type Reference."},
+     "The key Measure is not of type Reference.", "\"Measure\" is expected to be a reference"},
     {"direct_system", With([](auto& m) { m.gcs_value = "<< /Type /GEOGCS /EPSG 4326 >>"; }), 0, "PdfError",
-     "The key GCS is not of type Reference."},
+     "The key GCS is not of type Reference.", "\"GCS\" is expected to be a reference"},
     {"later_viewport_without_measure", With([](auto& m) { m.more_viewports = " << /BBox [0 0 1 1] >>"; }), 0,
      "PdfError", "The key Measure could not be found within the current dictionary."},
     {"no_bounds", With([](auto& m) { m.bounds = ""; }), 0, "PdfError",
@@ -320,36 +304,50 @@ const FaultCase kFaults[] = {
          m.registration = "/Registration [[(1) (1) (2) (2)]]";
      }),
      0, kBadTransform, "GCP point 1"},
-    {"empty_lgidict", PagePdf("/MediaBox [0 0 9 9] /LGIDict []").Text(), 0, "PdfError", ""},
+    {"empty_lgidict", PagePdf("/MediaBox [0 0 9 9] /LGIDict []").Text(), 0, "PdfError", "",
+     "the array is empty"},
     {"one_lgidict_in_place_of_an_array",
      PagePdf("/MediaBox [0 0 9 9] /LGIDict " + GeoPdf::LGIDict().Entry()).Text(), 0, "PdfError",
-     "The key LGIDict is not of type Array."},
+     "The key LGIDict is not of type Array.", "one dictionary stands in its place"},
     {"lgidict_that_is_a_number", PagePdf("/MediaBox [0 0 9 9] /LGIDict [7]").Text(), 0, "PdfError",
      "The key Projection could not be found"},
-    {"plain_numbers_in_the_matrix", WithLGI([](auto& m) { m.ctm = "/CTM [1 0 0 1 5 5]"; }), 0, "PdfError",
-     ""},
+    {"plain_numbers_in_the_matrix", WithLGI([](auto& m) { m.ctm = "/CTM [1 0 0 1 5 5]"; }), 0, "PdfError", "",
+     "plain numbers"},
     {"projection_behind_a_reference", WithLGI([](auto& m) { m.projection = "3 0 R"; }), 0, "PdfError",
      "The key Projection is not of type Dictionary."},
     {"zone_as_a_string",
      WithLGI([](auto& m) { m.projection = "<< /Type /P /ProjectionType (UT) /Zone (33) >>"; }), 0, "PdfError",
-     "The key Zone is not of type Number."},
+     "The key Zone is not of type Number.", "\"Zone\" is expected to be a whole number"},
     {"registration_of_three_numbers",
      WithLGI([](auto& m) { m.registration = "/Registration [[(1) (1) (2)]]"; }), 0, "PdfError",
      "ends before its values do"},
+    {"reference_to_one_lgidict", PagePdf("/MediaBox [0 0 9 9] /LGIDict 4 0 R").Add("<< >>").Text(), 0,
+     "PdfError", "The key LGIDict is not of type Array.",
+     "a reference to one dictionary stands in its place"},
+    {"easting_as_a_number",
+     WithLGI([](auto& m) { m.projection = "<< /Type /P /ProjectionType (TC) /FalseEasting 5 >>"; }), 0,
+     "PdfError", "The key FalseEasting is not of type String.",
+     "\"FalseEasting\" of the projection is expected to be a string"},
+    {"inherited_media_box",
+     PagePdf("/LGIDict [ " + GeoPdf::LGIDict().Entry() + " ]").Inherit("/MediaBox [0 0 9 9]").Text(), 0,
+     "BException", "", "\"MediaBox\" of its own"},
+    {"no_pdf_at_all", "just text", 0, "PdfError", "", ""},
 };
 
-class GeoPdfFault : public testing::TestWithParam<FaultCase> {};
-
-TEST_P(GeoPdfFault, EndsInItsOwnWords) {
-    const FaultCase& c = GetParam();
-    const Outcome outcome = ReadText(c.pdf, {.flags = c.flags});
-    EXPECT_EQ(outcome.type, c.type);
-    EXPECT_NE(outcome.text.find(c.text), std::string::npos) << outcome.text;
-    EXPECT_FALSE(outcome.reference.HasCoordSys());  // the caller's record stays as it was
+TEST(GeoPdfFault, EndsInItsOwnWords) {
+    for (const FaultCase& c : kFaults) {
+        SCOPED_TRACE(c.name);
+        const Outcome outcome = ReadText(c.pdf, {.flags = c.flags});
+        EXPECT_EQ(outcome.type, c.type);
+        EXPECT_NE(outcome.text.find(c.text), std::string::npos) << outcome.text;
+        EXPECT_FALSE(outcome.reference.HasCoordSys());  // the caller's record stays as it was
+        if (!c.explanation) continue;
+        const BGeoPDFPage page = Describe(c.pdf);
+        EXPECT_NE(page.Fault.StdStr().find(c.text), std::string::npos) << page.Fault;
+        EXPECT_NE(page.Explanation.StdStr().find(c.explanation), std::string::npos) << page.Explanation;
+        EXPECT_FALSE(page.Fault.IsEmpty() && page.Explanation.IsEmpty());
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, GeoPdfFault, testing::ValuesIn(kFaults),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(GeoPdfLog, LinesAsTheyStand) {
     using Lines = std::vector<std::string>;
@@ -362,6 +360,51 @@ TEST(GeoPdfLog, LinesAsTheyStand) {
     const Outcome unfit = ReadText(GeoPdf::Viewport().Text(), {.fit = EMathTransformType::Polynomial3});
     ASSERT_EQ(unfit.log.size(), 1U);
     EXPECT_TRUE(unfit.log[0].starts_with("BRefRSF::Read Failure setting the BMathTransform ERROR ("));
+}
+
+TEST(GeoPdfPage, ListsViewportsAndMarksTheFirst) {
+    GeoPdf::Viewport map;
+    map.page = "/MediaBox [0 0 612 792] /TrimBox [9 9 600 700] /Rotate -90 /UserUnit 2.5";
+    map.more_viewports = " << /Name (Inset) /BBox [10 20 30 60] /Measure 4 0 R >>";
+    const BGeoPDFPage page = Describe(map.Text());
+    EXPECT_TRUE(page.Loaded);
+    EXPECT_EQ(page.Dialect, BGeoPDFPage::EDialect::Measure);
+    EXPECT_EQ(page.Fault, BString());
+    EXPECT_EQ(page.Rotate, 270);
+    EXPECT_EQ(page.UserUnit, 2.5);
+    EXPECT_EQ(page.TrimBox.Right, 600);
+    EXPECT_EQ(page.CropBox.Top, 792);  // by the fall-back that a read follows
+    ASSERT_EQ(page.Maps.size(), 2U);
+    EXPECT_TRUE(page.Maps[0].InUse);
+    EXPECT_EQ(page.Maps[0].CoordSys, BString("WGS 84, EPSG:4326"));
+    EXPECT_FALSE(page.Maps[1].InUse);
+    EXPECT_EQ(page.Maps[1].Name, BString("Inset"));
+    EXPECT_EQ(page.Maps[1].Area, 800.0);
+}
+
+TEST(GeoPdfPage, ListsLGIDictsAndMarksTheLargest) {
+    GeoPdf::LGIDict map;
+    map.neatline = "/Neatline [(0) (0) (0) (10) (10) (10) (10) (0)]";
+    map.description = "/Description (Inset)";
+    map.more_dicts = GeoPdf::LGIDict().Entry();
+    const BGeoPDFPage page = Describe(map.Text());
+    EXPECT_EQ(page.Dialect, BGeoPDFPage::EDialect::LGIDict);
+    ASSERT_EQ(page.Maps.size(), 2U);
+    EXPECT_EQ(page.Maps[0].Name, BString("Inset"));
+    EXPECT_EQ(page.Maps[0].Area, 100.0);
+    EXPECT_FALSE(page.Maps[0].InUse);
+    EXPECT_TRUE(page.Maps[1].InUse);
+    EXPECT_EQ(page.Maps[1].Box.Right, 600.0);
+}
+
+TEST(GeoPdfPage, BoxOfACropType) {
+    GeoPdf::Viewport map;
+    map.page = "/MediaBox [0 0 612 792] /CropBox [10 10 602 782] /TrimBox [20 20 30 30]";
+    const BGeoPDFPage page = Describe(map.Text());
+    EXPECT_EQ(page.BoxForCropType(4).Left, 10);
+    EXPECT_EQ(page.BoxForCropType(2).Left, 0);  // the media box, as in a read
+    EXPECT_EQ(page.BoxForCropType(5).Left, 0);
+    EXPECT_EQ(page.BoxForCropType(0).Left, 10);
 }
 
 }  // namespace

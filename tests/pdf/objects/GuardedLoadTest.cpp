@@ -26,19 +26,25 @@ std::size_t OpenFiles() {
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-EPdfError CodeOf(const std::string& path) {
+EPdfError CodeOf(const std::string& path, std::string* information = nullptr) {
     try {
         PdfMemDocument document;
         LoadGuarded(document, path);
         return ePdfError_ErrOk;
     } catch (const PdfError& error) {
+        if (information) *information = error.GetCallstack().back().GetInformation();
         return error.GetError();
     }
 }
 
-std::string SmallFile() {
+PdfBuilder WithPage(const std::string& keys = "") {
     PdfBuilder file;
-    file.AddPage("/VP[<</Type/Viewport/BBox[1 2 3 4]>>]/Contents 4 0 R");
+    file.AddPage(keys);
+    return file;
+}
+
+std::string SmallFile() {
+    PdfBuilder file = WithPage("/VP[<</Type/Viewport/BBox[1 2 3 4]>>]/Contents 4 0 R");
     file.AddStream("", "0 0 m");
     return file.Finish();
 }
@@ -59,8 +65,7 @@ TEST(GuardedLoad, ReadsObjectsAndStreamsAfterTheLoad) {
 }
 
 TEST(GuardedLoad, ReadsWhatAnObjectStreamHolds) {
-    PdfBuilder file;
-    file.AddPage("/VP 6 0 R");
+    PdfBuilder file = WithPage("/VP 6 0 R");
     const ObjectStream stream = MakeObjectStream({6, 7}, {"[7 0 R]", "<</BBox[1 2 3 4]>>"});
     file.AddStream(stream.keys + "/Filter/FlateDecode", Deflated(stream.content));
     const TempFolder folder;
@@ -85,8 +90,7 @@ TEST(GuardedLoad, KeepsTheFileOpenForTheDocumentOnly) {
 }
 
 TEST(GuardedLoad, SurvivesAFileThatIsCutShortWhileItIsOpen) {
-    PdfBuilder file;
-    file.AddPage("/VP 4 0 R");
+    PdfBuilder file = WithPage("/VP 4 0 R");
     file.Append(Repeated(" ", 200'000));
     file.Add("[1 2]");
     file.Append(Repeated(" ", 200'000));
@@ -98,18 +102,6 @@ TEST(GuardedLoad, SurvivesAFileThatIsCutShortWhileItIsOpen) {
     EXPECT_THROW(document.GetObjects().GetObject(PdfReference(4, 0))->IsArray(), PdfError);
 }
 
-TEST(GuardedLoad, SaysWhichFileIsMissing) {
-    const TempFolder folder;
-    PdfMemDocument document;
-    try {
-        LoadGuarded(document, folder / "none.pdf");
-        FAIL();
-    } catch (const PdfError& error) {
-        EXPECT_EQ(error.GetError(), ePdfError_FileNotFound);
-        EXPECT_EQ(error.GetCallstack().back().GetInformation(), folder / "none.pdf");
-    }
-}
-
 TEST(GuardedLoad, RefusesWhatIsNoFile) {
     const TempFolder folder;
     const std::string pipe = folder / "pipe.pdf";
@@ -117,6 +109,9 @@ TEST(GuardedLoad, RefusesWhatIsNoFile) {
     EXPECT_EQ(CodeOf(pipe), ePdfError_NoPdfFile);
     EXPECT_EQ(CodeOf(folder / "."), ePdfError_NoPdfFile);
     EXPECT_EQ(CodeOf(""), ePdfError_InvalidHandle);
+    std::string named;
+    EXPECT_EQ(CodeOf(folder / "none.pdf", &named), ePdfError_FileNotFound);
+    EXPECT_EQ(named, folder / "none.pdf");
 }
 
 TEST(GuardedLoad, LeavesTheParsersSettingsAsTheyWere) {
@@ -131,10 +126,8 @@ TEST(GuardedLoad, LeavesTheParsersSettingsAsTheyWere) {
 
 // The parser counts its recursion for the thread, and loses count where it gives up.
 TEST(GuardedLoad, HundredsOfBadFilesDoNotSpoilAGoodOne) {
-    PdfBuilder deep;
-    deep.AddPage("/A " + Nested("[", "]", 400));
-    PdfBuilder chain;
-    chain.AddPage();
+    PdfBuilder deep = WithPage("/A " + Nested("[", "]", 400));
+    PdfBuilder chain = WithPage();
     std::int64_t previous = 0;
     for (int i = 0; i < 200; ++i) {
         const std::int64_t start = chain.Position();
@@ -196,8 +189,7 @@ TEST(PageTree, IsSearchedAsDeepAsTheThreadCanGoWithoutLosingALevel) {
 }
 
 TEST(GuardedLoad, OpensAHundredThousandObjects) {
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     for (int i = 0; i < 100'000; ++i)
         file.Add("<</Type/Annot/Rect[0 0 " + std::to_string(i) + " 1]/Contents(text)>>");
     const TempFolder folder;
@@ -210,8 +202,7 @@ TEST(GuardedLoad, OpensAHundredThousandObjects) {
 TEST(GuardedLoad, OpensAHundredThousandCompressedObjects) {
     constexpr int kStreams = 1'000;
     constexpr int kEach = 100;
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     std::vector<int> compressed;
     for (int i = 0; i < kStreams; ++i) {
         std::vector<int> numbers;
@@ -238,8 +229,7 @@ std::uint64_t BytesReadSoFar() {
 }
 
 TEST(GuardedLoad, DoesNotReadStreams) {
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     file.AddStream("", Repeated("0123456789abcdef", 1'000'000));
     const TempFolder folder;
     const std::string path = folder.Write("large.pdf", file.Finish());
@@ -249,6 +239,70 @@ TEST(GuardedLoad, DoesNotReadStreams) {
     LoadGuarded(document, path);
     document.GetPage(0)->GetMediaBox();
     EXPECT_LT(BytesReadSoFar() - before, 500'000U);
+}
+
+constexpr const char* kAes128 =
+    "<</Filter/Standard/V 4/R 4/Length 128/P -4/CF<</StdCF<</CFM/AESV2/AuthEvent/DocOpen/Length 16>>>>"
+    "/StmF/StdCF/StrF/StdCF/O<00112233445566778899aabbccddeeff00112233445566778899aabbccddeeff>"
+    "/U<00112233445566778899aabbccddeeff00112233445566778899aabbccddeeff>>>";
+
+PdfBuilder WithCipher() {
+    PdfBuilder file = WithPage();
+    file.Add(kAes128);
+    return file;
+}
+
+std::string InTrailer(const std::string& keys) {
+    return WithCipher().Finish(keys);
+}
+
+// An update whose own trailer does not repeat the entry.
+std::string InOlderTrailer() {
+    PdfBuilder file = WithCipher();
+    const std::int64_t old = file.Position();
+    file.Append(file.Table() + "trailer\n<</Root 1 0 R/Size 5/Encrypt 4 0 R/ID[<00><00>]>>\n");
+    return file.Finish("/Prev " + std::to_string(old));
+}
+
+// A table for old readers, and a stream beside it that holds the entry.
+std::string InHybridStream() {
+    PdfBuilder file = WithCipher();
+    const std::int64_t stream = file.Position();
+    file.AddStream("/Type/XRef/Root 1 0 R/Size 5/W[1 1 1]/Index[4 0]/Encrypt 4 0 R", "");
+    return file.Finish("/XRefStm " + std::to_string(stream));
+}
+
+struct CipherCase {
+    const char* name;
+    std::string file;
+};
+
+// Refused as such wherever the file says so, before the parser comes to ciphers that
+// it cannot deal with.
+TEST(EncryptedPdf, EndsWithItsCode) {
+    const CipherCase encrypted[] = {
+        {"cipher_that_the_parser_lacks", InTrailer("/Encrypt 4 0 R/ID[<00><00>]")},
+        {"without_an_identifier", InTrailer("/Encrypt 4 0 R")},
+        {"with_an_empty_identifier", InTrailer("/Encrypt 4 0 R/ID[]")},
+        {"dictionary_in_place", InTrailer(std::string("/Encrypt") + kAes128 + "/ID[<00><00>]")},
+        {"object_that_does_not_exist", InTrailer("/Encrypt 77 0 R")},
+        {"name_in_escapes", InTrailer("/#45ncrypt 4 0 R")},
+        {"behind_a_comment", InTrailer("%>>\n/Encrypt 4 0 R")},
+        {"cross_reference_stream", WithCipher().FinishWithStream({}, "/Encrypt 4 0 R/ID[<00><00>]")},
+        {"older_trailer", InOlderTrailer()},
+        {"hybrid_stream", InHybridStream()},
+    };
+    const CipherCase open[] = {
+        {"entry_that_is_null", InTrailer("/Encrypt null")},
+        {"word_in_a_string", InTrailer("/Note(/Encrypt 4 0 R)")},
+        {"entry_of_a_deeper_dictionary", InTrailer("/A<</Encrypt 4 0 R>>")},
+        {"entry_of_a_page", WithPage("/Encrypt 1 0 R").Finish()},
+    };
+    const TempFolder folder;
+    for (const CipherCase& c : encrypted)
+        EXPECT_EQ(CodeOf(folder.Write("file.pdf", c.file)), ePdfError_InvalidPassword) << c.name;
+    for (const CipherCase& c : open)
+        EXPECT_EQ(CodeOf(folder.Write("file.pdf", c.file)), ePdfError_ErrOk) << c.name;
 }
 
 }  // namespace

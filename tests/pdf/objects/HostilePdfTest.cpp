@@ -92,8 +92,7 @@ class HostilePdf : public testing::TestWithParam<Bomb> {};
 
 TEST_P(HostilePdf, EndsInTimeAndMemory) {
     const TempFolder folder;
-    const std::string path = folder.Write("bomb.pdf", GetParam().make());
-    const Outcome outcome = LoadApart(path);
+    const Outcome outcome = LoadApart(folder.Write("bomb.pdf", GetParam().make()));
     ASSERT_TRUE(WIFEXITED(outcome.status)) << "ended by signal " << WTERMSIG(outcome.status);
     const int code = WEXITSTATUS(outcome.status);
     EXPECT_NE(code, kForeign) << "an exception that is no PdfError";
@@ -105,10 +104,14 @@ TEST_P(HostilePdf, EndsInTimeAndMemory) {
     }
 }
 
-std::string Page(const std::string& keys) {
+PdfBuilder WithPage(const std::string& keys = "") {
     PdfBuilder file;
     file.AddPage(keys);
-    return file.Finish();
+    return file;
+}
+
+std::string Page(const std::string& keys = "") {
+    return WithPage(keys).Finish();
 }
 
 std::string NestedPage(const std::string& open, const std::string& close, std::size_t depth) {
@@ -120,12 +123,15 @@ std::vector<int> From(int first, std::size_t count) {
     std::iota(numbers.begin(), numbers.end(), first);
     return numbers;
 }
+std::vector<int> DownTo(int last, std::size_t count) {
+    const std::vector<int> numbers = From(last, count);
+    return {numbers.rbegin(), numbers.rend()};
+}
 
 // Objects 6 and on live in object stream 4; 5 is the cross-reference stream.
 std::string InObjectStream(const std::vector<int>& numbers, const std::vector<std::string>& objects,
                            const std::vector<int>& compressed) {
-    PdfBuilder file;
-    file.AddPage("/VP 6 0 R");
+    PdfBuilder file = WithPage("/VP 6 0 R");
     const ObjectStream stream = MakeObjectStream(numbers, objects);
     file.AddStream(stream.keys + "/Filter/FlateDecode", Deflated(stream.content));
     return file.FinishWithStream(compressed);
@@ -136,11 +142,14 @@ std::string OneInObjectStream(const std::string& object) {
 }
 
 std::string ReferencesBy(const std::string& keys, const std::string& data) {
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     const std::int64_t start = file.Position();
     file.AddStream("/Type/XRef/Root 1 0 R" + keys, data);
     return file.End(start);
+}
+
+std::string References(const std::string& filter, const std::string& data) {
+    return ReferencesBy("/Size 4/W[1 4 1]/Filter" + filter, data);
 }
 
 std::string MillionAtOnePlace() {
@@ -149,43 +158,30 @@ std::string MillionAtOnePlace() {
 }
 
 std::string Descending(int count) {
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     for (int i = count; i > 3; --i)
         file.AddAs(i, "null");
     return file.Finish();
 }
 
-std::string MillionKids() {
-    PdfBuilder file;
-    file.Add("<</Type/Catalog/Pages 2 0 R>>");
-    file.Add("<</Type/Pages/Count 1000000/Kids[" + Repeated("3 0 R ", 1'000'000) + "]>>");
-    file.Add("<</Type/Page/Parent 2 0 R>>");
-    return file.Finish();
+std::string WithTable(const std::string& table, const std::string& size) {
+    PdfBuilder file = WithPage();
+    const std::int64_t start = file.Position();
+    file.Append(table + "trailer\n<</Root 1 0 R/Size " + size + ">>\n");
+    return file.End(start);
 }
 
-std::string BrokenObjects(int count) {
-    PdfBuilder file;
-    file.AddPage();
-    const std::int64_t start = file.Position();
-    file.Append("xref\n0 " + std::to_string(count) + "\n" +
-                Repeated("0000000003 00000 n \n", static_cast<std::size_t>(count)) +
-                "trailer\n<</Root 1 0 R/Size 4>>\n");
-    return file.End(start);
+std::string BrokenObjects(std::size_t count) {
+    return WithTable("xref\n0 " + std::to_string(count) + "\n" + Repeated("0000000003 00000 n \n", count),
+                     "4");
 }
 
 std::string Subsection(const std::string& header, const std::string& size) {
-    PdfBuilder file;
-    file.AddPage();
-    const std::int64_t start = file.Position();
-    file.Append(file.Table() + header + "\n0000000009 00000 n \ntrailer\n<</Root 1 0 R/Size " + size +
-                ">>\n");
-    return file.End(start);
+    return WithTable(WithPage().Table() + header + "\n0000000009 00000 n \n", size);
 }
 
 std::string PreviousChain(int sections) {
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     std::int64_t previous = file.Position();
     file.Append(file.Table() + "trailer\n<</Root 1 0 R/Size 4>>\n");
     for (int i = 1; i < sections; ++i) {
@@ -198,32 +194,32 @@ std::string PreviousChain(int sections) {
 }
 
 std::string PreviousIsItself(const std::string& key) {
-    PdfBuilder file;
-    file.AddPage();
-    const std::string start = std::to_string(file.Position());
-    return file.Finish(key + " " + start);
+    PdfBuilder file = WithPage();
+    return file.Finish(key + " " + std::to_string(file.Position()));
 }
 
-std::string Tree(const std::string& root, const std::string& node) {
+std::string Tree(const std::vector<std::string>& nodes) {
     PdfBuilder file;
     file.Add("<</Type/Catalog/Pages 2 0 R>>");
-    file.Add(root);
-    file.Add(node);
+    for (const std::string& node : nodes)
+        file.Add(node);
     return file.Finish();
 }
 
 std::string DeepTree(int depth) {
-    PdfBuilder file;
-    file.Add("<</Type/Catalog/Pages 2 0 R>>");
+    std::vector<std::string> nodes;
     for (int i = 0; i < depth; ++i)
-        file.Add("<</Type/Pages/Count 1/Kids[" + std::to_string(i + 3) + " 0 R]>>");
-    file.Add("<</Type/Page/MediaBox[0 0 1 1]>>");
-    return file.Finish();
+        nodes.push_back("<</Type/Pages/Count 1/Kids[" + std::to_string(i + 3) + " 0 R]>>");
+    nodes.push_back("<</Type/Page/MediaBox[0 0 1 1]>>");
+    return Tree(nodes);
+}
+
+std::string TreeWithCount(const std::string& count, const std::string& kids = "3 0 R") {
+    return Tree({"<</Type/Pages/Count " + count + "/Kids[" + kids + "]>>", "<</Type/Page/Parent 2 0 R>>"});
 }
 
 std::string StreamOfLength(const std::string& length) {
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     const std::int64_t start = file.Position();
     file.Add("<</Type/XRef/Root 1 0 R/W[1 4 1]/Size 4/Length " + length + ">>\nstream\n" +
              Repeated(std::string("\x01\0\0\0\x09\0", 6), 4) + "\nendstream");
@@ -231,16 +227,29 @@ std::string StreamOfLength(const std::string& length) {
 }
 
 std::string ManyObjectStreams() {
-    PdfBuilder file;
-    file.AddPage();
+    PdfBuilder file = WithPage();
     std::vector<int> compressed;
     for (int i = 0; i < 60'000; ++i)
         compressed.push_back(file.AddStream("/N 0/First 0", ""));
     return file.FinishWithStream(compressed, "/Size 1999999");
 }
 
-std::string Whole() {
-    return Page("");
+std::string OneArrayNamed200Times() {
+    PdfBuilder file = WithPage();
+    const std::string content = Repeated("6 0 ", 200) + "[" + Repeated("1 ", 2'000'000) + "]";
+    file.AddStream("/Type/ObjStm/N 200/First 800/Filter/FlateDecode", Deflated(content));
+    return file.FinishWithStream({4});
+}
+
+std::string ManyCompressed(std::vector<int> numbers, std::size_t placed) {
+    return InObjectStream(numbers, std::vector<std::string>(numbers.size(), "1"),
+                          std::vector<int>(placed, 4));
+}
+
+std::string LargeMetadata() {
+    PdfBuilder file = WithPage("/Metadata 4 0 R");
+    file.AddStream("/Filter/FlateDecode", DeflatedZeros(2'048));
+    return file.Finish();
 }
 
 const std::vector<Bomb> kBombs = {
@@ -266,81 +275,50 @@ const std::vector<Bomb> kBombs = {
     {"million_entries_at_one_place", Ending::Refused, MillionAtOnePlace},
     {"broken_entries", Ending::Either, [] { return BrokenObjects(100'000); }},
     {"many_broken_entries", Ending::Refused, [] { return BrokenObjects(1'000'000); }},
-    {"one_array_named_200_times", Ending::Refused,
-     [] {
-         std::vector<int> numbers(200, 6);
-         ObjectStream stream = MakeObjectStream(numbers, {});
-         PdfBuilder file;
-         file.AddPage();
-         std::string content = Repeated("6 0 ", 200) + "[" + Repeated("1 ", 2'000'000) + "]";
-         file.AddStream("/Type/ObjStm/N 200/First 800/Filter/FlateDecode", Deflated(content));
-         return file.FinishWithStream({4});
-     }},
+    {"one_array_named_200_times", Ending::Refused, OneArrayNamed200Times},
     {"compressed_references_2_gibibytes", Ending::Refused,
-     [] { return ReferencesBy("/Size 4/W[1 4 1]/Filter/FlateDecode", DeflatedZeros(2'048)); }},
+     [] { return References("/FlateDecode", DeflatedZeros(2'048)); }},
     {"compressed_twice", Ending::Refused,
-     [] {
-         return ReferencesBy("/Size 4/W[1 4 1]/Filter[/FlateDecode/FlateDecode]",
-                             Deflated(DeflatedZeros(4'096)));
-     }},
+     [] { return References("[/FlateDecode/FlateDecode]", Deflated(DeflatedZeros(4'096))); }},
     {"row_of_a_predictor", Ending::Refused,
      [] {
-         return ReferencesBy(
-             "/Size 4/W[1 4 1]/Filter/FlateDecode/DecodeParms<</Predictor 12/Columns "
-             "2147483647>>",
-             Deflated("x"));
+         return References("/FlateDecode/DecodeParms<</Predictor 12/Columns 2147483647>>", Deflated("x"));
      }},
     {"size_at_the_limit", Ending::Refused, [] { return Subsection("4 1", "8388607"); }},
     {"subsection_at_the_limit", Ending::Loads, [] { return Subsection("8388606 1", "5"); }},
     {"object_stream_with_100000_entries", Ending::Refused,
-     [] {
-         return InObjectStream(From(6, 100'000), std::vector<std::string>(100'000, "1"),
-                               std::vector<int>(100'000, 4));
-     }},
+     [] { return ManyCompressed(From(6, 100'000), 100'000); }},
     {"object_stream_in_descending_order", Ending::Refused,
-     [] {
-         std::vector<int> numbers = From(6, 120'000);
-         return InObjectStream({numbers.rbegin(), numbers.rend()}, std::vector<std::string>(120'000, "1"),
-                               {4});
-     }},
+     [] { return ManyCompressed(DownTo(6, 120'000), 1); }},
     {"many_object_streams", Ending::Refused, ManyObjectStreams},
     {"objects_in_descending_order", Ending::Refused, [] { return Descending(200'000); }},
-    {"million_kids", Ending::Refused, MillionKids},
+    {"million_kids", Ending::Refused, [] { return TreeWithCount("1000000", Repeated("3 0 R ", 1'000'000)); }},
     {"previous_is_itself", Ending::Loads, [] { return PreviousIsItself("/Prev"); }},
     {"stream_beside_the_table_is_the_table", Ending::Refused, [] { return PreviousIsItself("/XRefStm"); }},
     {"chain_of_50_updates", Ending::Loads, [] { return PreviousChain(50); }},
     {"chain_of_5000_updates", Ending::Refused, [] { return PreviousChain(5'000); }},
     {"tree_points_to_its_root", Ending::Refused,
-     [] { return Tree("<</Type/Pages/Kids[3 0 R]/Count 1>>", "<</Type/Pages/Kids[2 0 R]/Count 1>>"); }},
+     [] {
+         return Tree({"<</Type/Pages/Kids[3 0 R]/Count 1>>", "<</Type/Pages/Kids[2 0 R]/Count 1>>"});
+     }},
     {"parents_in_a_circle", Ending::Either,
-     [] { return Tree("<</Type/Pages/Parent 2 0 R/Kids[3 0 R]/Count 1>>", "<</Type/Page/Parent 2 0 R>>"); }},
+     [] {
+         return Tree({"<</Type/Pages/Parent 2 0 R/Kids[3 0 R]/Count 1>>", "<</Type/Page/Parent 2 0 R>>"});
+     }},
     {"tree_5000_deep", Ending::Refused, [] { return DeepTree(5'000); }},
-    {"count_is_huge", Ending::Either,
-     [] { return Tree("<</Type/Pages/Kids[3 0 R]/Count 2147483647>>", "<</Type/Page>>"); }},
-    {"count_is_negative", Ending::Either,
-     [] { return Tree("<</Type/Pages/Kids[3 0 R]/Count -5>>", "<</Type/Page>>"); }},
+    {"count_is_huge", Ending::Either, [] { return TreeWithCount("2147483647"); }},
+    {"count_is_negative", Ending::Either, [] { return TreeWithCount("-5"); }},
     {"length_4_gibibytes", Ending::Either, [] { return StreamOfLength("4294967296"); }},
     {"length_8_exbibytes", Ending::Either, [] { return StreamOfLength("9223372036854775807"); }},
     {"length_negative", Ending::Refused, [] { return StreamOfLength("-5"); }},
     {"length_is_the_stream_itself", Ending::Refused, [] { return StreamOfLength("4 0 R"); }},
-    {"start_behind_the_end", Ending::Either,
-     [] {
-         PdfBuilder file;
-         file.AddPage();
-         return file.End(99'999'999'999);
-     }},
-    {"cut_in_the_middle", Ending::Refused, [] { return Whole().substr(0, 120); }},
+    {"start_behind_the_end", Ending::Either, [] { return WithPage().End(99'999'999'999); }},
+    {"cut_in_the_middle", Ending::Refused, [] { return Page().substr(0, 120); }},
     {"nothing_but_the_end", Ending::Refused, [] { return std::string("%PDF-1.5\n%%EOF\n"); }},
     {"empty", Ending::Refused, [] { return std::string(); }},
-    {"junk_before_the_header", Ending::Refused, [] { return "junk\n" + Whole(); }},
+    {"junk_before_the_header", Ending::Refused, [] { return "junk\n" + Page(); }},
     {"no_end_in_16_mebibytes", Ending::Refused, [] { return "%PDF-1.5\n" + Repeated(" ", 16'000'000); }},
-    {"metadata_of_2_gibibytes", Ending::Loads,
-     [] {
-         PdfBuilder file;
-         file.AddPage("/Metadata 4 0 R");
-         file.AddStream("/Filter/FlateDecode", DeflatedZeros(2'048));
-         return file.Finish();
-     }},
+    {"metadata_of_2_gibibytes", Ending::Loads, LargeMetadata},
 };
 
 INSTANTIATE_TEST_SUITE_P(All, HostilePdf, testing::ValuesIn(kBombs),

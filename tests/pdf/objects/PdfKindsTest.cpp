@@ -14,11 +14,11 @@
 #include <QPdfWriter>
 
 #include "GeoPdfFiles.h"
+#include "References.h"
 #include "TempFolder.h"
 
 #include <cstdlib>
 #include <functional>
-#include <memory>
 
 namespace VellumLib {
 namespace {
@@ -28,10 +28,6 @@ using MapAnchor::BMapAnchor;
 
 constexpr int kWidth = 612;
 constexpr int kHeight = 792;
-
-bool Qpdf(const std::string& arguments) {
-    return std::system(("qpdf " + arguments + " >/dev/null 2>&1").c_str()) == 0;
-}
 
 struct Kind {
     const char* name;
@@ -46,9 +42,9 @@ std::ostream& operator<<(std::ostream& out, const Kind& kind) {
     return out << kind.name;
 }
 
-bool Write(const TempFolder& folder, const std::string& text) {
-    folder.Write("map.pdf", text);
-    return true;
+using Make = std::function<bool(const TempFolder&)>;
+Make Text(const std::string& text) {
+    return [text](const TempFolder& folder) { return !folder.Write("map.pdf", text).empty(); };
 }
 
 // One object more than the page needs.
@@ -58,14 +54,14 @@ PagePdf Plain(const std::string& page_keys = "/MediaBox [0 0 612 792]") {
     return viewport.Pdf().Add("<< /Left /Out >>");
 }
 
-bool WriteByQpdf(const TempFolder& folder, const std::string& options) {
-    const std::string plain = folder.Write("plain.pdf", Plain().Text());
-    return Qpdf(options + " '" + plain + "' '" + folder / "map.pdf" + "'");
-}
-
-bool WriteTwice(const TempFolder& folder) {
-    const std::string plain = folder.Write("plain.pdf", Plain().Text());
-    return Qpdf("--empty --pages '" + plain + "' 1 '" + plain + "' 1 -- '" + folder / "map.pdf" + "'");
+/// What qpdf makes of plain.pdf.
+Make ByQpdf(const std::string& arguments) {
+    return [arguments](const TempFolder& folder) {
+        folder.Write("plain.pdf", Plain().Text());
+        return std::system(
+                   ("cd '" + folder / "" + "' && qpdf " + arguments + " map.pdf >/dev/null 2>&1").c_str()) ==
+               0;
+    };
 }
 
 /// The page is replaced by an update; the older one has other boxes.
@@ -114,38 +110,23 @@ bool WriteByQt(const TempFolder& folder) {
         writer.setPageSize(QPageSize(QSizeF(kWidth, kHeight), QPageSize::Point));
         QPainter(&writer).fillRect(100, 100, 500, 300, Qt::red);
     }
-    BGeoReference reference;
-    const std::unique_ptr<BMathTransform> transform(
-        BMathTransform::CreateAffine(1.0 / kWidth, 0, 15, 0, -1.0 / kHeight, 48, true));
-    reference.SetMathTransform(*transform);
-    reference.SetCoordSys(BSharedPtr<BCoordSys>(BCoordSys::FromEPSGCode("4326")));
-    BMapAnchor::Save(EReferenceType::GeoPDF, BString(path), reference, kWidth, kHeight, BString(), 0,
-                     nullptr);
+    BMapAnchor::Save(EReferenceType::GeoPDF, BString(path),
+                     References::Of("4326", {1.0 / kWidth, 0, 15, 0, -1.0 / kHeight, 48}), kWidth, kHeight,
+                     BString(), 0, nullptr);
     return true;
 }
 
-const std::vector<Kind> kKinds = {
-    {"plain", [](const TempFolder& folder) { return Write(folder, Plain().Text()); }},
-    {"updated", [](const TempFolder& folder) { return Write(folder, Updated()); }},
-    {"many_objects", [](const TempFolder& folder) { return Write(folder, ManyObjects()); }},
-    {"indirect_resources",
-     [](const TempFolder& folder) {
-         return Write(folder, Plain("/MediaBox [0 0 612 792] /Resources 6 0 R /Contents 6 0 R").Text());
-     }},
-    {"inherited_box",
-     [](const TempFolder& folder) {
-         return Write(folder, Plain("").Inherit("/MediaBox [0 0 612 792]").Text());
-     },
-     true, false},
-    {"object_streams",
-     [](const TempFolder& folder) { return WriteByQpdf(folder, "--object-streams=generate"); }, false},
-    {"linearised",
-     [](const TempFolder& folder) { return WriteByQpdf(folder, "--linearize --object-streams=disable"); }},
-    {"linearised_with_object_streams",
-     [](const TempFolder& folder) { return WriteByQpdf(folder, "--linearize --object-streams=generate"); },
-     false},
-    {"tree_of_nodes", [](const TempFolder& folder) { return Write(folder, TreeOfNodes()); }},
-    {"several_pages", WriteTwice},
+const Kind kKinds[] = {
+    {"plain", Text(Plain().Text())},
+    {"updated", Text(Updated())},
+    {"many_objects", Text(ManyObjects())},
+    {"indirect_resources", Text(Plain("/MediaBox [0 0 612 792] /Resources 6 0 R /Contents 6 0 R").Text())},
+    {"inherited_box", Text(Plain("").Inherit("/MediaBox [0 0 612 792]").Text()), true, false},
+    {"object_streams", ByQpdf("--object-streams=generate plain.pdf"), false},
+    {"linearised", ByQpdf("--linearize --object-streams=disable plain.pdf")},
+    {"linearised_with_object_streams", ByQpdf("--linearize --object-streams=generate plain.pdf"), false},
+    {"tree_of_nodes", Text(TreeOfNodes())},
+    {"several_pages", ByQpdf("--empty --pages plain.pdf 1 plain.pdf 1 --")},
     {"by_qt", WriteByQt},
 };
 
