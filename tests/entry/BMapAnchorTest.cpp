@@ -6,11 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "LogCapture.h"
+#include "References.h"
+#include "Roads.h"
 #include "TempFolder.h"
-#include "Thrown.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace MapAnchor {
 namespace {
@@ -37,34 +37,27 @@ NamedResult ReadByName(const std::string& file) {
     return result;
 }
 
-Thrown ReadByType(int type, const std::string& file, BGeoReference& reference) {
-    return WhatIsThrown([&] {
-        BMapAnchor::Read(static_cast<EReferenceType>(type), BString(file), reference, 0, 0,
-                         EMathTransformType::Affine, 0, nullptr);
-    });
-}
-
-Thrown SaveByType(int type, const std::string& file, const BGeoReference& reference) {
-    return WhatIsThrown([&] {
-        BMapAnchor::Save(static_cast<EReferenceType>(type), BString(file), reference, 9, 9, BString(), 0,
-                         nullptr);
-    });
-}
-
 BGeoReference UnitReference() {
-    BGeoReference reference;
-    const std::unique_ptr<BMathTransform> transform(BMathTransform::CreateAffine(1, 0, 0, 0, -1, 0, true));
-    reference.SetMathTransform(*transform);
-    return reference;
+    return References::WithAffine(1, 0, 0, 0, -1, 0);
+}
+
+Thrown ReadByType(int type, const std::string& file, BGeoReference& reference) {
+    return Roads::Read(static_cast<EReferenceType>(type), file, reference);
+}
+
+Thrown SaveByType(int type, const std::string& file) {
+    return Roads::Save(static_cast<EReferenceType>(type), file, UnitReference());
+}
+
+Thrown SaveByName(const std::string& file) {
+    return Roads::Save(file, UnitReference());
 }
 
 TEST(ReadByName, TheExtensionPicksTheReader) {
     const TempFolder folder;
     const LogCapture log;
     for (const char* name : {"a.tfw", "a.TFW", "a.tifw", "a.jgw", "a.jpgw", "a.pgw", "a.bpw", "a.eww",
-                             "a.sdw", "a.wld", "a.blw", "a.gfw",
-                             "\xC3\x9C"
-                             "ber \xE6\xB1\x89.tfw"}) {
+                             "a.sdw", "a.wld", "a.blw", "a.gfw", "\303\234ber \346\261\211.tfw"}) {
         const std::string file = folder.Write(name, kSixNumbers);
         const NamedResult result = ReadByName(file);
         EXPECT_EQ(result.thrown.type, "") << name;
@@ -148,9 +141,9 @@ TEST(SaveByType, NumbersThatAreNoTypeDoNothing) {
     const TempFolder folder;
     const LogCapture log;
     for (const int type : {-1, 0, 8, 12})
-        EXPECT_EQ(SaveByType(type, folder / "none.tfw", UnitReference()).type, "") << type;
+        EXPECT_EQ(SaveByType(type, folder / "none.tfw").type, "") << type;
     EXPECT_EQ(TempFolder::Slurp(folder / "none.tfw"), "");
-    EXPECT_EQ(SaveByType(8, "", UnitReference()).detail, "No file specified.");
+    EXPECT_EQ(SaveByType(8, "").detail, "No file specified.");
 }
 
 TEST(SaveByType, KindsThatAreReadOnlyRefuse) {
@@ -168,7 +161,7 @@ TEST(SaveByType, KindsThatAreReadOnlyRefuse) {
     for (const auto& test : cases) {
         LogCapture log;
         const std::string file = folder / "refused.any";
-        const Thrown thrown = SaveByType(test.type, file, UnitReference());
+        const Thrown thrown = SaveByType(test.type, file);
         EXPECT_EQ(thrown.type, "BGeoReferenceNotSupportedException");
         EXPECT_EQ(thrown.source, test.source);
         EXPECT_EQ(thrown.detail, test.detail);
@@ -184,21 +177,18 @@ TEST(SaveByName, TheExtensionPicksTheWriter) {
     const TempFolder folder;
     const LogCapture log;
     for (const char* name : {"a.tfw", "a.TIFW", "a.jgw", "a.wld", "a.j2w", "a.kpw"}) {
-        BMapAnchor::Save(BString(folder / name), UnitReference(), 9, 9, BString(), nullptr);
+        EXPECT_EQ(SaveByName(folder / name).type, "");
         EXPECT_NE(TempFolder::Slurp(folder / name), "") << name;
     }
-    const auto save = [](const std::string& file) {
-        return WhatIsThrown(
-            [&] { BMapAnchor::Save(BString(file), UnitReference(), 9, 9, BString(), nullptr); });
-    };
     for (const char* name : {"a.jpg", "a.xyz", "a.kap", "a.pdf"}) {
-        const Thrown thrown = save(folder / name);
+        const Thrown thrown = SaveByName(folder / name);
         EXPECT_EQ(thrown.type, kUnsupported) << name;
         EXPECT_EQ(thrown.source, "BMapAnchor::Save");
         EXPECT_EQ(TempFolder::Slurp(folder / name), "") << name;
     }
-    EXPECT_EQ(save("").detail, "No file specified.");
-    EXPECT_EQ(save(folder / "bare").detail, "File Extension for <" + (folder / "bare") + "> isn't valid.");
+    EXPECT_EQ(SaveByName("").detail, "No file specified.");
+    EXPECT_EQ(SaveByName(folder / "bare").detail,
+              "File Extension for <" + (folder / "bare") + "> isn't valid.");
     EXPECT_TRUE(log.lines.empty());
 }
 
@@ -206,10 +196,7 @@ TEST(SaveByName, AFailureIsLoggedOnItsWayOut) {
     const TempFolder folder;
     LogCapture log;
     const std::string file = folder / "missing/a.tfw";
-    EXPECT_EQ(WhatIsThrown([&] {
-                  BMapAnchor::Save(BString(file), UnitReference(), 9, 9, BString(), nullptr);
-              }).type,
-              "BFileAccessException");
+    EXPECT_EQ(SaveByName(file).type, "BFileAccessException");
     ASSERT_EQ(log.lines.size(), 2U);
     EXPECT_EQ(log.lines[1],
               "BMapAnchor::Save Attempting to save <" + file +

@@ -54,8 +54,7 @@ public:
     /// What each file gives, one line a file, with what was thrown.
     std::vector<std::string> SaveAndReadAll() const {
         std::vector<std::string> answers;
-        BGeoReference saved = References::WithAffine(10, 0, 500000, 0, -10, 4100000);
-        References::SetSystem(saved, "32633");
+        const BGeoReference saved = References::Of("32633", {10, 0, 500000, 0, -10, 4100000});
         for (const char* name : {"map.tfw", "map.rsf", "map.tab", "map.ers", "map.tif"}) {
             const std::string unsaved = Roads::Save(Path(name), saved).type;
             answers.push_back(unsaved + Answer(name));

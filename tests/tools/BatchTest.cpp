@@ -27,8 +27,7 @@ constexpr const char* kWorldFile = "0.1\n0\n0\n-0.1\n10.05\n49.95\n";
 class BatchRun : public testing::Test {
 protected:
     BatchRun() {
-        const std::string prj =
-            RunTool({"crs", "--json", "4326"}).Objects().at(0)["mapanchor"]["texts"]["prj"];
+        const std::string prj = PrjOf("4326");
         fs::create_directory(folder / "deep");
         for (const char* name : {"a", "b", "deep/c", "deep/d"}) {
             folder.Write(std::string(name) + ".tfw", kWorldFile);
@@ -111,7 +110,7 @@ TEST_F(BatchRun, OneBadFileCostsOneRow) {
     struct Bad {
         const char* file;
         const char* type;
-        std::vector<std::string> words;
+        const char* limit;
     };
     // AddressSanitizer ends a process at its limit before it can say so.
 #ifdef __SANITIZE_ADDRESS__
@@ -119,16 +118,15 @@ TEST_F(BatchRun, OneBadFileCostsOneRow) {
 #else
     const char* const at_limit = "OutOfMemory";
 #endif
-    const Bad bads[] = {{"hangs.tfw", "Timeout", {"--timeout", "0.7"}},
-                        {"dies.tfw", "Crash", {}},
-                        {"huge.tfw", at_limit, {"--memory", "8"}}};
+    const Bad bads[] = {{"hangs.tfw", "Timeout", "--timeout 0.7"},
+                        {"dies.tfw", "Crash", ""},
+                        {"huge.tfw", at_limit, "--memory 8"}};
     for (const Bad& bad : bads) {
-        std::vector<std::string> words = {"batch", "--jobs", "1"};
-        words.insert(words.end(), bad.words.begin(), bad.words.end());
         std::thread killer;
         if (std::string(bad.file) == "dies.tfw")
             killer = std::thread(KillReaderOf, folder / bad.file, SIGSEGV);
-        const ToolRun run = RunTool(words, {.in = Names({"a.tfw", bad.file, "b.tfw"})});
+        const ToolRun run = RunTool(Words(std::string("batch --jobs 1 ") + bad.limit),
+                                    {.in = Names({"a.tfw", bad.file, "b.tfw"})});
         if (killer.joinable()) killer.join();
         EXPECT_EQ(run.status, 3) << bad.file << run.err;
         const auto rows = run.Objects();

@@ -15,15 +15,11 @@ constexpr const char* kWorldFile = "0.5\n0\n0\n-0.5\n676000.25\n5241999.75\n";
 constexpr const char* kWritten =
     "0.500000000000\n0.000000000000\n0.000000000000\n-0.500000000000\n676000.250000000000\n5241999."
     "750000000000\n";
-constexpr const char* kWgs84 =
-    "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],"
-    "PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]]";
-
 class Convert : public testing::Test {
 protected:
     Convert() {
         folder.Write("map.tfw", kWorldFile);
-        folder.Write("map.prj", kWgs84);
+        folder.Write("map.prj", PrjOf("4326"));
     }
     ToolRun Run(const std::vector<std::string>& options, const std::string& target) const {
         std::vector<std::string> words = {"convert", folder / "map.tfw", folder / target};
@@ -38,11 +34,11 @@ protected:
 TEST_F(Convert, SavesTheReferenceWithItsPrj) {
     const ToolRun run = Run({"--json"}, "copy.jgw");
     EXPECT_EQ(run.status, 0) << run.out;
-    const json ours = run.Objects().at(0)["mapanchor"];
+    const json ours = run.Ours();
     EXPECT_EQ(ours["written"], json::array({folder / "copy.jgw", folder / "copy.prj"}));
     EXPECT_EQ(ours["referenceType"], "WLD");
     EXPECT_EQ(TempFolder::Slurp(folder / "copy.jgw"), kWritten);
-    const json back = RunTool({"--json", folder / "copy.jgw"}).Objects().at(0)["mapanchor"];
+    const json back = RunTool({"--json", folder / "copy.jgw"}).Ours();
     EXPECT_EQ(back["coordSys"]["epsg"], "EPSG:4326");
 }
 
@@ -75,8 +71,7 @@ TEST_F(Convert, ADryRunTouchesNothing) {
 TEST_F(Convert, ByTypeTheSystemIsLostAndThatIsSaid) {
     const ToolRun run = Run({"--to", "wld", "--json"}, "copy.txt");
     EXPECT_EQ(run.status, 3);
-    EXPECT_NE(run.Objects().at(0)["mapanchor"]["diagnostics"].dump().find("coordinate system is not saved"),
-              std::string::npos);
+    EXPECT_NE(run.Ours()["diagnostics"].dump().find("coordinate system is not saved"), std::string::npos);
     EXPECT_EQ(TempFolder::Slurp(folder / "copy.txt"), kWritten);
     EXPECT_FALSE(Has("copy.prj"));
 }
@@ -95,7 +90,7 @@ TEST_F(Convert, AFullDiskLeavesNoHalfAndIsSaid) {
     ASSERT_EQ(symlink("/dev/full", (folder / "full.tfw").c_str()), 0);
     const ToolRun run = Run({"--overwrite", "--json"}, "full.tfw");
     EXPECT_EQ(run.status, 2);
-    const json ours = run.Objects().at(0)["mapanchor"];
+    const json ours = run.Ours();
     EXPECT_EQ(ours["error"]["type"], "BGeoReferenceWriteException");
     EXPECT_NE(ours["error"]["detail"].get<std::string>().find("full.tfw"), std::string::npos);
 }
@@ -105,7 +100,7 @@ TEST_F(Convert, APrjThatCannotBeWrittenIsAWarning) {
     ASSERT_EQ(symlink("/dev/full", (folder / "half.prj").c_str()), 0);
     const ToolRun run = Run({"--overwrite", "--json"}, "half.tfw");
     EXPECT_EQ(run.status, 3);
-    EXPECT_NE(run.Objects().at(0)["mapanchor"]["diagnostics"].dump().find("half.prj"), std::string::npos);
+    EXPECT_NE(run.Ours()["diagnostics"].dump().find("half.prj"), std::string::npos);
     EXPECT_EQ(TempFolder::Slurp(folder / "half.tfw"), kWritten);
 }
 

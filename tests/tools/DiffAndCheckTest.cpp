@@ -28,15 +28,7 @@ protected:
         folder.Write("east.prj", PrjOf("EPSG:4326"));
         folder.Write("west.prj", PrjOf("EPSG:4326"));
     }
-    static std::string PrjOf(const std::string& code) {
-        return RunTool({"crs", "--json", code}).Objects().at(0)["mapanchor"]["texts"]["prj"];
-    }
-    /// Words with a leading % lie in the folder.
-    ToolRun Run(std::vector<std::string> words) const {
-        for (std::string& word : words)
-            if (word[0] == '%') word = folder / word.substr(1);
-        return RunTool(words);
-    }
+    ToolRun Run(const std::string& words) const { return RunTool(Words(words, folder / "")); }
     /// The raster of utm32.tfw, with control points of zone 33 that PROJ has computed.
     void WriteZone33() const {
         GDALAllRegister();
@@ -66,7 +58,7 @@ protected:
 
 struct DiffCase {
     const char* name;
-    std::vector<std::string> words;
+    const char* words;
     int status;
     double units;   ///< largest distance in map units
     double pixels;  ///< and in pixels; below 0 for a failure
@@ -75,31 +67,21 @@ struct DiffCase {
 
 TEST_F(ManyReferences, DistanceOfTwo) {
     const DiffCase cases[] = {
-        {"same", {"%utm32.tfw", "%utm32.tfw", "--size", "1000x500"}, 0, 0, 0},
-        {"shifted", {"%utm32.tfw", "%shifted.tfw", "--size", "1000x500"}, 0, 50, 0.5},
-        {"in_pixels_of_the_first",
-         {"%double.tfw", "%shifted.tfw", "--size", "1x1"},
-         0,
-         92.19544457292888,
+        {"same", "%utm32.tfw %utm32.tfw --size 1000x500", 0, 0, 0},
+        {"shifted", "%utm32.tfw %shifted.tfw --size 1000x500", 0, 50, 0.5},
+        {"in_pixels_of_the_first", "%double.tfw %shifted.tfw --size 1x1", 0, 92.19544457292888,
          0.4609772228646444},
-        {"a_turn_apart", {"%east.tfw", "%west.tfw", "--size", "1000x1000"}, 0, 0, 0},
-        {"one_without_a_system", {"%utm32.tfw", "%bare.tfw", "--size", "1000x500"}, 3, 0, 0, "crs-missing"},
-        {"within", {"%utm32.tfw", "%shifted.tfw", "--size", "9x9", "--max-pixels", "0.6"}, 0, 50, 0.5},
-        {"too_far",
-         {"%utm32.tfw", "%shifted.tfw", "--size", "9x9", "--max-pixels", "0.4"},
-         2,
-         50,
-         0.5,
-         "distance-exceeded"},
-        {"unknown_size", {"%utm32.tfw", "%shifted.tfw"}, 2, 0, -1},
-        {"missing_file", {"%utm32.tfw", "%none.tfw"}, 2, 0, -1},
+        {"a_turn_apart", "%east.tfw %west.tfw --size 1000x1000", 0, 0, 0},
+        {"one_without_a_system", "%utm32.tfw %bare.tfw --size 1000x500", 3, 0, 0, "crs-missing"},
+        {"within", "%utm32.tfw %shifted.tfw --size 9x9 --max-pixels 0.6", 0, 50, 0.5},
+        {"too_far", "%utm32.tfw %shifted.tfw --size 9x9 --max-pixels 0.4", 2, 50, 0.5, "distance-exceeded"},
+        {"unknown_size", "%utm32.tfw %shifted.tfw", 2, 0, -1},
+        {"missing_file", "%utm32.tfw %none.tfw", 2, 0, -1},
     };
     for (const DiffCase& test : cases) {
-        std::vector<std::string> words = {"diff", "--json"};
-        words.insert(words.end(), test.words.begin(), test.words.end());
-        const ToolRun run = Run(words);
+        const ToolRun run = Run(std::string("diff --json ") + test.words);
         EXPECT_EQ(run.status, test.status) << test.name << run.err << run.out;
-        const json ours = run.Objects().at(0)["mapanchor"];
+        const json ours = run.Ours();
         EXPECT_EQ(ours["ok"], test.pixels >= 0) << test.name;
         const auto& remarks = ours["diagnostics"];
         EXPECT_EQ(remarks.empty() ? "" : remarks.back().value("id", ""), test.id) << test.name;
@@ -114,20 +96,20 @@ TEST_F(ManyReferences, DistanceOfTwo) {
 // its curved points leaves an error of its own, told as the residual.
 TEST_F(ManyReferences, AnotherSystemIsTransformed) {
     WriteZone33();
-    const ToolRun run = Run({"diff", "--json", "%utm32.tfw", "%zone33.tif"});
-    const json ours = run.Objects().at(0)["mapanchor"];
+    const ToolRun run = Run("diff --json %utm32.tfw %zone33.tif");
+    const json ours = run.Ours();
     ASSERT_EQ(ours["ok"], true) << run.out;
     EXPECT_EQ(ours["distances"][2]["column"], 1000.0);
     EXPECT_EQ(ours["units"], "metre");
     EXPECT_GT(ours["largest"]["pixels"].get<double>(), 0.01);
     EXPECT_LT(ours["largest"]["pixels"].get<double>(), 2.0);
-    const ToolRun text = Run({"diff", "%utm32.tfw", "%zone33.tif"});
+    const ToolRun text = Run("diff %utm32.tfw %zone33.tif");
     EXPECT_NE(text.out.find("lower right"), std::string::npos);
 }
 
 struct CheckCase {
     const char* name;
-    std::vector<std::string> words;
+    const char* words;
     int status;
     std::vector<std::string> ids;
 };
@@ -135,33 +117,28 @@ struct CheckCase {
 TEST_F(ManyReferences, AreJudged) {
     WriteZone33();
     const CheckCase cases[] = {
-        {"nothing_asked", {"%utm32.tfw"}, 0, {}},
-        {"system", {"%utm32.tfw", "--expect-crs", "EPSG:32632"}, 0, {}},
-        {"system_in_other_words", {"%utm32.tfw", "--expect-crs", "NUTM32 WGS84"}, 0, {}},
-        {"wrong_system", {"%utm32.tfw", "--expect-crs", "25832"}, 2, {"crs-mismatch"}},
-        {"no_system", {"%bare.tfw", "--expect-crs", "25832"}, 2, {"crs-missing"}},
-        {"within", {"%utm32.tfw", "--size", "1000x500", "--within", "10,47,13,48"}, 0, {}},
-        {"too_wide", {"%utm32.tfw", "--size", "9000x500", "--within", "10,47,13,48"}, 2, {"outside"}},
-        {"across_the_antimeridian", {"%east.tfw", "--size", "1000x1000", "--within", "179,9,-179,11"}, 0, {}},
-        {"not_the_long_way_round",
-         {"%east.tfw", "--size", "1000x1000", "--within=-179,9,179,11"},
-         2,
-         {"outside"}},
-        {"within_itself", {"%east.tfw", "--size", "1000x1000", "--within", "179.5,9.5,-179.5,10.5"}, 0, {}},
-        {"within_a_file", {"%utm32.tfw", "--size", "400x200", "--within", "%zone33.tif"}, 2, {"outside"}},
-        {"nowhere", {"%bare.tfw", "--within", "10,47,13,48"}, 2, {"no-footprint", "extent-unknown"}},
-        {"residuals", {"%zone33.tif", "--max-rmse", "2"}, 0, {}},
-        {"large_residuals", {"%zone33.tif", "--max-rmse", "1e-6"}, 2, {"rmse-exceeded"}},
-        {"no_points", {"%utm32.tfw", "--max-rmse", "1"}, 2, {"rmse-unknown"}},
-        {"no_file", {"%none.tfw"}, 2, {}},
-        {"two_of_three", {"%utm32.tfw", "%bare.tfw", "%utm32.tfw", "--expect-crs", "32632"}, 3, {}},
+        {"nothing_asked", "%utm32.tfw", 0, {}},
+        {"system", "%utm32.tfw --expect-crs EPSG:32632", 0, {}},
+        {"system_in_other_words", "%utm32.tfw --expect-crs NUTM32~WGS84", 0, {}},
+        {"wrong_system", "%utm32.tfw --expect-crs 25832", 2, {"crs-mismatch"}},
+        {"no_system", "%bare.tfw --expect-crs 25832", 2, {"crs-missing"}},
+        {"within", "%utm32.tfw --size 1000x500 --within 10,47,13,48", 0, {}},
+        {"too_wide", "%utm32.tfw --size 9000x500 --within 10,47,13,48", 2, {"outside"}},
+        {"across_the_antimeridian", "%east.tfw --size 1000x1000 --within 179,9,-179,11", 0, {}},
+        {"not_the_long_way_round", "%east.tfw --size 1000x1000 --within=-179,9,179,11", 2, {"outside"}},
+        {"within_itself", "%east.tfw --size 1000x1000 --within 179.5,9.5,-179.5,10.5", 0, {}},
+        {"within_a_file", "%utm32.tfw --size 400x200 --within %zone33.tif", 2, {"outside"}},
+        {"nowhere", "%bare.tfw --within 10,47,13,48", 2, {"no-footprint", "extent-unknown"}},
+        {"residuals", "%zone33.tif --max-rmse 2", 0, {}},
+        {"large_residuals", "%zone33.tif --max-rmse 1e-6", 2, {"rmse-exceeded"}},
+        {"no_points", "%utm32.tfw --max-rmse 1", 2, {"rmse-unknown"}},
+        {"no_file", "%none.tfw", 2, {}},
+        {"two_of_three", "%utm32.tfw %bare.tfw %utm32.tfw --expect-crs 32632", 3, {}},
     };
     for (const CheckCase& test : cases) {
-        std::vector<std::string> words = {"check", "--json"};
-        words.insert(words.end(), test.words.begin(), test.words.end());
-        const ToolRun run = Run(words);
+        const ToolRun run = Run(std::string("check --json ") + test.words);
         EXPECT_EQ(run.status, test.status) << test.name << run.err << run.out;
-        const json ours = run.Objects().at(0)["mapanchor"];
+        const json ours = run.Ours();
         EXPECT_EQ(ours["passed"], test.status != 2) << test.name;
         std::vector<std::string> ids;
         for (const json& remark : ours["diagnostics"])
@@ -170,7 +147,7 @@ TEST_F(ManyReferences, AreJudged) {
     }
     for (const char* option :
          {"--expect-crs=NOWHERE", "--within=1,2,3", "--within=0,50,1,40", "--within=none.tif"})
-        EXPECT_EQ(Run({"check", "%utm32.tfw", option}).status, 64) << option;
+        EXPECT_EQ(Run(std::string("check %utm32.tfw ") + option).status, 64) << option;
 }
 
 }  // namespace

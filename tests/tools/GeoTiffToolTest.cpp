@@ -30,7 +30,7 @@ TEST_F(GeoTiffTool, ConvertGeoreferencesARasterThatIsThere) {
     const ToolRun saved =
         RunTool({"convert", folder / "place.tfw", folder / "map.tif", "--overwrite", "--json"});
     EXPECT_EQ(saved.status, 0) << saved.err;
-    EXPECT_EQ(saved.Objects().at(0)["mapanchor"]["written"], json::array({folder / "map.tif"}));
+    EXPECT_EQ(saved.Ours()["written"], json::array({folder / "map.tif"}));
     EXPECT_EQ(GdalFiles::Pixels(folder / "map.tif"), pixels);
 
     const ToolRun run = RunTool({"info", "--json", folder / "map.tif"});
@@ -47,7 +47,7 @@ TEST_F(GeoTiffTool, ATargetThatIsNoRaster) {
         const std::string target = there ? folder.Write("other.tif", "no raster") : folder / "none.tif";
         const ToolRun run = RunTool({"convert", folder / "place.tfw", target, "--overwrite", "--json"});
         EXPECT_EQ(run.status, 2);
-        const json ours = run.Objects().at(0)["mapanchor"];
+        const json ours = run.Ours();
         EXPECT_EQ(ours["error"]["type"], "BFileAccessException");
         EXPECT_EQ(ours["diagnostics"].dump().find("lost"), std::string::npos);
         EXPECT_EQ(std::filesystem::exists(target), there);
@@ -87,8 +87,7 @@ TEST_F(GeoTiffTool, NothingOfGdalOrProjReachesStderr) {
     const ToolRun run = RunTool({"info", "--json", "--type", "tif", cut});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.err, "");
-    EXPECT_EQ(run.Objects().at(0)["mapanchor"]["error"]["type"],
-              "BGeoReferenceInvalidReferenceFileException");
+    EXPECT_EQ(run.Ours()["error"]["type"], "BGeoReferenceInvalidReferenceFileException");
     EXPECT_EQ(RunTool({"info", "--json", MAPANCHOR_SEEDS "/geotiff/unit_that_nobody_knows.tif"}).err, "");
 }
 

@@ -12,18 +12,11 @@ namespace {
 using nlohmann::json;
 
 constexpr const char* kWorldFile = "0.5\n0\n0\n-0.5\n676000.25\n5241999.75\n";
-constexpr const char* kUtm32 =
-    "PROJCS[\"WGS_1984_UTM_Zone_32N\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\","
-    "6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],PROJECTION["
-    "\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],PARAMETER[\"False_Northing\",0.0],"
-    "PARAMETER["
-    "\"Central_Meridian\",9.0],PARAMETER[\"Scale_Factor\",0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT["
-    "\"Meter\",1.0]]";
 
 TEST(Info, TellsAllOfAReferenceInJson) {
     const TempFolder folder;
     const std::string file = folder.Write("map.tfw", kWorldFile);
-    folder.Write("map.prj", kUtm32);
+    folder.Write("map.prj", PrjOf("32632"));
     const ToolRun run = RunTool({"info", "--json", "--size", "200x100", file});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.err, "");
@@ -54,7 +47,7 @@ TEST(Info, TellsAllOfAReferenceInJson) {
 
 struct InfoCase {
     const char* name;
-    std::vector<std::string> words;  ///< behind info --json; % stands for the folder
+    const char* words;  ///< behind info --json
     int status;
     const char* error;  ///< type of the failure, empty for none
 };
@@ -69,26 +62,21 @@ TEST(Info, ExitStatusSaysHowItEnded) {
     folder.Write("text.xyz", "no numbers");
     folder.Write("bare", kWorldFile);
     const InfoCase cases[] = {
-        {"good", {"%good.tfw"}, 0, ""},
-        {"forced_type", {"--type", "WLD", "%bare"}, 0, ""},
-        {"name_road_refuses_type_road_takes", {"%tiny.tfw"}, 3, ""},
-        {"missing", {"%missing.tfw"}, 2, "BFileNotFoundException"},
-        {"no_extension", {"%bare"}, 2, "BFileNotFoundException"},
-        {"a_folder", {"--type", "wld", "%."}, 2, "BFileAccessException"},
-        {"no_numbers", {"--type", "wld", "%text.xyz"}, 2, "BGeoReferenceInvalidReferenceFileException"},
-        {"strict",
-         {"--type", "wld", "--strict", "transform,crs", "%flat.tfw"},
-         2,
+        {"good", "%good.tfw", 0, ""},
+        {"forced_type", "--type WLD %bare", 0, ""},
+        {"name_road_refuses_type_road_takes", "%tiny.tfw", 3, ""},
+        {"missing", "%missing.tfw", 2, "BFileNotFoundException"},
+        {"no_extension", "%bare", 2, "BFileNotFoundException"},
+        {"a_folder", "--type wld %.", 2, "BFileAccessException"},
+        {"no_numbers", "--type wld %text.xyz", 2, "BGeoReferenceInvalidReferenceFileException"},
+        {"strict", "--type wld --strict transform,crs %flat.tfw", 2,
          "BGeoReferenceInvalidTransformException"},
-        {"nothing_in_it", {"--type", "wld", "%flat.tfw"}, 4, "BFileContentNotValidException"},
-        {"refused", {"%zero.tfw"}, 5, "BUnsupportedFileTypeException"},
-        {"a_raster", {"%map.jpg"}, 5, "BUnsupportedFileTypeException"},
+        {"nothing_in_it", "--type wld %flat.tfw", 4, "BFileContentNotValidException"},
+        {"refused", "%zero.tfw", 5, "BUnsupportedFileTypeException"},
+        {"a_raster", "%map.jpg", 5, "BUnsupportedFileTypeException"},
     };
     for (const InfoCase& test : cases) {
-        std::vector<std::string> words = {"info", "--json"};
-        for (const std::string& word : test.words)
-            words.push_back(word[0] == '%' ? folder / word.substr(1) : word);
-        const ToolRun run = RunTool(words);
+        const ToolRun run = RunTool(Words(std::string("info --json ") + test.words, folder / ""));
         EXPECT_EQ(run.status, test.status) << test.name << run.err;
         const auto objects = run.Objects();
         ASSERT_EQ(objects.size(), 1U) << test.name;
@@ -99,16 +87,10 @@ TEST(Info, ExitStatusSaysHowItEnded) {
 }
 
 TEST(Info, WrongUsageIs64) {
-    for (const std::vector<std::string>& words : {std::vector<std::string>{},
-                                                  {"info"},
-                                                  {"info", "--nonsense", "x"},
-                                                  {"info", "--size", "10", "x"},
-                                                  {"info", "--type", "gpx", "x"},
-                                                  {"info", "--fit", "magic", "x"},
-                                                  {"convert", "one"},
-                                                  {"--size"}}) {
-        const ToolRun run = RunTool(words);
-        EXPECT_EQ(run.status, 64) << ::testing::PrintToString(words);
+    for (const char* words : {"", "info", "info --nonsense x", "info --size 10 x", "info --type gpx x",
+                              "info --fit magic x", "convert one", "--size"}) {
+        const ToolRun run = RunTool(Words(words));
+        EXPECT_EQ(run.status, 64) << words;
         EXPECT_NE(run.err, "");
         EXPECT_EQ(run.out, "");
     }
@@ -121,8 +103,8 @@ TEST(Info, WrongUsageIs64) {
 TEST(Info, ASecondRoadAndSidecarsAreExplained) {
     const TempFolder folder;
     const std::string tiny = folder.Write("tiny.tfw", "1e-8\n0\n0\n-1e-8\n5\n5\n");
-    folder.Write("tiny.prj", kUtm32);
-    const json ours = RunTool({"--json", tiny}).Objects().at(0)["mapanchor"];
+    folder.Write("tiny.prj", PrjOf("32632"));
+    const json ours = RunTool({"--json", tiny}).Ours();
     EXPECT_EQ(ours["road"], "type");
     EXPECT_EQ(ours["coordSys"]["epsg"], "EPSG:32632");
     EXPECT_NE(ours["diagnostics"].dump().find("read by type"), std::string::npos);
@@ -142,10 +124,7 @@ TEST(Info, ManyInputsGiveOneObjectEachInTheirOrder) {
     const std::string good = folder.Write("good.tfw", kWorldFile);
     const std::string odd = folder.Write("line\nend.tfw", kWorldFile);
     const std::string raw = folder.Write("raw \xFF\xFE.tfw", kWorldFile);
-    const std::string umlaut = folder.Write(
-        "\xC3\x9C"
-        "ber \xE6\xB1\x89.tfw",
-        kWorldFile);
+    const std::string umlaut = folder.Write("\303\234ber \346\261\211.tfw", kWorldFile);
     const std::string bad = folder / "missing.tfw";
 
     ToolRun run = RunTool({"info", "--json", good, "-", umlaut}, {.in = bad + "\r\n\n" + raw + "\n"});
@@ -179,7 +158,7 @@ TEST(Info, NumbersReadBackExactly) {
     const TempFolder folder;
     const std::string file =
         folder.Write("map.tfw", "0.1\n1e-17\n-1e-17\n-0.30000000000000004\n123456789.12345679\n-1e22\n");
-    const json ours = RunTool({"--json", file}).Objects().at(0)["mapanchor"];
+    const json ours = RunTool({"--json", file}).Ours();
     EXPECT_EQ(ours["affine"]["a"].get<double>(), 0.1);
     EXPECT_EQ(ours["affine"]["d"].get<double>(), 1e-17);
     EXPECT_EQ(ours["affine"]["e"].get<double>(), -0.30000000000000004);
@@ -194,8 +173,7 @@ TEST(Info, ACommaLocaleChangesNothing) {
         << "localedef of the package locales is needed";
     const std::string file = folder.Write("map.tfw", "0.5\n0\n0\n-0.5\n1.25\n2.75\n");
     const std::string copy = folder / "copy.tfw";
-    const ToolSetting german = {
-        .in = "", .environment = {{"LOCPATH", folder / "."}, {"LC_ALL", "de_DE.UTF-8"}}, .out_path = ""};
+    const ToolSetting german = {.environment = {{"LOCPATH", folder / "."}, {"LC_ALL", "de_DE.UTF-8"}}};
     EXPECT_EQ(RunTool({"--json", file}, german).out, RunTool({"--json", file}).out);
     EXPECT_EQ(RunTool({file}, german).out, RunTool({file}).out);
     EXPECT_EQ(RunTool({"convert", file, copy}, german).status, 0);

@@ -31,8 +31,7 @@ struct PreviewCase {
 TEST(Preview, DrawsWhatIsThere) {
     const TempFolder folder;
     folder.Write("map<&>.tfw", "0.1\n0\n0\n-0.1\n175.05\n49.95\n");
-    folder.Write("map<&>.prj",
-                 RunTool({"crs", "--json", "4326"}).Objects().at(0)["mapanchor"]["texts"]["prj"]);
+    folder.Write("map<&>.prj", PrjOf("4326"));
     folder.Write(
         "map.tab",
         "!table\n!version 300\n!charset Neutral\n\nDefinition Table\n  File \"map.tif\"\n  Type \"RASTER\"\n"

@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <algorithm>
 #include <sstream>
 
 namespace {
@@ -56,4 +57,18 @@ std::vector<nlohmann::json> ToolRun::Objects() const {
         EXPECT_EQ(SchemaFault(objects.back()), "") << line;
     }
     return objects;
+}
+
+std::vector<std::string> Words(const std::string& line, const std::string& folder) {
+    std::vector<std::string> words;
+    std::istringstream text(line);
+    for (std::string word; text >> word;) {
+        std::replace(word.begin(), word.end(), '~', ' ');
+        words.push_back(word.front() == '%' ? folder + word.substr(1) : word);
+    }
+    return words;
+}
+
+std::string PrjOf(const std::string& code) {
+    return RunTool({"crs", "--json", code}).Ours()["texts"]["prj"];
 }

@@ -13,6 +13,8 @@ struct ToolRun {
 
     /// The lines of stdout, each one JSON object that the published schema allows.
     std::vector<nlohmann::json> Objects() const;
+    /// What the first of them says in terms of the library.
+    nlohmann::json Ours() const { return Objects().at(0)["mapanchor"]; }
 };
 
 struct ToolSetting {
@@ -24,3 +26,9 @@ struct ToolSetting {
 
 /// Runs the mapanchor that was built with these tests, or another program.
 ToolRun RunTool(const std::vector<std::string>& words, const ToolSetting& setting = {});
+
+/// The words of a line: a leading % stands for the folder, a ~ for a blank within a word.
+std::vector<std::string> Words(const std::string& line, const std::string& folder = {});
+
+/// The text of a prj file, by the code of its system.
+std::string PrjOf(const std::string& code);

@@ -15,24 +15,14 @@ constexpr const char* kPoints =
     "4 5\n\"NW\" 0 0 0 5242000 676000 0 1\n\"NE\" 0 199 0 5242000.4 676398 0 1\n"
     "\"SE\" 99 199 0 5241802 676398.2 0 1\n\"SW \xC3\xA9\" 99 0 0 5241802 676000 12.5 1\n"
     "\"off\" 50 50 0 5241000 676000 0 0\nNONE\nNONE\nNONE\nNONE\n0";
-constexpr const char* kWgs84 =
-    "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
-    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]";
-
-json Ours(const ToolRun& run) {
-    return run.Objects().at(0)["mapanchor"];
-}
-
 TEST(Sidecars, EachConvertsIntoEach) {
     const TempFolder folder;
     const std::string kinds[] = {"tfw", "rsf", "tab", "ers"};
     folder.Write("from.tfw", "0.5\n0\n0\n-0.25\n10.25\n49.875\n");
-    folder.Write("from.prj", kWgs84);
-    const std::vector<std::string> options = {"--size", "200x100", "--image", "map.tif"};
+    folder.Write("from.prj", PrjOf("4326"));
     const auto convert = [&](const std::string& source, const std::string& target) {
-        std::vector<std::string> words = {"convert", "--json", folder / source, folder / target};
-        words.insert(words.end(), options.begin(), options.end());
-        return RunTool(words);
+        return RunTool(
+            Words("convert --json --size 200x100 --image map.tif %" + source + " %" + target, folder / ""));
     };
     for (const std::string& first : kinds) {
         if (first != "tfw") {
@@ -59,7 +49,7 @@ struct LossCase {
     const char* name;
     const char* source;
     const char* target;
-    std::vector<std::string> options;
+    std::string options;
     int status;
     const char* said;
 };
@@ -73,28 +63,28 @@ TEST(Sidecars, WhatATargetLacksOrNeedsIsSaid) {
     folder.Write("odd.prj",
                  "GEOGCS[\"odd\",DATUM[\"D_odd\",SPHEROID[\"odd\",6300000,300]],PRIMEM[\"Greenwich\",0],UNIT["
                  "\"Degree\",0.0174532925199433]]");
-    const std::vector<std::string> known = {"--size", "9x9", "--image", "a.tif"};
+    const std::string known = "--size 9x9 --image a.tif";
     const LossCase cases[] = {
-        {"no_size_for_corners_of_rsf", "plain.tfw", "a.rsf", {}, 2, "--size WxH"},
-        {"no_size_for_corners_of_tab", "plain.tfw", "a.tab", {"--image", "a.tif"}, 2, "--size WxH"},
-        {"one_column_makes_no_corners", "plain.tfw", "a.rsf", {"--size", "1x9"}, 2, "--size WxH"},
-        {"by_type_too", "plain.tfw", "a.txt", {"--to", "rsf"}, 2, "--size WxH"},
-        {"corners", "plain.tfw", "b.rsf", {"--size", "9x9"}, 0, "\"diagnostics\":[]"},
+        {"no_size_for_corners_of_rsf", "plain.tfw", "a.rsf", "", 2, "--size WxH"},
+        {"no_size_for_corners_of_tab", "plain.tfw", "a.tab", "--image a.tif", 2, "--size WxH"},
+        {"one_column_makes_no_corners", "plain.tfw", "a.rsf", "--size 1x9", 2, "--size WxH"},
+        {"by_type_too", "plain.tfw", "a.txt", "--to rsf", 2, "--size WxH"},
+        {"corners", "plain.tfw", "b.rsf", "--size 9x9", 0, "\"diagnostics\":[]"},
         {"no_system_for_tab", "plain.tfw", "b.tab", known, 3, "without a datum"},
-        {"no_image_for_tab", "points.rsf", "c.tab", {}, 3, "--image NAME"},
-        {"disabled_point_in_tab", "points.rsf", "d.tab", {"--image", "a.tif"}, 3, "no mark for them"},
-        {"no_size_for_ers", "plain.tfw", "a.ers", {"--image", "a.tif"}, 3, "0 by 0 pixels"},
-        {"no_image_for_ers", "plain.tfw", "b.ers", {"--size", "9x9"}, 3, "--image NAME"},
+        {"no_image_for_tab", "points.rsf", "c.tab", "", 3, "--image NAME"},
+        {"disabled_point_in_tab", "points.rsf", "d.tab", "--image a.tif", 3, "no mark for them"},
+        {"no_size_for_ers", "plain.tfw", "a.ers", "--image a.tif", 3, "0 by 0 pixels"},
+        {"no_image_for_ers", "plain.tfw", "b.ers", "--size 9x9", 3, "--image NAME"},
         {"known_ers", "plain.tfw", "c.ers", known, 0, "\"diagnostics\":[]"},
         {"rotation_in_ers", "turned.tfw", "d.ers", known, 2, "does not support rotation"},
         {"system_without_a_name_in_ers", "odd.tfw", "e.ers", known, 3, "it has no name"},
-        {"points_in_wld", "points.rsf", "e.tfw", {}, 3, "control points are not saved"},
+        {"points_in_wld", "points.rsf", "e.tfw", "", 3, "control points are not saved"},
     };
     for (const LossCase& test : cases) {
         SCOPED_TRACE(test.name);
-        std::vector<std::string> words = {"convert", "--json", folder / test.source, folder / test.target};
-        words.insert(words.end(), test.options.begin(), test.options.end());
-        const ToolRun run = RunTool(words);
+        const ToolRun run = RunTool(
+            Words(std::string("convert --json %") + test.source + " %" + test.target + " " + test.options,
+                  folder / ""));
         EXPECT_EQ(run.status, test.status) << run.out;
         EXPECT_NE(run.out.find(test.said), std::string::npos) << run.out;
         EXPECT_EQ(std::filesystem::exists(folder / test.target), test.status != 2);
@@ -104,7 +94,7 @@ TEST(Sidecars, WhatATargetLacksOrNeedsIsSaid) {
 TEST(Sidecars, ResidualsOfControlPoints) {
     const TempFolder folder;
     const std::string file = folder.Write("map.rsf", kPoints);
-    const json ours = Ours(RunTool({"info", "--json", "--size", "200x100", file}));
+    const json ours = RunTool({"info", "--json", "--size", "200x100", file}).Ours();
     EXPECT_EQ(ours["referenceType"], "RSF");
     EXPECT_NEAR(ours["transform"]["rmsePixels"].get<double>(), 0.05585, 1e-5);
     EXPECT_NEAR(ours["transform"]["maxPixels"].get<double>(), 0.05585, 1e-5);
@@ -124,7 +114,7 @@ TEST(Sidecars, ResidualsOfControlPoints) {
     EXPECT_NE(text.find("452.343  no\n"), std::string::npos);
 
     // Without a fit there are points and no residuals.
-    const json none = Ours(RunTool({"info", "--json", "--fit", "none", file}));
+    const json none = RunTool({"info", "--json", "--fit", "none", file}).Ours();
     EXPECT_EQ(none["points"].size(), 5U);
     EXPECT_FALSE(none["points"][0].contains("residualPixels"));
 }

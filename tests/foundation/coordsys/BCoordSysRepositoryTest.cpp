@@ -19,6 +19,14 @@ BCoordSysRepository& Repository() {
     return *BCoordSysRepository::Instance();
 }
 
+/// The system of that code, or none where that is null.
+void ExpectSystem(const Ptr& system, const char* epsg) {
+    ASSERT_EQ(system != nullptr, epsg != nullptr);
+    if (system) {
+        EXPECT_EQ(system->ToEPSGCode(), BString(epsg));
+    }
+}
+
 struct PlainCase {
     const char* projection;
     const char* datum;
@@ -49,10 +57,9 @@ constexpr PlainCase kPlain[] = {
 
 TEST(PlainNames, StandForSystems) {
     for (const PlainCase& c : kPlain) {
-        const Ptr system(Repository().ReadCoordSysFromPlainTextStrings(c.projection, c.datum, c.units));
-        ASSERT_EQ(system != nullptr, c.epsg != nullptr) << c.projection << ' ' << c.datum << ' ' << c.units;
-        if (!system) continue;
-        EXPECT_EQ(system->ToEPSGCode(), BString(c.epsg)) << c.projection << ' ' << c.datum;
+        SCOPED_TRACE(std::string(c.projection) + ' ' + c.datum + ' ' + c.units);
+        ExpectSystem(Ptr(Repository().ReadCoordSysFromPlainTextStrings(c.projection, c.datum, c.units)),
+                     c.epsg);
     }
 }
 
@@ -90,15 +97,12 @@ constexpr ClauseCase kClauses[] = {
 TEST(MapInfoClause, IsReadFromAFile) {
     const TempFolder folder;
     for (const ClauseCase& c : kClauses) {
-        folder.Write("map.tab", c.text);
-        const BString path(folder / "map.tab");
-        if (!c.epsg) {
-            EXPECT_THROW(Repository().ReadCoordSysFromFile(path), BCoordSysException) << c.name;
-            continue;
-        }
-        const Ptr system(Repository().ReadCoordSysFromFile(path));
-        ASSERT_TRUE(system) << c.name;
-        EXPECT_EQ(system->ToEPSGCode(), BString(c.epsg)) << c.name;
+        SCOPED_TRACE(c.name);
+        const BString path(folder.Write("map.tab", c.text));
+        if (c.epsg)
+            ExpectSystem(Ptr(Repository().ReadCoordSysFromFile(path)), c.epsg);
+        else
+            EXPECT_THROW(Repository().ReadCoordSysFromFile(path), BCoordSysException);
     }
     folder.Write("map.tab", "!table\nno clause\n");
     EXPECT_FALSE(Ptr(Repository().ReadCoordSysFromFile(BString(folder / "map.tab"))));
@@ -106,12 +110,9 @@ TEST(MapInfoClause, IsReadFromAFile) {
 }
 
 TEST(MapInfoClause, IsReadFromAText) {
-    for (const char* text : {"CoordSys Earth Projection 1, 104", "Earth Projection 1, 104",
-                             " coordsys earth projection 1,104"}) {
-        const Ptr system(Repository().ReadCoordSysFromMIFString(text));
-        ASSERT_TRUE(system) << text;
-        EXPECT_EQ(system->ToEPSGCode(), BString("EPSG:4326")) << text;
-    }
+    for (const char* text :
+         {"CoordSys Earth Projection 1, 104", "Earth Projection 1, 104", " coordsys earth projection 1,104"})
+        ExpectSystem(Ptr(Repository().ReadCoordSysFromMIFString(text)), "EPSG:4326");
     for (const char* text : {"", "CoordSys", "Earth Projection", "EPSG:4326"})
         EXPECT_THROW(Repository().ReadCoordSysFromMIFString(text), BCoordSysException) << text;
 }
@@ -143,10 +144,8 @@ TEST(GetCoordSys, AnswersForEachIssuer) {
         {"ESRI", "102100", nullptr},          {"", "", nullptr},
     };
     for (const Case& c : kCases) {
-        const Ptr system(Repository().GetCoordSys({c.issuer, c.code}));
-        ASSERT_EQ(system != nullptr, c.epsg != nullptr) << c.issuer << ' ' << c.code;
-        if (!system) continue;
-        EXPECT_EQ(system->ToEPSGCode(), BString(c.epsg));
+        SCOPED_TRACE(std::string(c.issuer) + ' ' + c.code);
+        ExpectSystem(Ptr(Repository().GetCoordSys({c.issuer, c.code})), c.epsg);
     }
 }
 
@@ -161,24 +160,21 @@ TEST(GetCoordSys, LooksIntoTheDictionaryThatGdalMayHave) {
     const Ptr own(Repository().GetCoordSys({"ERMapper", "NUTM33"}));
     const Ptr broken(Repository().GetCoordSys({"ERMapper", "BROKEN"}));
     CPLPopFinderLocation();
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found->ToEPSGCode(), BString("EPSG:32633"));
-    EXPECT_EQ(own->ToEPSGCode(), BString("EPSG:32633"));
-    EXPECT_FALSE(broken);
+    ExpectSystem(found, "EPSG:32633");
+    ExpectSystem(own, "EPSG:32633");
+    ExpectSystem(broken, nullptr);
 }
 
 TEST(WriteCoordSysToERMapperNames, GivesBothOrNeither) {
-    BString projection("x");
-    BString datum("y");
-    EXPECT_FALSE(
-        Repository().WriteCoordSysToERMapperNames(*Ptr(BCoordSys::FromEPSGCode("2056")), projection, datum));
-    EXPECT_EQ(projection + datum, BString("xy"));
-    EXPECT_TRUE(
-        Repository().WriteCoordSysToERMapperNames(*Ptr(BCoordSys::FromEPSGCode("26712")), projection, datum));
-    EXPECT_EQ(projection + datum, BString("NUTM12NAD27"));
-    EXPECT_TRUE(
-        Repository().WriteCoordSysToERMapperNames(*Ptr(BCoordSys::FromEPSGCode("4283")), projection, datum));
-    EXPECT_EQ(projection + datum, BString("GEODETICGDA94"));
+    for (const auto& [code, names] :
+         {std::pair{"2056", "xy"}, {"26712", "NUTM12NAD27"}, {"4283", "GEODETICGDA94"}}) {
+        BString projection("x");
+        BString datum("y");
+        const Ptr system(BCoordSys::FromEPSGCode(code));
+        EXPECT_EQ(Repository().WriteCoordSysToERMapperNames(*system, projection, datum),
+                  std::string(names) != "xy");
+        EXPECT_EQ(projection + datum, BString(names));
+    }
 }
 
 }  // namespace

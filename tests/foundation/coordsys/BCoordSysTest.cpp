@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <string>
@@ -76,11 +75,8 @@ TEST(BCoordSys, UnderstandsTexts) {
         EXPECT_EQ(system->ToEPSGCode(), BString(c.epsg)) << c.name;
         const auto unit = system->GetUnits();
         EXPECT_EQ(unit ? unit->GetName() : BString(), BString(c.unit)) << c.name;
+        EXPECT_TRUE(FromWkt(std::string("\xEF\xBB\xBF\r\n  ") + c.text + " \r\n")) << c.name;
     }
-}
-
-TEST(BCoordSys, SurvivesWhiteSpaceAndAByteOrderMark) {
-    EXPECT_TRUE(FromWkt(std::string("\xEF\xBB\xBF\r\n  ") + kEsriUtm + " \r\n"));
 }
 
 TEST(BCoordSys, IsNullForTextsThatAreNone) {
@@ -246,20 +242,18 @@ TEST(BCoordSys, ReadsBackTheFileThatItWrote) {
 TEST(BCoordSys, ServesManyThreadsAtOnce) {
     const Ptr shared = FromWkt(kEsriUtm);
     const BPoint expected = FromEpsg("26912")->ConvertFromGeodetic({-110.0, 45.0, 0.0});
-    std::vector<int> agreed(4, 0);
     std::vector<std::thread> threads;
-    for (int& count : agreed)
+    for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
-            for (int i = 0; i < 50; ++i) {
-                const BPoint point = shared->ConvertFromGeodetic({-110.0, 45.0, 0.0});
-                count += std::abs(point.x - expected.x) < 1e-6 &&
-                         shared->ToEPSGCode() == BString("EPSG:26912") &&
-                         shared->GetGCCoordSys() != nullptr && FromWkt(kWkt2)->GetKind() == 1;
+            for (int round = 0; round < 50; ++round) {
+                EXPECT_NEAR(shared->ConvertFromGeodetic({-110.0, 45.0, 0.0}).x, expected.x, 1e-6);
+                EXPECT_EQ(shared->ToEPSGCode(), BString("EPSG:26912"));
+                EXPECT_NE(shared->GetGCCoordSys(), nullptr);
+                EXPECT_EQ(FromWkt(kWkt2)->GetKind(), 1);
             }
         });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(agreed, std::vector<int>(4, 50));
 }
 
 }  // namespace

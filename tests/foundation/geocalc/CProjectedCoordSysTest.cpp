@@ -20,6 +20,12 @@ CProjectedCoordSys& ObjectOf(const Ptr& system) {
     return dynamic_cast<CProjectedCoordSys&>(*system->GetGCCoordSys());
 }
 
+void SetFalseEasting(CParameterCollection& parameters, double metres) {
+    ML::CLinearValue easting = parameters.GetLinearValue(kValFalseEasting);
+    easting.SetInternal(metres);
+    parameters.SetLinearValue(kValFalseEasting, easting);
+}
+
 const CDataSource& Source() {
     return CDataSource::Instance();
 }
@@ -61,12 +67,10 @@ TEST(CProjectedCoordSys, ChangesTheSystemWithItsUnit) {
 TEST(CProjectedCoordSys, ChangesTheSystemWithItsFalseOrigin) {
     const Ptr system(BCoordSys::FromEPSGCode("32612"));
     CParameterCollection& parameters = ObjectOf(system).GetProjection().GetParameters();
-    ML::CLinearValue easting = parameters.GetLinearValue(kValFalseEasting);
-    easting.SetInternal(600000.0);
-    parameters.SetLinearValue(kValFalseEasting, easting);
+    SetFalseEasting(parameters, 600000.0);
     EXPECT_NEAR(system->ConvertFromGeodetic({-111.0, 0.0, 0.0}).x, 600000.0, 1e-6);
     // What is no length stays.
-    parameters.SetLinearValue("CENTRAL_MERIDIAN", easting);
+    parameters.SetLinearValue("CENTRAL_MERIDIAN", parameters.GetLinearValue(kValFalseEasting));
     EXPECT_NEAR(system->ConvertFromGeodetic({-111.0, 0.0, 0.0}).x, 600000.0, 1e-6);
 }
 
@@ -115,13 +119,10 @@ TEST(CProjection, IsNearlyEqualWithinRounding) {
     EXPECT_FALSE(projection("2230").IsNearlyEqual(projection("26946")));
     EXPECT_FALSE(projection("3857").IsNearlyEqual(projection("3395")));
     PJ::CProjection moved = projection("32612");
-    ML::CLinearValue easting = moved.GetParameters().GetLinearValue(kValFalseEasting);
-    easting.SetInternal(500000.001);
-    moved.GetParameters().SetLinearValue(kValFalseEasting, easting);
+    SetFalseEasting(moved.GetParameters(), 500000.001);
     EXPECT_TRUE(moved.IsNearlyEqual(projection("32612")));
     EXPECT_FALSE(moved.IsEqual(projection("32612")));
-    easting.SetInternal(500000.01);
-    moved.GetParameters().SetLinearValue(kValFalseEasting, easting);
+    SetFalseEasting(moved.GetParameters(), 500000.01);
     EXPECT_FALSE(moved.IsNearlyEqual(projection("32612")));
 }
 

@@ -34,18 +34,15 @@ const PixelCase kPixels[] = {
     {"scales_differ", {0, 0, 10, 10}, {0, 0, 10, 10}, 20, 50, {0.5, 0.9}, 10, 5},
 };
 
-class Pixels : public testing::TestWithParam<PixelCase> {};
-
-TEST_P(Pixels, CountFromTheTop) {
-    const PixelCase& c = GetParam();
-    const auto pixel = PageFrame(c.viewport, c.shown, c.width, c.height).PixelAt(c.fraction);
-    ASSERT_TRUE(pixel);
-    EXPECT_EQ(pixel->column, c.column);
-    EXPECT_EQ(pixel->row, c.row);
+TEST(PageFrame, PixelsCountFromTheTop) {
+    for (const PixelCase& c : kPixels) {
+        SCOPED_TRACE(c.name);
+        const auto pixel = PageFrame(c.viewport, c.shown, c.width, c.height).PixelAt(c.fraction);
+        ASSERT_TRUE(pixel);
+        EXPECT_EQ(pixel->column, c.column);
+        EXPECT_EQ(pixel->row, c.row);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, Pixels, testing::ValuesIn(kPixels),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(PageFrame, CountsNothingBeyond32Bits) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();

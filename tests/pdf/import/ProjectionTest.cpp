@@ -20,24 +20,20 @@ using Tellurion::BCoordSys;
 using Tellurion::BPoint;
 using Tellurion::BString;
 
-struct Key {
-    const char* name;
-    int number;
-};
-constexpr Key kKeys[] = {{"datum", kDatum},
-                         {"zone", kZone},
-                         {"hemisphere", kHemisphere},
-                         {"lat", kOriginLatitude},
-                         {"lon", kCentralMeridian},
-                         {"first", kStandardParallelOne},
-                         {"second", kStandardParallelTwo},
-                         {"parallel", kStandardParallel},
-                         {"x", kFalseEasting},
-                         {"y", kFalseNorthing},
-                         {"scale", kScaleFactor},
-                         {"true", kLatitudeOfTrueScale},
-                         {"down", kLongitudeDownFromPole},
-                         {"units", kUnits}};
+const std::map<std::string, int> kKeys = {{"datum", kDatum},
+                                          {"zone", kZone},
+                                          {"hemisphere", kHemisphere},
+                                          {"lat", kOriginLatitude},
+                                          {"lon", kCentralMeridian},
+                                          {"first", kStandardParallelOne},
+                                          {"second", kStandardParallelTwo},
+                                          {"parallel", kStandardParallel},
+                                          {"x", kFalseEasting},
+                                          {"y", kFalseNorthing},
+                                          {"scale", kScaleFactor},
+                                          {"true", kLatitudeOfTrueScale},
+                                          {"down", kLongitudeDownFromPole},
+                                          {"units", kUnits}};
 
 /// Of a text such as "datum=WGE zone=33".
 std::map<int, std::string> Parameters(const std::string& text) {
@@ -45,8 +41,7 @@ std::map<int, std::string> Parameters(const std::string& text) {
     std::istringstream words(text);
     for (std::string word; words >> word;) {
         const std::size_t equals = word.find('=');
-        for (const Key& key : kKeys)
-            if (word.substr(0, equals) == key.name) parameters[key.number] = word.substr(equals + 1);
+        parameters[kKeys.at(word.substr(0, equals))] = word.substr(equals + 1);
     }
     return parameters;
 }
@@ -188,25 +183,25 @@ private:
     PJ_CONTEXT* context_;
 };
 
-class GoldenProjection : public testing::TestWithParam<GoldenCase> {};
-
-TEST_P(GoldenProjection, TextAndPointOfTheWorld) {
-    const GoldenCase& c = GetParam();
-    ParameterImport import(Parameters(c.parameters));
-    import.Set(kProjectionType, c.projection);
-    const std::string wkt = import.BuildWKT();
-    EXPECT_EQ(Shortened(wkt), c.text);
-
-    const std::unique_ptr<BCoordSys> system(BCoordSys::FromWKT(BString(wkt)));
-    ASSERT_TRUE(system);
-    const BPoint ours = system->ConvertFromGeodetic({c.longitude, c.latitude, 0.0});
-    const BPoint theirs = ByProj().Convert(c.equal, c.longitude, c.latitude);
-    EXPECT_NEAR(ours.x, theirs.x, 1e-6);
-    EXPECT_NEAR(ours.y, theirs.y, 1e-6);
+std::string TextOf(const char* projection, const char* parameters) {
+    ParameterImport import(Parameters(parameters));
+    import.Set(kProjectionType, projection);
+    return import.BuildWKT();
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, GoldenProjection, testing::ValuesIn(kGolden),
-                         [](const auto& row) { return std::string(row.param.projection); });
+TEST(GoldenProjection, TextAndPointOfTheWorld) {
+    for (const GoldenCase& c : kGolden) {
+        SCOPED_TRACE(c.projection);
+        const std::string wkt = TextOf(c.projection, c.parameters);
+        EXPECT_EQ(Shortened(wkt), c.text);
+        const std::unique_ptr<BCoordSys> system(BCoordSys::FromWKT(BString(wkt)));
+        ASSERT_TRUE(system);
+        const BPoint ours = system->ConvertFromGeodetic({c.longitude, c.latitude, 0.0});
+        const BPoint theirs = ByProj().Convert(c.equal, c.longitude, c.latitude);
+        EXPECT_NEAR(ours.x, theirs.x, 1e-6);
+        EXPECT_NEAR(ours.y, theirs.y, 1e-6);
+    }
+}
 
 TEST(Projections, EveryRowOfTheTableHasAGoldenCase) {
     std::map<std::string, int> seen;
@@ -248,52 +243,40 @@ const OddityCase kOddities[] = {
     {"half_an_exponent_is_no_number", "SA", "datum=WGE lon=10E", "\"longitude_of_center\",0]"},
 };
 
-class ProjectionOddity : public testing::TestWithParam<OddityCase> {};
-
-TEST_P(ProjectionOddity, ShowsInTheText) {
-    const OddityCase& c = GetParam();
-    ParameterImport import(Parameters(c.parameters));
-    import.Set(kProjectionType, c.projection);
-    const std::string wkt = import.BuildWKT();
-    EXPECT_NE(wkt.find(c.holds), std::string::npos) << wkt;
-    if (!c.lacks) return;
-    EXPECT_EQ(wkt.find(c.lacks), std::string::npos) << wkt;
+TEST(ProjectionOddity, ShowsInTheText) {
+    for (const OddityCase& c : kOddities) {
+        SCOPED_TRACE(c.name);
+        const std::string wkt = TextOf(c.projection, c.parameters);
+        EXPECT_NE(wkt.find(c.holds), std::string::npos) << wkt;
+        EXPECT_TRUE(!c.lacks || wkt.find(c.lacks) == std::string::npos) << wkt;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, ProjectionOddity, testing::ValuesIn(kOddities),
-                         [](const auto& row) { return std::string(row.param.name); });
-
 struct ScalingCase {
-    const char* name;
     const char* projection;
     const char* units;
     double factor;
 };
 
-class MatrixScaling : public testing::TestWithParam<ScalingCase> {};
-
-TEST_P(MatrixScaling, DividesEveryTermEachTime) {
-    const ScalingCase& c = GetParam();
-    // Twice: the second text comes from the cache, the matrix must be scaled all the same.
-    for (int round = 0; round < 2; ++round) {
-        ParameterImport import({{kProjectionType, c.projection}, {kDatum, "WGE"}, {kZone, "33"}});
-        import.Set(kUnits, c.units);
-        import.CTM = {1.0, 0.0, 0.0, 1.0, 100.0, 200.0};
-        import.BuildWKT();
-        const std::vector<double> expected = {1.0 / c.factor,  0.0, 0.0, 1.0 / c.factor, 100.0 / c.factor,
-                                              200.0 / c.factor};
-        EXPECT_EQ(import.CTM, expected);
-    }
+// Twice: the second text comes from the cache, the matrix must be scaled all the same.
+TEST(MatrixScaling, DividesEveryTermEachTime) {
+    const ScalingCase cases[] = {{"SA", "USSF", 0.3048006096012192},
+                                 {"SA", "FT", 0.3048},
+                                 {"SPCS", "FT", 0.3048},
+                                 {"SA", "M", 1.0},
+                                 {"UT", "FT", 1.0},
+                                 {"GEODETIC", "FT", 1.0}};
+    for (const auto& [projection, units, factor] : cases)
+        for (int round = 0; round < 2; ++round) {
+            ParameterImport import({{kProjectionType, projection}, {kDatum, "WGE"}, {kZone, "33"}});
+            import.Set(kUnits, units);
+            import.CTM = {1.0, 0.0, 0.0, 1.0, 100.0, 200.0};
+            import.BuildWKT();
+            const std::vector<double> expected = {1.0 / factor,   0.0,           0.0, 1.0 / factor,
+                                                  100.0 / factor, 200.0 / factor};
+            EXPECT_EQ(import.CTM, expected) << projection << " " << units;
+        }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, MatrixScaling,
-                         testing::Values(ScalingCase{"us_survey_feet", "SA", "USSF", 0.3048006096012192},
-                                         ScalingCase{"international_feet", "SA", "FT", 0.3048},
-                                         ScalingCase{"state_plane_feet", "SPCS", "FT", 0.3048},
-                                         ScalingCase{"metres", "SA", "M", 1.0},
-                                         ScalingCase{"utm_is_left_alone", "UT", "FT", 1.0},
-                                         ScalingCase{"degrees_are_left_alone", "GEODETIC", "FT", 1.0}),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Projections, AMatrixThatIsTooShortIsNoMemoryFault) {
     ParameterImport import({{kProjectionType, "SA"}, {kDatum, "WGE"}, {kUnits, "FT"}});

@@ -1,6 +1,6 @@
 // A page's content as a sequence of statements.
 
-#include "PlainPdf.h"
+#include "PagePdf.h"
 #include "TempFolder.h"
 
 #include "objects/CPDFDocument.h"
@@ -26,20 +26,20 @@ struct Seen {
     }
 };
 
+using SeenList = std::vector<Seen>;
+
 std::string PageWith(const std::string& content, const std::string& resources = "<< >>",
                      const std::vector<std::string>& more = {}) {
-    std::vector<std::string> objects = {
-        "<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
-        "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 100 100] /Contents 4 0 R /Resources " + resources +
-            " >>",
-        PdfStreamObject(content)};
-    objects.insert(objects.end(), more.begin(), more.end());
-    return PlainPdf(objects);
+    PagePdf pdf("/MediaBox [0 0 100 100] /Contents 4 0 R /Resources " + resources);
+    pdf.Add(PdfStreamObject(content));
+    for (const std::string& object : more)
+        pdf.Add(object);
+    return pdf.Text();
 }
 
-std::vector<Seen> Walk(const std::string& path) {
+SeenList Walk(const std::string& path) {
     CPDFDocument document(QString::fromStdString(path));
-    std::vector<Seen> all;
+    SeenList all;
     CPDFStatement statement;
     while (document.GetPage(0).GetNextStatement(statement) != StatementEnd) {
         Points points;
@@ -53,32 +53,29 @@ std::vector<Seen> Walk(const std::string& path) {
 struct ContentCase {
     const char* name;
     const char* content;
-    std::vector<Seen> expected;
+    SeenList expected;
 };
 
 TEST(ContentStream, Statements) {
     const ContentCase cases[] = {
-        {"matrix_moves_points", "1 0 0 1 10 20 cm 0 0 m 5 5 l S", {{7, {}}, {2, {{10, 20}, {15, 25}}}}},
-        {"restore_undoes_the_matrix",
-         "q 2 0 0 2 0 0 cm Q 1 1 m S",
-         {{8, {}}, {7, {}}, {9, {}}, {2, {{1, 1}}}}},
-        {"restore_undoes_only_the_last_matrix",
-         "q 2 0 0 2 0 0 cm 1 0 0 1 5 5 cm Q 1 1 m S",
-         {{8, {}}, {7, {}}, {7, {}}, {9, {}}, {2, {{2, 2}}}}},
-        {"clip_comes_before_its_group",
-         "0 0 10 10 re W n 1 g Q 2 2 m S",
-         {{12, {{0, 0}, {0, 10}, {10, 10}, {10, 0}}}, {10, {}}, {9, {}}, {2, {{2, 2}}}}},
-        {"curve_by_c", "0 0 m 1 1 2 2 3 3 c S", {{2, {{0, 0}, {3, 3}}}}},
-        {"curve_by_v_leaves_a_gap", "0 0 m 2 2 3 3 v S", {{2, {{0, 0}}}}},
-        {"text", "BT /F1 12 Tf 1 0 0 1 50 50 Tm (x) Tj ET", {{14, {}}, {1, {}}, {16, {}}, {1, {}}, {15, {}}}},
-        {"end_of_text_takes_a_matrix_back",
-         "2 0 0 2 0 0 cm BT ET 1 1 m S",
-         {{7, {}}, {14, {}}, {15, {}}, {2, {{1, 1}}}}},
-        {"marked_content_and_colour",
-         "/A << >> BDC 1 0 0 rg EMC /S sh",
-         {{4, {}}, {10, {}}, {5, {}}, {13, {}}}},
-        {"operands_at_the_end", "1 2 3", {}},
-        {"unknown_operator", "1 2 xyzzy", {{1, {}}}},
+        {"matrix_moves_points", "1 0 0 1 10 20 cm 0 0 m 5 5 l S",
+         SeenList({{7, {}}, {2, {{10, 20}, {15, 25}}}})},
+        {"restore_undoes_the_matrix", "q 2 0 0 2 0 0 cm Q 1 1 m S",
+         SeenList({{8, {}}, {7, {}}, {9, {}}, {2, {{1, 1}}}})},
+        {"restore_undoes_only_the_last_matrix", "q 2 0 0 2 0 0 cm 1 0 0 1 5 5 cm Q 1 1 m S",
+         SeenList({{8, {}}, {7, {}}, {7, {}}, {9, {}}, {2, {{2, 2}}}})},
+        {"clip_comes_before_its_group", "0 0 10 10 re W n 1 g Q 2 2 m S",
+         SeenList({{12, {{0, 0}, {0, 10}, {10, 10}, {10, 0}}}, {10, {}}, {9, {}}, {2, {{2, 2}}}})},
+        {"curve_by_c", "0 0 m 1 1 2 2 3 3 c S", SeenList({{2, {{0, 0}, {3, 3}}}})},
+        {"curve_by_v_leaves_a_gap", "0 0 m 2 2 3 3 v S", SeenList({{2, {{0, 0}}}})},
+        {"text", "BT /F1 12 Tf 1 0 0 1 50 50 Tm (x) Tj ET",
+         SeenList({{14, {}}, {1, {}}, {16, {}}, {1, {}}, {15, {}}})},
+        {"end_of_text_takes_a_matrix_back", "2 0 0 2 0 0 cm BT ET 1 1 m S",
+         SeenList({{7, {}}, {14, {}}, {15, {}}, {2, {{1, 1}}}})},
+        {"marked_content_and_colour", "/A << >> BDC 1 0 0 rg EMC /S sh",
+         SeenList({{4, {}}, {10, {}}, {5, {}}, {13, {}}})},
+        {"operands_at_the_end", "1 2 3", SeenList()},
+        {"unknown_operator", "1 2 xyzzy", SeenList({{1, {}}})},
     };
     const TempFolder folder;
     for (const ContentCase& test : cases) {
@@ -98,30 +95,26 @@ TEST(ContentStream, FormsAndImages) {
         return Walk(folder.Write("page.pdf", PageWith(content, of_page, more)));
     };
     EXPECT_EQ(walk("100 0 0 50 10 10 cm /Im0 Do", resources),
-              (std::vector<Seen>{{7, {}}, {11, {{10, 10}, {110, 60}}}}));
-    EXPECT_EQ(walk("/Fm0 Do", resources), (std::vector<Seen>{{11, {{0, 0}}}}));
+              (SeenList{{7, {}}, {11, {{10, 10}, {110, 60}}}}));
+    EXPECT_EQ(walk("/Fm0 Do", resources), (SeenList{{11, {{0, 0}}}}));
     // A group is entered, once, in the space of its Do; inside it a Do is any operator.
     EXPECT_EQ(walk("1 0 0 1 5 5 cm /Fm1 Do /Fm1 Do", resources),
-              (std::vector<Seen>{{7, {}}, {11, {}}, {2, {{6, 6}}}, {1, {}}, {11, {}}}));
+              (SeenList{{7, {}}, {11, {}}, {2, {{6, 6}}}, {1, {}}, {11, {}}}));
     // Resources behind a reference are not looked into.
     std::vector<std::string> elsewhere = more;
     elsewhere.push_back(resources);
-    EXPECT_EQ(Walk(folder.Write("page.pdf", PageWith("/Fm1 Do", "8 0 R", elsewhere))),
-              (std::vector<Seen>{{1, {}}}));
+    EXPECT_EQ(Walk(folder.Write("page.pdf", PageWith("/Fm1 Do", "8 0 R", elsewhere))), (SeenList{{1, {}}}));
 }
 
 TEST(ContentStream, StreamsOfAnArrayAreReadAsOne) {
     const TempFolder folder;
-    const std::string file = folder.Write(
-        "array.pdf",
-        PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
-                  "<< /Type /Page /Parent 2 0 R /Contents [4 0 R 9 0 R 6 0 R 5 0 R (x)] >>",
-                  PdfStreamObject("1 2"), PdfStreamObject("m 3 4 l S"), "<< /Not /A_stream >>"}));
-    EXPECT_EQ(Walk(file), (std::vector<Seen>{{2, {{1, 2}, {3, 4}}}}));
-    const std::string none = folder.Write("none.pdf", PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>",
-                                                                "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
-                                                                "<< /Type /Page /Parent 2 0 R >>"}));
-    EXPECT_EQ(Walk(none), std::vector<Seen>());
+    const std::string pdf = PagePdf("/Contents [4 0 R 9 0 R 6 0 R 5 0 R (x)]")
+                                .Add(PdfStreamObject("1 2"))
+                                .Add(PdfStreamObject("m 3 4 l S"))
+                                .Add("<< /Not /A_stream >>")
+                                .Text();
+    EXPECT_EQ(Walk(folder.Write("array.pdf", pdf)), (SeenList{{2, {{1, 2}, {3, 4}}}}));
+    EXPECT_EQ(Walk(folder.Write("none.pdf", PagePdf("").Text())), SeenList());
 }
 
 TEST(ContentStream, AClipKnowsOfAShadingInItsGroup) {

@@ -1,6 +1,6 @@
 // Values, the document, pages and the structure tree.
 
-#include "PlainPdf.h"
+#include "PagePdf.h"
 #include "TempFolder.h"
 
 #include "objects/CCorruptedPDFException.h"
@@ -14,13 +14,25 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace VellumLib {
 namespace {
 
-std::string InformationOf(const PoDoFo::PdfError& error) {
-    return error.GetCallstack().empty() ? std::string() : error.GetCallstack().back().GetInformation();
+/// What the parser's failure says; nothing where there was none.
+struct Failure {
+    PoDoFo::EPdfError code = PoDoFo::ePdfError_ErrOk;
+    std::string text;
+};
+Failure FailureOf(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const PoDoFo::PdfError& error) {
+        const auto& stack = error.GetCallstack();
+        return {error.GetError(), stack.empty() ? std::string() : stack.back().GetInformation()};
+    }
+    return {};
 }
 
 QString PathOf(const std::string& path) {
@@ -50,13 +62,9 @@ TEST(PdfValues, ATypedGetterNamesKeyAndType) {
          "The key Nowhere could not be found within the current dictionary."},
     };
     for (const Case& test : cases) {
-        try {
-            test.get();
-            ADD_FAILURE() << test.text;
-        } catch (const PoDoFo::PdfError& error) {
-            EXPECT_EQ(error.GetError(), test.code);
-            EXPECT_EQ(InformationOf(error), test.text);
-        }
+        const Failure failure = FailureOf(test.get);
+        EXPECT_EQ(failure.code, test.code);
+        EXPECT_EQ(failure.text, test.text);
     }
     EXPECT_EQ(dictionary.GetNumber("One"), 1);
     EXPECT_EQ(dictionary.GetName("Name").ToQString(), "Value");
@@ -120,21 +128,13 @@ TEST(PdfValues, StringsThatAreNotAscii) {
 
 TEST(PdfDocument, RefusalsAndTheirWords) {
     const TempFolder folder;
-    try {
-        CPDFDocument(PathOf(folder / "none.pdf"));
-        ADD_FAILURE();
-    } catch (const PoDoFo::PdfError& error) {
-        EXPECT_EQ(error.GetError(), PoDoFo::ePdfError_FileNotFound);
-    }
+    EXPECT_EQ(FailureOf([&] { CPDFDocument(PathOf(folder / "none.pdf")); }).code,
+              PoDoFo::ePdfError_FileNotFound);
     const std::string file = folder.Write("rich.pdf", RichPdf(200, 100));
     CPDFDocument document(PathOf(file));
-    try {
-        document.GetDictionaryFromReference(8, 7);
-        ADD_FAILURE();
-    } catch (const PoDoFo::PdfError& error) {
-        EXPECT_EQ(error.GetError(), PoDoFo::ePdfError_InvalidDataType);
-        EXPECT_EQ(InformationOf(error), "The reference is not of type Dictionary.");
-    }
+    const Failure failure = FailureOf([&] { document.GetDictionaryFromReference(8, 7); });
+    EXPECT_EQ(failure.code, PoDoFo::ePdfError_InvalidDataType);
+    EXPECT_EQ(failure.text, "The reference is not of type Dictionary.");
     EXPECT_THROW(document.GetPage(2), PoDoFo::PdfError);
     EXPECT_THROW(document.GetPage(-1), PoDoFo::PdfError);
     EXPECT_EQ(&document.GetPage(0), &document.GetPage(0));
@@ -203,18 +203,13 @@ TEST(PdfPage, NamesOfItsProperties) {
     const TempFolder folder;
     const auto page = [&](const std::string& resources) {
         return folder.Write(
-            "page.pdf",
-            PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
-                      "<< /Type /Page /Parent 2 0 R /Resources " + resources + " >>",
-                      "<< /Name (Rivers) /Title (No) >>"}));
+            "page.pdf", PagePdf("/Resources " + resources).Add("<< /Name (Rivers) /Title (No) >>").Text());
     };
     CPDFDocument document(PathOf(page("<< /Properties << /A 4 0 R /B << /Title (Roads) >> /C << >> >> >>")));
     CPDFPage& first = document.GetPage(0);
-    EXPECT_EQ(first.GetPropertyTitle("A"), "Rivers");
-    EXPECT_EQ(first.GetPropertyTitle("B"), "Roads");
-    EXPECT_EQ(first.GetPropertyTitle("C"), "");
-    EXPECT_EQ(first.GetPropertyTitle("D"), "");
-    EXPECT_EQ(first.GetPropertyTitle(""), "");
+    for (const auto& [name, title] :
+         {std::pair{"A", "Rivers"}, {"B", "Roads"}, {"C", ""}, {"D", ""}, {"", ""}})
+        EXPECT_EQ(first.GetPropertyTitle(name), title) << name;
     CPDFDocument without(PathOf(page("<< >>")));
     EXPECT_THROW(without.GetPage(0).GetPropertyTitle("A"), PoDoFo::PdfError);
 }
@@ -227,20 +222,14 @@ struct BoxCase {
 TEST(PdfPage, BoxesAreThoseOfThePageItself) {
     const BoxCase cases[] = {
         {"/MediaBox [0 0 100 50]", {0, 0, 100, 50}, {0, 0, 100, 50}, {0, 0, 100, 50}},
-        {"/MediaBox [0 0 100 50] /CropBox [10 5 90 45.5]",
-         {0, 0, 100, 50},
-         {10, 5, 90, 45.5},
-         {10, 5, 90, 45.5}},
+        {"/MediaBox [0 0 9 5] /CropBox [1 2 8 4.5]", {0, 0, 9, 5}, {1, 2, 8, 4.5}, {1, 2, 8, 4.5}},
         {"/TrimBox [1 2 3 4]", {}, {}, {1, 2, 3, 4}},  // the media box is only inherited
     };
     const TempFolder folder;
     for (const BoxCase& test : cases) {
         SCOPED_TRACE(test.keys);
-        const std::string file = folder.Write(
-            "boxes.pdf", PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>",
-                                   "<< /Type /Pages /Kids [3 0 R] /Count 1 /MediaBox [0 0 9 9] >>",
-                                   std::string("<< /Type /Page /Parent 2 0 R ") + test.keys + " >>"}));
-        CPDFDocument document(PathOf(file));
+        const std::string pdf = PagePdf(test.keys).Inherit("/MediaBox [0 0 9 9]").Text();
+        CPDFDocument document(PathOf(folder.Write("boxes.pdf", pdf)));
         const CPDFPage& page = document.GetPage(0);
         EXPECT_EQ(page.GetMediaBox(), test.media);
         EXPECT_EQ(page.GetCropBox(), test.crop);
@@ -250,12 +239,9 @@ TEST(PdfPage, BoxesAreThoseOfThePageItself) {
 
 TEST(PdfPage, AFlushWithNothingToWriteLeavesAnArrayOfContentsAlone) {
     const TempFolder folder;
-    const std::string file = folder.Write(
-        "array.pdf",
-        PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
-                  "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] /Contents [4 0 R] /Resources << >> >>",
-                  PdfStreamObject("1 g")}));
-    CPDFDocument document(PathOf(file));
+    const std::string pdf =
+        PagePdf("/MediaBox [0 0 9 9] /Contents [4 0 R] /Resources << >>").Add(PdfStreamObject("1 g")).Text();
+    CPDFDocument document(PathOf(folder.Write("array.pdf", pdf)));
     EXPECT_NO_THROW(document.GetPage(0).FlushTopCanvas());
 }
 
