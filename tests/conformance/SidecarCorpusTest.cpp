@@ -1,50 +1,44 @@
-// Every RSF, TAB and ERS file of the corpus against what is known of it.
+// Every world file, RSF, TAB and ERS file of the corpus against what is known of it.
 
-#include <Tellurion/BException.h>
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
-#include "LogCapture.h"
-#include "References.h"
-#include "Roads.h"
-
-#include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <map>
+#include "Corpus.h"
 
 namespace MapAnchor {
 namespace {
 
 using namespace Tellurion;
-using nlohmann::json;
 
-const std::filesystem::path kCorpus = MAPANCHOR_CORPUS;
-
-json Answers(const char* folder) {
-    const auto answers = json::parse(std::ifstream(kCorpus / folder / "expected.json"));
-    EXPECT_FALSE(answers.empty());
-    return answers;
+BGeoReference ReadGood(const std::filesystem::path& file) {
+    BGeoReference reference;
+    EXPECT_EQ(Roads::Read(file.string(), reference).type, "");
+    return reference;
 }
 
-std::string CodeOf(const BGeoReference& reference) {
-    return reference.HasCoordSys() ? reference.CoordSys->ToEPSGCode().StdStr() : "none";
+using Systems = std::map<std::string, std::string>;
+
+void ExpectSystem(const BGeoReference& reference, const Systems& systems, const std::string& name) {
+    const auto system = systems.find(name);
+    ASSERT_NE(system, systems.end()) << "a file that the table of systems does not know";
+    EXPECT_EQ(CodeOf(reference), system->second);
 }
 
-/// In the order of GDAL.
-void ExpectTerms(const BGeoReference& reference, const json& geo_transform) {
-    ASSERT_TRUE(reference.HasMathTransform());
-    const auto t = References::Terms(reference);
-    const double got[] = {t[2], t[0], t[1], t[5], t[3], t[4]};
-    for (std::size_t i = 0; i < 6; ++i) {
-        const double expected = geo_transform[i].get<double>();
-        EXPECT_NEAR(got[i], expected, 1e-9 * std::max(1.0, std::fabs(expected))) << "term " << i;
-    }
+// Systems of the prj files, by the file's stem: an independent reading of their names.
+const Systems kPrjSystems = {
+    {"lambert93", "EPSG:2154"}, {"nad27utm11", "EPSG:26711"}, {"nad83", "EPSG:4269"},
+    {"nztm", "EPSG:2193"},      {"texftus", "EPSG:2277"},     {"utm33n", "EPSG:32633"},
+    {"webmerc", "EPSG:3857"},   {"wgs84", "EPSG:4326"},
+};
+
+TEST(SidecarCorpus, WorldFiles) {
+    ForEachAnswer("wld", [](std::filesystem::path file, const Json& answer) {
+        const BGeoReference reference = ReadGood(file);
+        EXPECT_EQ(Json(References::Terms(reference)), answer["affine"]);
+        ASSERT_EQ(reference.HasCoordSys(), std::filesystem::exists(file.replace_extension(".prj")));
+        if (reference.HasCoordSys()) ExpectSystem(reference, kPrjSystems, file.stem());
+    });
 }
 
 // The systems by an independent reading of their clauses and names.
-const std::map<std::string, std::string> kTabSystems = {
+const Systems kTabSystems = {
     {"byte_inconsistent_georef.tab", "EPSG:27700"},
     {"byte_nogeoref.tab", "EPSG:27700"},
     {"datum9999.tab", ""},  // parameters of its own
@@ -59,40 +53,33 @@ const std::map<std::string, std::string> kTabSystems = {
 
 TEST(SidecarCorpus, TabPointsAffineAndSystem) {
     const LogCapture log;
-    const json answers = Answers("tab");
-    for (const auto& [name, answer] : answers.items()) {
-        SCOPED_TRACE(name);
-        BGeoReference reference;
-        ASSERT_EQ(Roads::Read((kCorpus / "tab" / name).string(), reference).type, "");
-        const json& points = answer["points"];
-        ASSERT_EQ(reference.PointPairVector.size(), points.size());
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            const BPointPair& pair = reference.PointPairVector[i];
-            EXPECT_EQ(json({pair.World.x, pair.World.y, pair.Column, pair.Row, pair.Name.StdStr()}),
-                      points[i]);
-        }
-        ExpectTerms(reference, answer["geoTransform"]);
-        ASSERT_TRUE(kTabSystems.count(name)) << "a file that the table of systems does not know";
-        EXPECT_EQ(CodeOf(reference), kTabSystems.at(name));
+    ForEachAnswer("tab", [](const std::filesystem::path& file, const Json& answer) {
+        const BGeoReference reference = ReadGood(file);
+        Json points = Json::array();
+        for (const BPointPair& pair : reference.PointPairVector)
+            points.push_back({pair.World.x, pair.World.y, pair.Column, pair.Row, pair.Name.StdStr()});
+        EXPECT_EQ(points, answer["points"]);
+        ExpectTerms(reference, TermsOfGdal(answer["geoTransform"]), 1e-9);
+        ExpectSystem(reference, kTabSystems, file.filename());
         // What the clause says, GDAL says as well: the same place on the Earth.
         const BSharedPtr<BCoordSys> peer(BCoordSys::FromWKT(BString(answer["wkt"].get<std::string>())));
         ASSERT_TRUE(peer);
         EXPECT_EQ(reference.CoordSys->GetKind(), peer->GetKind());
-        if (!peer->IsValid()) continue;
+        if (!peer->IsValid()) return;
         for (const BPointPair& pair : reference.PointPairVector) {
             const BPoint ours = reference.CoordSys->ConvertToGeodetic(pair.World);
             const BPoint theirs = peer->ConvertToGeodetic(pair.World);
             EXPECT_NEAR(ours.x, theirs.x, 1e-10);
             EXPECT_NEAR(ours.y, theirs.y, 1e-10);
         }
-    }
+    });
 }
 
 struct RsfAnswer {
     const char* name;
     const char* system;
     std::size_t points;
-    std::array<double, 6> terms;  ///< all zero where the points make no fit
+    Six terms;  ///< all zero where the points make no fit
 };
 constexpr RsfAnswer kRsfAnswers[] = {
     {"v1.rsf", "none", 3, {0.01, 0, 10, 0, -0.01, 50}},
@@ -102,21 +89,14 @@ constexpr RsfAnswer kRsfAnswers[] = {
 
 TEST(SidecarCorpus, RsfPointsAffineAndSystem) {
     const LogCapture log;
-    std::size_t files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(kCorpus / "rsf"))
-        if (entry.path().extension() == ".rsf") ++files;
-    EXPECT_EQ(files, std::size(kRsfAnswers)) << "a file that the table does not know";
+    EXPECT_EQ(FilesOf("rsf", ".rsf").size(), std::size(kRsfAnswers)) << "a file that the table does not know";
     for (const RsfAnswer& answer : kRsfAnswers) {
         SCOPED_TRACE(answer.name);
-        BGeoReference reference;
-        ASSERT_EQ(Roads::Read((kCorpus / "rsf" / answer.name).string(), reference).type, "");
+        const BGeoReference reference = ReadGood(kCorpus / "rsf" / answer.name);
         EXPECT_EQ(reference.PointPairVector.size(), answer.points);
         EXPECT_EQ(CodeOf(reference), answer.system);
         ASSERT_EQ(reference.HasMathTransform(), answer.terms[0] != 0.0);
-        if (!reference.HasMathTransform()) continue;
-        const auto got = References::Terms(reference);
-        for (std::size_t i = 0; i < 6; ++i)
-            EXPECT_NEAR(got[i], answer.terms[i], 1e-9 * std::max(1.0, std::fabs(answer.terms[i])));
+        if (reference.HasMathTransform()) ExpectTerms(reference, answer.terms, 1e-9);
     }
 }
 
@@ -135,7 +115,7 @@ const std::map<std::string, ErsDifference> kErsDifferences = {
     {"texftus.ers", {"", 3937.0 / 1200.0, "cell sizes are metres here, whatever the system's unit"}},
 };
 
-const std::map<std::string, std::string> kErsSystems = {
+const Systems kErsSystems = {
     {"8s.ers", "EPSG:26711"},     {"nad27utm11.ers", "EPSG:26711"}, {"nad83.ers", "EPSG:4269"},
     {"utm33n.ers", "EPSG:32633"}, {"wgs84.ers", "EPSG:4326"},       {"lambert93.ers", "EPSG:2154"},
     {"nztm.ers", "EPSG:2193"},    {"texftus.ers", "EPSG:2277"},     {"webmerc.ers", "EPSG:3857"},
@@ -143,22 +123,19 @@ const std::map<std::string, std::string> kErsSystems = {
 
 TEST(SidecarCorpus, ErsAffineAndSystem) {
     const LogCapture log;
-    const json answers = Answers("ers");
-    for (const auto& [name, answer] : answers.items()) {
-        SCOPED_TRACE(name);
+    ForEachAnswer("ers", [](const std::filesystem::path& file, const Json& answer) {
         BGeoReference reference;
-        const Thrown thrown = Roads::Read((kCorpus / "ers" / name).string(), reference);
-        const auto found = kErsDifferences.find(name);
+        const Thrown thrown = Roads::Read(file.string(), reference);
+        const auto found = kErsDifferences.find(file.filename());
         const auto difference = found == kErsDifferences.end() ? ErsDifference{"", 1, ""} : found->second;
         EXPECT_EQ(thrown.type, difference.thrown);
-        if (*difference.thrown) continue;
-        json expected = answer["geoTransform"];
-        for (const std::size_t size : {1U, 5U})
-            expected[size] = expected[size].get<double>() * difference.cell_scale;
-        ExpectTerms(reference, expected);
-        ASSERT_TRUE(kErsSystems.count(name)) << "a file that the table of systems does not know";
-        EXPECT_EQ(CodeOf(reference), kErsSystems.at(name));
-    }
+        if (*difference.thrown) return;
+        Six expected = TermsOfGdal(answer["geoTransform"]);
+        for (const std::size_t size : {0U, 4U})
+            expected[size] *= difference.cell_scale;
+        ExpectTerms(reference, expected, 1e-9);
+        ExpectSystem(reference, kErsSystems, file.filename());
+    });
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "TempFolder.h"
 
 #include <array>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,41 @@ using Six = std::array<double, 6>;
 
 inline std::string CodeOf(const Tellurion::BGeoReference& reference) {
     return reference.HasCoordSys() ? reference.CoordSys->ToEPSGCode().StdStr() : "none";
+}
+
+/// The points, one a line: name, column, row, x, y and z, then "off" for a disabled one.
+inline std::string PointsOf(const Tellurion::BGeoReference& reference) {
+    std::ostringstream text;
+    text.precision(15);
+    for (const Tellurion::BPointPair& p : reference.PointPairVector)
+        text << p.Name.StdStr() << ": " << p.Column << ' ' << p.Row << ' ' << p.World.x << ' ' << p.World.y
+             << ' ' << p.World.z << (p.Enabled ? "\n" : " off\n");
+    return text.str();
+}
+
+/// Reads what must be good, by name or by type with both flags.
+inline Tellurion::BGeoReference Good(const std::string& file) {
+    Tellurion::BGeoReference reference;
+    EXPECT_EQ(Roads::Read(file, reference).type, "") << file;
+    return reference;
+}
+inline Tellurion::BGeoReference Good(Tellurion::EReferenceType type, const std::string& file,
+                                     unsigned int flags = Roads::kStrict) {
+    Tellurion::BGeoReference reference;
+    EXPECT_EQ(Roads::Read(type, file, reference, flags).type, "") << file;
+    return reference;
+}
+
+/// Saves what must be taken, by name or by type with both flags; the bytes of the file.
+inline std::string Written(const std::string& file, const Tellurion::BGeoReference& reference,
+                           const std::string& image = "image.tif") {
+    EXPECT_EQ(Roads::Save(file, reference, image).type, "");
+    return TempFolder::Slurp(file);
+}
+inline std::string Written(Tellurion::EReferenceType type, const std::string& file,
+                           const Tellurion::BGeoReference& reference, unsigned int flags = Roads::kStrict) {
+    EXPECT_EQ(Roads::Save(type, file, reference, flags).type, "");
+    return TempFolder::Slurp(file);
 }
 
 /// The text with `value` for every `mark`.
@@ -87,6 +123,31 @@ inline void ExpectRoads(Tellurion::EReferenceType type, const std::string& exten
         if (*test.ends.by_type) continue;
         EXPECT_EQ(by_type.PointPairVector.size(), test.holds.points);
         EXPECT_EQ(by_type.HasMathTransform(), test.holds.transform);
+        EXPECT_EQ(by_type.HasCoordSys(),
+                  test.holds.system && test.ends.strict != std::string(kInvalidSystem));
+    }
+}
+
+struct PlaceCase {
+    const char* name;
+    std::string content;
+    Six terms;
+    const char* code = "none";
+};
+
+/// Reads each content by name, and by type without flags.
+inline void ExpectPlaces(Tellurion::EReferenceType type, const std::string& extension,
+                         const std::vector<PlaceCase>& cases) {
+    const TempFolder folder;
+    const LogCapture quiet;
+    for (const PlaceCase& test : cases) {
+        SCOPED_TRACE(test.name);
+        const std::string file = folder.Write(test.name + extension, test.content);
+        for (const Tellurion::BGeoReference& reference : {Good(file), Good(type, file, 0)}) {
+            ASSERT_TRUE(reference.HasMathTransform());
+            EXPECT_EQ(References::Terms(reference), test.terms);
+            EXPECT_EQ(CodeOf(reference), test.code);
+        }
     }
 }
 

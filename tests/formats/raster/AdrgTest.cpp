@@ -3,12 +3,8 @@
 #include "raster/AdrgInfo.h"
 #include "raster/BRefADRG.h"
 
-#include <gtest/gtest.h>
-
 #include "ChartFiles.h"
-#include "LogCapture.h"
 #include "Reading.h"
-#include "TempFolder.h"
 
 namespace MapAnchor {
 namespace {
@@ -17,16 +13,13 @@ using namespace Tellurion;
 
 const AdrgValues kFirst;
 const AdrgValues kSecond = {"00360000", "00720000", "+0000000.00", "-100000.00"};
+const Six kSecondTerms = {0.001, 0, 0.0005, 0, -0.0005, -10 - 0.00025};
 constexpr double kLongitude = -(45.50 / 3600.0 + 30 / 60.0 + 12);
 constexpr double kLatitude = 0.50 / 3600.0 + 0 / 60.0 + 48;
 
 std::string Information() {
     return AdrgLeader() + kFirst.Overview("TPSGI001") + kFirst.Record("TPSGI001") +
            kSecond.Record("TPSGI002");
-}
-
-Thrown ReadTyped(const std::string& file, unsigned int flags, BGeoReference& reference) {
-    return WhatIsThrown([&] { BRefADRG::Read(BString(file), flags, reference); });
 }
 
 TEST(Adrg, ReadsTheRecordOfItsImageInTheFileBesideIt) {
@@ -37,16 +30,16 @@ TEST(Adrg, ReadsTheRecordOfItsImageInTheFileBesideIt) {
     EXPECT_EQ(first.thrown.type, "");
     EXPECT_EQ(first.kind, "ADRG");
     EXPECT_EQ(first.used, beside);
-    EXPECT_EQ(EpsgOf(first.reference), "EPSG:4326");
+    EXPECT_EQ(CodeOf(first.reference), "EPSG:4326");
     const double dx = 360.0 / 1296000;
     const double dy = 360.0 / 648000;
-    EXPECT_EQ(TermsOf(first.reference), (Terms{dx, 0, kLongitude + dx * 0.5, 0, -dy, kLatitude - dy * 0.5}));
+    EXPECT_EQ(References::Terms(first.reference),
+              (Six{dx, 0, kLongitude + dx * 0.5, 0, -dy, kLatitude - dy * 0.5}));
     // The name's last digit gives way to a 1 whatever it is; case does not matter to the record.
     const NamedRead second = ReadByName(folder.Write("tpsgi002.img", AdrgLeader(true)));
-    EXPECT_EQ(second.thrown.type, "BUnsupportedFileTypeException");  // tpsgi001.gen: another file
+    EXPECT_EQ(second.thrown.type, kUnsupported);  // tpsgi001.gen: another file
     folder.Write("tpsgi001.gen", Information());
-    EXPECT_EQ(TermsOf(ReadByName(folder / "tpsgi002.img").reference),
-              (Terms{0.001, 0, 0.0005, 0, -0.0005, -10 - 0.00025}));
+    EXPECT_EQ(References::Terms(ReadByName(folder / "tpsgi002.img").reference), kSecondTerms);
 }
 
 TEST(Adrg, TakesTheNameInCapitalsWhereOnlyThatExists) {
@@ -57,7 +50,7 @@ TEST(Adrg, TakesTheNameInCapitalsWhereOnlyThatExists) {
         EXPECT_EQ(read.kind, "ADRG");
         EXPECT_EQ(read.used, beside);
     }
-    EXPECT_EQ(TermsOf(ReadByName(folder / "TPSGI002.IMG").reference)[0], 0.001);
+    EXPECT_EQ(References::Terms(ReadByName(folder / "TPSGI002.IMG").reference)[0], 0.001);
 }
 
 TEST(Adrg, AnswersWithTheFileItRead) {
@@ -67,7 +60,7 @@ TEST(Adrg, AnswersWithTheFileItRead) {
     // Too short to derive a name from: the given file is read, by the layout of the name's extension.
     ASSERT_TRUE(BRefADRG::Read(BString("a.OVR"), reference, used));
     EXPECT_EQ(used, BString(folder / "given"));
-    EXPECT_EQ(TermsOf(reference)[0], 360.0 / 1296000);
+    EXPECT_EQ(References::Terms(reference)[0], 360.0 / 1296000);
     EXPECT_FALSE(BRefADRG::Read(BString("a.IMG"), reference, used));
     // One character more, and the derived name is what was looked for.
     EXPECT_FALSE(BRefADRG::Read(BString(folder / "TPSGI009.IMG"), reference, used));
@@ -76,15 +69,13 @@ TEST(Adrg, AnswersWithTheFileItRead) {
 
 TEST(Adrg, ByTypeReadsTheFileItself) {
     const TempFolder folder;
-    BGeoReference reference;
-    EXPECT_EQ(ReadTyped(folder.Write("TPSGI002.gen", Information()), kStrict, reference).type, "");
-    EXPECT_EQ(TermsOf(reference)[0], 0.001);
-    EXPECT_EQ(EpsgOf(reference), "EPSG:4326");
-    EXPECT_EQ(
-        ReadTyped(folder.Write("over.Ovr", AdrgLeader() + kSecond.Overview("ANYIMAGE")), kStrict, reference)
-            .type,
-        "");
-    EXPECT_EQ(TermsOf(reference)[4], -0.0005);
+    for (const std::string& file : {folder.Write("TPSGI002.gen", Information()),
+                                    folder.Write("over.Ovr", AdrgLeader() + kSecond.Overview("ANYIMAGE"))}) {
+        BGeoReference reference;
+        EXPECT_EQ(ReadTyped<BRefADRG>(file, Roads::kStrict, reference).type, "");
+        EXPECT_EQ(References::Terms(reference), kSecondTerms);
+        EXPECT_EQ(CodeOf(reference), "EPSG:4326");
+    }
 }
 
 TEST(Adrg, FaultsOfTheFile) {
@@ -115,35 +106,19 @@ TEST(Adrg, FaultsOfTheFile) {
         BString used;
         EXPECT_EQ(BRefADRG::Read(BString(file), reference, used), test.detail.empty()) << test.name;
         EXPECT_EQ(reference.HasCoordSys(), test.detail.empty()) << test.name;
-        const Thrown thrown = ReadTyped(file, 0, reference);
-        EXPECT_EQ(thrown.detail, test.detail) << test.name;
-        EXPECT_EQ(thrown.type, test.detail.empty() ? "" : "BGeoReferenceInvalidReferenceFileException");
-        EXPECT_EQ(thrown.source, test.detail.empty() ? "" : "BRefADRG::Read");
+        const Thrown fault = {kInvalidFile, "BRefADRG::Read", test.detail};
+        ExpectThrown(ReadTyped<BRefADRG>(file, 0, reference), test.detail.empty() ? Thrown() : fault);
     }
-    BGeoReference reference;
-    EXPECT_EQ(ReadTyped(folder / ".", 0, reference).detail,
-              "Could not open the reference file <" + (folder / ".") + "> for reading.");
 }
 
 TEST(Adrg, ACountOfZeroMakesNoAffine) {
     const TempFolder folder;
-    const LogCapture log;
     AdrgValues zero = kFirst;
     zero.columns = "00000000";
-    const std::string file = folder.Write("TPSGI001.gen", "ADRG" + zero.Record("TPSGI001"));
-    BGeoReference reference;
-    EXPECT_EQ(ReadTyped(file, BMapAnchor::kStrictCoordSys, reference).type, "");
-    EXPECT_FALSE(reference.HasMathTransform());
-    EXPECT_TRUE(reference.HasCoordSys());
-    const Thrown thrown = ReadTyped(file, BMapAnchor::kStrictTransform, reference);
-    EXPECT_EQ(thrown.source, "BRefADRG::Read");
     // The row's size without its sign: that is how the message reads.
-    EXPECT_EQ(thrown.detail, "Failed creating Affine(inf 0.000000 inf 0.000000 0.000556 47.999861)");
-    BString used;
-    BGeoReference tolerant;
-    EXPECT_TRUE(BRefADRG::Read(BString(file), tolerant, used));
-    EXPECT_FALSE(tolerant.HasMathTransform());
-    EXPECT_TRUE(tolerant.HasCoordSys());
+    ExpectSystemAlone<BRefADRG>(folder.Write("TPSGI001.gen", AdrgLeader() + "ADRG" + zero.Record("TPSGI001")),
+                                {kInvalidTransform, "BRefADRG::Read",
+                                 "Failed creating Affine(inf 0.000000 inf 0.000000 0.000556 47.999861)"});
 }
 
 TEST(Adrg, AnglesOfAllForms) {
@@ -163,14 +138,8 @@ TEST(Adrg, AnglesOfAllForms) {
         EXPECT_EQ(ParseAdrgAngle(test.text), test.degrees) << test.text;
 }
 
-TEST(Adrg, RefusesToBeWritten) {
-    const BGeoReference reference;
-    const unsigned int flags = 0;
-    for (const Thrown& thrown : {WhatIsThrown([&] { BRefADRG::Write(BString("x"), reference); }),
-                                 WhatIsThrown([&] { BRefADRG::Write(BString("x"), flags, reference); })}) {
-        EXPECT_EQ(thrown.source, "BrefADRG::Write");
-        EXPECT_EQ(thrown.detail, "Writing of ADRG file types is not supported.");
-    }
+TEST(Adrg, IsReadOnly) {
+    ExpectReadOnly<BRefADRG>("ADRG");
 }
 
 }  // namespace

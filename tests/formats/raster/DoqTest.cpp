@@ -1,11 +1,7 @@
 // Digital orthophoto quarter quadrangles: the header over the first lines.
 
-#include <gtest/gtest.h>
-
 #include "ChartFiles.h"
-#include "LogCapture.h"
 #include "Reading.h"
-#include "TempFolder.h"
 
 namespace MapAnchor {
 namespace {
@@ -18,8 +14,8 @@ TEST(Doq, TakesTheOriginAsStatedAndNad27) {
     const NamedRead read = ReadByName(folder.Write("quad.doq", DoqFile().Bytes()));
     EXPECT_EQ(read.thrown.type, "");
     EXPECT_EQ(read.kind, "DOQ");
-    EXPECT_EQ(TermsOf(read.reference), (Terms{1.5, 0, 500000.125, 0, -2.5, 4123456.75}));
-    EXPECT_EQ(EpsgOf(read.reference), "EPSG:26712");
+    EXPECT_EQ(References::Terms(read.reference), (Six{1.5, 0, 500000.125, 0, -2.5, 4123456.75}));
+    EXPECT_EQ(CodeOf(read.reference), "EPSG:26712");
     EXPECT_TRUE(log.lines.empty());
 }
 
@@ -33,7 +29,7 @@ struct DoqCase {
 };
 
 TEST(Doq, HeadersInAllTheirForms) {
-    const std::string none = "BFileContentNotValidException";
+    const std::string none = kNoReference;
     const auto with = [](auto change) {
         DoqFile file;
         change(file);
@@ -60,23 +56,20 @@ TEST(Doq, HeadersInAllTheirForms) {
     for (const DoqCase& test : cases) {
         const NamedRead read = ReadByName(folder.Write("quad.DOQ", test.file.Bytes().substr(0, test.length)));
         EXPECT_EQ(read.thrown.type, test.error) << test.name;
-        EXPECT_EQ(EpsgOf(read.reference), test.system) << test.name;
+        EXPECT_EQ(CodeOf(read.reference), test.system) << test.name;
         ASSERT_EQ(read.reference.HasMathTransform(), test.x != 0.0) << test.name;
         if (test.x != 0.0) {
-            EXPECT_EQ(TermsOf(read.reference)[2], test.x) << test.name;
+            EXPECT_EQ(References::Terms(read.reference)[2], test.x) << test.name;
         }
     }
-    EXPECT_EQ(ReadByName(folder / "missing.doq").thrown.type, "BUnsupportedFileTypeException");
+    EXPECT_EQ(ReadByName(folder / "missing.doq").thrown.type, kUnsupported);
 }
 
 TEST(Doq, IsReadByNameAlone) {
     const TempFolder folder;
     BGeoReference reference;
-    const Thrown thrown =
-        ReadByType(EReferenceType::DOQQ, folder.Write("quad.doq", DoqFile().Bytes()), reference, 0);
-    EXPECT_EQ(thrown.type, "BGeoReferenceNotSupportedException");
-    EXPECT_EQ(thrown.source, "BrefDOQQ::Read");
-    EXPECT_EQ(thrown.detail, "This version of Read is not yet supported");
+    ExpectThrown(Roads::Read(EReferenceType::DOQQ, folder.Write("quad.doq", DoqFile().Bytes()), reference),
+                 {kNotSupported, "BrefDOQQ::Read", "This version of Read is not yet supported"});
     for (const BReferenceFormat& format : BReferenceFormats::List())
         EXPECT_FALSE(format.Name == BString("DOQ") && format.ReadsByType);
 }

@@ -8,18 +8,12 @@
 #include <cpl_error.h>
 #include <filesystem>
 #include <set>
-#include <thread>
 
 namespace MapAnchor {
 namespace {
 
 using namespace Tellurion;
 using namespace GdalFiles;
-
-constexpr const char* kInvalidFile = "BGeoReferenceInvalidReferenceFileException";
-constexpr const char* kInvalidTransform = "BGeoReferenceInvalidTransformException";
-constexpr const char* kInvalidSystem = "BGeoReferenceInvalidCoordSysException";
-constexpr const char* kUnsupported = "BUnsupportedFileTypeException";
 
 std::string GeoTransform(const std::string& six) {
     return "<GeoTransform>" + six + "</GeoTransform>";
@@ -49,138 +43,98 @@ const std::string kThreePoints = Gcp("a", "0", "0", "500", "900") + Gcp("b", "10
 const std::string kUtm = "<SRS>EPSG:32633</SRS>";
 const std::string kPlainTerms = GeoTransform("500,10,0,4000,0,-10");
 
-struct RoadCase {
-    const char* name;
-    std::string content;
-    std::string by_name;  ///< type of what is thrown, empty for success
-    std::string by_type;
-    std::string strict;  ///< by type with both flags set
-    bool has_transform;
-    std::size_t points;
-};
+const std::string kPointsInNoPlane =
+    Gcp("a", "0", "0", "0", "0") + Gcp("b", "1", "1", "1", "1") + Gcp("c", "2", "2", "2", "2");
+const std::string kFlat = GeoTransform("5,1,1,7,1,1");
 
 TEST_F(GeoTiff, TheRoadsTakeWhatTheyShould) {
-    const std::vector<RoadCase> cases = {
-        {"plain", Vrt(kPlainTerms), "", "", "", true, 0},
-        {"rotated_by_a_quarter_turn", Vrt(GeoTransform("5,0,2,7,2,0")), "", "", "", true, 0},
-        {"all_zero", Vrt(GeoTransform("0,0,0,0,0,0")), kUnsupported, kInvalidFile, kInvalidFile, false, 0},
-        {"column_without_size", Vrt(GeoTransform("5,0,0,7,1,2")), kUnsupported, kInvalidFile, kInvalidFile,
-         false, 0},
-        {"row_without_size", Vrt(GeoTransform("5,1,2,7,0,0")), kUnsupported, kInvalidFile, kInvalidFile,
-         false, 0},
-        {"no_size_but_a_system", Vrt(GeoTransform("0,0,0,0,0,0") + kUtm), "", kInvalidFile, kInvalidFile,
-         false, 0},
-        {"not_invertible", Vrt(GeoTransform("5,1,1,7,1,1")), kUnsupported, "", kInvalidTransform, false, 0},
-        {"term_that_is_no_number", Vrt(GeoTransform("nan,1,0,7,0,1")), kUnsupported, "", kInvalidTransform,
-         false, 0},
-        {"points_go_before_terms", Vrt(kPlainTerms + Gcps(kThreePoints)), "", "", "", true, 3},
-        {"points_on_a_line",
-         Vrt(Gcps(Gcp("a", "0", "0", "0", "0") + Gcp("b", "1", "1", "1", "1") +
-                  Gcp("c", "2", "2", "2", "2"))),
-         "", "", kInvalidTransform, false, 3},
-        {"two_points", Vrt(kPlainTerms + Gcps(Gcp("a", "0", "0", "0", "0") + Gcp("b", "1", "1", "1", "1"))),
-         "", "", kInvalidTransform, false, 2},
-        {"point_that_is_nowhere", Vrt(Gcps(kThreePoints + Gcp("d", "nan", "inf", "nan", "inf"))), "", "",
-         kInvalidTransform, false, 4},
-        {"nothing", Vrt(""), kUnsupported, "", "", false, 0},
-        {"system_alone", Vrt(kUtm), "", "", "", false, 0},
-        {"system_that_nobody_reads", Vrt(kPlainTerms + "<SRS>" + SystemNobodyReads() + "</SRS>"), "", "",
-         kInvalidSystem, true, 0},
-        {"points_listed_nowhere", "ODDRASTER lists-none", kUnsupported, kInvalidFile, kInvalidFile, false, 0},
-        {"not_a_raster", "not a raster", kUnsupported, kInvalidFile, kInvalidFile, false, 0},
-        {"empty", "", kUnsupported, kInvalidFile, kInvalidFile, false, 0},
-    };
-    for (const RoadCase& test : cases) {
-        SCOPED_TRACE(test.name);
-        const std::string file = folder.Write(std::string(test.name) + ".tif", test.content);
-        BGeoReference by_name, by_type, strict;
-        EXPECT_EQ(ReadByName(file, by_name).type, test.by_name);
-        EXPECT_EQ(by_name.HasMathTransform(), test.has_transform);
-        EXPECT_EQ(by_name.PointPairVector.size(), test.points);
-        EXPECT_EQ(ReadByType(file, by_type).type, test.by_type);
-        EXPECT_EQ(by_type.HasMathTransform(), test.has_transform);
-        EXPECT_EQ(ReadByType(file, strict, kStrict).type, test.strict);
-    }
+    constexpr Holds kPlaced{0, true};
+    constexpr Holds kSystem{0, false, true};
+    constexpr Ends kNoAffine{kUnsupported, "", kInvalidTransform};
+    const std::string zero = GeoTransform("0,0,0,0,0,0");
+    ExpectRoads(kTiff, ".tif",
+                {{"plain", Vrt(kPlainTerms), kTaken, kPlaced},
+                 {"rotated_by_a_quarter_turn", Vrt(GeoTransform("5,0,2,7,2,0")), kTaken, kPlaced},
+                 {"all_zero", Vrt(zero), kRefused},
+                 {"column_without_size", Vrt(GeoTransform("5,0,0,7,1,2")), kRefused},
+                 {"row_without_size", Vrt(GeoTransform("5,1,2,7,0,0")), kRefused},
+                 {"no_size_but_a_system", Vrt(zero + kUtm), {"", kInvalidFile, kInvalidFile}, kSystem},
+                 {"not_invertible", Vrt(kFlat), kNoAffine},
+                 {"term_that_is_no_number", Vrt(GeoTransform("nan,1,0,7,0,1")), kNoAffine},
+                 {"points_go_before_terms", Vrt(kPlainTerms + Gcps(kThreePoints)), kTaken, {3, true}},
+                 {"points_on_a_line", Vrt(Gcps(kPointsInNoPlane)), kNoFit, {3}},
+                 {"point_and_terms", Vrt(kPlainTerms + Gcps(Gcp("a", "0", "0", "0", "0"))), kNoFit, {1}},
+                 {"point_that_is_nowhere",
+                  Vrt(Gcps(kThreePoints + Gcp("d", "nan", "inf", "nan", "inf"))),
+                  kNoFit,
+                  {4}},
+                 {"nothing", Vrt(""), {kUnsupported, "", ""}},
+                 {"system_alone", Vrt(kUtm), kTaken, kSystem},
+                 {"system_that_nobody_reads", Vrt(kPlainTerms + "<SRS>" + SystemNobodyReads() + "</SRS>"),
+                  kNoSystem, kPlaced},
+                 {"points_listed_nowhere", "ODDRASTER lists-none", kRefused},
+                 {"not_a_raster", "not a raster", kRefused},
+                 {"empty", "", kRefused}});
 }
 
 TEST_F(GeoTiff, ControlPointsNameWholePixels) {
     const std::string far = Gcp("far", "1e300", "-inf", "1", "2") + Gcp("odd", "nan", "-0.9", "3", "4");
     const std::string file = folder.Write("map.tif", Vrt(Gcps(kThreePoints + far, "EPSG:32633")));
-    BGeoReference reference;
-    ASSERT_EQ(ReadByName(file, reference).type, "");
-    std::vector<std::array<int, 2>> pixels;
-    for (const BPointPair& pair : reference.PointPairVector) {
-        pixels.push_back({pair.Column, pair.Row});
-        EXPECT_TRUE(pair.Enabled);
-    }
-    EXPECT_EQ(pixels, (std::vector<std::array<int, 2>>{
-                          {0, 0}, {10, 0}, {0, -10}, {2147483647, -2147483647 - 1}, {0, 0}}));
-    EXPECT_EQ(reference.PointPairVector[1].Name, BString("b"));
-    EXPECT_EQ(reference.PointPairVector[1].World.x, 600);
-    EXPECT_EQ(reference.PointPairVector[2].World.y, 1000);
-    EXPECT_EQ(reference.PointPairVector[0].World.z, 7);
-    ASSERT_TRUE(reference.HasCoordSys());
-    EXPECT_EQ(reference.CoordSys->ToEPSGCode(), BString("EPSG:32633"));
+    const BGeoReference reference = Good(file);
+    EXPECT_EQ(PointsOf(reference),
+              "a: 0 0 500 900 7\nb: 10 0 600 900 7\nc: 0 -10 500 1000 7\n"
+              "far: 2147483647 -2147483648 1 2 7\nodd: 0 0 3 4 7\n");
+    EXPECT_EQ(CodeOf(reference), "EPSG:32633");
 }
 
 TEST_F(GeoTiff, OnlyTheWordPointMeansPoint) {
     const std::pair<const char*, bool> cases[] = {{"Point", true},  {"Area", false},   {"point", false},
                                                   {"POINT", false}, {"Raster", false}, {"", false}};
     for (const auto& [word, is_point] : cases) {
-        const std::string file = folder.Write("map.tif", Vrt(kPlainTerms + Registered(word)));
-        BGeoReference reference;
-        ASSERT_EQ(ReadByType(file, reference).type, "");
+        const auto reference = Good(kTiff, folder.Write("map.tif", Vrt(kPlainTerms + Registered(word))));
         EXPECT_EQ(reference.IsPixelAsPointRegistered(), is_point) << word;
         // The registration moves nothing.
-        EXPECT_EQ(TermsOf(reference), (std::array<double, 6>{10, 0, 500, 0, -10, 4000})) << word;
+        EXPECT_EQ(References::Terms(reference), (Six{10, 0, 500, 0, -10, 4000})) << word;
     }
 }
 
 TEST_F(GeoTiff, FailuresSayWhatIsWrong) {
+    const auto thrown = [](const char* type, const std::string& detail) {
+        return Thrown{type, "BRefGeoTIFF::Read", detail};
+    };
+    const std::string differs =
+        "BRefGeoTIFF::Read # of points in the header differs from the # of points listed.";
+    ExpectFailures(
+        kTiff, ".tif",
+        {{"none", "none",
+          thrown(kInvalidFile, "Could not open the file <%> as a GeoReference file for reading.")},
+         {"zero",
+          Vrt(GeoTransform("0,0,0,0,0,0")),
+          thrown(kInvalidFile, "File <%> is an invalid GeoTIFF file.  XDimension and/or YDimension is zero"),
+          {"BRefGeoTIFF::Read Failure XDimenions and/or YDimension is zero!"}},
+         {"odd",
+          "ODDRASTER lists-none",
+          thrown(kInvalidFile,
+                 "Number of points specified in the GeoTIFF (3) differs from the number read (0)."),
+          {differs}},
+         {"points_on_a_line",
+          Vrt(Gcps(kPointsInNoPlane)),
+          thrown(kInvalidTransform, "*"),
+          {"BRefGeoTIFF::Read Failure setting the BMathTransform ERROR (@)"}},
+         {"flat", Vrt(kFlat),
+          thrown(kInvalidTransform,
+                 "Failed creating Affine(1.000000 1.000000 5.000000 1.000000 1.000000 7.000000)")}});
+    // By name only points that are listed nowhere are logged.
     BGeoReference reference;
-    const std::string none = folder.Write("none.tif", "none");
-    Thrown thrown = ReadByType(none, reference);
-    EXPECT_EQ(thrown.source, "BRefGeoTIFF::Read");
-    EXPECT_EQ(thrown.detail, "Could not open the file <" + none + "> as a GeoReference file for reading.");
-    ReadByName(none, reference);
-    EXPECT_TRUE(log.lines.empty());
-
-    const std::string zero = folder.Write("zero.tif", Vrt(GeoTransform("0,0,0,0,0,0")));
-    thrown = ReadByType(zero, reference);
-    EXPECT_EQ(thrown.detail,
-              "File <" + zero + "> is an invalid GeoTIFF file.  XDimension and/or YDimension is zero");
-    ReadByName(zero, reference);
-    EXPECT_EQ(log.lines,
-              std::vector<std::string>{"BRefGeoTIFF::Read Failure XDimenions and/or YDimension is zero!"});
-    log.lines.clear();
-
-    const std::string odd = folder.Write("odd.tif", "ODDRASTER lists-none");
-    EXPECT_EQ(ReadByType(odd, reference).detail,
-              "Number of points specified in the GeoTIFF (3) differs from the number read (0).");
-    ReadByName(odd, reference);
-    EXPECT_EQ(log.lines, (std::vector<std::string>{
-                             "BRefGeoTIFF::Read # of points in the header differs from the # of points "
-                             "listed.",
-                             "BRefGeoTIFF::Read # of points in the header differs from the # of points "
-                             "listed.  Attempting to build an Affine Transform."}));
-    log.lines.clear();
-
-    const std::string two = folder.Write("two.tif", Vrt(Gcps(Gcp("a", "0", "0", "0", "0"))));
-    thrown = ReadByType(two, reference, kStrict);
-    EXPECT_EQ(thrown.source, "BRefGeoTIFF::Read");
-    ASSERT_EQ(log.lines.size(), 1U);
-    EXPECT_EQ(log.lines[0],
-              "BRefGeoTIFF::Read Failure setting the BMathTransform ERROR (" + thrown.detail + ")");
-
-    const std::string flat = folder.Write("flat.tif", Vrt(GeoTransform("5,1,1,7,1,1")));
-    EXPECT_EQ(ReadByType(flat, reference, kStrict).detail,
-              "Failed creating Affine(1.000000 1.000000 5.000000 1.000000 1.000000 7.000000)");
+    for (const std::string& content :
+         {std::string("none"), Vrt(GeoTransform("0,0,0,0,0,0")), std::string("ODDRASTER lists-none")})
+        Roads::Read(folder.Write("named.tif", content), reference);
+    EXPECT_EQ(log.lines, std::vector<std::string>{differs + "  Attempting to build an Affine Transform."});
 
     const std::string text = folder.Write("text.tif", Vrt("<SRS>" + SystemNobodyReads() + "</SRS>"));
-    thrown = ReadByType(text, reference, kStrict);
-    EXPECT_EQ(
-        thrown.detail.rfind("Failed to get the coordinate system based on the WKT string <LOCAL_CS[", 0), 0U);
-    EXPECT_EQ(thrown.detail.substr(thrown.detail.size() - 2), ">.");
+    const std::string detail = Roads::Read(kTiff, text, reference, Roads::kStrict).detail;
+    EXPECT_TRUE(detail.starts_with("Failed to get the coordinate system based on the WKT string <LOCAL_CS["));
+    EXPECT_TRUE(detail.ends_with(">."));
 }
 
 struct UnitCase {
@@ -196,8 +150,7 @@ constexpr UnitCase kUnits[] = {
 
 TEST_F(GeoTiff, TheVerticalUnitOfOneBand) {
     const auto read = [&](const std::string& bands) {
-        BGeoReference reference;
-        EXPECT_EQ(ReadByType(folder.Write("map.tif", VrtText(kPlainTerms, bands)), reference).type, "");
+        const auto reference = Good(kTiff, folder.Write("map.tif", VrtText(kPlainTerms, bands)));
         BIdentifier identifier;
         const bool found = reference.HasVerticalUnit() &&
                            reference.GetVerticalUnit()->GetIdentifier(BString("GC"), identifier);
@@ -229,33 +182,30 @@ void MakeAuxiliary(const std::string& path, const std::string& raster) {
 }
 
 TEST_F(GeoTiff, TheAuxiliaryFileSpeaksWhereTheRasterIsSilent) {
-    struct Case {
+    const struct {
         const char* name;
         std::string reference;
         bool own_terms;
-        std::string system;
+        const char* system;
         bool is_point;
-    };
-    const Case cases[] = {
-        {"silent", "", false, "", true},
-        {"terms_of_its_own", kPlainTerms + Registered("Area"), true, "", false},
+    } cases[] = {
+        {"silent", "", false, "none", true},
+        {"terms_of_its_own", kPlainTerms + Registered("Area"), true, "none", false},
         {"system_of_its_own", kPlainTerms + kUtm, true, "EPSG:32633", true},
         {"system_that_nobody_reads", kPlainTerms + "<SRS>" + SystemNobodyReads() + "</SRS>", true,
          "EPSG:32634", true},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         const TempFolder own;
         const std::string file = own.Write("map.tif", Vrt(test.reference));
         MakeAuxiliary(own / "map.aux", "DEPENDENT_FILE=map.tif");
-        for (const bool by_name : {true, false}) {
-            BGeoReference reference;
-            ASSERT_EQ(by_name ? ReadByName(file, reference).type : ReadByType(file, reference, kStrict).type,
-                      "");
+        for (const bool by_name : kBothRoads) {
+            const BGeoReference reference = by_name ? Good(file) : Good(kTiff, file);
             ASSERT_TRUE(reference.HasMathTransform());
-            EXPECT_EQ(TermsOf(reference)[2], test.own_terms ? 500 : 7000);
+            EXPECT_EQ(References::Terms(reference)[2], test.own_terms ? 500 : 7000);
             // A text of the raster's own that is merely empty is an answer.
-            EXPECT_EQ(reference.HasCoordSys() ? reference.CoordSys->ToEPSGCode().StdStr() : "", test.system);
+            EXPECT_EQ(CodeOf(reference), test.system);
             EXPECT_EQ(reference.IsPixelAsPointRegistered(), test.is_point);
             ASSERT_TRUE(reference.HasVerticalUnit());
             EXPECT_EQ(reference.GetVerticalUnit()->GetName(), BString("foot"));
@@ -271,12 +221,10 @@ TEST_F(GeoTiff, ReadingLeavesNoTraceInTheFolder) {
     const std::string before = TempFolder::Slurp(file) + TempFolder::Slurp(dem);
     std::filesystem::permissions(folder / ".",
                                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-    for (int i = 0; i < 2; ++i) {
+    for (const bool by_name : {true, false, true, false}) {
         BGeoReference reference;
-        ReadByName(file, reference);
-        ReadByType(file, reference);
-        EXPECT_EQ(ReadByName(dem, reference).type, "");
-        EXPECT_EQ(ReadByType(dem, reference).type, "");
+        Read(by_name, file, reference);
+        EXPECT_EQ(Read(by_name, dem, reference).type, "");
     }
     std::filesystem::permissions(folder / ".", std::filesystem::perms::owner_all);
     std::set<std::string> names;
@@ -296,8 +244,8 @@ TEST_F(GeoTiff, TheHostsErrorStateIsItsOwn) {
     CPLPushErrorHandler(HearError);
     errors_heard = 0;
     BGeoReference reference;
-    ReadByType(folder.Write("cut.tif", std::string("II*\0\x08\0\0\0\xFF\xFF", 10)), reference);
-    EXPECT_EQ(SaveByType(folder / "none.tif", reference).type, "BFileAccessException");
+    Roads::Read(kTiff, folder.Write("cut.tif", std::string("II*\0\x08\0\0\0\xFF\xFF", 10)), reference);
+    EXPECT_EQ(Roads::Save(kTiff, folder / "none.tif", reference).type, "BFileAccessException");
     CPLPopErrorHandler();
     EXPECT_EQ(errors_heard, 0);
     EXPECT_EQ(CPLGetLastErrorNo(), 42);
@@ -308,29 +256,9 @@ TEST_F(GeoTiff, TheHostsErrorStateIsItsOwn) {
 TEST_F(GeoTiff, AHostThatTookTheDriversAwayIsServed) {
     const std::string file = folder.Write("map.tif", Vrt(kPlainTerms));
     BGeoReference reference;
-    ASSERT_EQ(ReadByType(file, reference).type, "");
+    ASSERT_EQ(Roads::Read(kTiff, file, reference).type, "");
     GDALDestroyDriverManager();
-    EXPECT_EQ(ReadByType(file, reference).type, "");
-}
-
-TEST_F(GeoTiff, FilesAreReadInThreadsAtOnce) {
-    std::vector<std::thread> threads;
-    std::array<int, 4> wrong{};
-    for (std::size_t t = 0; t < wrong.size(); ++t) {
-        const std::string column = std::to_string(t * 1000);
-        const std::string file =
-            folder.Write("map" + column + ".tif", Vrt(GeoTransform(column + ",10,0,4000,0,-10") + kUtm));
-        threads.emplace_back([file, t, &wrong] {
-            for (int i = 0; i < 50; ++i) {
-                BGeoReference reference;
-                const bool read = ReadByType(file, reference, kStrict).type.empty();
-                if (!read || TermsOf(reference)[2] != static_cast<double>(t) * 1000) ++wrong[t];
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(wrong, (std::array<int, 4>{}));
+    EXPECT_EQ(Roads::Read(kTiff, file, reference).type, "");
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include "SmallDisk.h"
 
 #include <filesystem>
-#include <map>
 
 namespace MapAnchor {
 namespace {
@@ -15,13 +14,13 @@ namespace {
 using namespace Tellurion;
 using namespace GdalFiles;
 
-std::array<double, 6> GeoTransformOf(GDALDataset& raster) {
-    std::array<double, 6> gt{};
+Six GeoTransformOf(GDALDataset& raster) {
+    Six gt{};
     EXPECT_EQ(raster.GetGeoTransform(gt.data()), CE_None);
     return gt;
 }
 
-std::string EpsgOf(const OGRSpatialReference* system) {
+std::string CodeOf(const OGRSpatialReference* system) {
     const char* code = system ? system->GetAuthorityCode(nullptr) : nullptr;
     return code ? code : "";
 }
@@ -31,50 +30,44 @@ std::string RegistrationOf(GDALDataset& raster) {
     return word ? word : "";
 }
 
-struct PlaceCase {
+constexpr struct {
     const char* name;
-    std::array<double, 6> terms;  ///< a, b, c, d, e, f
+    Six terms;  ///< a, b, c, d, e, f
     const char* epsg;
-    bool point;
-};
-
-const PlaceCase kPlaces[] = {
-    {"rotated_utm", {9.5, 2.25, 500000.1, 2.125, -9.75, 4100000.7}, "32633", false},
-    {"quarter_turn", {0, 0.3, 500000.1, -0.3, 0, 4100000.7}, "32633", false},
-    {"state_plane_feet", {1.0 / 3, 0, 2345678.9, 0, -1.0 / 3, 9876543.21}, "2277", false},
-    {"geographic", {1.0 / 3600, 0, -122.123456789012, 0, -1.0 / 3600, 45.3}, "4326", false},
+    bool point = false;
+} kPlaces[] = {
+    {"rotated_utm", {9.5, 2.25, 500000.1, 2.125, -9.75, 4100000.7}, "32633"},
+    {"quarter_turn", {0, 0.3, 500000.1, -0.3, 0, 4100000.7}, "32633"},
+    {"state_plane_feet", {1.0 / 3, 0, 2345678.9, 0, -1.0 / 3, 9876543.21}, "2277"},
+    {"geographic", {1.0 / 3600, 0, -122.123456789012, 0, -1.0 / 3600, 45.3}, "4326"},
     {"web_mercator",
      {152.8740565703525, 0, -20037508.342789244, 0, -152.8740565703525, 20037508.342789244},
-     "3857",
-     false},
-    {"polar", {1000.1, 0, -3850000.3, 0, -1000.1, 5850000.7}, "3413", false},
-    {"south_up", {10, 0, 500000, 0, 10, 4100000}, "32733", false},
+     "3857"},
+    {"polar", {1000.1, 0, -3850000.3, 0, -1000.1, 5850000.7}, "3413"},
+    {"south_up", {10, 0, 500000, 0, 10, 4100000}, "32733"},
     {"pixel_is_point", {10, 0, 500000, 0, -10, 4100000}, "32633", true},
-    {"no_system", {0.1, 0, 0.7, 0, -0.1, 0.9}, "", false},
+    {"no_system", {0.1, 0, 0.7, 0, -0.1, 0.9}, ""},
 };
 
 TEST_F(GeoTiff, GdalReadsWhatWasSavedToTheLastBit) {
-    for (const PlaceCase& test : kPlaces) {
-        for (const bool by_name : {true, false}) {
+    for (const auto& test : kPlaces) {
+        for (const bool by_name : kBothRoads) {
             SCOPED_TRACE(std::string(test.name) + (by_name ? " by name" : " by type"));
             const std::string file = MakeTiff(folder / "map.tif", 3);
             const auto pixels = Pixels(file);
-            BGeoReference reference = WithTerms(test.terms);
-            if (*test.epsg) SetEpsg(reference, test.epsg);
+            const Six& t = test.terms;
+            BGeoReference reference = References::WithAffine(t[0], t[1], t[2], t[3], t[4], t[5]);
+            if (*test.epsg) References::SetSystem(reference, test.epsg);
             reference.SetPixelAsPointRegistered(test.point);
-            ASSERT_EQ(by_name ? SaveByName(file, reference).type : SaveByType(file, reference, kStrict).type,
-                      "");
-            const auto& t = test.terms;
+            ASSERT_EQ(Save(by_name, file, reference).type, "");
             const Dataset raster = Open(file);
-            EXPECT_EQ(GeoTransformOf(*raster), (std::array<double, 6>{t[2], t[0], t[1], t[5], t[3], t[4]}));
-            EXPECT_EQ(EpsgOf(raster->GetSpatialRef()), test.epsg);
+            EXPECT_EQ(GeoTransformOf(*raster), (Six{t[2], t[0], t[1], t[5], t[3], t[4]}));
+            EXPECT_EQ(CodeOf(raster->GetSpatialRef()), test.epsg);
             // GDAL itself takes a raster with a system for area registered.
             EXPECT_EQ(RegistrationOf(*raster), test.point ? "Point" : *test.epsg ? "Area" : "");
             EXPECT_EQ(Pixels(file), pixels);
             EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "."), {}), 1);
-            BGeoReference back;
-            ASSERT_EQ(ReadByType(file, back, kStrict).type, "");
-            EXPECT_EQ(TermsOf(back), t);
+            EXPECT_EQ(References::Terms(Good(kTiff, file)), t);
         }
     }
 }
@@ -84,25 +77,22 @@ BGeoReference WithPoints(bool with_transform) {
                                            {20, 0, 500200, 4100000, 0, "", true},
                                            {7, 7, 1, 1, 1, "switched off", false},
                                            {0, 10, 500000, 4099900, 0, "three", true}};
-    BGeoReference reference;
+    BGeoReference reference = References::WithPoints(pairs);
     if (with_transform)
-        reference.SetPointPairVectorAndMathTransform(
-            pairs, BMathTransform(EMathTransformType::Affine, pairs, 20, 10, true));
-    else
-        reference.SetPointPairVector(pairs, EMathTransformType::None);
-    SetEpsg(reference, "32633");
+        reference.SetMathTransform(BMathTransform(EMathTransformType::Affine, pairs, 20, 10, true));
+    References::SetSystem(reference, "32633");
     return reference;
 }
 
 TEST_F(GeoTiff, PointsAreSavedInThePlaceOfATransform) {
-    for (const bool by_name : {true, false}) {
+    for (const bool by_name : kBothRoads) {
         const std::string file = MakeTiff(folder / "map.tif", 1, [](GDALDataset& raster) {
             double old[6] = {1, 2, 0, 3, 0, -4};
             raster.SetGeoTransform(old);
         });
         const auto pixels = Pixels(file);
         const BGeoReference reference = WithPoints(true);
-        ASSERT_EQ(by_name ? SaveByName(file, reference).type : SaveByType(file, reference, kStrict).type, "");
+        ASSERT_EQ(Save(by_name, file, reference).type, "");
         const Dataset raster = Open(file);
         double gt[6];
         EXPECT_NE(raster->GetGeoTransform(gt), CE_None);
@@ -113,12 +103,12 @@ TEST_F(GeoTiff, PointsAreSavedInThePlaceOfATransform) {
         EXPECT_EQ(points[0].dfGCPZ, 3);
         EXPECT_EQ(points[1].dfGCPPixel, 20);
         EXPECT_EQ(points[2].dfGCPLine, 10);
-        EXPECT_EQ(EpsgOf(raster->GetGCPSpatialRef()), "32633");
+        EXPECT_EQ(CodeOf(raster->GetGCPSpatialRef()), "32633");
         EXPECT_EQ(Pixels(file), pixels);
     }
     // A form that keeps names.
     const std::string file = folder.Write("named.tif", Vrt(""));
-    ASSERT_EQ(SaveByName(file, WithPoints(false)).type, "");
+    ASSERT_EQ(Roads::Save(file, WithPoints(false)).type, "");
     EXPECT_STREQ(Open(file)->GetGCPs()[0].pszId, "north west");
 }
 
@@ -127,22 +117,22 @@ TEST_F(GeoTiff, PointsThatAreAllSwitchedOffAreNone) {
     for (BPointPair& pair : reference.PointPairVector)
         pair.Enabled = false;
     const std::string file = MakeTiff(folder / "map.tif");
-    EXPECT_EQ(SaveByName(file, reference).type, "");
+    EXPECT_EQ(Roads::Save(file, reference).type, "");
     EXPECT_EQ(Open(file)->GetGCPCount(), 0);
-    EXPECT_EQ(EpsgOf(Open(file)->GetSpatialRef()), "32633");
+    EXPECT_EQ(CodeOf(Open(file)->GetSpatialRef()), "32633");
 }
 
 TEST_F(GeoTiff, ARegistrationThatIsThereStays) {
     for (const char* word : {"Area", "Raster"}) {
         const std::string file = folder.Write("map.tif", Vrt("<Metadata><MDI key=\"AREA_OR_POINT\">" +
                                                              std::string(word) + "</MDI></Metadata>"));
-        BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+        BGeoReference reference = plain;
         reference.SetPixelAsPointRegistered(true);
-        ASSERT_EQ(SaveByType(file, reference).type, "");
+        ASSERT_EQ(Roads::Save(kTiff, file, reference).type, "");
         EXPECT_EQ(RegistrationOf(*Open(file)), word);
     }
     const std::string file = folder.Write("bare.tif", Vrt(""));
-    ASSERT_EQ(SaveByType(file, WithTerms({1, 0, 0, 0, -1, 0})).type, "");
+    ASSERT_EQ(Roads::Save(kTiff, file, plain).type, "");
     EXPECT_EQ(RegistrationOf(*Open(file)), "");
 }
 
@@ -151,78 +141,72 @@ TEST_F(GeoTiff, TheVerticalUnitIsSavedByTypeIntoABandWithoutColour) {
         {"METERS", "m"}, {"INTERNATIONAL FEET", "ft"}, {"USFEET", "sft"}, {"INTERNATIONAL YARDS", "yd"},
         {"YARD", "syd"}, {"FATHOM", "fath"},           {"RODS", "rd"},    {"KILOMETERS", ""},
     };
-    const std::string plain = VrtBand(1, "");
+    const std::string band = VrtBand(1, "");
     const std::string gray = VrtBand(1, "<ColorInterp>Gray</ColorInterp>");
     for (const auto& [code, label] : units) {
         SCOPED_TRACE(code);
-        BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+        BGeoReference reference = plain;
         reference.SetVerticalUnit(BLinearUnit::GetLinearUnit(BIdentifier(BString("GC"), BString(code))));
         ASSERT_TRUE(reference.HasVerticalUnit());
         const auto saved = [&](const std::string& bands, bool by_name) {
             const std::string file = folder.Write("map.tif", VrtText("", bands));
-            EXPECT_EQ(by_name ? SaveByName(file, reference).type : SaveByType(file, reference).type, "");
+            EXPECT_EQ(Save(by_name, file, reference).type, "");
             return std::string(Open(file)->GetRasterBand(1)->GetUnitType());
         };
-        EXPECT_EQ(saved(plain, false), label);
-        EXPECT_EQ(saved(plain, true), "");
+        EXPECT_EQ(saved(band, false), label);
+        EXPECT_EQ(saved(band, true), "");
         EXPECT_EQ(saved(gray, false), "");
-        EXPECT_EQ(saved(plain + VrtBand(2, ""), false), "");
+        EXPECT_EQ(saved(band + VrtBand(2, ""), false), "");
     }
-}
-
-/// The three parts of what a save by both roads throws; the roads agree.
-std::array<std::string, 3> Refused(const std::string& file, const BGeoReference& reference) {
-    std::array<std::string, 3> parts;
-    EXPECT_EQ(SaveByName(file, reference).detail, SaveByType(file, reference).detail);
-    try {
-        BMapAnchor::Save(EReferenceType::GeoTIFF, BString(file), reference, 20, 10, BString(), 0, nullptr);
-    } catch (const BException& error) {
-        EXPECT_STREQ(error.GetTypeName(), "BException");
-        parts = {error.GetMessageText().StdStr(), error.GetSource().StdStr(), error.GetDetail().StdStr()};
-    }
-    return parts;
 }
 
 TEST_F(GeoTiff, WhatGdalRefusesIsNamed) {
-    using Parts = std::array<std::string, 3>;
     BGeoReference reference = WithPoints(false);
-    EXPECT_EQ(Refused(folder.Write("a.tif", "ODDRASTER no-points"), reference),
-              (Parts{"Failed to set GCP's", "BRefGeoTIFF::Write", "Error in SetGCP's."}));
-    BGeoReference placed = WithTerms({1, 0, 0, 0, -1, 0});
-    EXPECT_EQ(Refused(folder.Write("b.tif", "ODDRASTER no-transform"), placed),
-              (Parts{"Failed to set Transform", "BRefGeoTIFF::Write", "Error in SetTransform."}));
-    const std::string file = folder.Write("c.tif", "ODDRASTER no-system");
-    EXPECT_EQ(SaveByName(file, placed).type, "");
-    EXPECT_EQ(Refused(file, reference),
-              (Parts{"Failed to set Projection", "BRefGeoTIFF::Write", "Error in SetProjection."}));
+    const struct {
+        const char* content;
+        const BGeoReference& reference;
+        const char* message;
+        const char* detail;
+    } cases[] = {
+        {"ODDRASTER no-points", reference, "Failed to set GCP's", "Error in SetGCP's."},
+        {"ODDRASTER no-transform", plain, "Failed to set Transform", "Error in SetTransform."},
+        {"ODDRASTER no-system", reference, "Failed to set Projection", "Error in SetProjection."},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.content);
+        const std::string file = folder.Write("odd.tif", test.content);
+        for (const bool by_name : kBothRoads)
+            ExpectThrown(Save(by_name, file, test.reference),
+                         {"BException", "BRefGeoTIFF::Write", test.detail});
+        try {
+            BMapAnchor::Save(BString(file), test.reference, 20, 10, BString(), nullptr);
+        } catch (const BException& error) {
+            EXPECT_EQ(error.GetMessageText(), BString(test.message));
+        }
+    }
+    EXPECT_EQ(Roads::Save(folder / "odd.tif", plain).type, "");  // has no system to refuse
 
     // By name a vertical unit that is taken makes up for points that are not.
     reference.SetVerticalUnit(BLinearUnit::GetLinearUnit(BIdentifier(BString("GC"), BString("METERS"))));
     const std::string odd = folder.Write("d.tif", "ODDRASTER no-points");
-    EXPECT_EQ(SaveByName(odd, reference).type, "");
-    EXPECT_EQ(SaveByType(odd, reference).type, "BException");
+    EXPECT_EQ(Roads::Save(odd, reference).type, "");
+    EXPECT_EQ(Roads::Save(kTiff, odd, reference).type, "BException");
 }
 
 TEST_F(GeoTiff, FilesThatDoNotOpenForWriting) {
-    const BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
     const std::string none = folder / "none.tif";
-    Thrown thrown = SaveByName(none, reference);
-    EXPECT_EQ(thrown.type, "BFileAccessException");
-    EXPECT_EQ(thrown.source, "BRefGeoTIFF::Write");
-    EXPECT_EQ(thrown.detail, "GeoTIFF write could not open file");
+    ExpectThrown(Roads::Save(none, plain),
+                 {kNoAccess, "BRefGeoTIFF::Write", "GeoTIFF write could not open file"});
     ASSERT_EQ(log.lines.size(), 2U);
     EXPECT_EQ(log.lines[0], "BRefGeoTIFF::Write Failed to open file <" + none + ">");
-    thrown = SaveByType(none, reference);
-    EXPECT_EQ(thrown.type, "BFileAccessException");
-    EXPECT_EQ(thrown.detail, "GeoTIFF write could not open file <" + none + ">.");
+    ExpectThrown(Roads::Save(kTiff, none, plain),
+                 {kNoAccess, "BRefGeoTIFF::Write", "GeoTIFF write could not open file <" + none + ">."});
     EXPECT_FALSE(std::filesystem::exists(none));
 
     const std::string starved = folder.Write("starved.tif", "ODDRASTER no-memory");
-    thrown = SaveByType(starved, reference);
-    EXPECT_EQ(thrown.type, "BResourceException");
-    EXPECT_EQ(thrown.source, "BRefGeoTIFF::Write");
-    EXPECT_EQ(thrown.detail, "not a byte left");
-    EXPECT_EQ(SaveByName(starved, reference).type, "");
+    ExpectThrown(Roads::Save(kTiff, starved, plain),
+                 {"BResourceException", "BRefGeoTIFF::Write", "not a byte left"});
+    EXPECT_EQ(Roads::Save(starved, plain).type, "");
 }
 
 BSharedPtr<BCoordSys> SystemOf(const std::string& wkt) {
@@ -230,7 +214,7 @@ BSharedPtr<BCoordSys> SystemOf(const std::string& wkt) {
 }
 
 TEST_F(GeoTiff, ASystemThatCannotBeSavedIsAFaultForTheStrict) {
-    BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
+    BGeoReference reference = plain;
     // No text of the older kind tells a derived geographic system.
     reference.SetCoordSys(SystemOf(
         "GEOGCRS[\"turned pole\",BASEGEOGCRS[\"WGS 84\",DATUM[\"World Geodetic System 1984\","
@@ -242,90 +226,89 @@ TEST_F(GeoTiff, ASystemThatCannotBeSavedIsAFaultForTheStrict) {
     ASSERT_TRUE(reference.HasCoordSys());
     ASSERT_TRUE(reference.CoordSys->ToWKT().IsEmpty());
     const std::string file = MakeTiff(folder / "map.tif");
-    const Thrown thrown = SaveByType(file, reference, BMapAnchor::kStrictCoordSys);
-    EXPECT_EQ(thrown.type, "BGeoReferenceInvalidCoordSysException");
-    EXPECT_EQ(thrown.detail, "Couldn't generate a valid WKT string from CoordSys <turned pole>");
-    EXPECT_EQ(SaveByType(file, reference, BMapAnchor::kStrictTransform).type, "");
-    EXPECT_EQ(SaveByName(file, reference).type, "");
+    ExpectThrown(Roads::Save(kTiff, file, reference, BMapAnchor::kStrictCoordSys),
+                 {kInvalidSystem, "BRefGeoTIFF::Write",
+                  "Couldn't generate a valid WKT string from CoordSys <turned pole>"});
+    EXPECT_EQ(Roads::Save(kTiff, file, reference, BMapAnchor::kStrictTransform).type, "");
+    EXPECT_EQ(Roads::Save(file, reference).type, "");
 
     // A local system is saved, and is still none that places the raster on the Earth.
     reference.SetCoordSys(SystemOf("LOCAL_CS[\"the yard\",UNIT[\"metre\",1]]"));
     ASSERT_TRUE(reference.HasCoordSys());
-    const Thrown unsaved = SaveByType(file, reference, BMapAnchor::kStrictCoordSys);
-    EXPECT_EQ(unsaved.type, "BGeoReferenceInvalidCoordSysException");
-    EXPECT_EQ(unsaved.detail, "Unable to save Coordinate System <the yard> to GeoTIFF file <" + file + ">");
+    ExpectThrown(Roads::Save(kTiff, file, reference, BMapAnchor::kStrictCoordSys),
+                 {kInvalidSystem, "BRefGeoTIFF::Write",
+                  "Unable to save Coordinate System <the yard> to GeoTIFF file <" + file + ">"});
     EXPECT_EQ(GeoTransformOf(*Open(file))[1], 1);
 }
 
 TEST_F(GeoTiff, NothingToSaveIsNoSaveByName) {
     const std::string file = MakeTiff(folder / "map.tif");
     const std::string before = TempFolder::Slurp(file);
-    EXPECT_EQ(SaveByName(file, BGeoReference()).type, "BUnsupportedFileTypeException");
-    EXPECT_EQ(SaveByType(file, BGeoReference(), kStrict).type, "");
+    EXPECT_EQ(Roads::Save(file, BGeoReference()).type, kUnsupported);
+    EXPECT_EQ(Roads::Save(kTiff, file, BGeoReference(), Roads::kStrict).type, "");
     EXPECT_EQ(TempFolder::Slurp(file), before);
 }
 
 TEST_F(GeoTiff, AFailureAtTheCloseIsNotHiddenByWhatComesAfter) {
     const std::string file = folder.Write("map.tif", "ODDRASTER no-close");
-    const BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
-    for (const bool by_name : {true, false}) {
-        const Thrown thrown = by_name ? SaveByName(file, reference) : SaveByType(file, reference);
-        EXPECT_EQ(thrown.type, "BGeoReferenceWriteException");
-        EXPECT_EQ(thrown.source, "BRefGeoTIFF::Write");
-        EXPECT_EQ(thrown.detail, "Failed writing GeoTIFF file <" + file + ">: the cable was pulled");
-    }
+    for (const bool by_name : kBothRoads)
+        ExpectThrown(Save(by_name, file, plain),
+                     {kWriteFailure, "BRefGeoTIFF::Write",
+                      "Failed writing GeoTIFF file <" + file + ">: the cable was pulled"});
 }
 
-void FillUp(const TempFolder& folder, std::size_t leave) {
-    std::ofstream out(folder / "ballast", std::ios::binary);
-    while (out.put('x'))
-        out.flush();
-    out.close();
-    const auto size = std::filesystem::file_size(folder / "ballast");
-    std::filesystem::resize_file(folder / "ballast", size > leave ? size - leave : 0);
-}
+/// A raster on a small disk of its own.
+class GeoTiffOnSmallDisk : public GeoTiff {
+protected:
+    void SetUp() override {
+        if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
+    }
+    /// Fills the disk but for that many bytes.
+    void FillUp(std::size_t leave) const {
+        std::ofstream out(own / "ballast", std::ios::binary);
+        while (out.put('x'))
+            out.flush();
+        out.close();
+        const auto size = std::filesystem::file_size(own / "ballast");
+        std::filesystem::resize_file(own / "ballast", size > leave ? size - leave : 0);
+    }
+
+    const TempFolder own;
+    const SmallDisk disk{own / ".", "64k"};
+    const std::string file = own / "map.tif";
+};
 
 /// Whose records do not find room in the last page of a small file.
 BGeoReference ManyPoints() {
     std::vector<BPointPair> pairs;
     for (long i = 0; i < 1000; ++i)
         pairs.emplace_back(i % 20, i / 20, 500000.0 + static_cast<double>(i), 4100000.0, 0.0, "", true);
-    BGeoReference reference;
-    reference.SetPointPairVector(pairs, EMathTransformType::None);
-    SetEpsg(reference, "32633");
+    BGeoReference reference = References::WithPoints(pairs);
+    References::SetSystem(reference, "32633");
     return reference;
 }
 
-TEST_F(GeoTiff, AFullDiskLeavesTheRasterAsItWas) {
-    const TempFolder own;
-    const SmallDisk disk(own / ".", "64k");
-    if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
-    const std::string file = MakeTiff(own / "map.tif");
-    const BGeoReference reference = ManyPoints();
-    const auto pixels = Pixels(file);
+TEST_F(GeoTiffOnSmallDisk, AFullDiskLeavesTheRasterAsItWas) {
+    MakeTiff(file);
     const std::string before = TempFolder::Slurp(file);
     for (const std::size_t leave : {0U, 4096U, 16384U}) {
-        FillUp(own, leave);
-        for (const bool by_name : {true, false}) {
-            const Thrown thrown = by_name ? SaveByName(file, reference) : SaveByType(file, reference);
-            EXPECT_EQ(thrown.type, "BGeoReferenceWriteException") << leave;
-            EXPECT_EQ(thrown.detail.rfind("Failed writing GeoTIFF file <" + file + ">: ", 0), 0U);
-            EXPECT_EQ(Pixels(file), pixels) << leave;
-            EXPECT_EQ(TempFolder::Slurp(file) == before, true) << leave;
+        FillUp(leave);
+        for (const bool by_name : kBothRoads) {
+            const Thrown thrown = Save(by_name, file, ManyPoints());
+            EXPECT_EQ(thrown.type, kWriteFailure) << leave;
+            EXPECT_TRUE(thrown.detail.starts_with("Failed writing GeoTIFF file <" + file + ">: "));
+            EXPECT_TRUE(TempFolder::Slurp(file) == before) << leave;
         }
         std::filesystem::remove(own / "ballast");
     }
-    EXPECT_EQ(SaveByType(file, reference, kStrict).type, "");
+    EXPECT_EQ(Roads::Save(kTiff, file, ManyPoints(), Roads::kStrict).type, "");
     EXPECT_EQ(Open(file)->GetGCPCount(), 1000);
 }
 
 // What GDAL keeps beside a raster goes before what the raster holds: a save changes it too.
-TEST_F(GeoTiff, AFullDiskLeavesTheMetadataBesideTheRasterAsItWas) {
-    const TempFolder own;
-    const SmallDisk disk(own / ".", "64k");
-    if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
+TEST_F(GeoTiffOnSmallDisk, AFullDiskLeavesTheMetadataBesideTheRasterAsItWas) {
     // Little is left of the file's last page, so that the disk is full for it.
-    const std::string file = MakeTiff(own / "map.tif", 1, [](GDALDataset& raster) {
+    MakeTiff(file, 1, [](GDALDataset& raster) {
         raster.SetMetadataItem("TIFFTAG_IMAGEDESCRIPTION", std::string(3700, 'x').c_str());
     });
     ASSERT_GT(std::filesystem::file_size(file) % 4096, 3900U);
@@ -334,32 +317,27 @@ TEST_F(GeoTiff, AFullDiskLeavesTheMetadataBesideTheRasterAsItWas) {
         std::string(6000, 'x') + "</MDI></Metadata></PAMDataset>\n";
     own.Write("map.tif.aux.xml", metadata);
     const auto pixels = Pixels(file);
-    BGeoReference reference = WithTerms({10, 0, 500000, 0, -10, 4100000});
-    SetEpsg(reference, "32633");
-    FillUp(own, 0);
-    for (const bool by_name : {true, false}) {
-        const Thrown thrown = by_name ? SaveByName(file, reference) : SaveByType(file, reference);
-        EXPECT_EQ(thrown.type, "BGeoReferenceWriteException");
+    BGeoReference reference = References::WithAffine(10, 0, 500000, 0, -10, 4100000);
+    References::SetSystem(reference, "32633");
+    FillUp(0);
+    for (const bool by_name : kBothRoads) {
+        EXPECT_EQ(Save(by_name, file, reference).type, kWriteFailure);
         EXPECT_EQ(TempFolder::Slurp(own / "map.tif.aux.xml"), metadata);
         EXPECT_EQ(Pixels(file), pixels);
     }
     std::filesystem::remove(own / "ballast");
-    EXPECT_EQ(SaveByType(file, reference, kStrict).type, "");
+    EXPECT_EQ(Roads::Save(kTiff, file, reference, Roads::kStrict).type, "");
     EXPECT_EQ(GeoTransformOf(*Open(file))[1], 10);
     EXPECT_STREQ(Open(file)->GetMetadataItem("of"), std::string(6000, 'x').c_str());
 }
 
-TEST_F(GeoTiff, AReadOnlyDiskRefuses) {
-    const TempFolder own;
-    const SmallDisk disk(own / ".", "64k");
-    if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
-    const std::string file = MakeTiff(own / "map.tif");
-    const auto pixels = Pixels(file);
+TEST_F(GeoTiffOnSmallDisk, AReadOnlyDiskRefuses) {
+    MakeTiff(file);
+    const std::string before = TempFolder::Slurp(file);
     ASSERT_TRUE(disk.MakeReadOnly());
-    const BGeoReference reference = WithTerms({1, 0, 0, 0, -1, 0});
-    EXPECT_EQ(SaveByName(file, reference).type, "BFileAccessException");
-    EXPECT_EQ(SaveByType(file, reference).type, "BFileAccessException");
-    EXPECT_EQ(Pixels(file), pixels);
+    for (const bool by_name : kBothRoads)
+        EXPECT_EQ(Save(by_name, file, plain).type, kNoAccess);
+    EXPECT_TRUE(TempFolder::Slurp(file) == before);
 }
 
 }  // namespace

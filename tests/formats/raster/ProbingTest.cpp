@@ -1,11 +1,7 @@
 // Files of unknown extension: who answers, and in which order they are asked.
 
-#include <gtest/gtest.h>
-
 #include "ChartFiles.h"
-#include "LogCapture.h"
 #include "Reading.h"
-#include "TempFolder.h"
 
 namespace MapAnchor {
 namespace {
@@ -16,24 +12,22 @@ constexpr const char* kChart = "KNP/GD=WGS84\n";
 TEST(Probing, TheFirstThatAnswersWins) {
     const TempFolder folder;
     const LogCapture log;
-    FrameFile broken;
-    broken.records = 0;
-    // A frame within the text that six numbers would make of it.
-    FrameFile frame;
-    frame.tag = 40;
-    std::string both = frame.Bytes();
-    both.replace(0, std::string(kSixNumbers).size(), kSixNumbers);
-    std::string broken_with_numbers = broken.Bytes();
-    broken_with_numbers.replace(0, std::string(kSixNumbers).size(), kSixNumbers);
+    // Frames within the text that six numbers would make of them.
+    const auto with_numbers = [](std::uint64_t records) {
+        FrameFile frame;
+        frame.tag = 40;
+        frame.records = records;
+        return kSixNumbers + frame.Bytes().substr(std::string(kSixNumbers).size());
+    };
     folder.Write("TPSGI001.gen", "no description");
     const struct {
         const char* name;
         std::string content;
         const char* kind;
     } cases[] = {
-        {"a.on1", frame.Bytes(), "CADRG"},
-        {"both.dat", both, "CADRG"},
-        {"broken.dat", broken_with_numbers, "WLD"},
+        {"a.on1", FrameFile().Bytes(), "CADRG"},
+        {"both.dat", with_numbers(2), "CADRG"},
+        {"broken.dat", with_numbers(0), "WLD"},
         {"TPSGI002.img", AdrgLeader(true) + "\n1\n1\n0\n0\n-1\n5\n", "WLD"},
         {"numbers.dat", kSixNumbers, "WLD"},
         {"numbers_first.dat", std::string(kSixNumbers) + kChart, "WLD"},

@@ -1,13 +1,8 @@
 #pragma once
 
-#include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 
-#include "Thrown.h"
-
-#include <array>
-#include <fstream>
-#include <string>
+#include "Outcomes.h"
 
 namespace MapAnchor {
 
@@ -31,35 +26,41 @@ inline NamedRead ReadByName(const std::string& file) {
     return read;
 }
 
-inline Thrown ReadByType(Tellurion::EReferenceType type, const std::string& file,
-                         Tellurion::BGeoReference& reference, unsigned int flags) {
-    return WhatIsThrown([&] {
-        BMapAnchor::Read(type, Tellurion::BString(file), reference, 0, 0,
-                         Tellurion::EMathTransformType::Affine, flags, nullptr);
-    });
+/// By the class itself: the front door does not read frames and rectangles by type.
+template <class Format>
+Thrown ReadTyped(const std::string& file, unsigned int flags, Tellurion::BGeoReference& reference) {
+    return WhatIsThrown([&] { Format::Read(Tellurion::BString(file), flags, reference); });
 }
 
-using Terms = std::array<double, 6>;
-
-inline Terms TermsOf(const Tellurion::BGeoReference& reference) {
-    Terms t{};
-    reference.MathTransform->GetAffineParameters(t[0], t[1], t[2], t[3], t[4], t[5]);
-    return t;
+/// A file with a system whose numbers make no affine.
+template <class Format>
+void ExpectSystemAlone(const std::string& file, const Thrown& strict) {
+    const LogCapture log;
+    Tellurion::BGeoReference typed, unused;
+    EXPECT_EQ(ReadTyped<Format>(file, BMapAnchor::kStrictCoordSys, typed).type, "");
+    ExpectThrown(ReadTyped<Format>(file, BMapAnchor::kStrictTransform, unused), strict);
+    NamedRead named = ReadByName(file);
+    EXPECT_EQ(named.thrown.type, "");
+    for (const Tellurion::BGeoReference* reference : {&typed, &named.reference}) {
+        EXPECT_FALSE(reference->HasMathTransform());
+        EXPECT_EQ(CodeOf(*reference), "EPSG:4326");
+    }
+    EXPECT_TRUE(log.lines.empty());
 }
 
-inline std::string EpsgOf(const Tellurion::BGeoReference& reference) {
-    return reference.HasCoordSys() ? reference.CoordSys->ToEPSGCode().StdStr() : "none";
+/// Writing is refused on both roads, and a file that does not open is named.
+template <class Format>
+void ExpectReadOnly(const std::string& name) {
+    const TempFolder folder;
+    Tellurion::BGeoReference reference;
+    const unsigned int flags = 0;
+    const Thrown refused = {kNotSupported, "Bref" + name + "::Write",
+                            "Writing of " + name + " file types is not supported."};
+    ExpectThrown(WhatIsThrown([&] { Format::Write(Tellurion::BString("x"), reference); }), refused);
+    ExpectThrown(WhatIsThrown([&] { Format::Write(Tellurion::BString("x"), flags, reference); }), refused);
+    ExpectThrown(ReadTyped<Format>(folder / ".", 0, reference),
+                 {kNoAccess, "BRef" + name + "::Read",
+                  "Could not open the reference file <" + (folder / ".") + "> for reading."});
 }
-
-/// The bytes that this process has read so far, from whatever file.
-inline long BytesRead() {
-    std::ifstream io("/proc/self/io");
-    std::string label;
-    long bytes = -1;
-    io >> label >> bytes;
-    return label == "rchar:" ? bytes : -1;
-}
-
-constexpr unsigned int kStrict = BMapAnchor::kStrictTransform | BMapAnchor::kStrictCoordSys;
 
 }  // namespace MapAnchor

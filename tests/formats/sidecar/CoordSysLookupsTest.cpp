@@ -7,80 +7,61 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <set>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace MapAnchor {
 namespace {
 
 using GeoCalc::CS::CProjectedCoordSys;
 using GeoCalc::DB::CDataSource;
-using Tellurion::BCoordSys;
-using Tellurion::BGeoReference;
-using Tellurion::BIdentifier;
-using Tellurion::BLinearUnit;
-using Tellurion::BSharedPtr;
-using Tellurion::BString;
+using namespace Tellurion;
 
 BSharedPtr<BCoordSys> FromEpsg(const char* code) {
     return BSharedPtr<BCoordSys>(BCoordSys::FromEPSGCode(code));
 }
 
-std::tm SecondOfJanuary(int year = 80) {
+TEST(FormatERSTimeStamp, PutsTheZoneBeforeTheYear) {
     std::tm time{};
-    time.tm_year = year;
+    time.tm_year = 80;
     time.tm_mday = 2;
     time.tm_wday = 3;
     time.tm_hour = 2;
     time.tm_min = 3;
     time.tm_sec = 55;
-    return time;
-}
-
-TEST(FormatERSTimeStamp, PutsTheZoneBeforeTheYear) {
-    struct Case {
+    std::tm beyond = time;
+    beyond.tm_year = 2'000'000'000;
+    const struct {
         const char* name;
+        const std::tm* time;
         int limit;
         const char* text;
+    } cases[] = {
+        {"far_from_the_limit", &time, 255, "Wed Jan 02 02:03:55 GMT 1980\n"},
+        {"only_the_zone_outgrows_the_limit", &time, 25, "Wed Jan 02 02:03:55 GMT 1980\n"},
+        {"longer_without_the_zone", &time, 24, "Wed Jan 02 02:03:55 GMT "},
+        {"cut_before_the_zone", &time, 3, "Wed"},
+        {"no_room", &time, 0, ""},
+        {"a_limit_below_zero", &time, -1, ""},
+        {"no_time", nullptr, 255, "untouched"},
+        {"a_year_beyond_the_text", &beyond, 255, "untouched"},
     };
-    constexpr Case kCases[] = {
-        {"far_from_the_limit", 255, "Wed Jan 02 02:03:55 GMT 1980\n"},
-        {"only_the_zone_outgrows_the_limit", 25, "Wed Jan 02 02:03:55 GMT 1980\n"},
-        {"longer_without_the_zone", 24, "Wed Jan 02 02:03:55 GMT "},
-        {"cut_before_the_zone", 3, "Wed"},
-        {"no_room", 0, ""},
-        {"a_limit_below_zero", -1, ""},
-    };
-    const std::tm time = SecondOfJanuary();
-    for (const Case& c : kCases) {
+    for (const auto& c : cases) {
         char out[64] = "untouched";
-        EXPECT_TRUE(FormatERSTimeStamp(&time, out, c.limit)) << c.name;
+        EXPECT_EQ(FormatERSTimeStamp(c.time, out, c.limit), c.text != std::string("untouched")) << c.name;
         EXPECT_STREQ(out, c.text) << c.name;
     }
-}
-
-TEST(FormatERSTimeStamp, LeavesTheTextAloneWithoutATime) {
-    char out[64] = "untouched";
-    const std::tm beyond = SecondOfJanuary(2'000'000'000);
-    EXPECT_FALSE(FormatERSTimeStamp(nullptr, out, 255));
-    EXPECT_FALSE(FormatERSTimeStamp(&beyond, out, 255));
-    EXPECT_STREQ(out, "untouched");
-    const std::tm time = SecondOfJanuary();
     EXPECT_FALSE(FormatERSTimeStamp(&time, nullptr, 255));
 }
 
 TEST(CompareNoCase, StopsAtTheFirstDifferenceTheEndOrTheCount) {
-    struct Case {
+    const struct {
         const char* name;
         const char* a;
         const char* b;
         std::size_t count;
         int result;
-    };
-    constexpr Case kCases[] = {
+    } cases[] = {
         {"case_alone", "Knp/SC", "KNP/sc", 6, 0},
         {"difference_behind_the_count", "abcX", "ABCY", 3, 0},
         {"count_of_zero", "a", "b", 0, 0},
@@ -91,7 +72,7 @@ TEST(CompareNoCase, StopsAtTheFirstDifferenceTheEndOrTheCount) {
         {"brackets_are_no_letters", "[", "{", 1, '[' - '{'},
         {"bytes_above_ascii_are_positive", "\xE9", "a", 1, 0xE9 - 'a'},
     };
-    for (const Case& c : kCases)
+    for (const auto& c : cases)
         EXPECT_EQ(CompareNoCase(c.a, c.b, c.count), c.result) << c.name;
 }
 
@@ -137,16 +118,14 @@ TEST(BuildCompoundWKT, WritesTheVerticalPartOfTheSystem) {
     EXPECT_NE(text.find(",VERT_CS[\"ODN height\",VERT_DATUM["), std::string::npos) << text;
 }
 
-struct NameCase {
+constexpr struct {
     const char* name;
     const char* projection;
     const char* datum;
     int units;
     const char* epsg;  ///< empty where no EPSG system is the same
     const char* unit;
-};
-
-constexpr NameCase kNames[] = {
+} kNames[] = {
     {"datum_of_its_own", "NUTM12", "", 4, "EPSG:32612", "metre"},
     {"datum_said", "NUTM12", "NAD27", 4, "EPSG:26712", "metre"},
     {"names_in_lower_case", "nutm12", "nad83", 4, "EPSG:26912", "metre"},
@@ -175,30 +154,23 @@ constexpr NameCase kNames[] = {
     {"datum_of_an_ellipsoid_alone", "GEODETIC", "NAD27MTR", 4, "", "degree"},
 };
 
-class NamesOfErMapper : public testing::TestWithParam<NameCase> {};
-
-TEST_P(NamesOfErMapper, AreUnderstood) {
-    const NameCase& c = GetParam();
-    const auto system = FindERMapperCoordSys(c.projection, c.datum, c.units);
-    ASSERT_TRUE(system);
-    EXPECT_EQ(system->ToEPSGCode(), BString(c.epsg)) << system->GetName();
-    EXPECT_EQ(system->GetUnits()->GetName(), BString(c.unit));
+TEST(FindERMapperCoordSys, UnderstandsTheNames) {
+    for (const auto& c : kNames) {
+        SCOPED_TRACE(c.name);
+        const auto system = FindERMapperCoordSys(c.projection, c.datum, c.units);
+        ASSERT_TRUE(system);
+        EXPECT_EQ(system->ToEPSGCode(), BString(c.epsg)) << system->GetName();
+        EXPECT_EQ(system->GetUnits()->GetName(), BString(c.unit));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, NamesOfErMapper, testing::ValuesIn(kNames),
-                         [](const auto& row) { return std::string(row.param.name); });
-
 TEST(FindERMapperCoordSys, IsEmptyForNamesThatNobodyKnows) {
-    struct Case {
-        const char* projection;
-        const char* datum;
-    };
-    constexpr Case kCases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"", "WGS84"},       {"RAW", "RAW"},        {"XYZF83", ""},      {"83", ""},
         {"EPSG:999999", ""}, {"EPSG:", ""},         {"EPSG:5703", ""},   {"GEODETIC", ""},
         {"GEODETIC", "RAW"}, {"geodetic", "WGS84"}, {"NUTM61", "WGS84"}, {"../../etc", ""}};
-    for (const Case& c : kCases)
-        EXPECT_FALSE(FindERMapperCoordSys(c.projection, c.datum, 4)) << c.projection << ' ' << c.datum;
+    for (const auto& [projection, datum] : cases)
+        EXPECT_FALSE(FindERMapperCoordSys(projection, datum, 4)) << projection << ' ' << datum;
 }
 
 std::size_t CountStored() {
@@ -291,56 +263,49 @@ protected:
 
 TEST_F(WalkThroughTheDatabase, FindsWhatTheLookUpFinds) {
     std::set<std::string> names;
+    const auto compare = [&](const BSharedPtr<BCoordSys>& system, const std::string& name) {
+        EXPECT_EQ(LookUp(system), Walk(*system)) << name;
+        names.insert(LookUp(system).StdStr());
+    };
     for (const char* code :
          {"32601", "32633", "32660", "32701", "26912", "26712", "28355", "7855", "20255", "27700",
           "2154",  "3857",  "2193",  "2225",  "26946", "3310",  "5070",  "3035", "2056",  "31467",
-          "28992", "3413",  "3395",  "27291", "30200", "2326",  "6933",  "4412"}) {
-        const auto system = FromEpsg(code);
-        EXPECT_EQ(LookUp(system), Walk(*system)) << code;
-        names.insert(LookUp(system).StdStr());
-    }
+          "28992", "3413",  "3395",  "27291", "30200", "2326",  "6933",  "4412"})
+        compare(FromEpsg(code), code);
     // Both roads could agree on nothing.
     EXPECT_GT(names.size(), 15U);
-}
-
-TEST_F(WalkThroughTheDatabase, AgreesOnEveryNameOfItsOwn) {
+    names.clear();
     int step = 0;
-    for (const auto& entry : All()) {
-        if (!entry->GetIdentifiers().Exists("ERMapper") || ++step % 31 != 0) continue;
-        const BSharedPtr<BCoordSys> system(
-            new BCoordSys(dynamic_cast<const CProjectedCoordSys&>(*entry).GetDefinition()));
-        const BString name = LookUp(system);
-        EXPECT_EQ(name, Walk(*system)) << entry->GetName();
-        EXPECT_FALSE(name.IsEmpty()) << entry->GetName();
-    }
+    for (const auto& entry : All())
+        if (entry->GetIdentifiers().Exists("ERMapper") && ++step % 31 == 0) {
+            const auto& object = dynamic_cast<const CProjectedCoordSys&>(*entry);
+            compare(BSharedPtr<BCoordSys>(new BCoordSys(object.GetDefinition())), entry->GetName().StdStr());
+        }
+    EXPECT_GT(names.size(), 15U);
+    EXPECT_EQ(names.count(""), 0U);  // each has one of its own
 }
 
-TEST(GetERMapperProjectionName, NamesProjectionsAndDatums) {
-    struct Case {
+TEST(GetERMapperProjectionName, NamesProjectionsAndDatumsThatAreReadBack) {
+    const struct {
         const char* code;
         const char* name;  ///< empty for none
-    };
-    constexpr Case kCases[] = {{"26912", "NUTM12"}, {"32612", "NUTM12"},   {"28355", "SUTM55"},
-                               {"2193", "NZTM"},    {"2230", "L2CAL6F83"}, {"26946", "L2CAL6M"},
-                               {"4326", "WGS84"},   {"4267", "NAD27"},     {"2056", ""},
-                               {"4171", "RGF93"},   {"4167", "NZGD2000"},  {"4490", ""}};
-    for (const Case& c : kCases) {
+        bool read_back;
+    } cases[] = {{"26912", "NUTM12", true}, {"32612", "NUTM12", true},   {"28355", "SUTM55", true},
+                 {"2193", "NZTM", true},    {"2230", "L2CAL6F83", true}, {"26946", "L2CAL6M", true},
+                 {"27700", "TMOSGB", true}, {"23031", "NUTM31", true},   {"32733", "SUTM33", true},
+                 {"4326", "WGS84", true},   {"4267", "NAD27", true},     {"2056", "", false},
+                 {"4171", "RGF93", true},   {"4167", "NZGD2000", true},  {"4490", "", false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.code);
+        const auto system = FromEpsg(c.code);
         BString name("untouched");
-        const bool found = GetERMapperProjectionName(name, FromEpsg(c.code));
-        EXPECT_EQ(found, *c.name != '\0') << c.code;
-        EXPECT_EQ(name, BString(found ? c.name : "untouched")) << c.code;
-    }
-}
-
-TEST(GetERMapperProjectionName, IsReadBackAsTheSameSystem) {
-    for (const char* code : {"26912", "28355", "27700", "2230", "26946", "2193", "32733", "23031"}) {
-        const auto system = FromEpsg(code);
-        BString name;
+        EXPECT_EQ(GetERMapperProjectionName(name, system), *c.name != '\0');
+        EXPECT_EQ(name, BString(*c.name ? c.name : "untouched"));
+        if (!c.read_back) continue;
         BIdentifier datum;
-        ASSERT_TRUE(GetERMapperProjectionName(name, system)) << code;
-        ASSERT_TRUE(system->GetDatumIdentifier("ERMapper", datum)) << code;
+        ASSERT_TRUE(system->GetDatumIdentifier("ERMapper", datum));
         const auto read = FindERMapperCoordSys(name, datum.Code, 4);
-        ASSERT_TRUE(read) << code;
+        ASSERT_TRUE(read);
         EXPECT_EQ(read->ToEPSGCode(), system->ToEPSGCode());
     }
 }

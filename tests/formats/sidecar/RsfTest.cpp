@@ -72,34 +72,17 @@ TEST(Rsf, TheRoadsTakeWhatTheyShould) {
 TEST(Rsf, RowsComeBeforeColumnsAndYBeforeX) {
     const TempFolder folder;
     const LogCapture log;
-    BGeoReference reference;
-    ASSERT_EQ(Roads::Read(folder.Write("map.rsf",
-                                       "1 2\n\"A \xE9\" 10 20 7 5.5 6.5 1.25 0\n"
-                                       "B 1.9 -2.9 0 1e3 nan 0 -1\n"),
-                          reference)
-                  .type,
-              "");
-    const BPointPair& first = reference.PointPairVector.at(0);
-    EXPECT_EQ(first.Name, BString("A \xC3\xA9"));  // Windows-1252, as it is no UTF-8
-    EXPECT_EQ(first.Row, 10);
-    EXPECT_EQ(first.Column, 20);
-    EXPECT_EQ(first.World.y, 5.5);
-    EXPECT_EQ(first.World.x, 6.5);
-    EXPECT_EQ(first.World.z, 1.25);
-    EXPECT_FALSE(first.Enabled);
-    const BPointPair& second = reference.PointPairVector.at(1);
-    EXPECT_EQ(second.Row, 1);  // cut towards zero
-    EXPECT_EQ(second.Column, -2);
-    EXPECT_TRUE(second.Enabled);
+    // The first name is Windows-1252, as it is no UTF-8; pixels are cut towards zero.
+    const std::string rows = "\"A \xE9\" 10 20 7 5.5 6.5 1.25 0\nB 1.9 -2.9 0 1e3 nan 0 -1\n";
+    EXPECT_EQ(PointsOf(Good(folder.Write("map.rsf", "1 2\n" + rows))),
+              "A \xC3\xA9: 20 10 6.5 5.5 1.25 off\nB: -2 1 nan 1000 0\n");
 }
 
 TEST(Rsf, FitsThroughThePoints) {
     const TempFolder folder;
-    BGeoReference reference;
-    ASSERT_EQ(Roads::Read(kRsf, folder.Write("map.rsf", "1 3\n" + kRows), reference, Roads::kStrict).type,
-              "");
+    const BGeoReference reference = Good(kRsf, folder.Write("map.rsf", "1 3\n" + kRows));
     ASSERT_TRUE(reference.HasMathTransform());
-    BPoint world = reference.MathTransform->ConvertSourceToTarget(BPoint(199, 99, 0));
+    const BPoint world = reference.MathTransform->ConvertSourceToTarget(BPoint(199, 99, 0));
     EXPECT_NEAR(world.x, 12, 1e-12);
     EXPECT_NEAR(world.y, 49, 1e-12);
 }
@@ -152,14 +135,11 @@ TEST(Rsf, WritesVersionFour) {
         "4 3\n\"A b\" 10 20 0 5.500000000000000 6.500000000000000 0.12500 1\n"
         "\"\xC3\x85, (2)\" 10 220 0 5.500000000000000 8.500000000000000 0.00000 0\n"
         "\"\" 110 20 0 -0.100000000000000 6.500000000000000 0.00000 1\n";
-    EXPECT_EQ(Roads::Save(folder / "name.rsf", reference).type, "");
-    EXPECT_EQ(TempFolder::Slurp(folder / "name.rsf"), rows + kNone);
+    EXPECT_EQ(Written(folder / "name.rsf", reference), rows + kNone);
     References::SetSystem(reference, "32633");
-    EXPECT_EQ(Roads::Save(folder / "name.rsf", reference).type, "");
-    EXPECT_EQ(TempFolder::Slurp(folder / "name.rsf"),
-              rows + kNone + "\n" + reference.CoordSys->ToWKT().StdStr());
-    EXPECT_EQ(Roads::Save(kRsf, folder / "type.rsf", reference, Roads::kStrict).type, "");
-    EXPECT_EQ(TempFolder::Slurp(folder / "type.rsf"), TempFolder::Slurp(folder / "name.rsf"));
+    const std::string with_system = rows + kNone + "\n" + reference.CoordSys->ToWKT().StdStr();
+    EXPECT_EQ(Written(folder / "name.rsf", reference), with_system);
+    EXPECT_EQ(Written(kRsf, folder / "type.rsf", reference), with_system);
 }
 
 // The word outside the quotes, which no grammar has, must not cost the system.
@@ -168,11 +148,9 @@ TEST(Rsf, HeightsOfAnUnknownDatumComeBack) {
     BGeoReference reference = ThreePoints();
     References::SetSystem(reference, "32633");
     reference.SetVerticalUnit(BLinearUnit::GetLinearUnit({"EPSG", "9003"}));
-    ASSERT_EQ(Roads::Save(folder / "map.rsf", reference).type, "");
-    EXPECT_NE(TempFolder::Slurp(folder / "map.rsf").find("COMPD_CS[Vertical \"WGS 84"), std::string::npos);
+    EXPECT_NE(Written(folder / "map.rsf", reference).find("COMPD_CS[Vertical \"WGS 84"), std::string::npos);
     for (const unsigned int flags : {0U, BMapAnchor::kStrictCoordSys}) {
-        BGeoReference back;
-        ASSERT_EQ(Roads::Read(kRsf, folder / "map.rsf", back, flags).type, "");
+        const BGeoReference back = Good(kRsf, folder / "map.rsf", flags);
         ASSERT_TRUE(back.HasCoordSys());
         EXPECT_EQ(back.CoordSys->GetKind(), BCoordSys::kKindProjected);
         EXPECT_NEAR(back.CoordSys->GetVerticalUnits()->GetUnitsPerMeter(), 3937 / 1200.0, 1e-9);
@@ -196,12 +174,9 @@ TEST(Rsf, NamesThatNoRowCanHold) {
     BGeoReference reference = References::WithPoints(
         {{1, 2, 3, 4, 0, "say \"hi\"\n", true}, {5, 6, 7, 8, 0, std::string(254, 'n') + "\xC3\xA9", true}});
     const std::string file = folder / "map.rsf";
-    EXPECT_EQ(Roads::Save(file, reference).type, "");
+    Written(file, reference);
     EXPECT_EQ(log.lines.at(0), "BRefRSF::Write The name <say \"hi\"\n> is written as <say 'hi' >");
-    BGeoReference back;
-    EXPECT_EQ(Roads::Read(file, back).type, "");
-    EXPECT_EQ(back.PointPairVector.at(0).Name, BString("say 'hi' "));
-    EXPECT_EQ(back.PointPairVector.at(1).Name, BString(std::string(254, 'n')));
+    EXPECT_EQ(PointsOf(Good(file)), "say 'hi' : 1 2 3 4 0\n" + std::string(254, 'n') + ": 5 6 7 8 0\n");
 }
 
 }  // namespace

@@ -71,26 +71,11 @@ class PointSidecars : public Sidecars {};
 
 TEST_P(PointSidecars, ATransformAloneGivesTheCornerPixels) {
     const std::string file = File("map");
-    const auto expect_corners = [&] {
-        BGeoReference back;
-        EXPECT_EQ(Roads::Read(file, back).type, "");
-        std::vector<std::array<double, 4>> corners;
-        std::string names;
-        for (const BPointPair& pair : back.PointPairVector) {
-            corners.push_back({static_cast<double>(pair.Column), static_cast<double>(pair.Row), pair.World.x,
-                               pair.World.y});
-            names += pair.Name.StdStr();
-        }
-        EXPECT_EQ(corners,
-                  (std::vector<std::array<double, 4>>{
-                      {0, 0, 100, 300}, {199, 0, 498, 300}, {199, 99, 498, 102}, {0, 99, 100, 102}}));
-        EXPECT_EQ(names, "NWNESESW");
-    };
-    EXPECT_EQ(Roads::Save(file, reference).type, "");
-    expect_corners();
-    const std::string by_name = TempFolder::Slurp(file);
-    EXPECT_EQ(Roads::Save(type, file, reference).type, "");
-    EXPECT_EQ(TempFolder::Slurp(file), by_name);
+    const std::string by_name = Written(file, reference);
+    EXPECT_EQ(PointsOf(Good(file)),
+              "NW: 0 0 100 300 0\nNE: 199 0 498 300 0\nSE: 199 99 498 102 0\n"
+              "SW: 0 99 100 102 0\n");
+    EXPECT_EQ(Written(type, file, reference, 0), by_name);
 }
 
 TEST_P(PointSidecars, WithoutPointsOrWithATransformThatBreaks) {
@@ -105,10 +90,8 @@ TEST_P(PointSidecars, WithoutPointsOrWithATransformThatBreaks) {
                   "Can't write " + GetParam().name + " file <" + file +
                       ">.  When generating GCP's an exception (message no value here (source)) was thrown."});
     // Without strictness the corners before the break are written.
-    EXPECT_EQ(Roads::Save(type, file, References::Breaking()).type, "");
-    BGeoReference back;
-    EXPECT_EQ(Roads::Read(file, back).type, "");
-    EXPECT_EQ(back.PointPairVector.size(), 2U);
+    Written(type, file, References::Breaking(), 0);
+    EXPECT_EQ(Good(file).PointPairVector.size(), 2U);
     EXPECT_EQ(Roads::Save(file, References::Breaking()).type, "BGeoCalcException");
 }
 

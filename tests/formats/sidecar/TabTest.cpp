@@ -37,6 +37,8 @@ TEST(Tab, TheRoadsTakeWhatTheyShould) {
          {"no_clause", kHead + kPoints, kNoSystem, {3, true}},
          {"bad_clause", kHead + kPoints + kBadClause, kNoSystem, {3, true}},
          {"clause_alone", kHead + kClause, kTaken, kSystem},
+         // A local system is no system on the Earth: by type it counts as none.
+         {"local_system", kHead + kPoints + "CoordSys NonEarth Units \"m\"", kNoSystem, kAll},
          {"bad_clause_alone", kHead + kBadClause, kNothing},
          {"marks_alone", kHead, kNothing},
          {"table_in_capitals", marked("!TABLE", "RASTER"), kTaken, kAll},
@@ -57,28 +59,14 @@ TEST(Tab, TheRoadsTakeWhatTheyShould) {
 TEST(Tab, PointsAsTheyStand) {
     const TempFolder folder;
     const LogCapture log;
-    BGeoReference reference;
     const std::string file = folder.Write(
         "map.tab", kHead +
                        "  (1.5,2.5) (3,4) Label P\n(-1e3, .5) (3.9, -4.9) Label \"a, (b) \xC3\xA9\",\n"
                        "(x,y) (99999999999,z) label\n( 0 , 0 ) ( 1 , 2 ) Label \"\xE9\x80\",\n");
-    ASSERT_EQ(Roads::Read(file, reference).type, "");
-    const auto& points = reference.PointPairVector;
-    ASSERT_EQ(points.size(), 4U);
-    EXPECT_EQ(points[0].Name, BString("P"));
-    EXPECT_EQ(points[0].World.x, 1.5);
-    EXPECT_EQ(points[0].World.y, 2.5);
-    EXPECT_EQ(points[0].Column, 3);
-    EXPECT_EQ(points[0].Row, 4);
-    EXPECT_TRUE(points[0].Enabled);
-    EXPECT_EQ(points[1].Name, BString("a, (b) \xC3\xA9"));
-    EXPECT_EQ(points[1].World.x, -1000.0);
-    EXPECT_EQ(points[1].Column, 3);
-    EXPECT_EQ(points[1].Row, -4);
-    EXPECT_EQ(points[2].Name, BString());
-    EXPECT_EQ(points[2].Column, 2147483647);
-    EXPECT_EQ(points[2].World.x, 0.0);
-    EXPECT_EQ(points[3].Name, BString("\xC3\xA9\xE2\x82\xAC"));  // Windows-1252: e acute, euro
+    // The last is Windows-1252: e acute, euro.
+    EXPECT_EQ(PointsOf(Good(file)),
+              "P: 3 4 1.5 2.5 0\na, (b) \xC3\xA9: 3 -4 -1000 0.5 0\n: 2147483647 0 0 0 0\n"
+              "\xC3\xA9\xE2\x82\xAC: 1 2 0 0 0\n");
 }
 
 TEST(Tab, ReadFailuresSayWhatAndWhere) {
@@ -106,33 +94,18 @@ TEST(Tab, ReadFailuresSayWhatAndWhere) {
 TEST(Tab, ClausesInFeetMeanWhatTheySay) {
     const TempFolder folder;
     const auto read = [&](const std::string& unit) {
-        BGeoReference reference;
-        const std::string file = folder.Write(
+        return Good(folder.Write(
             "map.tab", kHead + kPoints + "CoordSys Earth Projection 3, 74, \"" + unit +
                            "\", -100.333333333333, 29.6666666666667, 30.1166666666667, 31.8833333333333, "
-                           "2296583.333, 9842500\n");
-        EXPECT_EQ(Roads::Read(file, reference).type, "");
-        return reference;
+                           "2296583.333, 9842500\n"));
     };
     const BGeoReference us_feet = read("survey ft");
-    EXPECT_EQ(us_feet.CoordSys->ToEPSGCode(), BString("EPSG:2277"));
+    EXPECT_EQ(CodeOf(us_feet), "EPSG:2277");
     const BPoint origin = us_feet.CoordSys->ConvertToGeodetic(BPoint(2296583.333, 9842500, 0));
     EXPECT_NEAR(origin.x, -100 - 1 / 3.0, 1e-9);
     EXPECT_NEAR(origin.y, 29 + 2 / 3.0, 1e-9);
-    EXPECT_EQ(read("ft").CoordSys->ToEPSGCode(), BString());
-    EXPECT_EQ(read("m").CoordSys->ToEPSGCode(), BString());
-}
-
-// A local system is no system on the Earth: by type it counts as none.
-TEST(Tab, ALocalSystemIsTakenByNameAlone) {
-    const TempFolder folder;
-    const std::string file = folder.Write("map.tab", kHead + kPoints + "CoordSys NonEarth Units \"m\"");
-    BGeoReference by_name, by_type;
-    EXPECT_EQ(Roads::Read(file, by_name).type, "");
-    EXPECT_TRUE(by_name.HasCoordSys());
-    EXPECT_EQ(Roads::Read(kTab, file, by_type).type, "");
-    EXPECT_FALSE(by_type.HasCoordSys());
-    EXPECT_EQ(Roads::Read(kTab, file, by_type, BMapAnchor::kStrictCoordSys).type, kInvalidSystem);
+    EXPECT_EQ(CodeOf(read("ft")), "");
+    EXPECT_EQ(CodeOf(read("m")), "");
 }
 
 TEST(Tab, WritesPointsAndClause) {
@@ -149,18 +122,14 @@ TEST(Tab, WritesPointsAndClause) {
                               "  (-8.50000000000, 1000000.00000000000) (220, 11) Label \"b, (2)\",\n"
                               "  (0.10000000000, 0.00000000000) (3, 4) Label \"\"\n";
     const std::string file = folder / "map.tab";
-    EXPECT_EQ(Roads::Save(file, reference, "/some/where/my map.tif").type, "");
-    EXPECT_EQ(TempFolder::Slurp(file), three + kDefaultClause);
+    EXPECT_EQ(Written(file, reference, "/some/where/my map.tif"), three + kDefaultClause);
     References::SetSystem(reference, "32633");
     EXPECT_EQ(Roads::Save(kTab, file, reference, Roads::kStrict, "/some/where/my map.tif").type, "");
     EXPECT_EQ(
         TempFolder::Slurp(file),
         three + BCoordSysRepository::Instance()->WriteCoordSysToMIFString(*reference.CoordSys).StdStr());
-
     // One point has no comma.
-    reference = References::WithPoints({{1, 2, 3, 4, 0, "P", true}});
-    EXPECT_EQ(Roads::Save(file, reference, "my map.tif").type, "");
-    EXPECT_EQ(TempFolder::Slurp(file),
+    EXPECT_EQ(Written(file, References::WithPoints({{1, 2, 3, 4, 0, "P", true}}), "my map.tif"),
               head + "  (3.00000000000, 4.00000000000) (1, 2) Label \"P\"\n" + kDefaultClause);
     EXPECT_TRUE(log.lines.empty());
 }
@@ -172,15 +141,12 @@ TEST(Tab, LabelsAreInTheCharsetThatTheHeaderStates) {
     const BGeoReference reference = References::WithPoints(
         {{1, 2, 3, 4, 0, label, true}, {1, 2, 3, 4, 0, "\xE5\x8C\x97 \xF0\x9F\x97\xBA!", true}});
     const std::string file = folder / "map.tab";
-    EXPECT_EQ(Roads::Save(file, reference, "\xC3\xA9.tif").type, "");
-    EXPECT_NE(TempFolder::Slurp(file).find("Label \"\xC5ngstr\xF6m \x80\",\n"), std::string::npos);
+    EXPECT_NE(Written(file, reference, "\xC3\xA9.tif").find("Label \"\xC5ngstr\xF6m \x80\",\n"),
+              std::string::npos);
     EXPECT_EQ(log.lines,
               std::vector<std::string>{"BRefTAB::Write The text <\xE5\x8C\x97 \xF0\x9F\x97\xBA!> has "
                                        "characters that WindowsLatin1 does not hold"});
-    BGeoReference back;
-    EXPECT_EQ(Roads::Read(file, back).type, "");
-    EXPECT_EQ(back.PointPairVector.at(0).Name, BString(label));
-    EXPECT_EQ(back.PointPairVector.at(1).Name, BString("? ?!"));
+    EXPECT_EQ(PointsOf(Good(file)), label + ": 1 2 3 4 0\n? ?!: 1 2 3 4 0\n");
 }
 
 // The class that by type speaks of a reference without points is another; so it has always been.
@@ -204,15 +170,12 @@ TEST(Tab, ASystemWithoutAClauseGetsTheDefault) {
         "\"standard_parallel_1\",45],PARAMETER[\"central_meridian\",0],PARAMETER[\"false_easting\",0],"
         "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]")));
     ASSERT_TRUE(reference.HasCoordSys());
-    EXPECT_EQ(Roads::Save(file, reference).type, "");
-    const std::string with_default = TempFolder::Slurp(file);
+    const std::string with_default = Written(file, reference);
     EXPECT_TRUE(with_default.ends_with("\"P\"\n" + kDefaultClause)) << with_default;
     EXPECT_EQ(log.lines, std::vector<std::string>{
                              "BRefTAB::Write Failed to generate valid MIF CoordSys clause, using Default"});
-    log.lines.clear();
-    EXPECT_EQ(Roads::Save(kTab, file, reference).type, "");
-    EXPECT_EQ(TempFolder::Slurp(file), with_default);
-    EXPECT_TRUE(log.lines.empty());
+    EXPECT_EQ(Written(kTab, file, reference, 0), with_default);
+    EXPECT_EQ(log.lines.size(), 1U);
     ExpectThrown(Roads::Save(kTab, file, reference, BMapAnchor::kStrictCoordSys),
                  {kInvalidSystem, "BRefTAB::Write", "Couldn't generate a MIF clause for CoordSys odd."});
 }

@@ -20,13 +20,9 @@ constexpr const char* kWgs84 =
     "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],"
     "PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]]";
 
+// Rotated: half of lines 1 and 4 alone make the shift.
 TEST(WorldFile, AnchorsTheAffineAtTheOuterCorner) {
-    const TempFolder folder;
-    BGeoReference reference;
-    // Rotated: half of lines 1 and 4 alone make the shift.
-    ASSERT_EQ(Roads::Read(folder.Write("map.tfw", "2\n0.5\n-0.25\n-4\n101\n198\n"), reference).type, "");
-    EXPECT_EQ(References::Terms(reference), (Six{2, -0.25, 100, 0.5, -4, 200}));
-    EXPECT_FALSE(reference.IsPixelAsPointRegistered());
+    ExpectPlaces(kWld, ".tfw", {{"rotated", "2\n0.5\n-0.25\n-4\n101\n198\n", {2, -0.25, 100, 0.5, -4, 200}}});
 }
 
 // Which contents the roads take, and how they end.
@@ -111,20 +107,15 @@ TEST(WorldFile, WritesTwelveDecimalsAndThePrjByNameAlone) {
     const TempFolder folder;
     BGeoReference reference = References::WithAffine(1, 0, 0, 0, -1, 0);
     References::SetSystem(reference, "32633");
-    EXPECT_EQ(Roads::Save(folder / "name.tfw", reference).type, "");
-    EXPECT_EQ(Roads::Save(kWld, folder / "type.tfw", reference).type, "");
-    for (const char* name : {"name.tfw", "type.tfw"})
-        EXPECT_EQ(TempFolder::Slurp(folder / name),
-                  "1.000000000000\n0.000000000000\n0.000000000000\n-1.000000000000\n0.500000000000\n"
-                  "-0.500000000000\n");
+    const std::string lines =
+        "1.000000000000\n0.000000000000\n0.000000000000\n-1.000000000000\n0.500000000000\n-0.500000000000\n";
+    EXPECT_EQ(Written(folder / "name.tfw", reference), lines);
+    EXPECT_EQ(Written(kWld, folder / "type.tfw", reference), lines);
     EXPECT_EQ(TempFolder::Slurp(folder / "name.prj").substr(0, 8), "PROJCS[\"");
     EXPECT_FALSE(BFileUtilities::Exists(BString(folder / "type.prj")));
-    BGeoReference back;
-    EXPECT_EQ(Roads::Read(folder / "name.tfw", back).type, "");
-    EXPECT_EQ(CodeOf(back), "EPSG:32633");
     // Without a system an older prj stays.
-    EXPECT_EQ(Roads::Save(folder / "name.tfw", References::WithAffine(1, 0, 0, 0, -1, 0)).type, "");
-    EXPECT_TRUE(BFileUtilities::Exists(BString(folder / "name.prj")));
+    EXPECT_EQ(Written(folder / "name.tfw", References::WithAffine(1, 0, 0, 0, -1, 0)), lines);
+    EXPECT_EQ(CodeOf(Good(folder / "name.tfw")), "EPSG:32633");
 }
 
 // What twelve decimals hold comes back: lines 1 to 4 as written, 5 and 6 too.
@@ -133,9 +124,9 @@ TEST(WorldFile, ReadSaveReadGivesTheSameLines) {
     const std::string file = folder / "map.tfw";
     std::mt19937_64 random(5);
     std::uniform_real_distribution<double> unit(-1.0, 1.0);
-    const auto save_and_read = [&](const BGeoReference& reference, BGeoReference& read) {
-        EXPECT_EQ(Roads::Save(file, reference).type, "");
-        ASSERT_EQ(Roads::Read(kWld, file, read, BMapAnchor::kStrictTransform).type, "");
+    const auto passed = [&](const BGeoReference& reference) {
+        Written(file, reference);
+        return Good(kWld, file, BMapAnchor::kStrictTransform);
     };
     for (int round = 0; round < 400; ++round) {
         const double size = std::pow(10.0, -6.0 + round % 20);
@@ -143,9 +134,8 @@ TEST(WorldFile, ReadSaveReadGivesTheSameLines) {
         const BGeoReference reference =
             References::WithAffine(size * unit(random), size * unit(random), shift * unit(random),
                                    size * unit(random), size * unit(random), shift * unit(random));
-        BGeoReference read, reread;
-        save_and_read(reference, read);
-        save_and_read(read, reread);
+        const BGeoReference read = passed(reference);
+        const BGeoReference reread = passed(read);
         const Six got = References::Terms(read);
         for (const std::size_t term : {0U, 1U, 3U, 4U}) {
             ASSERT_EQ(got[term], ParseDouble(PrintFixed(References::Terms(reference)[term], 12)));
@@ -190,8 +180,7 @@ TEST(WorldFile, WhatCannotBeWrittenSaysSo) {
                                           ">, Exception thrown trying to get Affine Parameters : "))
         << thrown.detail;
     EXPECT_EQ(TempFolder::Slurp(file), "");
-    EXPECT_EQ(Roads::Save(kWld, file, Curved()).type, "");
-    EXPECT_EQ(TempFolder::Slurp(file).size(), 6 * std::string("0.000000000000\n").size());
+    EXPECT_EQ(Written(kWld, file, Curved(), 0).size(), 6 * std::string("0.000000000000\n").size());
 }
 
 }  // namespace
