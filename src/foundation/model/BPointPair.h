@@ -16,9 +16,9 @@ public:
     BPointPair(long column, long row, double worldX, double worldY, double worldZ, BString name,
                bool enabled);  ///< of all
     BPointPair(const BPointPair&) = default;
-    BPointPair(BPointPair&&) noexcept = default;
+    BPointPair(BPointPair&&) noexcept = default;  ///< leaves the name empty
     BPointPair& operator=(const BPointPair&) = default;
-    BPointPair& operator=(BPointPair&&) noexcept = default;
+    BPointPair& operator=(BPointPair&&) noexcept = default;  ///< leaves the name empty
     virtual ~BPointPair();
 
     BString Name;             ///< may be empty
