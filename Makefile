@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 TOOL := build/release/bin/mapanchor
 
-.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package docs abi abi-update clean
+.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package docs abi abi-update hard-places clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -66,8 +66,11 @@ format: setup ## lay out the sources
 format-check: setup ## fail when a source is not laid out
 	@scripts/format.sh --check
 
-tidy: build ## run clang-tidy over the sources
+tidy: build ## run clang-tidy and cppcheck over the sources
 	@scripts/tidy.sh build/release $(JOBS)
+
+hard-places: build ## test under other locales, in a folder with an odd name, and without a place to write
+	@scripts/hard-places.sh build/release $(JOBS)
 
 clean: ## remove all builds
 	rm -rf build

@@ -110,12 +110,16 @@ def test_geodetic_positions_go_both_ways():
     assert system.from_geodetic(longitude, latitude) == pytest.approx((500000.0, 5242000.0), abs=1e-6)
 
 
-def test_a_failed_read_prints_nothing(tmp_path, caplog, capfd):
-    file = tmp_path / "empty.tab"
-    file.write_text("!table\n")
+def test_log_lines_reach_the_logger(map_file, caplog, capfd):
+    map_file.write_text("0\n0\n0\n0\n0\n0\n")
     with caplog.at_level(logging.INFO, "mapanchor"), pytest.raises(mapanchor.Error):
-        mapanchor.read(file, Type.TAB)
-    assert capfd.readouterr().err == ""
+        mapanchor.read(map_file, Type.WLD)
+    line = "BRefWLD::Read Failure A & E (or B & C) are zero!"
+    assert caplog.record_tuples == [("mapanchor", logging.ERROR, line)]
+    caplog.clear()
+    with caplog.at_level(logging.CRITICAL, "mapanchor"), pytest.raises(mapanchor.Error):
+        mapanchor.read(map_file, Type.WLD)
+    assert caplog.records == [] and capfd.readouterr().err == ""
 
 
 def test_other_threads_run_while_a_read_waits(tmp_path):

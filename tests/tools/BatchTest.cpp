@@ -165,6 +165,34 @@ TEST_F(BatchRun, ResumesWhatWasTornOff) {
     EXPECT_EQ(RunTool({"batch", "--resume", folder / "missing/rows.jsonl", folder / "."}).status, 2);
 }
 
+TEST_F(BatchRun, ResumesJsonLinesAlone) {
+    const std::string file = folder.Write("rows.jsonl", "");
+    for (const std::vector<std::string>& other :
+         {std::vector<std::string>{"--to", "csv"}, {"--to", "stac"}, {"--index", folder / "index.gpkg"}}) {
+        std::vector<std::string> words = {"batch", "--resume", file, folder / "."};
+        words.insert(words.end(), other.begin(), other.end());
+        const ToolRun run = RunTool(words);
+        EXPECT_EQ(run.status, 64) << other[0];
+        EXPECT_NE(run.err.find(other[0] + " excludes --resume"), std::string::npos) << run.err;
+        EXPECT_EQ(TempFolder::Slurp(file), "") << other[0];
+    }
+    EXPECT_FALSE(fs::exists(folder / "index.gpkg"));
+}
+
+TEST_F(BatchRun, StatusOfFailuresAlone) {
+    folder.Write("worse.tab", "no table");
+    const struct {
+        const char* what;
+        std::vector<std::string> files;
+        int status;
+    } rows[] = {{"all refused", {"bad.tab", "worse.tab"}, 5},
+                {"all missing", {"none.tfw", "nothing.tfw"}, 2},
+                {"refused and missing", {"bad.tab", "none.tfw"}, 2},
+                {"one of them read", {"bad.tab", "none.tfw", "a.tfw"}, 3}};
+    for (const auto& row : rows)
+        EXPECT_EQ(RunTool({"batch"}, {.in = Names(row.files)}).status, row.status) << row.what;
+}
+
 TEST_F(BatchRun, RowsOfOtherKinds) {
     folder.Write("a,\"1\".tfw", kWorldFile);
     const auto rows = [this](const char* kind) {

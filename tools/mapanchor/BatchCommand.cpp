@@ -235,7 +235,7 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
     batch.add_flag("--overwrite", options.overwrite, "Replace an index that exists");
     batch
         .add_option("--resume", options.resume,
-                    "Add rows to this file, and leave out the inputs that have one in it")
+                    "Add rows to this file of jsonl, and leave out the inputs that have one in it")
         ->type_name("FILE")
         ->excludes(to)
         ->excludes(index);

@@ -122,7 +122,7 @@ private:
     Positions LeftOver(const FitSpace& space) const {
         Positions left = space.to;
         for (Eigen::Index i = 0; i < left.rows(); ++i)
-            left.row(i) -= Evaluate(space.from.row(i).transpose()).value.transpose();
+            left.row(i) -= SplineModel::Evaluate(space.from.row(i).transpose()).value.transpose();
         return left;
     }
 

@@ -11,19 +11,14 @@ using PoDoFo::PdfVariant;
 
 namespace {
 
-/// Returns for no error; else throws, in words that name the key.
-void CheckKeyError(PoDoFo::EPdfError code, const QString& key, const char* type) {
-    switch (code) {
-        case PoDoFo::ePdfError_ErrOk:
-            return;
-        case PoDoFo::ePdfError_InvalidDataType:
-            ThrowPdfError(code, QObject::tr("The key %1 is not of type %2.").arg(key, QLatin1String(type)));
-        case PoDoFo::ePdfError_InvalidKey:
-            ThrowPdfError(
-                code, QObject::tr("The key %1 could not be found within the current dictionary.").arg(key));
-        default:
-            ThrowPdfError(code, QObject::tr("Unknown Error"));
-    }
+[[noreturn]] void ThrowNoKey(const QString& key) {
+    ThrowPdfError(PoDoFo::ePdfError_InvalidKey,
+                  QObject::tr("The key %1 could not be found within the current dictionary.").arg(key));
+}
+
+[[noreturn]] void ThrowOtherType(const QString& key, const char* type) {
+    ThrowPdfError(PoDoFo::ePdfError_InvalidDataType,
+                  QObject::tr("The key %1 is not of type %2.").arg(key, QLatin1String(type)));
 }
 
 }  // namespace
@@ -110,9 +105,9 @@ bool CPDFDictionary::RemoveKey(const QString& key) {
 }
 
 PdfObject& CPDFDictionary::Value(const QString& key, const char* type, Test test) const {
-    PdfObject* value = GetKey(key);
-    if (!value) CheckKeyError(PoDoFo::ePdfError_InvalidKey, key, type);
-    if (!(value->*test)()) CheckKeyError(PoDoFo::ePdfError_InvalidDataType, key, type);
+    PdfObject* const value = GetKey(key);
+    if (!value) ThrowNoKey(key);
+    if (!(value->*test)()) ThrowOtherType(key, type);
     return *value;
 }
 

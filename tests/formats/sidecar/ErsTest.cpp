@@ -1,6 +1,7 @@
 // ERS headers through the front door: the road by name and the road by type.
 
 #include <Tellurion/BIdentifier.h>
+#include <Tellurion/Numbers.h>
 
 #include "Outcomes.h"
 
@@ -183,8 +184,8 @@ TEST(Ers, FeetAreWrittenAsMetresInTheCellSizeAlone) {
     std::smatch sizes;
     ASSERT_TRUE(
         std::regex_search(text, sizes, std::regex("Xdimension\t= ([0-9.]+)\n\t*Ydimension\t= ([0-9.]+)\n")));
-    EXPECT_NEAR(std::stod(sizes[1]), 1200, 1e-9);
-    EXPECT_NEAR(std::stod(sizes[2]), 2400, 1e-9);
+    EXPECT_NEAR(Tellurion::ParseDouble(sizes[1].str()), 1200, 1e-9);
+    EXPECT_NEAR(Tellurion::ParseDouble(sizes[2].str()), 2400, 1e-9);
     EXPECT_NE(text.find("Eastings\t= 3000000.000000000000\n"), std::string::npos);
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "PlainLocale.h"
+
 #include <cfloat>
 #include <climits>
 #include <cstdio>
@@ -16,6 +18,7 @@ namespace {
 
 template <class... Args>
 std::string Printf(const char* format, Args... arguments) {
+    const PlainLocale plain;
     char buffer[2048];
     const int length = std::snprintf(buffer, sizeof buffer, format, arguments...);
     return {buffer, static_cast<std::size_t>(length)};
