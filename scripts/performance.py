@@ -119,8 +119,8 @@ def table_text(rows):
         "floor ran in the same process, in turn. \"Peer / ours\" says how many times faster than the",
         "peer we are (below 1: slower); the floor opens the file, reads its numbers and closes it.",
         "Of a TAB file of 10,000 points GDAL does not read the end: it finds no system there.",
-        "Instructions are those of one operation of ours, counted by Cachegrind; none where a process",
-        "does the operation once.",
+        "Instructions are those of one operation of ours, by Cachegrind; where there are none, none were",
+        "counted.",
         "`make bench-compare` tells which ratio got worse than the one kept here by more than a tenth.",
         "",
         f"{datetime.date.today().isoformat()}, {version('uname', '-m')}, "
