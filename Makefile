@@ -3,6 +3,11 @@
 JOBS ?= $(shell nproc)
 TOOL := build/release/bin/mapanchor
 
+# A clone in another folder finds what this one compiled, precompiled headers included.
+export CCACHE_BASEDIR := $(CURDIR)
+export CCACHE_NOHASHDIR := 1
+export CCACHE_SLOPPINESS := pch_defines,time_macros,include_file_mtime,include_file_ctime
+
 .PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package docs abi abi-update hard-places clean
 
 help: ## list the targets
