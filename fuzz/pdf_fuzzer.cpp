@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const QString path = QString::fromUtf8(std::string(memory.Path().Utf8()).c_str());
     memory.Fill(data, size);
     fuzz::Survives([] {
-        CPDFDocument document(path, EPDFExtent::FirstPageAlone);
+        CPDFDocument document(path, EPDFExtent::FirstPage);
         AskPage(document.GetPage(0));
     });
     fuzz::Survives([] {

@@ -43,7 +43,6 @@ QString WrongType(const char* type) {
 
 CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(extent) {
     Silence();
-    document_ = std::make_unique<PoDoFo::PdfMemDocument>();
     try {
         Load(path);
     } catch (const PoDoFo::PdfError& error) {
@@ -56,7 +55,7 @@ CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(ext
 }
 
 void CPDFDocument::Load(const QString& path) {
-    LoadGuarded(*document_, path.toUtf8().constData(), extent_);
+    document_ = LoadGuarded(path.toUtf8().constData(), extent_);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
 }
 

@@ -5,13 +5,16 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace VellumLib {
 
 namespace {
 
-// Parsers look back a little before the place they jump to.
-constexpr std::int64_t kLookBack = 8 * 1024;
+// Parsers look back a little before the place they jump to, and may go on from there or
+// jump again.
+constexpr std::int64_t kLookBack = 2 * 1024;
+constexpr std::int64_t kJump = 8 * 1024;
 
 std::int64_t SizeOf(int descriptor) {
     struct stat status;
@@ -32,28 +35,25 @@ FileWindow::~FileWindow() {
 
 int FileWindow::Fetch(std::int64_t position) {
     if (position < 0 || position >= Size()) return -1;
-    const auto width = static_cast<std::int64_t>(window_.size());
-    // Forward reading goes on at the position itself, a jump keeps a piece before it.
-    const bool onward = position == start_ + filled_;
-    start_ = onward ? position : std::max<std::int64_t>(0, std::min(position - kLookBack, Size() - width));
-    filled_ = 0;
-    while (filled_ < width) {
-        const std::int64_t got = FillFrom(start_ + filled_, window_.data() + filled_, width - filled_);
+    const std::int64_t end = current_->End();
+    std::swap(current_, other_);
+    if (current_->Holds(position)) return current_->At(position);
+    const auto full = static_cast<std::int64_t>(current_->bytes.size());
+    const bool onward = end > 0 && position >= end && position < end + full;
+    const std::int64_t width = onward ? full : kJump;
+    current_->start =
+        position == end ? end : std::max<std::int64_t>(0, std::min(position - kLookBack, Size() - width));
+    current_->filled = 0;
+    while (current_->filled < width) {
+        const std::int64_t got =
+            FillFrom(current_->End(), current_->bytes.data() + current_->filled, width - current_->filled);
         if (got <= 0) break;
-        filled_ += got;
+        current_->filled += got;
     }
-    const std::int64_t index = position - start_;
-    return index < filled_ ? window_[static_cast<std::size_t>(index)] : -1;
+    return current_->Holds(position) ? current_->At(position) : -1;
 }
 
 std::int64_t FileWindow::FillFrom(std::int64_t position, unsigned char* target, std::int64_t count) {
-    if (position >= size_) {
-        const auto begin = static_cast<std::size_t>(position - size_);
-        if (begin >= appendix_.size()) return 0;
-        const std::size_t piece = std::min(appendix_.size() - begin, static_cast<std::size_t>(count));
-        std::copy_n(appendix_.data() + begin, piece, target);
-        return static_cast<std::int64_t>(piece);
-    }
     const auto wanted = static_cast<std::size_t>(std::min(count, size_ - position));
     ssize_t got = -1;
     do
@@ -65,9 +65,9 @@ std::int64_t FileWindow::FillFrom(std::int64_t position, unsigned char* target, 
 std::size_t FileWindow::Read(std::int64_t position, char* target, std::size_t count) {
     std::size_t done = 0;
     while (done < count && At(position) >= 0) {
-        const std::int64_t index = position - start_;
-        const std::size_t piece = std::min(count - done, static_cast<std::size_t>(filled_ - index));
-        std::copy_n(window_.data() + index, piece, target + done);
+        const std::size_t piece =
+            std::min(count - done, static_cast<std::size_t>(current_->End() - position));
+        std::copy_n(current_->bytes.data() + (position - current_->start), piece, target + done);
         done += piece;
         position += static_cast<std::int64_t>(piece);
     }

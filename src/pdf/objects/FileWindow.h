@@ -4,13 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <utility>
 
 namespace VellumLib {
 
-/// A file read through one window that stays where it is until a byte outside of it
-/// is asked for. Reading is positional, so that a file that another process cuts
-/// short ends early instead of ending the process.
+/// A file read through two windows, of which the older one moves when a byte outside of
+/// both is asked for: a parser goes to and fro between a table and what it leads to.
+/// Reading is positional, so that a file that another process cuts short ends early
+/// instead of ending the process.
 class FileWindow {
 public:
     /// `path` names the file; IsOpen() is false where it cannot be opened.
@@ -20,30 +20,35 @@ public:
     FileWindow& operator=(const FileWindow&) = delete;
 
     bool IsOpen() const { return descriptor_ >= 0; }
-    /// The length that the file had when it was opened, and of what was appended.
-    std::int64_t Size() const { return size_ + static_cast<std::int64_t>(appendix_.size()); }
-    /// Goes on behind the end of the file as if `text` stood there.
-    void Append(std::string text) { appendix_ = std::move(text); }
+    /// The length that the file had when it was opened.
+    std::int64_t Size() const { return size_; }
 
     /// The byte at `position`, -1 behind the end.
     int At(std::int64_t position) {
-        const std::int64_t index = position - start_;
-        if (index >= 0 && index < filled_) return window_[static_cast<std::size_t>(index)];
-        return Fetch(position);
+        return current_->Holds(position) ? current_->At(position) : Fetch(position);
     }
     /// Copies up to `count` bytes and says how many there were.
     std::size_t Read(std::int64_t position, char* target, std::size_t count);
 
 private:
+    struct Window {
+        std::int64_t start = 0;
+        std::int64_t filled = 0;
+        std::array<unsigned char, 32 * 1024> bytes;
+
+        std::int64_t End() const { return start + filled; }
+        bool Holds(std::int64_t position) const { return position >= start && position < End(); }
+        int At(std::int64_t position) const { return bytes[static_cast<std::size_t>(position - start)]; }
+    };
+
     int Fetch(std::int64_t position);
     std::int64_t FillFrom(std::int64_t position, unsigned char* target, std::int64_t count);
 
     int descriptor_ = -1;
     std::int64_t size_ = 0;
-    std::string appendix_;
-    std::int64_t start_ = 0;
-    std::int64_t filled_ = 0;
-    std::array<unsigned char, 32 * 1024> window_;
+    Window windows_[2];
+    Window* current_ = &windows_[0];
+    Window* other_ = &windows_[1];
 };
 
 }  // namespace VellumLib

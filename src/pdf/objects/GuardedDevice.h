@@ -5,13 +5,15 @@
 #include <podofo/podofo.h>
 
 #include <memory>
+#include <utility>
 
 namespace VellumLib {
 
 /// The parser's input device over a GuardedReader.
 class GuardedDevice final : public PoDoFo::PdfInputDevice {
 public:
-    explicit GuardedDevice(const std::string& path) : reader_(std::make_unique<GuardedReader>(path)) {}
+    explicit GuardedDevice(std::unique_ptr<FileWindow> file)
+        : reader_(std::make_unique<GuardedReader>(std::move(file))) {}
 
     GuardedReader& Reader() { return *reader_; }
 

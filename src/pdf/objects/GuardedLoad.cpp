@@ -1,5 +1,6 @@
 #include "objects/GuardedLoad.h"
 
+#include "objects/FirstPageDocument.h"
 #include "objects/GuardedDevice.h"
 #include "objects/LoadBudget.h"
 
@@ -8,15 +9,13 @@
 #include <algorithm>
 #include <exception>
 #include <mutex>
+#include <utility>
 
 namespace VellumLib {
 
 namespace {
 
 using namespace PoDoFo;
-
-// About where finding the first page's objects costs less than parsing all of them.
-constexpr std::int64_t kManyRows = 200;
 
 /// The parser's settings of the whole process, as a load needs them, and as they were
 /// afterwards: a cap on object numbers, and nothing on standard error.
@@ -43,24 +42,34 @@ private:
     bool logging_ = PdfError::LoggingEnabled();
 };
 
-}  // namespace
-
-void LoadGuarded(PdfMemDocument& document, const std::string& utf8_path, EPDFExtent extent) {
-    if (utf8_path.empty()) RefusePdf(ePdfError_InvalidHandle, "No file is named.");
-    auto* const device = new GuardedDevice(utf8_path);
+std::unique_ptr<PdfMemDocument> LoadWhole(std::unique_ptr<FileWindow> file) {
+    auto* const device = new GuardedDevice(std::move(file));
     // Shared with the document's objects: the last of them closes the file.
     const PdfRefCountedInputDevice shared(device);
     if (device->Reader().HasHeader() && !device->Reader().HasEndMarker())
         RefusePdf(ePdfError_NoEOFToken, "EOF marker could not be found.");
-    if (extent != EPDFExtent::Whole)
-        device->Reader().NarrowToFirstPage(extent == EPDFExtent::FirstPage ? kManyRows : 0);
-    try {
+    auto document = std::make_unique<PdfMemDocument>(true);
+    {
         const ParserSettings settings;
-        document.LoadFromDevice(shared);
+        document->LoadFromDevice(shared);
+    }
+    device->Reader().EndLoading();
+    return document;
+}
+
+}  // namespace
+
+std::unique_ptr<PdfMemDocument> LoadGuarded(const std::string& utf8_path, EPDFExtent extent) {
+    if (utf8_path.empty()) RefusePdf(ePdfError_InvalidHandle, "No file is named.");
+    auto file = std::make_unique<FileWindow>(utf8_path);
+    if (!file->IsOpen()) RefusePdf(ePdfError_FileNotFound, utf8_path);
+    try {
+        if (extent == EPDFExtent::FirstPage)
+            if (auto document = LoadFirstPage(*file)) return document;
+        return LoadWhole(std::move(file));
     } catch (const std::exception& exception) {
         RefusePdf(ePdfError_OutOfMemory, exception.what());
     }
-    device->Reader().EndLoading();
 }
 
 }  // namespace VellumLib

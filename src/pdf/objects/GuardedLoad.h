@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace PoDoFo {
@@ -11,11 +12,9 @@ namespace VellumLib {
 /// How much of a document is asked for.
 enum class EPDFExtent {
     Whole,
-    /// The catalog, the way to the first page, its boxes and its maps; a file with few
-    /// objects is loaded whole, since that costs no more.
-    FirstPage,
-    /// The same for a file of any size.
-    FirstPageAlone
+    /// The catalog, the way to the first page, its boxes and its maps; of a file whose
+    /// cross-references are not plain tables more is there.
+    FirstPage
 };
 
 /// Loads a PDF from any bytes, within a second and memory in proportion to the file.
@@ -25,7 +24,7 @@ enum class EPDFExtent {
 /// stay in force. Throws PoDoFo::PdfError: FileNotFound, InvalidPassword for every
 /// encrypted file whatever its cipher, OutOfMemory or BrokenFile for what the file
 /// asks beyond its means, and the parser's own errors for the rest.
-void LoadGuarded(PoDoFo::PdfMemDocument& document, const std::string& utf8_path,
-                 EPDFExtent extent = EPDFExtent::Whole);
+std::unique_ptr<PoDoFo::PdfMemDocument> LoadGuarded(const std::string& utf8_path,
+                                                    EPDFExtent extent = EPDFExtent::Whole);
 
 }  // namespace VellumLib

@@ -1,6 +1,5 @@
 #include "objects/GuardedReader.h"
 
-#include "objects/FirstPageExcerpt.h"
 #include "objects/StreamInspection.h"
 
 #include <podofo/base/PdfDefines.h>
@@ -27,8 +26,8 @@ std::int64_t Number(std::string_view word) {
 
 }  // namespace
 
-GuardedReader::GuardedReader(const std::string& path) : file_(path), budget_(file_.Size()) {
-    if (!file_.IsOpen()) RefusePdf(PoDoFo::ePdfError_FileNotFound, path);
+GuardedReader::GuardedReader(std::unique_ptr<FileWindow> file)
+    : held_(std::move(file)), file_(*held_), budget_(file_.Size()) {
     tracker_.KeepDictionaries(true);
 }
 
@@ -177,10 +176,6 @@ void GuardedReader::TakeTableEntry(std::int64_t start, const char* data, std::si
     const bool in_use = std::string_view(data, size).find('n') != std::string_view::npos;
     if (in_use && table_number_ >= 0) budget_.AnnounceObject(static_cast<std::uint64_t>(table_number_));
     ++table_number_;
-}
-
-void GuardedReader::NarrowToFirstPage(std::int64_t fewest_rows) {
-    file_.Append(ExcerptOfFirstPage(file_, fewest_rows));
 }
 
 void GuardedReader::EndLoading() {

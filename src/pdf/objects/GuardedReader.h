@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <ios>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,8 +21,7 @@ namespace VellumLib {
 /// refuse.
 class GuardedReader {
 public:
-    /// Throws FileNotFound with the path where the file cannot be opened.
-    explicit GuardedReader(const std::string& path);
+    explicit GuardedReader(std::unique_ptr<FileWindow> file);
 
     int Get();
     int Peek() { return file_.At(position_); }
@@ -30,8 +30,6 @@ public:
     std::size_t Read(char* target, std::int64_t count);
     bool AtEnd() const { return at_end_; }
 
-    /// Shows the parser the first page alone, where that spares it many objects.
-    void NarrowToFirstPage(std::int64_t fewest_rows);
     /// From here on objects come when they are asked for.
     void EndLoading();
     /// False for a file without the end marker near its end; nothing is looked
@@ -53,7 +51,8 @@ private:
     template <typename Step>
     void Guard(Step step);
 
-    FileWindow file_;
+    std::unique_ptr<FileWindow> held_;
+    FileWindow& file_;
     LoadBudget budget_;
     SyntaxTracker tracker_;
     std::int64_t position_ = 0;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace VellumLib {
 
@@ -17,7 +18,9 @@ constexpr std::int64_t kRow = 20;
 constexpr std::int64_t kEndOfFile = 1024;
 constexpr std::size_t kText = 8 * 1024 * 1024;
 constexpr std::int64_t kWhite = 1000;
-constexpr std::size_t kReferenceText = 48;
+constexpr std::int64_t kReferenceText = 48;
+// As the parser has it.
+constexpr std::size_t kLongestToken = 4096;
 constexpr std::size_t kSections = 50;
 constexpr std::int64_t kLargest = 9'999'999'999;
 
@@ -33,9 +36,54 @@ bool IsDigit(int byte) {
     return byte >= '0' && byte <= '9';
 }
 
+/// A piece of the file as the tokenizer's input.
+class PieceDevice final : public PdfInputDevice {
+public:
+    explicit PieceDevice(FileWindow& file) : file_(file) {}
+
+    void Restrict(std::int64_t begin, std::int64_t end) {
+        position_ = begin;
+        end_ = end;
+    }
+    std::streamoff Tell() const override { return position_; }
+    int GetChar() const override {
+        const int byte = Look();
+        if (byte >= 0) ++position_;
+        return byte;
+    }
+    int Look() const override { return position_ < end_ ? file_.At(position_) : -1; }
+    bool Eof() const override { return Look() < 0; }
+    bool Bad() const override { return false; }
+    void Clear(std::ios_base::iostate) const override {}
+
+private:
+    FileWindow& file_;
+    mutable std::int64_t position_ = 0;
+    std::int64_t end_ = 0;
+};
+
 }  // namespace
 
+/// One for many values: it takes longer to make than to use.
+class PlainTables::Tokenizer {
+public:
+    explicit Tokenizer(FileWindow& file) : device_(new PieceDevice(file)) {}
+
+    void Read(std::int64_t begin, std::int64_t end, PdfVariant& value) {
+        device_->Restrict(begin, end);
+        tokenizer_.GetNextVariant(value, nullptr);
+    }
+
+private:
+    PieceDevice* device_;  ///< the tokenizer's
+    PdfTokenizer tokenizer_{PdfRefCountedInputDevice(device_), PdfRefCountedBuffer(kLongestToken)};
+};
+
 PlainTables::PlainTables(FileWindow& file) : file_(file) {
+    constexpr std::string_view kHeader = "%PDF-1.";
+    std::int64_t behind = 0;
+    Require(file_.At(0) == '%' && TakeWord(behind, kHeader));
+    Require(file_.At(behind) >= '0' && file_.At(behind) <= '7');
     std::set<std::int64_t> seen;
     std::int64_t start = FindStart();
     for (bool more = true; more;) {
@@ -53,12 +101,7 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
     }
 }
 
-std::int64_t PlainTables::CountRows() const {
-    std::int64_t count = 0;
-    for (const Subsection& subsection : subsections_)
-        count += subsection.count;
-    return count;
-}
+PlainTables::~PlainTables() = default;
 
 std::int64_t PlainTables::FindStart() {
     constexpr std::string_view kWord = "startxref";
@@ -83,7 +126,8 @@ PdfVariant PlainTables::ReadSection(std::int64_t start) {
         subsections_.push_back({first, count, position});
         position += count * kRow;
     }
-    PdfVariant trailer = ValueAt(position);
+    PdfVariant trailer;
+    ReadValue(position, trailer);
     Require(trailer.IsDictionary());
     return trailer;
 }
@@ -113,37 +157,33 @@ std::optional<std::int64_t> PlainTables::Find(const PdfReference& reference) {
     return {};
 }
 
-PdfVariant PlainTables::ObjectAt(std::int64_t offset, const PdfReference& reference) {
+void PlainTables::ReadObject(std::int64_t offset, PdfObject& object) {
     std::int64_t position = offset;
     Require(IsDigit(file_.At(offset)));
-    Require(TakeNumber(position) == static_cast<std::int64_t>(reference.ObjectNumber()));
-    Require(TakeNumber(position) == reference.GenerationNumber() && TakeWord(position, "obj"));
-    return ValueAt(position);
+    Require(TakeNumber(position) == static_cast<std::int64_t>(object.Reference().ObjectNumber()));
+    Require(TakeNumber(position) == object.Reference().GenerationNumber() && TakeWord(position, "obj"));
+    ReadValue(position, object);
 }
 
 /// The extent of the value is found first, so that the tokenizer never meets one that
 /// is too deep or too large for it.
-PdfVariant PlainTables::ValueAt(std::int64_t position) {
+void PlainTables::ReadValue(std::int64_t position, PdfVariant& value) {
     SyntaxTracker tracker;
-    std::string text;
+    std::int64_t end = position;
     while (!tracker.ValueEnded()) {
-        const int byte = file_.At(position++);
+        const int byte = file_.At(end++);
         Require(byte >= 0 && ++text_ < kText);
         tracker.Consume(static_cast<unsigned char>(byte));
         Require(tracker.Depth() <= LoadBudget::kDeepest &&
                 tracker.Values() <= LoadBudget::kValuesOfOneObject &&
                 copies_ + tracker.CopyCost() <= LoadBudget::kCopiesOfOneObject);
-        text.push_back(static_cast<char>(byte));
     }
     copies_ += tracker.CopyCost();
+    if (!tokenizer_) tokenizer_ = std::make_unique<Tokenizer>(file_);
     // A number may turn out to be the first of a reference.
-    const std::size_t size = text.size();
-    text.resize(size + kReferenceText);
-    text.resize(size + file_.Read(position, text.data() + size, kReferenceText));
-    PdfTokenizer tokenizer(text.data(), text.size());
-    PdfVariant value;
-    tokenizer.GetNextVariant(value, nullptr);
-    return value;
+    tokenizer_->Read(position, end + kReferenceText, value);
+    // Behind a number the tokenizer keeps what it has seen of the next words.
+    if (!value.IsDictionary() && !value.IsArray()) tokenizer_.reset();
 }
 
 void PlainTables::SkipWhite(std::int64_t& position) {

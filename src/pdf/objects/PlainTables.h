@@ -5,6 +5,7 @@
 #include <podofo/podofo.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -18,16 +19,19 @@ namespace VellumLib {
 class PlainTables {
 public:
     explicit PlainTables(FileWindow& file);
+    ~PlainTables();
+    PlainTables(const PlainTables&) = delete;
+    PlainTables& operator=(const PlainTables&) = delete;
 
-    std::int64_t CountRows() const;
     /// Of the newest section.
     const PoDoFo::PdfDictionary& Trailer() const { return trailer_.GetDictionary(); }
     /// Where the object is; none for one that does not exist.
     std::optional<std::int64_t> Find(const PoDoFo::PdfReference& reference);
-    /// The object without its stream.
-    PoDoFo::PdfVariant ObjectAt(std::int64_t offset, const PoDoFo::PdfReference& reference);
+    /// Reads the object of that number at the offset, without its stream.
+    void ReadObject(std::int64_t offset, PoDoFo::PdfObject& object);
 
 private:
+    class Tokenizer;
     struct Subsection {
         std::int64_t first;
         std::int64_t count;
@@ -43,7 +47,7 @@ private:
     std::int64_t FindStart();
     PoDoFo::PdfVariant ReadSection(std::int64_t start);
     Row RowAt(std::int64_t position);
-    PoDoFo::PdfVariant ValueAt(std::int64_t position);
+    void ReadValue(std::int64_t position, PoDoFo::PdfVariant& value);
 
     // Steps over what stands at the position.
     void SkipWhite(std::int64_t& position);
@@ -55,6 +59,7 @@ private:
     std::uint64_t copies_ = 0;             ///< what parsing them has cost
     std::vector<Subsection> subsections_;  ///< those of newer sections first
     PoDoFo::PdfVariant trailer_;
+    std::unique_ptr<Tokenizer> tokenizer_;
 };
 
 }  // namespace VellumLib

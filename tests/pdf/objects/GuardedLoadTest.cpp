@@ -28,8 +28,7 @@ std::size_t OpenFiles() {
 
 EPdfError CodeOf(const std::string& path, std::string* information = nullptr) {
     try {
-        PdfMemDocument document;
-        LoadGuarded(document, path);
+        LoadGuarded(path);
         return ePdfError_ErrOk;
     } catch (const PdfError& error) {
         if (information) *information = error.GetCallstack().back().GetInformation();
@@ -51,8 +50,8 @@ std::string SmallFile() {
 
 TEST(GuardedLoad, ReadsObjectsAndStreamsAfterTheLoad) {
     const TempFolder folder;
-    PdfMemDocument document;
-    LoadGuarded(document, folder.Write("small.pdf", SmallFile()));
+    const auto loaded = LoadGuarded(folder.Write("small.pdf", SmallFile()));
+    PdfMemDocument& document = *loaded;
     ASSERT_EQ(document.GetPageCount(), 1);
     PdfPage* const page = document.GetPage(0);
     EXPECT_EQ(page->GetMediaBox().GetWidth(), 100);
@@ -69,8 +68,8 @@ TEST(GuardedLoad, ReadsWhatAnObjectStreamHolds) {
     const ObjectStream stream = MakeObjectStream({6, 7}, {"[7 0 R]", "<</BBox[1 2 3 4]>>"});
     file.AddStream(stream.keys + "/Filter/FlateDecode", Deflated(stream.content));
     const TempFolder folder;
-    PdfMemDocument document;
-    LoadGuarded(document, folder.Write("compressed.pdf", file.FinishWithStream({4, 4})));
+    const auto loaded = LoadGuarded(folder.Write("compressed.pdf", file.FinishWithStream({4, 4})));
+    PdfMemDocument& document = *loaded;
     EXPECT_TRUE(document.GetPage(0)->GetObject()->GetIndirectKey("VP")->IsArray());
     EXPECT_TRUE(document.GetObjects().GetObject(PdfReference(7, 0))->GetDictionary().HasKey("BBox"));
 }
@@ -80,8 +79,7 @@ TEST(GuardedLoad, KeepsTheFileOpenForTheDocumentOnly) {
     const std::string path = folder.Write("small.pdf", SmallFile());
     const std::size_t before = OpenFiles();
     {
-        PdfMemDocument document;
-        LoadGuarded(document, path);
+        const auto loaded = LoadGuarded(path);
         EXPECT_EQ(OpenFiles(), before + 1);
     }
     EXPECT_EQ(OpenFiles(), before);
@@ -96,8 +94,8 @@ TEST(GuardedLoad, SurvivesAFileThatIsCutShortWhileItIsOpen) {
     file.Append(Repeated(" ", 200'000));
     const TempFolder folder;
     const std::string path = folder.Write("cut.pdf", file.Finish());
-    PdfMemDocument document;
-    LoadGuarded(document, path);
+    const auto loaded = LoadGuarded(path);
+    PdfMemDocument& document = *loaded;
     std::filesystem::resize_file(path, 1'000);
     EXPECT_THROW(document.GetObjects().GetObject(PdfReference(4, 0))->IsArray(), PdfError);
 }
@@ -140,8 +138,8 @@ TEST(GuardedLoad, HundredsOfBadFilesDoNotSpoilAGoodOne) {
     const std::string chain_path = folder.Write("chain.pdf", chain.End(previous));
     for (int i = 0; i < 300; ++i) {
         EXPECT_NE(CodeOf(chain_path), ePdfError_ErrOk);
-        PdfMemDocument document;
-        LoadGuarded(document, deep_path);
+        const auto loaded = LoadGuarded(deep_path);
+        PdfMemDocument& document = *loaded;
         EXPECT_THROW(document.GetPage(0), PdfError);
     }
     EXPECT_EQ(CodeOf(folder.Write("small.pdf", SmallFile())), ePdfError_ErrOk);
@@ -193,8 +191,8 @@ TEST(GuardedLoad, OpensAHundredThousandObjects) {
     for (int i = 0; i < 100'000; ++i)
         file.Add("<</Type/Annot/Rect[0 0 " + std::to_string(i) + " 1]/Contents(text)>>");
     const TempFolder folder;
-    PdfMemDocument document;
-    LoadGuarded(document, folder.Write("many.pdf", file.Finish()));
+    const auto loaded = LoadGuarded(folder.Write("many.pdf", file.Finish()));
+    PdfMemDocument& document = *loaded;
     for (const PdfObject* object : document.GetObjects())
         ASSERT_TRUE(object->IsDictionary());
 }
@@ -214,8 +212,8 @@ TEST(GuardedLoad, OpensAHundredThousandCompressedObjects) {
         compressed.insert(compressed.end(), kEach, number);
     }
     const TempFolder folder;
-    PdfMemDocument document;
-    LoadGuarded(document, folder.Write("many.pdf", file.FinishWithStream(compressed)));
+    const auto loaded = LoadGuarded(folder.Write("many.pdf", file.FinishWithStream(compressed)));
+    PdfMemDocument& document = *loaded;
     EXPECT_GE(document.GetObjects().GetSize(), 100'000U);
 }
 
@@ -235,8 +233,8 @@ TEST(GuardedLoad, DoesNotReadStreams) {
     const std::string path = folder.Write("large.pdf", file.Finish());
     const std::uint64_t before = BytesReadSoFar();
     ASSERT_GT(before, 0U);
-    PdfMemDocument document;
-    LoadGuarded(document, path);
+    const auto loaded = LoadGuarded(path);
+    PdfMemDocument& document = *loaded;
     document.GetPage(0)->GetMediaBox();
     EXPECT_LT(BytesReadSoFar() - before, 500'000U);
 }

@@ -56,8 +56,8 @@ void UsePage(PdfMemDocument& document) {
 
 int LoadAndUse(const std::string& path, EPDFExtent extent = EPDFExtent::Whole) {
     try {
-        PdfMemDocument document;
-        LoadGuarded(document, path, extent);
+        const auto loaded = LoadGuarded(path, extent);
+        PdfMemDocument& document = *loaded;
         UsePage(document);
         return kLoaded;
     } catch (const PdfError& error) {
@@ -78,7 +78,7 @@ Outcome LoadApart(const std::string& path) {
         alarm(kHangSeconds);
         PdfError::EnableDebug(false);
         PdfError::EnableLogging(false);
-        if (LoadAndUse(path, EPDFExtent::FirstPageAlone) == kForeign) _exit(kForeign);
+        if (LoadAndUse(path, EPDFExtent::FirstPage) == kForeign) _exit(kForeign);
         _exit(LoadAndUse(path));
     }
     Outcome outcome;

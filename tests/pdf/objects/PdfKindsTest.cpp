@@ -137,7 +137,7 @@ TEST_P(PdfKinds, ReadAlike) {
     if (!GetParam().make(folder)) GTEST_SKIP() << "needs qpdf";
     const std::string path = folder / "map.pdf";
     std::size_t objects[2] = {};
-    for (const EPDFExtent extent : {EPDFExtent::Whole, EPDFExtent::FirstPageAlone}) {
+    for (const EPDFExtent extent : {EPDFExtent::Whole, EPDFExtent::FirstPage}) {
         CPDFDocument document(QString::fromStdString(path), extent);
         CPDFPage& page = document.GetPage(0);
         const std::vector<double> box = {0, 0, kWidth, kHeight};

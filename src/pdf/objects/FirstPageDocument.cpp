@@ -1,0 +1,135 @@
+#include "objects/FirstPageDocument.h"
+
+#include "objects/LoadBudget.h"
+#include "objects/PlainTables.h"
+
+#include <podofo/podofo.h>
+
+#include <set>
+#include <vector>
+
+namespace VellumLib {
+
+namespace {
+
+using namespace PoDoFo;
+
+constexpr std::size_t kMostObjects = 1'000;
+
+void Require(bool held) {
+    if (!held) RefusePdf(ePdfError_InvalidDataType, "The way to the first page is not plain.");
+}
+
+const PdfDictionary& Dictionary(const PdfObject& value) {
+    Require(value.IsDictionary());
+    return value.GetDictionary();
+}
+
+const PdfObject& Entry(const PdfDictionary& dictionary, const char* key) {
+    const PdfObject* const value = dictionary.GetKey(key);
+    Require(value != nullptr);
+    return *value;
+}
+
+class FirstPageDocument final : public PdfMemDocument {
+public:
+    FirstPageDocument() : PdfMemDocument(true) {}
+    void SetRoot(PdfObject& catalog) {
+        SetCatalog(&catalog);
+        InitPagesTree();
+    }
+};
+
+class FirstPageLoad {
+public:
+    FirstPageLoad(PlainTables& tables, FirstPageDocument& document)
+        : tables_(tables), objects_(document.GetObjects()) {
+        PdfObject& catalog = Follow(Entry(tables.Trailer(), "Root"));
+        const PdfDictionary& page = Dictionary(FindPage(Follow(Entry(Dictionary(catalog), "Pages"))));
+        for (const char* key : {"VP", "LGIDict", "Type", "MediaBox", "CropBox", "BleedBox", "TrimBox",
+                                "ArtBox", "Rotate", "UserUnit"})
+            if (const PdfObject* const value = page.GetKey(key)) TakeAllBelow(*value);
+        // The parser has a failure of its own for a page without what it refers to.
+        for (const char* key : {"Contents", "Resources"})
+            if (const PdfObject* const value = page.GetKey(key))
+                Require(!value->IsReference() || tables.Find(value->GetReference()));
+        document.SetRoot(catalog);
+    }
+
+private:
+    /// Null for what does not exist, as the parser has it.
+    PdfObject* Take(const PdfReference& reference) {
+        const auto offset = tables_.Find(reference);
+        if (!offset) return nullptr;
+        Require(taken_.size() < kMostObjects && taken_.insert(reference).second);
+        auto object = std::make_unique<PdfObject>(reference, PdfVariant());
+        tables_.ReadObject(*offset, *object);
+        objects_.push_back(object.get());
+        return object.release();
+    }
+    PdfObject& Follow(const PdfObject& entry) {
+        Require(entry.IsReference());
+        PdfObject* const object = Take(entry.GetReference());
+        Require(object != nullptr);
+        return *object;
+    }
+
+    const PdfObject& FindPage(const PdfObject& root) {
+        for (const PdfObject* node = &root;;) {
+            const PdfObject& kids = Entry(Dictionary(*node), "Kids");
+            const PdfObject& list = kids.IsReference() ? Follow(kids) : kids;
+            Require(list.IsArray());
+            node = &FirstWithPages(list.GetArray());
+            if (node->GetDictionary().GetKeyAsName("Type") == "Page") return *node;
+        }
+    }
+    const PdfObject& FirstWithPages(const PdfArray& kids) {
+        for (const PdfObject& entry : kids) {
+            const PdfObject& kid = Follow(entry);
+            const PdfName type = Dictionary(kid).GetKeyAsName("Type");
+            if (type == "Page") return kid;
+            Require(type == "Pages");
+            const PdfObject& count = Entry(kid.GetDictionary(), "Count");
+            Require(count.IsNumber());
+            if (count.GetNumber() > 0) return kid;
+        }
+        RefusePdf(ePdfError_PageNotFound, "There is no first page.");
+    }
+
+    void TakeAllBelow(const PdfObject& value) {
+        std::vector<const PdfObject*> left{&value};
+        while (!left.empty()) {
+            const PdfObject& next = *left.back();
+            left.pop_back();
+            if (next.IsReference()) {
+                if (taken_.count(next.GetReference()) != 0) continue;
+                if (const PdfObject* const object = Take(next.GetReference())) left.push_back(object);
+            } else if (next.IsArray()) {
+                for (const PdfObject& element : next.GetArray())
+                    left.push_back(&element);
+            } else if (next.IsDictionary()) {
+                for (const auto& [key, element] : next.GetDictionary().GetKeys())
+                    left.push_back(element);
+            }
+        }
+    }
+
+    PlainTables& tables_;
+    PdfVecObjects& objects_;
+    std::set<PdfReference> taken_;
+};
+
+}  // namespace
+
+std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file) {
+    try {
+        PlainTables tables(file);
+        auto document = std::make_unique<FirstPageDocument>();
+        FirstPageLoad(tables, *document);
+        return document;
+    } catch (const PdfError&) {
+        return nullptr;
+    }
+}
+
+}  // namespace VellumLib

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+
+namespace PoDoFo {
+class PdfMemDocument;
+}
+
+namespace VellumLib {
+
+class FileWindow;
+
+/// The first page alone: the catalog, the way down the page tree, the page, and what its
+/// boxes and maps refer to. The parser's cost grows with the number of a file's objects,
+/// whatever is asked of it; this one's with what is asked.
+///
+/// Null for a file that is not plain, encrypted, with cross-reference streams or anything
+/// amiss on the way: such a file is for the parser.
+std::unique_ptr<PoDoFo::PdfMemDocument> LoadFirstPage(FileWindow& file);
+
+}  // namespace VellumLib
