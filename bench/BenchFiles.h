@@ -69,6 +69,18 @@ private:
     std::filesystem::path path_;
 };
 
+/// A number of /proc/self/status.
+inline long StatusKiB(const char* name) {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (word == name) {
+            long kibibytes = 0;
+            status >> kibibytes;
+            return kibibytes;
+        }
+    return 0;
+}
+
 /// Whose time a benchmark measures: ours, a peer's doing the same work, or the floor
 /// that no reader can go below. The walk is the plain search that an index stands for.
 enum class Who { Ours, Gdal, PoDoFo, Walk, Floor };

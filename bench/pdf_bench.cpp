@@ -60,17 +60,6 @@ std::string FileOf(const char* name) {
     return inputs.Path(name);
 }
 
-long PeakKiB() {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;)
-        if (word == "VmHWM:") {
-            long kibibytes = 0;
-            status >> kibibytes;
-            return kibibytes;
-        }
-    return 0;
-}
-
 /// How far a fresh process grows by the work.
 template <class Work>
 double GrowthMiB(Work work) {
@@ -78,9 +67,9 @@ double GrowthMiB(Work work) {
     if (pipe(ends.data()) != 0) std::abort();
     const pid_t child = fork();
     if (child == 0) {
-        const long before = PeakKiB();
+        const long before = bench::StatusKiB("VmHWM:");
         work();
-        const double growth = static_cast<double>(PeakKiB() - before) / 1024.0;
+        const double growth = static_cast<double>(bench::StatusKiB("VmHWM:") - before) / 1024.0;
         _exit(write(ends[1], &growth, sizeof growth) == sizeof growth ? 0 : 1);
     }
     double growth = 0.0;
