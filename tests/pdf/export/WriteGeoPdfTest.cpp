@@ -88,7 +88,14 @@ const RoundTrip kRoundTrips[] = {
     {"web_mercator", "3857", {10, 0, 1260000, 0, -10, 5990000}, 1000, 800, 72, 0},
     {"geographic", "4326", {0.001, 0, 11, 0, -0.001, 47.5}, 1000, 500, 72, 0},
     {"rotated", "32632", {3, 4, 676000, 4, -3, 5242000}, 600, 400, 72, 0},
+    {"rotated_points", "32632", {3, 4, 676000, 4, -3, 5242000}, 600, 400, 72, 4},
+    {"lambert_points", "2154", {5, 0, 650000, 0, -5, 6860000}, 1200, 900, 96, 4},
+    {"polar_points", "3031", {100, 0, -300000, 0, -100, 1300000}, 6000, 6000, 600, 4},
+    {"geographic_points", "4326", {0.001, 0, 11, 0, -0.001, 47.5}, 1000, 500, 72, 4},
     {"tiny", "32632", {10, 0, 676000, 0, -10, 5242000}, 10, 10, 72, 4},
+    {"tiny_transform_alone", "32632", {10, 0, 676000, 0, -10, 5242000}, 10, 10, 72, 0},
+    {"huge", "32632", {0.5, 0, 676000, 0, -0.5, 5242000}, 30000, 15000, 600, 4},
+    {"huge_transform_alone", "32632", {0.5, 0, 676000, 0, -0.5, 5242000}, 30000, 15000, 600, 0},
 };
 
 class WriteGeoPdf : public ::testing::TestWithParam<RoundTrip> {};
@@ -125,12 +132,15 @@ TEST_P(WriteGeoPdf, ReadsBackAndGdalAgrees) {
     if (!peer) GTEST_SKIP() << "this GDAL has no PDF driver";
     double gt[6];
     ASSERT_EQ(peer->GetGeoTransform(gt), CE_None);
-    const double peer_scale = static_cast<double>(test.width) / peer->GetRasterXSize();
+    const double columns = static_cast<double>(peer->GetRasterXSize()) / static_cast<double>(test.width);
+    const double rows = static_cast<double>(peer->GetRasterYSize()) / static_cast<double>(test.height);
     const double tenth = 0.1 * std::hypot(test.terms[0], test.terms[3]);
-    EXPECT_NEAR(gt[0], test.terms[2], tenth);
-    EXPECT_NEAR(gt[3], test.terms[5], tenth);
-    const double far = peer->GetRasterXSize();
-    EXPECT_NEAR(gt[0] + gt[1] * far, test.terms[0] * far * peer_scale + test.terms[2], tenth);
+    for (const BPointPair& corner : PointsOf(test.terms, test.Pixels(4))) {
+        const double u = columns * static_cast<double>(corner.Column),
+                     v = rows * static_cast<double>(corner.Row);
+        EXPECT_NEAR(gt[0] + u * gt[1] + v * gt[2], corner.World.x, tenth);
+        EXPECT_NEAR(gt[3] + u * gt[4] + v * gt[5], corner.World.y, tenth);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Systems, WriteGeoPdf, testing::ValuesIn(kRoundTrips),
