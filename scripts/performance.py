@@ -25,7 +25,12 @@ WORSE = 1.1
 # Of operations below so many nanoseconds many rounds are counted: a start varies by thousands.
 CHEAP, MANY_ROUNDS, FEW_ROUNDS = 1e6, 100, 5
 
-Row = collections.namedtuple("Row", "operation ours peer peer_name floor instructions program name")
+# What takes a peer longer is not counted: under Cachegrind it takes fifty times as long.
+LONG_FOR_A_PEER = 1e8
+
+# `ours` and `peer` are Timings, `peer` and `floor` None where there is none.
+Timing = collections.namedtuple("Timing", "nanoseconds program name")
+Row = collections.namedtuple("Row", "operation ours peer peer_name floor counted peer_counted")
 
 
 def names_of(entry):
@@ -45,14 +50,14 @@ def run_benchmarks(folder, program, *options):
 
 
 def measure(folder, repetitions):
-    """{operation: {who: (nanoseconds, program, full name)}}"""
+    """{operation: {who: Timing}}"""
     found = {}
     for program in PROGRAMS:
         for who, operation, time, name in run_benchmarks(
                 folder, program, f"--benchmark_filter=-{COLD}", "--benchmark_min_time=0.2",
                 "--benchmark_enable_random_interleaving=true", f"--benchmark_repetitions={repetitions}",
                 "--benchmark_report_aggregates_only=true"):
-            found.setdefault(operation, {})[who] = (time, program, name)
+            found.setdefault(operation, {})[who] = Timing(time, program, name)
     # What a process does once is measured in a process of its own.
     names = subprocess.run([os.path.join(folder, COLD_PROGRAM), "--benchmark_list_tests",
                             f"--benchmark_filter={COLD}"], check=True, stdout=subprocess.PIPE, text=True)
@@ -60,18 +65,18 @@ def measure(folder, repetitions):
         times = [result for _ in range(repetitions)
                  for result in run_benchmarks(folder, COLD_PROGRAM, f"--benchmark_filter=^{name}$")]
         who, operation, _, name = times[0]
-        found[operation] = {who: (statistics.median(time for _, _, time, _ in times), COLD_PROGRAM, name)}
+        found[operation] = {who: Timing(statistics.median(time for _, _, time, _ in times), COLD_PROGRAM, name)}
     return found
 
 
-def count_instructions(folder, row):
+def count_instructions(folder, timing):
     """Of one round, as the difference of runs that differ in their rounds."""
     counts = []
-    more = MANY_ROUNDS if row.ours < CHEAP else FEW_ROUNDS
+    more = MANY_ROUNDS if timing.nanoseconds < CHEAP else FEW_ROUNDS
     for rounds in (1, 1 + more):
         run = subprocess.run(
             ["valgrind", "--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null",
-             os.path.join(folder, row.program), f"--benchmark_filter=^{row.name}(/iterations:[0-9]+)?$"],
+             os.path.join(folder, timing.program), f"--benchmark_filter=^{timing.name}(/iterations:[0-9]+)?$"],
             env={**os.environ, "MAPANCHOR_BENCH_ROUNDS": str(rounds)}, stdout=subprocess.DEVNULL,
             stderr=subprocess.PIPE, text=True, check=False)
         # Processes that a benchmark forks tell theirs too, and earlier.
@@ -87,16 +92,24 @@ def rows_of(found):
     for operation, times in sorted(found.items()):
         if "ours" not in times:
             continue
-        ours, program, name = times["ours"]
         peer = next((who for who in PEERS if who in times), None)
-        rows.append(Row(operation, ours, times[peer][0] if peer else None, PEERS.get(peer),
-                        times["floor"][0] if "floor" in times else None, None, program, name))
+        rows.append(Row(operation, times["ours"], times.get(peer), PEERS.get(peer), times.get("floor"), None,
+                        None))
     return rows
 
 
-def time_text(nanoseconds):
-    if nanoseconds is None:
+def with_counts(folder, row):
+    if row.operation.startswith("first"):
+        return row
+    countable = row.peer and row.peer.nanoseconds < LONG_FOR_A_PEER
+    return row._replace(counted=count_instructions(folder, row.ours),
+                        peer_counted=count_instructions(folder, row.peer) if countable else None)
+
+
+def time_text(timing):
+    if timing is None:
         return ""
+    nanoseconds = timing.nanoseconds
     for unit, scale in (("ms", 1e6), ("us", 1e3)):
         if nanoseconds >= scale:
             return f"{nanoseconds / scale:.3g} {unit}"
@@ -104,7 +117,7 @@ def time_text(nanoseconds):
 
 
 def ratio_text(above, below):
-    return f"{above / below:.2f}" if above and below else ""
+    return f"{above.nanoseconds / below.nanoseconds:.2f}" if above and below else ""
 
 
 def version(*command):
@@ -119,20 +132,19 @@ def table_text(rows):
         "floor ran in the same process, in turn. \"Peer / ours\" says how many times faster than the",
         "peer we are (below 1: slower); the floor opens the file, reads its numbers and closes it.",
         "Of a TAB file of 10,000 points GDAL does not read the end: it finds no system there.",
-        "Instructions are those of one operation of ours, by Cachegrind; where there are none, none were",
-        "counted.",
+        "Instructions are those of one operation, by Cachegrind; where there are none, none were counted.",
         "`make bench-compare` tells which ratio got worse than the one kept here by more than a tenth.",
         "",
         f"{datetime.date.today().isoformat()}, {version('uname', '-m')}, "
         f"{version('c++', '--version')}, GDAL {version('gdal-config', '--version')}", "",
-        "| Operation | Ours | Peer | Peer / ours | Floor | Ours / floor | Instructions |",
-        "|---|---:|---:|---:|---:|---:|---:|"]
+        "| Operation | Ours | Peer | Peer / ours | Floor | Ours / floor | Our instructions | The peer's |",
+        "|---|---:|---:|---:|---:|---:|---:|---:|"]
     for row in rows:
         peer = f"{time_text(row.peer)} ({row.peer_name})" if row.peer else ""
         lines.append(
             f"| {row.operation} | {time_text(row.ours)} | {peer} | {ratio_text(row.peer, row.ours)} | "
             f"{time_text(row.floor)} | {ratio_text(row.ours, row.floor)} | "
-            f"{row.instructions if row.instructions else ''} |")
+            f"{row.counted or ''} | {row.peer_counted or ''} |")
     return "\n".join(lines) + "\n"
 
 
@@ -142,7 +154,7 @@ def kept_rows(path):
     with open(path, encoding="utf-8") as table:
         for line in table:
             cells = [cell.strip() for cell in line.strip().strip("|").split("|")]
-            if line.startswith("|") and len(cells) == 7 and cells[0] not in ("Operation", "---"):
+            if line.startswith("|") and len(cells) == 8 and cells[0] not in ("Operation", "---"):
                 kept[cells[0]] = tuple(float(cells[i]) if cells[i] else None for i in (3, 5, 6))
     return kept
 
@@ -150,9 +162,9 @@ def kept_rows(path):
 def got_worse(row, kept):
     by_peer, by_floor, _ = kept
     if by_peer and row.peer:
-        return by_peer / (row.peer / row.ours) > WORSE
+        return by_peer / (row.peer.nanoseconds / row.ours.nanoseconds) > WORSE
     if by_floor and row.floor:
-        return (row.ours / row.floor) / by_floor > WORSE
+        return (row.ours.nanoseconds / row.floor.nanoseconds) / by_floor > WORSE
     return False
 
 
@@ -165,7 +177,7 @@ def compare(folder, rows, kept):
         if not got_worse(row, kept[row.operation]):
             continue
         before = kept[row.operation][2]
-        now = count_instructions(folder, row)
+        now = count_instructions(folder, row.ours)
         if before and now and now / before <= WORSE:
             print(f"noise     {row.operation}: slower by the clock, {now} instructions, {before:.0f} before")
             continue
@@ -188,8 +200,7 @@ def main():
     rows = rows_of(measure(options.folder, options.repetitions))
     if options.compare:
         return compare(options.folder, rows, kept_rows(options.table))
-    rows = [row._replace(instructions=None if row.operation.startswith("first")
-                         else count_instructions(options.folder, row)) for row in rows]
+    rows = [with_counts(options.folder, row) for row in rows]
     with open(options.table, "w", encoding="utf-8") as table:
         table.write(table_text(rows))
     return 0

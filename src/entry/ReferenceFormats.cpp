@@ -276,6 +276,7 @@ const ReferenceFormat* FindFormat(Matches matches) {
 
 std::vector<BString> Texts(const std::vector<std::u16string_view>& extensions) {
     std::vector<BString> texts;
+    texts.reserve(extensions.size());
     for (const auto extension : extensions)
         texts.emplace_back(std::u16string(extension));
     return texts;

@@ -90,7 +90,8 @@ bool ProjectAlike(PJ* first, PJ* second) {
     const BPoint origin = FalseOrigin(second);
     int compared = 0;
     for (int i = 0; i < kSteps * kSteps; ++i) {
-        BPoint a = area.At((i % kSteps + 0.5) / kSteps, (i / kSteps + 0.4) / kSteps);
+        const int row = i / kSteps;
+        BPoint a = area.At((i % kSteps + 0.5) / kSteps, (row + 0.4) / kSteps);
         BPoint b = a;
         const bool has_a = one.FromGeodetic(a);
         if (has_a != other.FromGeodetic(b)) return false;
@@ -150,7 +151,7 @@ struct Rank {
     int confidence = 0;
     bool usual_axes = false;
 
-    auto operator<=>(const Rank&) const = default;
+    auto operator<=>(const Rank&) const = default;  // NOLINT(modernize-use-nullptr): its 0 is none of ours
 };
 
 /// Some systems stand in the list twice, for either order of axes. The one meant by a

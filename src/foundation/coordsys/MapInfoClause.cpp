@@ -203,7 +203,7 @@ std::string ReadEarth(Tokens& tokens, std::string& text) {
         std::vector<Token> items;
         if (!ReadItems(tokens, items)) return "a parameter is missing";
         ClauseWriter writer(std::move(items));
-        const std::string fault = ReadProjection(writer);
+        std::string fault = ReadProjection(writer);
         if (!fault.empty()) return fault;
         text = writer.Text();
     }

@@ -112,7 +112,7 @@ CoordSysDefinition::Ptr FindErMapperGrid(std::string_view projection, std::strin
 CoordSysDefinition::Ptr FindByPlainNames(std::string_view projection, std::string_view datum,
                                          std::string_view units) {
     const int geodetic_number = FindDatum(datum);
-    const CoordSysDefinition::Ptr geodetic = geodetic_number != 0 ? FindByEpsg(geodetic_number) : nullptr;
+    CoordSysDefinition::Ptr geodetic = geodetic_number != 0 ? FindByEpsg(geodetic_number) : nullptr;
     const std::string name = UpperAscii(LettersAndDigits(projection));
     if (ListHas(kGeographicNames, name)) return geodetic;
     UtmZone zone;
