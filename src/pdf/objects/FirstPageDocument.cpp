@@ -79,7 +79,11 @@ private:
             const PdfObject& kids = Entry(Dictionary(*node), "Kids");
             const PdfObject& list = kids.IsReference() ? Follow(kids) : kids;
             Require(list.IsArray());
-            node = &FirstWithPages(list.GetArray());
+            const PdfObject& kid = FirstWithPages(list.GetArray());
+            // What a page inherits, it inherits from the parent that it names.
+            const PdfObject* const parent = kid.GetDictionary().GetKey("Parent");
+            Require(!parent || (parent->IsReference() && parent->GetReference() == node->Reference()));
+            node = &kid;
             if (node->GetDictionary().GetKeyAsName("Type") == "Page") return *node;
         }
     }

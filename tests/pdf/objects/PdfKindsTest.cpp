@@ -87,7 +87,8 @@ std::string ManyObjects() {
 }
 
 /// Two nodes stand between the root and the page; the first counts no pages.
-std::string TreeOfNodes() {
+/// The page lies below node 8, and names its parent.
+std::string TreeOfNodes(const std::string& parent) {
     std::string text = Plain()
                            .Inherit("/Spare (      )")
                            .Add("<< /Type /Pages /Kids [ ] /Count 0 >>")
@@ -95,6 +96,8 @@ std::string TreeOfNodes() {
                            .Text();
     const std::string direct = "/Kids [ 3 0 R ] /Count 1 /Spare (      )";
     const std::string nodes = "/Kids [ 7 0 R 8 0 R ] /Count 1 /Spare ()";
+    const std::string second = "/Parent 2 0 R";
+    text.replace(text.find(second), second.size(), "/Parent " + parent + " 0 R");
     return text.replace(text.find(direct), direct.size(), nodes);
 }
 
@@ -125,7 +128,8 @@ const Kind kKinds[] = {
     {"object_streams", ByQpdf("--object-streams=generate plain.pdf"), false},
     {"linearised", ByQpdf("--linearize --object-streams=disable plain.pdf")},
     {"linearised_with_object_streams", ByQpdf("--linearize --object-streams=generate plain.pdf"), false},
-    {"tree_of_nodes", Text(TreeOfNodes())},
+    {"tree_of_nodes", Text(TreeOfNodes("8"))},
+    {"inherits_from_elsewhere", Text(TreeOfNodes("2")), false},
     {"several_pages", ByQpdf("--empty --pages plain.pdf 1 plain.pdf 1 --")},
     {"by_qt", WriteByQt},
 };
