@@ -75,6 +75,7 @@ bool Cut(const OGRPolygon& area, const OGREnvelope& extent, Footprint& footprint
     const auto turn_of = [](double longitude) { return std::floor((longitude + kHalfTurn) / kTurn); };
     const double most_east = std::min(extent.MaxX, extent.MinX + kTurn);  // nothing is told twice
     OGRMultiPolygon parts;
+    // NOLINTNEXTLINE(clang-analyzer-security.FloatLoopCounter): whole numbers of any size
     for (double turn = turn_of(extent.MinX); turn <= turn_of(extent.MaxX); ++turn) {
         const double west = std::max(extent.MinX, turn * kTurn - kHalfTurn);
         const double east = std::min(most_east, turn * kTurn + kHalfTurn);

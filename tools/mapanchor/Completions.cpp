@@ -6,6 +6,7 @@ namespace {
 
 std::vector<std::string> Names(const std::vector<CommandRow>& commands) {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const CommandRow& command : commands)
         names.push_back(command.name);
     return names;
@@ -104,11 +105,17 @@ std::string ZshOption(const OptionRow& option) {
     if (option.positional)
         return "'" + std::string(option.repeated ? "*" : "") + ":" + Quoted(option.value, ":\\") + ":" +
                ZshAction(option) + "'";
+    const std::string instead = option.names.size() > 1 ? "(" + Join(option.names, " ") + ")" : "";
     std::string spec;
     for (const std::string& name : option.names)
-        spec += (spec.empty() ? "'" : " \\\n        '") +
-                (option.names.size() > 1 ? "(" + Join(option.names, " ") + ")" : "") + name + "[" +
-                description + "]" + value + "'";
+        spec.append(spec.empty() ? "'" : " \\\n        '")
+            .append(instead)
+            .append(name)
+            .append("[")
+            .append(description)
+            .append("]")
+            .append(value)
+            .append("'");
     return spec;
 }
 

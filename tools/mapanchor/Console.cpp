@@ -8,7 +8,7 @@ namespace {
 
 bool WantsColor(ColorMode mode) {
     if (mode != ColorMode::Auto) return mode == ColorMode::Always;
-    const char* no_color = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): no threads yet
+    const char* no_color = std::getenv("NO_COLOR");
     return isatty(STDOUT_FILENO) && !(no_color && *no_color);
 }
 

@@ -56,7 +56,7 @@ std::string WellKnownText2(const BCoordSys& system) {
     const char* const options[] = {"FORMAT=WKT2_2019", nullptr};
     char* text = nullptr;
     const bool done = Import(system, srs) && srs.exportToWkt(&text, options) == OGRERR_NONE && text;
-    const std::string result = done ? text : "";
+    std::string result = done ? text : "";
     CPLFree(text);
     return result;
 }

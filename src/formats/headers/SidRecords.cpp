@@ -67,7 +67,7 @@ bool TakeRecord(ByteReader& reader, Record& record) {
     record.count = reader.U32();
     const std::uint32_t dimensions = reader.U32();
     if (!reader.Ok() || record.name.size() > kLongestName || dimensions > kMostDimensions) return false;
-    if (check != record.name.size() + 12 + 4 * dimensions) return false;
+    if (check != record.name.size() + 12 + std::size_t{4} * dimensions) return false;
     const auto size = SizeOfType(record.type);
     if (!size || !TakeDimensions(reader, dimensions, record.count)) return false;
     if (record.type == kText) return record.count > 0 && TakeTexts(reader, record);

@@ -127,7 +127,7 @@ BString StoreKeySystem(const SidImage& image, BGeoReference& reference) {
         reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
         return {};
     } catch (const BException& error) {
-        const BString message = error.GetDetailedMessage();
+        BString message = error.GetDetailedMessage();
         BLogger::Instance()->WriteLine(
             ELogSeverity::Error,
             "BRefMrSID::Read could not read Coordinate System { EPSG : %ls } ERROR (%ls).", code, message);

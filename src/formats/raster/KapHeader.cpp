@@ -13,7 +13,6 @@
 namespace MapAnchor {
 namespace {
 
-using Tellurion::BPointPair;
 using Tellurion::BString;
 using Tellurion::ParseDouble;
 using Tellurion::ParseLong;

@@ -108,7 +108,7 @@ int CompareNoCase(const char* a, const char* b, std::size_t count) {
 BString BuildCompoundWKT(const BGeoReference& reference) {
     if (!reference.HasCoordSys()) return {};
     const BCoordSys& system = *reference.CoordSys;
-    const BString wkt = system.ToWKT();
+    BString wkt = system.ToWKT();
     if (wkt.IsEmpty()) return wkt;
     const CGeodeticCoordSys* geodetic = GeodeticOf(system);
     if (!geodetic) return wkt;

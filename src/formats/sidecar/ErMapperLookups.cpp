@@ -68,7 +68,7 @@ BSharedPtr<BCoordSys> FindNad83Form(BString name, Wanted& wanted) {
         name += "M";
         wanted.units = kUsFeet;
     }
-    const BSharedPtr<BCoordSys> found = GetSystem(kErMapper, name);
+    BSharedPtr<BCoordSys> found = GetSystem(kErMapper, name);
     if (found) wanted.datum = "NAD83";
     return found;
 }

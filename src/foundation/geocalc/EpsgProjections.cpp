@@ -10,8 +10,6 @@
 
 namespace GeoCalc::DB {
 
-using Tellurion::BLinearUnit;
-using Tellurion::BSharedPtr;
 using Tellurion::CoordSysDefinition;
 namespace Proj = Tellurion::Proj;
 
@@ -105,6 +103,7 @@ std::vector<const EpsgProjections::Row*> EpsgProjections::Find(const PJ::CProjec
     }
     std::ranges::stable_sort(found, {}, [](const auto& entry) { return entry.first; });
     std::vector<const Row*> rows;
+    rows.reserve(found.size());
     for (const auto& entry : found)
         rows.push_back(entry.second);
     return rows;

@@ -171,9 +171,11 @@ CProjection ReadProjection(const DB::ErMapperProjection& row) {
 Proj::Object MakeConversion(const CProjection& projection) {
     const std::vector<CParameter>& parameters = projection.GetParameters().All();
     std::vector<std::string> unit_names;
+    unit_names.reserve(parameters.size());
     for (const CParameter& parameter : parameters)
         unit_names.push_back(parameter.length.GetUnits()->GetName().StdStr());
     std::vector<PJ_PARAM_DESCRIPTION> descriptions;
+    descriptions.reserve(parameters.size());
     for (std::size_t i = 0; i < parameters.size(); ++i)
         descriptions.push_back(Describe(parameters[i], unit_names[i]));
     const std::string& epsg = projection.GetMethodEpsg();

@@ -124,7 +124,7 @@ void AppendNumber(std::u16string& out, std::string digits, bool negative, const 
 void AppendText(std::u16string& out, std::u16string text, const Conversion& conversion) {
     if (conversion.precision >= 0)
         text.resize(std::min(text.size(), static_cast<std::size_t>(conversion.precision)));
-    Pad(out, std::move(text), conversion);
+    Pad(out, text, conversion);
 }
 
 bool WantsReal(char type) {

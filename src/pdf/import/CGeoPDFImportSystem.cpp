@@ -64,7 +64,7 @@ TextCache& SystemTexts() {
 }  // namespace
 
 std::string CGeoPDFImport::BuildWKT() {
-    const std::string text = SystemTexts().Get(CacheKey(Parameters), [this] {
+    std::string text = SystemTexts().Get(CacheKey(Parameters), [this] {
         const QuietOgr quiet;
         OGRSpatialReference srs;
         srs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);

@@ -32,6 +32,7 @@ CPDFDictionary::CPDFDictionary(const CPDFDictionary& other)
     : owned_(other.owned_), dictionary_(other.dictionary_), object_(other.owned_ ? nullptr : other.object_) {}
 
 CPDFDictionary& CPDFDictionary::operator=(const CPDFDictionary& other) {
+    if (this == &other) return *this;
     dictionary_ = other.dictionary_;
     if (!other.owned_) object_ = other.object_;
     owned_ = other.owned_;

@@ -48,6 +48,7 @@ std::vector<double> CPDFPage::GetBox(int selector) const {
         if (!dictionary.HasKey(key)) continue;
         const CPDFArray array = dictionary.GetArray(key);
         std::vector<double> box;
+        box.reserve(static_cast<std::size_t>(array.GetSize()));
         for (int i = 0; i < array.GetSize(); ++i)
             box.push_back(array[i].GetReal());
         return box;

@@ -13,8 +13,8 @@ namespace {
 
 // Parsers look back a little before the place they jump to, and may go on from there or
 // jump again.
-constexpr std::int64_t kLookBack = 2 * 1024;
-constexpr std::int64_t kJump = 8 * 1024;
+constexpr std::int64_t kLookBack = std::int64_t{2} * 1024;
+constexpr std::int64_t kJump = std::int64_t{8} * 1024;
 
 std::int64_t SizeOf(int descriptor) {
     struct stat status;

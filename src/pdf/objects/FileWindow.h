@@ -34,7 +34,7 @@ private:
     struct Window {
         std::int64_t start = 0;
         std::int64_t filled = 0;
-        std::array<unsigned char, 32 * 1024> bytes;
+        std::array<unsigned char, std::size_t{32} * 1024> bytes;
 
         std::int64_t End() const { return start + filled; }
         bool Holds(std::int64_t position) const { return position >= start && position < End(); }

@@ -43,8 +43,10 @@ public:
 class FirstPageLoad {
 public:
     FirstPageLoad(PlainTables& tables, FirstPageDocument& document)
-        : tables_(tables), objects_(document.GetObjects()) {
-        PdfObject& catalog = Follow(Entry(tables.Trailer(), "Root"));
+        : tables_(tables), document_(document), objects_(document.GetObjects()) {}
+
+    void Run() {
+        PdfObject& catalog = Follow(Entry(tables_.Trailer(), "Root"));
         const PdfDictionary& page = Dictionary(FindPage(Follow(Entry(Dictionary(catalog), "Pages"))));
         for (const char* key : {"VP", "LGIDict", "Type", "MediaBox", "CropBox", "BleedBox", "TrimBox",
                                 "ArtBox", "Rotate", "UserUnit"})
@@ -52,8 +54,8 @@ public:
         // The parser has a failure of its own for a page without what it refers to.
         for (const char* key : {"Contents", "Resources"})
             if (const PdfObject* const value = page.GetKey(key))
-                Require(!value->IsReference() || tables.Find(value->GetReference()));
-        document.SetRoot(catalog);
+                Require(!value->IsReference() || tables_.Find(value->GetReference()));
+        document_.SetRoot(catalog);
     }
 
 private:
@@ -119,6 +121,7 @@ private:
     }
 
     PlainTables& tables_;
+    FirstPageDocument& document_;
     PdfVecObjects& objects_;
     std::set<PdfReference> taken_;
 };
@@ -129,7 +132,8 @@ std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file) {
     try {
         PlainTables tables(file);
         auto document = std::make_unique<FirstPageDocument>();
-        FirstPageLoad(tables, *document);
+        FirstPageLoad load(tables, *document);
+        load.Run();
         return document;
     } catch (const PdfError&) {
         return nullptr;

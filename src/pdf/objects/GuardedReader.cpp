@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::int64_t kTableEntry = 20;
 constexpr std::size_t kLongestNumber = 20;
-constexpr std::int64_t kFarthestEndMarker = 1024 * 1024;
+constexpr std::int64_t kFarthestEndMarker = std::int64_t{1024} * 1024;
 
 // As the parser reads a number: a sign may stand before it, anything behind it.
 std::int64_t Number(std::string_view word) {

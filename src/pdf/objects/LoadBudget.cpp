@@ -8,7 +8,7 @@ namespace {
 
 using PoDoFo::EPdfError;
 
-constexpr std::uint64_t kMebi = 1024 * 1024;
+constexpr std::uint64_t kMebi = std::uint64_t{1024} * 1024;
 // Prices as measured: a parser object with its tokenizer, a parsed object, and the
 // room that a list of objects has taken when it was copied into its owner.
 constexpr std::uint64_t kParserObject = 1'300;

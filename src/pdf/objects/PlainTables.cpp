@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <set>
 #include <string>
-#include <utility>
 
 namespace VellumLib {
 
@@ -16,7 +15,7 @@ using namespace PoDoFo;
 
 constexpr std::int64_t kRow = 20;
 constexpr std::int64_t kEndOfFile = 1024;
-constexpr std::size_t kText = 8 * 1024 * 1024;
+constexpr std::size_t kText = std::size_t{8} * 1024 * 1024;
 constexpr std::int64_t kWhite = 1000;
 constexpr std::int64_t kReferenceText = 48;
 // As the parser has it.
@@ -97,7 +96,7 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
             Require(previous->IsNumber());
             start = previous->GetNumber();
         }
-        if (seen.size() == 1) trailer_ = std::move(trailer);
+        if (seen.size() == 1) trailer_ = trailer;
     }
 }
 

@@ -17,8 +17,8 @@ namespace {
 
 using namespace PoDoFo;
 
-constexpr std::int64_t kUnknownLength = 64 * 1024 * 1024;
-constexpr std::int64_t kWidestRow = 8 * 1024 * 1024;
+constexpr std::int64_t kUnknownLength = std::int64_t{64} * 1024 * 1024;
+constexpr std::int64_t kWidestRow = std::int64_t{8} * 1024 * 1024;
 
 /// Keeps what a decoder gives, up to a limit. It must not throw: the decoder would
 /// not release its own state.
@@ -65,7 +65,7 @@ TVecFilters Filters(const PdfVariant& dictionary) {
         direct = std::all_of(entry->GetArray().begin(), entry->GetArray().end(),
                              [](const PdfObject& filter) { return filter.IsName(); });
     if (!direct) RefusePdf(ePdfError_UnsupportedFilter, "A filter is not named.");
-    const TVecFilters filters = PdfFilterFactory::CreateFilterList(entry);
+    TVecFilters filters = PdfFilterFactory::CreateFilterList(entry);
     const auto compressing = std::count(filters.begin(), filters.end(), ePdfFilter_FlateDecode);
     const auto plain = std::count(filters.begin(), filters.end(), ePdfFilter_ASCIIHexDecode) +
                        std::count(filters.begin(), filters.end(), ePdfFilter_ASCII85Decode);

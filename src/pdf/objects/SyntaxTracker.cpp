@@ -6,7 +6,7 @@ namespace VellumLib {
 
 namespace {
 
-constexpr std::size_t kLongestKept = 1024 * 1024;
+constexpr std::size_t kLongestKept = std::size_t{1024} * 1024;
 // A long word costs as much to copy as several short ones.
 constexpr std::uint32_t kWordPiece = 32;
 

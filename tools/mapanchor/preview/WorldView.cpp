@@ -116,6 +116,7 @@ public:
     void DrawShapes(const std::vector<std::vector<Position>>& shapes, const char* style) const {
         for (const auto& shape : shapes) {
             std::vector<Position> corners;
+            corners.reserve(shape.size());
             for (const Position& corner : shape)
                 corners.push_back(At(corner));
             svg_.Polygon(corners, style);
