@@ -12,7 +12,7 @@
 #include <iostream>
 #include <sstream>
 
-extern "C" [[gnu::weak]] void FaultShimArm();
+extern "C" [[gnu::weak]] void FaultShimArm(bool);
 
 namespace {
 
@@ -41,12 +41,13 @@ int main(int argc, char** argv) {
     std::string told = "saved";
     try {
         const BGeoReference reference = MakeReference();
-        if (FaultShimArm) FaultShimArm();
+        if (FaultShimArm) FaultShimArm(true);
         const Thrown thrown = WhatIsThrown([&] {
             BMapAnchor::Save(static_cast<EReferenceType>(std::atoi(argv[1])), BString(argv[2]), reference,
                              200, 100, "image.tif",
                              BMapAnchor::kStrictTransform | BMapAnchor::kStrictCoordSys, nullptr);
         });
+        if (FaultShimArm) FaultShimArm(false);
         if (!thrown.type.empty()) told = thrown.type + " | " + thrown.source + " | " + thrown.detail;
     } catch (const std::exception& error) {
         told = std::string("std::exception | | ") + error.what();

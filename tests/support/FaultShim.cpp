@@ -35,7 +35,7 @@ extern const char FaultShimReturn[];
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* old, std::size_t size);
-[[gnu::visibility("default")]] void FaultShimArm();
+[[gnu::visibility("default")]] void FaultShimArm(bool on);
 [[gnu::visibility("default")]] void* malloc(std::size_t size);
 [[gnu::visibility("default")]] void* calloc(std::size_t count, std::size_t size);
 [[gnu::visibility("default")]] void* realloc(void* old, std::size_t size);
@@ -227,8 +227,8 @@ bool Starves() {
 
 extern "C" {
 
-void FaultShimArm() {
-    in_allocations = setting.call && std::strcmp(setting.call, "malloc") == 0;
+void FaultShimArm(bool on) {
+    in_allocations = on && setting.call && std::strcmp(setting.call, "malloc") == 0;
 }
 
 void* malloc(std::size_t size) {
