@@ -30,6 +30,7 @@ folder() {
     echo "hard-places: in <$tree>"
     (
         cd "$tree"
+        export CCACHE_BASEDIR=$tree CCACHE_NOHASHDIR=1
         cmake --preset release >/dev/null
         cmake --build --preset release -j "$jobs" >build.log || { tail -n 40 build.log; exit 1; }
         ctest --preset release -j "$jobs" --no-tests=error | tail -n 40

@@ -2,6 +2,7 @@
 """Runs the benchmarks and sets ours, the peer's and the floor side by side.
 
 performance.py BIN TABLE            measures everything and writes TABLE (Markdown)
+performance.py --only RE BIN TABLE  measures the operations that match, keeps the other rows
 performance.py --compare BIN TABLE  measures the times and tells which ratio got worse than
                                     the one kept in TABLE by more than a tenth; a row counts
                                     as worse when its instructions grew as well, since the
@@ -49,15 +50,17 @@ def run_benchmarks(folder, program, *options):
             yield (*names_of(entry), entry["cpu_time"] * scale[entry["time_unit"]], entry["run_name"])
 
 
-def measure(folder, repetitions):
+def measure(folder, repetitions, only):
     """{operation: {who: Timing}}"""
     found = {}
     for program in PROGRAMS:
         for who, operation, time, name in run_benchmarks(
-                folder, program, f"--benchmark_filter=-{COLD}", "--benchmark_min_time=0.2",
+                folder, program, f"--benchmark_filter={only or f'-{COLD}'}", "--benchmark_min_time=0.2",
                 "--benchmark_enable_random_interleaving=true", f"--benchmark_repetitions={repetitions}",
                 "--benchmark_report_aggregates_only=true"):
             found.setdefault(operation, {})[who] = Timing(time, program, name)
+    if only:
+        return found
     # What a process does once is measured in a process of its own.
     names = subprocess.run([os.path.join(folder, COLD_PROGRAM), "--benchmark_list_tests",
                             f"--benchmark_filter={COLD}"], check=True, stdout=subprocess.PIPE, text=True)
@@ -125,7 +128,14 @@ def version(*command):
     return run.stdout.split("\n")[0].strip()
 
 
-def table_text(rows):
+def row_text(row):
+    peer = f"{time_text(row.peer)} ({row.peer_name})" if row.peer else ""
+    return (f"| {row.operation} | {time_text(row.ours)} | {peer} | {ratio_text(row.peer, row.ours)} | "
+            f"{time_text(row.floor)} | {ratio_text(row.ours, row.floor)} | "
+            f"{row.counted or ''} | {row.peer_counted or ''} |")
+
+
+def table_text(lines_by_operation):
     lines = [
         "# Performance", "",
         "Made by `make bench`. Times are medians of processor time for one operation; a peer and the",
@@ -139,23 +149,23 @@ def table_text(rows):
         f"{version('c++', '--version')}, GDAL {version('gdal-config', '--version')}", "",
         "| Operation | Ours | Peer | Peer / ours | Floor | Ours / floor | Our instructions | The peer's |",
         "|---|---:|---:|---:|---:|---:|---:|---:|"]
-    for row in rows:
-        peer = f"{time_text(row.peer)} ({row.peer_name})" if row.peer else ""
-        lines.append(
-            f"| {row.operation} | {time_text(row.ours)} | {peer} | {ratio_text(row.peer, row.ours)} | "
-            f"{time_text(row.floor)} | {ratio_text(row.ours, row.floor)} | "
-            f"{row.counted or ''} | {row.peer_counted or ''} |")
+    lines += [line for _, line in sorted(lines_by_operation.items())]
     return "\n".join(lines) + "\n"
+
+
+def kept_lines(path):
+    """{operation: line}"""
+    with open(path, encoding="utf-8") as table:
+        lines = [line.rstrip("\n") for line in table if line.startswith("| ")]
+    return {line.split(" | ")[0][2:]: line for line in lines[1:]}
 
 
 def kept_rows(path):
     """{operation: (peer / ours, ours / floor, instructions)}, None where there is none."""
     kept = {}
-    with open(path, encoding="utf-8") as table:
-        for line in table:
-            cells = [cell.strip() for cell in line.strip().strip("|").split("|")]
-            if line.startswith("|") and len(cells) == 8 and cells[0] not in ("Operation", "---"):
-                kept[cells[0]] = tuple(float(cells[i]) if cells[i] else None for i in (3, 5, 6))
+    for operation, line in kept_lines(path).items():
+        cells = [cell.strip() for cell in line[1:-1].split("|")]
+        kept[operation] = tuple(float(cells[i]) if cells[i] else None for i in (3, 5, 6))
     return kept
 
 
@@ -193,16 +203,18 @@ def compare(folder, rows, kept):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--compare", action="store_true")
+    parser.add_argument("--only", default=os.environ.get("BENCH_ONLY"))
     parser.add_argument("--repetitions", type=int, default=int(os.environ.get("BENCH_REPETITIONS", "5")))
     parser.add_argument("folder")
     parser.add_argument("table")
     options = parser.parse_args()
-    rows = rows_of(measure(options.folder, options.repetitions))
+    rows = rows_of(measure(options.folder, options.repetitions, options.only))
     if options.compare:
         return compare(options.folder, rows, kept_rows(options.table))
-    rows = [with_counts(options.folder, row) for row in rows]
+    lines = kept_lines(options.table) if options.only else {}
+    lines.update({row.operation: row_text(with_counts(options.folder, row)) for row in rows})
     with open(options.table, "w", encoding="utf-8") as table:
-        table.write(table_text(rows))
+        table.write(table_text(lines))
     return 0
 
 
