@@ -87,8 +87,10 @@ TEST(Info, ExitStatusSaysHowItEnded) {
 }
 
 TEST(Info, WrongUsageIs64) {
-    for (const char* words : {"", "info", "info --nonsense x", "info --size 10 x", "info --type gpx x",
-                              "info --fit magic x", "convert one", "--size"}) {
+    for (const char* words :
+         {"", "info", "info --nonsense x", "info --size 10 x", "info --type gpx x", "info --fit magic x",
+          "info --dpi 0.5 x", "info --dpi 72,5 x", "diff --max-pixels -1 x y", "check --max-rmse nan x",
+          "convert one", "--size"}) {
         const ToolRun run = RunTool(Words(words));
         EXPECT_EQ(run.status, 64) << words;
         EXPECT_NE(run.err, "");

@@ -248,8 +248,9 @@ void AddLimits(CLI::App& batch, BatchOptions& options) {
     batch.add_option("-j,--jobs", options.jobs, "Worker processes; one for each processor without it")
         ->check(CLI::Range(1, kMostJobs))
         ->type_name("N");
-    batch.add_option("--timeout", options.seconds, "The most seconds for a file; 60 without it")
-        ->check(CLI::Range(0.001, 1e6))
+    AddNumber(
+        batch, "--timeout", [&options](double value) { options.seconds = value; }, {0.001, 1e6},
+        "The most seconds for a file; 60 without it")
         ->type_name("S");
     batch.add_option("--memory", options.megabytes, "The most megabytes for a file; 2048 without it")
         ->check(CLI::Range(1, 1 << 20))

@@ -193,8 +193,9 @@ void AddCheckCommand(CLI::App& app, ExitStatus& status) {
             "--within", options->within,
             "The area on WGS 84 in degrees, or a file whose area it is; W above E crosses the antimeridian")
         ->type_name("W,S,E,N");
-    check->add_option("--max-rmse", options->max_rmse, "The most that the residuals may be, in pixels")
-        ->check(CLI::NonNegativeNumber)
+    AddNumber(
+        *check, "--max-rmse", [o = options.get()](double value) { o->max_rmse = value; }, {},
+        "The most that the residuals may be, in pixels")
         ->type_name("PX");
     options->read.AddTo(*check);
     options->common.AddTo(*check);

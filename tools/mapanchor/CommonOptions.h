@@ -2,9 +2,13 @@
 
 #include "Console.h"
 
+#include <functional>
+#include <string>
+
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 /// Options that every subcommand has.
 struct CommonOptions {
@@ -17,3 +21,13 @@ struct CommonOptions {
     void AddTo(CLI::App& app);
     Console MakeConsole() const { return Console(color, quiet); }
 };
+
+struct NumberRange {
+    double least = 0.0;
+    double most = 1e9;
+};
+
+/// An option whose value is a number in the range, written with a decimal point whatever
+/// the locale of the process.
+CLI::Option* AddNumber(CLI::App& app, const std::string& name, std::function<void(double)> take,
+                       NumberRange range, const std::string& description);

@@ -262,8 +262,9 @@ void AddDiffCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* diff = app.add_subcommand("diff", kDescription);
     diff->add_option("A", options->first, "The reference to measure from")->required();
     diff->add_option("B", options->second, "The one to measure")->required();
-    diff->add_option("--max-pixels", options->max_pixels, "Complain when they lie further apart")
-        ->check(CLI::NonNegativeNumber)
+    AddNumber(
+        *diff, "--max-pixels", [o = options.get()](double value) { o->max_pixels = value; }, {},
+        "Complain when they lie further apart")
         ->type_name("PX");
     options->read.AddTo(*diff);
     options->common.AddTo(*diff);

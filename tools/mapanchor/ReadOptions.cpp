@@ -1,5 +1,7 @@
 #include "ReadOptions.h"
 
+#include "CommonOptions.h"
+
 #include <MapAnchor/BMapAnchor.h>
 
 #include <CLI/CLI.hpp>
@@ -90,13 +92,12 @@ void ReadOptions::AddTo(CLI::App& app) {
            "The box of a PDF page that the raster shows: art, trim, bleed, crop, media")
         ->check(CLI::IsMember({"art", "trim", "bleed", "crop", "media"}))
         ->type_name("BOX");
-    app.add_option_function<double>(
-           "--dpi",
-           [this](double value) {
-               dpi = value;
-               params.SetDouble(BMapAnchor::kValPDFResolution, value);
-           },
-           "Resolution of a PDF page in dots per inch; 72 without it")
-        ->check(CLI::Range(1.0, 1e5))
+    AddNumber(
+        app, "--dpi",
+        [this](double value) {
+            dpi = value;
+            params.SetDouble(BMapAnchor::kValPDFResolution, value);
+        },
+        {1.0, 1e5}, "Resolution of a PDF page in dots per inch; 72 without it")
         ->type_name("N");
 }
