@@ -151,8 +151,8 @@ BString FaultOfRead(CPDFDocument& document, const BGeoPDFPage& page) {
 
 void Describe(CPDFDocument& document, BGeoPDFPage& page) {
     CPDFPage& source = document.GetPage(0);
-    page.Rotate = VellumLib::PageRotation(source);
-    page.UserUnit = VellumLib::PageUserUnit(source);
+    page.Rotate = source.GetRotation();
+    page.UserUnit = source.GetUserUnit();
     const BString maps = FaultOf([&] { DescribeMaps(document, source, page); });
     if (page.Fault.IsEmpty()) page.Fault = maps;
     if (page.Fault.IsEmpty()) page.Fault = FaultOfRead(document, page);

@@ -72,6 +72,25 @@ std::vector<double> CPDFPage::GetArtBox() const {
     return GetBox(4);
 }
 
+int CPDFPage::GetRotation() const {
+    constexpr int kMostLevels = 256;  // parents may stand in a circle
+    constexpr int kFullTurn = 360;
+    const PdfObject* node = page_->GetObject();
+    const PdfObject* value = nullptr;
+    for (int level = 0; node && !value && level < kMostLevels; ++level) {
+        value = FollowKey(*objects_, *node, PdfName("Rotate"));
+        node = FollowKey(*objects_, *node, PdfName("Parent"));
+    }
+    if (!value || !(value->IsNumber() || value->IsReal())) return 0;
+    const auto degrees = static_cast<int>(value->GetNumber() % kFullTurn);
+    return degrees < 0 ? degrees + kFullTurn : degrees;
+}
+
+double CPDFPage::GetUserUnit() const {
+    const PdfObject* value = FollowKey(*objects_, *page_->GetObject(), PdfName("UserUnit"));
+    return value && (value->IsNumber() || value->IsReal()) ? value->GetReal() : 1.0;
+}
+
 QString CPDFPage::GetPropertyTitle(const QString& resource_name) const {
     if (!properties_) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidKey);
     if (resource_name.isEmpty()) return QString();

@@ -32,6 +32,12 @@ public:
     std::vector<double> GetTrimBox() const;
     std::vector<double> GetArtBox() const;
 
+    /// The turn in which a viewer shows the page, clockwise: 0 to 359 degrees. Of its own,
+    /// else of the nearest node above it.
+    int GetRotation() const;
+    /// In 1/72 inch; 1 where the page does not tell.
+    double GetUserUnit() const;
+
     /// The name or title of an entry of the page's property list; empty without.
     QString GetPropertyTitle(const QString& resource_name) const;
     /// The dialect of geospatial PDF that the page speaks.

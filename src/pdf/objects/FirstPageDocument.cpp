@@ -81,6 +81,7 @@ private:
             const PdfObject& kids = Entry(Dictionary(*node), "Kids");
             const PdfObject& list = kids.IsReference() ? Follow(kids) : kids;
             Require(list.IsArray());
+            if (const PdfObject* const turn = node->GetDictionary().GetKey("Rotate")) TakeAllBelow(*turn);
             const PdfObject& kid = FirstWithPages(list.GetArray());
             // What a page inherits, it inherits from the parent that it names.
             const PdfObject* const parent = kid.GetDictionary().GetKey("Parent");

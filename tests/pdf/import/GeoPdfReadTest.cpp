@@ -382,6 +382,25 @@ TEST(GeoPdfPage, ListsViewportsAndMarksTheFirst) {
     EXPECT_EQ(page.Maps[1].Area, 800.0);
 }
 
+TEST(GeoPdfPage, IsTurnedAsAViewerShowsIt) {
+    struct Row {
+        const char* page;
+        const char* above;
+        int degrees;
+    };
+    const Row rows[] = {{"/Rotate 450.0", "", 90},       {"/Rotate 6 0 R", "", 180},
+                        {"", "/Rotate 270", 270},        {"", "/Rotate 6 0 R", 180},
+                        {"/Rotate 0", "/Rotate 270", 0}, {"/Rotate /Ninety", "", 0},
+                        {"", "/Parent 3 0 R", 0}};
+    for (const Row& row : rows) {
+        GeoPdf::Viewport map;
+        map.page += row.page;
+        const BGeoPDFPage page = Describe(map.Pdf().Add("180").Inherit(row.above).Text());
+        EXPECT_EQ(page.Rotate, row.degrees) << row.page << " below " << row.above;
+        EXPECT_EQ(page.Maps.size(), 1U) << row.page << " below " << row.above;
+    }
+}
+
 TEST(GeoPdfPage, ListsLGIDictsAndMarksTheLargest) {
     GeoPdf::LGIDict map;
     map.neatline = "/Neatline [(0) (0) (0) (10) (10) (10) (10) (0)]";
