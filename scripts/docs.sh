@@ -2,6 +2,7 @@
 # Makes the API reference of the installed headers; an undocumented public symbol or a
 # comment that Doxygen cannot follow is an error: docs.sh <build folder> <output folder>
 set -euo pipefail
+export LC_ALL=C.UTF-8  # Doxygen turns names into lower case by the locale
 cd "$(dirname "$0")/.."
 stage=$(realpath "$1")/include
 mkdir -p "$2"

@@ -142,6 +142,9 @@ struct Refusal {
 
 TEST_F(PdfInPlace, RefusedWithoutTouchingTheFile) {
     folder.Write("bare.tfw", kWorldFile);
+    // Eastings of this system have the number of their zone before them.
+    folder.Write("far.tfw", kWorldFile);
+    folder.Write("far.prj", PrjOf("2663"));
     const std::string encrypted =
         PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
                   "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] >>",
@@ -157,7 +160,9 @@ TEST_F(PdfInPlace, RefusedWithoutTouchingTheFile) {
         {"no_system", original, "bare.tfw", "--overwrite", 2, "Coordinate system is required"},
         {"no_box", PagePdf("").Text(), "map.tfw", "--overwrite", 2, "has no media box of its own"},
         {"no_source", original, "none.tfw", "--overwrite", 2, "does NOT exist"},
-        {"raster_too_small", original, "map.tfw", "--overwrite --size 4x4", 2, "Nothing was saved"},
+        {"raster_too_small", original, "map.tfw", "--overwrite --size 4x4", 2,
+         "too small to tell them apart"},
+        {"off_the_earth", original, "far.tfw", "--overwrite", 2, "have no longitude and latitude"},
     };
     for (const Refusal& refusal : refusals) {
         SCOPED_TRACE(refusal.name);
@@ -172,7 +177,7 @@ TEST_F(PdfInPlace, RefusedWithoutTouchingTheFile) {
             EXPECT_EQ(run.out, "");
             const bool missing = refusal.content == "-";
             EXPECT_EQ(TempFolder::Slurp(folder / "map.pdf"), missing ? "" : refusal.content);
-            EXPECT_EQ(Names().size(), missing ? 1U : 2U) << "with bare.tfw";
+            EXPECT_EQ(Names().size(), missing ? 3U : 4U) << "with the other sources";
         }
     }
     EXPECT_EQ(Run("--verify", "copy.tfw").status, 64);

@@ -114,6 +114,15 @@ void Verify(const ConvertOptions& options, const BGeoReference& reference, Outco
                      " pixels from the reference at the worst corner");
 }
 
+/// Why the library left the page alone without an exception.
+std::string ReasonOfNothing(const BGeoReference& reference) {
+    constexpr std::size_t kPointsThatSuffice = 4;
+    return reference.PointPairVector.size() >= kPointsThatSuffice
+               ? "Nothing was saved: a PDF needs a transform, or four control points that are enabled."
+               : "Nothing was saved: the raster's corners have no longitude and latitude, or the raster is "
+                 "too small to tell them apart.";
+}
+
 /// True when the library wrote the file; a warning of its own is no exception.
 bool IsSaved(const ConvertOptions& options, const BGeoReference& reference, const PdfWorkplace& place,
              LogCollector& log, Outcome& outcome) {
@@ -129,8 +138,7 @@ bool IsSaved(const ConvertOptions& options, const BGeoReference& reference, cons
     }
     TakeLog(place, log, outcome);
     if (!outcome.failure && !place.HasResult())
-        outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
-                     "Nothing was saved: a PDF needs a transform, or four control points that are enabled.");
+        outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException", ReasonOfNothing(reference));
     return !outcome.failure;
 }
 
