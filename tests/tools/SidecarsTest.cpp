@@ -63,6 +63,10 @@ TEST(Sidecars, WhatATargetLacksOrNeedsIsSaid) {
     folder.Write("odd.prj",
                  "GEOGCS[\"odd\",DATUM[\"D_odd\",SPHEROID[\"odd\",6300000,300]],PRIMEM[\"Greenwich\",0],UNIT["
                  "\"Degree\",0.0174532925199433]]");
+    for (const auto& [name, code] : {std::pair{"japan", "2444"}, {"igs", "9009"}, {"utm", "32632"}}) {
+        folder.Write(std::string(name) + ".tfw", "1\n0\n0\n-1\n5\n5\n");
+        folder.Write(std::string(name) + ".prj", PrjOf(code));
+    }
     const std::string known = "--size 9x9 --image a.tif";
     const LossCase cases[] = {
         {"no_size_for_corners_of_rsf", "plain.tfw", "a.rsf", "", 2, "--size WxH"},
@@ -78,6 +82,10 @@ TEST(Sidecars, WhatATargetLacksOrNeedsIsSaid) {
         {"known_ers", "plain.tfw", "c.ers", known, 0, "\"diagnostics\":[]"},
         {"rotation_in_ers", "turned.tfw", "d.ers", known, 2, "does not support rotation"},
         {"system_without_a_name_in_ers", "odd.tfw", "e.ers", known, 3, "it has no name"},
+        {"datum_without_a_name_in_ers", "japan.tfw", "f.ers", known, 3, "it is read back as Tokyo /"},
+        {"datum_without_a_name_in_tab", "igs.tfw", "f.tab", known, 3, "(EPSG:9009): it is read back as"},
+        {"known_tab", "utm.tfw", "g.tab", known, 0, "\"diagnostics\":[]"},
+        {"known_system_in_ers", "utm.tfw", "g.ers", known, 0, "\"diagnostics\":[]"},
         {"points_in_wld", "points.rsf", "e.tfw", "", 3, "control points are not saved"},
     };
     for (const LossCase& test : cases) {

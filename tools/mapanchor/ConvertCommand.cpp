@@ -1,6 +1,7 @@
 #include "Commands.h"
 #include "Convert.h"
 #include "JsonRenderer.h"
+#include "Systems.h"
 #include "TextRenderer.h"
 
 #include <MapAnchor/BMapAnchor.h>
@@ -138,34 +139,48 @@ void CleanUp(const std::string& target, bool existed, Outcome& outcome) {
         std::filesystem::remove(target, error);
 }
 
-bool KeepsSystem(const std::string& target) {
+/// The reference as the file has it now, as far as it can be read.
+BGeoReference Saved(EReferenceType kind, const std::string& target) {
     BGeoReference back;
     try {
-        BMapAnchor::Read(EReferenceType::ERS, BString(target), back, 0, 0, EMathTransformType::Affine, 0,
-                         nullptr);
+        BMapAnchor::Read(kind, BString(target), back, 0, 0, EMathTransformType::Affine, 0, nullptr);
     } catch (...) {
     }
-    return back.HasCoordSys();
+    return back;
 }
 
-/// An ERS header names systems in a language of its own. Each road of the library
-/// knows some that the other one leaves out without a word.
-void SaveSystemInErs(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    if (outcome.plan.kind != "ERS" || !reference.HasCoordSys() || KeepsSystem(options.target)) return;
-    if (!options.to) {
-        ConvertOptions by_type = options;
-        by_type.to = EReferenceType::ERS;
-        CallSave(by_type, reference);
-        if (KeepsSystem(options.target)) return;
-    }
-    outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
+/// Each road of the library knows some systems in an ERS header that the other one
+/// leaves out without a word.
+BGeoReference SaveSystemInErs(const ConvertOptions& options, const BGeoReference& reference) {
+    BGeoReference back = Saved(EReferenceType::ERS, options.target);
+    if (back.HasCoordSys() || options.to) return back;
+    ConvertOptions by_type = options;
+    by_type.to = EReferenceType::ERS;
+    CallSave(by_type, reference);
+    return Saved(EReferenceType::ERS, options.target);
+}
+
+/// ERS and TAB name systems in a language of their own, which lacks words.
+void WarnOfOtherSystem(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
+    const bool ers = outcome.plan.kind == "ERS";
+    if (!reference.HasCoordSys() || (!ers && outcome.plan.kind != "TAB")) return;
+    const BGeoReference back =
+        ers ? SaveSystemInErs(options, reference) : Saved(EReferenceType::TAB, options.target);
+    if (!back.HasCoordSys())
+        return outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
+    const BCoordSys& system = *reference.CoordSys;
+    if (system.ToEPSGCode().IsEmpty() || back.CoordSys->ToEPSGCode().IsEmpty() ||
+        IsSameSystem(system, *back.CoordSys))
+        return;
+    outcome.Warn("this kind of file has no name for " + NameOf(system) + ": it is read back as " +
+                 NameOf(*back.CoordSys));
 }
 
 void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
     const bool existed = BFileUtilities::Exists(BString(options.target));
     try {
         CallSave(options, reference);
-        SaveSystemInErs(options, reference, outcome);
+        WarnOfOtherSystem(options, reference, outcome);
     } catch (...) {
         FailByCurrent(outcome);
     }
