@@ -6,7 +6,9 @@
 #include "objects/CPDFString.h"
 
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <vector>
 
 using namespace VellumLib;
 
@@ -19,24 +21,23 @@ void AskDocument(CPDFDocument& document) {
     fuzz::Survives([&] { document.GetModDate(); });
 }
 
-/// What the page says of itself, however it was loaded; "fails" where it throws.
-std::string AskPage(CPDFPage& page) {
-    std::string answers;
+/// What the page says of itself, however it was loaded; nothing where it throws.
+using Answers = std::vector<std::optional<std::vector<double>>>;
+
+template <class Question>
+void Ask(Answers& answers, Question question) {
+    answers.emplace_back();
+    fuzz::Survives([&] { answers.back() = question(); });
+}
+
+Answers AskPage(CPDFPage& page) {
+    using Numbers = std::vector<double>;
+    Answers answers;
     for (const auto box : {&CPDFPage::GetMediaBox, &CPDFPage::GetCropBox, &CPDFPage::GetBleedBox,
-                           &CPDFPage::GetTrimBox, &CPDFPage::GetArtBox}) {
-        std::string answer = "fails";
-        fuzz::Survives([&] {
-            std::string numbers;
-            for (const double number : (page.*box)())
-                numbers += std::to_string(number) + " ";
-            answer = numbers;
-        });
-        answers += answer + "; ";
-    }
-    std::string kind = "fails";
-    fuzz::Survives([&] { kind = std::to_string(page.GetSpatialKind()); });
-    fuzz::Survives([&] { kind += " " + std::to_string(page.GetRotation()); });
-    fuzz::Survives([&] { kind += " " + std::to_string(page.GetUserUnit()); });
+                           &CPDFPage::GetTrimBox, &CPDFPage::GetArtBox})
+        Ask(answers, [&] { return (page.*box)(); });
+    Ask(answers, [&] { return Numbers{static_cast<double>(page.GetSpatialKind())}; });
+    Ask(answers, [&] { return Numbers{static_cast<double>(page.GetRotation()), page.GetUserUnit()}; });
     fuzz::Survives([&] { page.GetContentsLength(); });
     fuzz::Survives([&] { page.GetPropertyTitle("MC0"); });
     for (const char* key : {"VP", "LGIDict"})
@@ -45,7 +46,7 @@ std::string AskPage(CPDFPage& page) {
             for (int i = 0; i < array.GetSize(); ++i)
                 array[i].IsReference();
         });
-    return answers + kind;
+    return answers;
 }
 
 void WalkContent(CPDFPage& page) {
@@ -61,8 +62,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const fuzz::MemoryFile memory("pdf");
     static const QString path = QString::fromUtf8(std::string(memory.Path().Utf8()).c_str());
     memory.Fill(data, size);
-    std::string first;
-    std::string whole;
+    Answers first;
+    Answers whole;
     fuzz::Survives([&] {
         CPDFDocument document(path, EPDFExtent::FirstPage);
         first = AskPage(document.GetPage(0));

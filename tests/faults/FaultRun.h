@@ -28,9 +28,12 @@ struct FaultRun {
 inline FaultRun RunWithFault(const std::string& program, const std::vector<std::string>& words,
                              const Fault& fault, const std::string& under, const std::string& temporaries) {
     const TempFolder notes;
+    // A list of libraries to load has no way to write a blank.
+    const std::string shim = notes / "shim.so";
+    std::filesystem::create_symlink(FAULT_SHIM, shim);
     ToolSetting setting;
     setting.program = program;
-    setting.environment = {{"LD_PRELOAD", FAULT_SHIM}, {"FAULT_CALL", fault.call},
+    setting.environment = {{"LD_PRELOAD", shim},       {"FAULT_CALL", fault.call},
                            {"FAULT_KIND", fault.kind}, {"FAULT_NUMBER", std::to_string(fault.number)},
                            {"FAULT_UNDER", under},     {"FAULT_LOG", notes / "struck"},
                            {"TMPDIR", temporaries}};

@@ -122,6 +122,8 @@ PdfVariant PlainTables::ReadSection(std::int64_t start) {
         const std::int64_t count = TakeNumber(position);
         SkipWhite(position);
         Require(first <= LoadBudget::kObjectNumbers && count <= (file_.Size() - position) / kRow);
+        // A table that takes object 0 for one in use counts its objects wrong.
+        Require(first != 0 || count == 0 || !RowAt(position).used);
         subsections_.push_back({first, count, position});
         position += count * kRow;
     }

@@ -101,6 +101,13 @@ std::string TreeOfNodes(const std::string& parent) {
     return text.replace(text.find(direct), direct.size(), nodes);
 }
 
+/// The table takes object 0 for one in use.
+std::string MiscountedTable() {
+    std::string text = Plain().Text();
+    const std::string unused = "65535 f";
+    return text.replace(text.find(unused), unused.size(), "65535 n");
+}
+
 bool WriteByQt(const TempFolder& folder) {
     int count = 1;
     char name[] = "kinds";
@@ -130,6 +137,7 @@ const Kind kKinds[] = {
     {"linearised_with_object_streams", ByQpdf("--linearize --object-streams=generate plain.pdf"), false},
     {"tree_of_nodes", Text(TreeOfNodes("8"))},
     {"inherits_from_elsewhere", Text(TreeOfNodes("2")), false},
+    {"miscounted_table", Text(MiscountedTable()), false},
     {"several_pages", ByQpdf("--empty --pages plain.pdf 1 plain.pdf 1 --")},
     {"by_qt", WriteByQt},
 };
