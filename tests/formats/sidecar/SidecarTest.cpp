@@ -26,6 +26,10 @@ const Sidecar kSidecars[] = {
      "Could not open the reference file <%> for writing.", false},
 };
 
+void PrintTo(const Sidecar& sidecar, std::ostream* out) {
+    *out << sidecar.name;
+}
+
 class Sidecars : public testing::TestWithParam<Sidecar> {
 protected:
     std::string File(const char* stem) const {

@@ -98,6 +98,10 @@ const RoundTrip kRoundTrips[] = {
     {"huge_transform_alone", "32632", {0.5, 0, 676000, 0, -0.5, 5242000}, 30000, 15000, 600, 0},
 };
 
+void PrintTo(const RoundTrip& test, std::ostream* out) {
+    *out << test.epsg << ", " << test.width << " by " << test.height;
+}
+
 class WriteGeoPdf : public ::testing::TestWithParam<RoundTrip> {};
 
 // What was saved is read back within half a pixel, which is what control points
