@@ -95,6 +95,7 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
         if (more) {
             Require(previous->IsNumber());
             start = previous->GetNumber();
+            Require(start >= 0 && start < file_.Size());
         }
         if (seen.size() == 1) trailer_ = trailer;
     }
