@@ -67,6 +67,8 @@ private:
 class PlainTables::Tokenizer {
 public:
     explicit Tokenizer(FileWindow& file) : device_(new PieceDevice(file)) {}
+    Tokenizer(const Tokenizer&) = delete;
+    Tokenizer& operator=(const Tokenizer&) = delete;
 
     void Read(std::int64_t begin, std::int64_t end, PdfVariant& value) {
         device_->Restrict(begin, end);
