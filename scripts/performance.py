@@ -45,7 +45,8 @@ def run_benchmarks(folder, program, *options):
     run = subprocess.run([os.path.join(folder, program), "--benchmark_format=json", *options],
                          check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
     scale = {"ns": 1, "us": 1e3, "ms": 1e6}
-    for entry in json.loads(run.stdout)["benchmarks"]:
+    # A program in which nothing matches the filter prints nothing.
+    for entry in json.loads(run.stdout or '{"benchmarks": []}')["benchmarks"]:
         if entry.get("aggregate_name", "median") == "median" and not entry.get("error_occurred"):
             yield (*names_of(entry), entry["cpu_time"] * scale[entry["time_unit"]], entry["run_name"])
 
