@@ -85,7 +85,7 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromEpsg(int number) {
 CoordSysDefinition::CoordSysDefinition(Parts parts) : parts_(std::move(parts)) {
     kind_ = KindOf(parts_.Plain());
     compound_ = proj_get_type(parts_.whole.get()) == PJ_TYPE_COMPOUND_CRS;
-    name_ = BString(proj_get_name(parts_.whole.get()));
+    name_ = BString(Proj::NameOf(parts_.whole.get()));
 }
 
 /// The face, made under the lock when it is asked for first.
@@ -158,7 +158,7 @@ int CoordSysDefinition::StatedDatum() const {
 
 BString CoordSysDefinition::DatumName() const {
     const Proj::Object datum = GetDatum();
-    return datum ? BString(proj_get_name(datum.get())) : BString();
+    return datum ? BString(Proj::NameOf(datum.get())) : BString();
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::Base() const {

@@ -179,7 +179,7 @@ struct Best {
         if (offered_number == 0 || (number != 0 && offered < rank)) return;
         alone = number == 0 || rank < offered;
         number = offered_number;
-        name = proj_get_name(candidate);
+        name = Proj::NameOf(candidate);
         rank = offered;
     }
 };
@@ -203,10 +203,10 @@ Best FindByContent(PJ* crs) {
 
 using Numbers = std::vector<int>;
 
-Numbers ReadNumbersOf(const char* name, PJ_TYPE type) {
+Numbers ReadNumbersOf(const std::string& name, PJ_TYPE type) {
     PJ_CONTEXT* context = Proj::ThreadContext();
     const Proj::List list(
-        proj_create_from_name(context, "EPSG", name, &type, 1, 0, kMostCandidates, nullptr));
+        proj_create_from_name(context, "EPSG", name.c_str(), &type, 1, 0, kMostCandidates, nullptr));
     Numbers numbers;
     for (int i = 0; list && i < proj_list_get_count(list.get()); ++i)
         numbers.push_back(Proj::StatedEpsg(Proj::Object(proj_list_get(context, list.get(), i)).get()));
@@ -214,7 +214,7 @@ Numbers ReadNumbersOf(const char* name, PJ_TYPE type) {
 }
 
 /// The systems that the database has under this very name.
-Numbers NumbersOf(const char* name, PJ_TYPE type) {
+Numbers NumbersOf(const std::string& name, PJ_TYPE type) {
     constexpr std::size_t kMostNames = 256;
     static auto* const cache = new LruCache<Numbers>(kMostNames);
     const BString key(std::to_string(type) + ' ' + name);
@@ -223,7 +223,9 @@ Numbers NumbersOf(const char* name, PJ_TYPE type) {
 
 Best FindByName(PJ* crs) {
     Best best;
-    for (const int number : NumbersOf(proj_get_name(crs), proj_get_type(crs))) {
+    const std::string name = Proj::NameOf(crs);
+    if (name.empty()) return best;
+    for (const int number : NumbersOf(name, proj_get_type(crs))) {
         const Proj::Object candidate(proj_create_from_database(
             Proj::ThreadContext(), "EPSG", std::to_string(number).c_str(), PJ_CATEGORY_CRS, 0, nullptr));
         if (candidate && IsSameSystem(crs, candidate.get())) best.Offer(candidate.get(), 100);
@@ -250,7 +252,7 @@ bool IsSamePlacement(PJ* first, PJ* second) {
 /// the text has rounded too far for a search.
 int IdentifyEpsg(PJ* crs) {
     const Best best = FindByContent(crs);
-    if (best.alone && best.name == proj_get_name(crs)) return best.number;
+    if (best.alone && best.name == Proj::NameOf(crs)) return best.number;
     const Best named = FindByName(crs);
     return named.number != 0 ? named.Answer() : best.Answer();
 }

@@ -64,7 +64,7 @@ Proj::Object MakeUtm(PJ* geodetic, const UtmZone& zone) {
     PJ_CONTEXT* context = Proj::ThreadContext();
     const Proj::Object grid(proj_create_conversion_utm(context, zone.number, zone.north));
     const Proj::Object axes(proj_create_cartesian_2D_cs(context, PJ_CART2D_EASTING_NORTHING, nullptr, 0.0));
-    const std::string name = std::string(proj_get_name(geodetic)) + " / UTM zone " +
+    const std::string name = Proj::NameOf(geodetic) + " / UTM zone " +
                              std::to_string(zone.number) + (zone.north ? "N" : "S");
     return Proj::Object(proj_create_projected_crs(context, name.c_str(), geodetic, grid.get(), axes.get()));
 }
@@ -77,7 +77,7 @@ Proj::Object WithUnit(PJ* projected, const BLinearUnit& unit) {
     const Proj::Object changed(proj_crs_alter_cs_linear_unit(context, projected, unit.GetName().Utf8(),
                                                              1.0 / unit.GetUnitsPerMeter(), "EPSG",
                                                              identifier.Code.Utf8()));
-    const std::string name = std::string(proj_get_name(projected)) + " (" + unit.GetName().StdStr() + ")";
+    const std::string name = Proj::NameOf(projected) + " (" + unit.GetName().StdStr() + ")";
     return Proj::Object(changed ? proj_alter_name(context, changed.get(), name.c_str()) : nullptr);
 }
 

@@ -61,6 +61,11 @@ int CountAxes(PJ* crs) {
     return system ? proj_cs_get_axis_count(ThreadContext(), system.get()) : 0;
 }
 
+std::string NameOf(const PJ* object) {
+    const char* name = proj_get_name(object);
+    return name ? name : "";
+}
+
 int StatedEpsg(PJ* object) {
     for (int i = 0; const char* authority = proj_get_id_auth_name(object, i); ++i)
         if (IsEpsg(authority)) return ParseCode(proj_get_id_code(object, i));

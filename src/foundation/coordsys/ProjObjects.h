@@ -3,6 +3,7 @@
 #include <proj.h>
 
 #include <memory>
+#include <string>
 
 /// Scoped owners of PROJ's objects, and the contexts they are made in.
 namespace Tellurion::Proj {
@@ -43,6 +44,9 @@ bool GetAxis(PJ* crs, int index, Axis& axis, Object& owner);
 
 /// How many axes a coordinate reference system has; 0 when it cannot tell.
 int CountAxes(PJ* crs);
+
+/// What the object calls itself; empty for one without a name, as "LOCAL_CS[]" makes it.
+std::string NameOf(const PJ* object);
 
 /// The number of an "EPSG" identifier that the object itself carries, 0 without one.
 int StatedEpsg(PJ* object);

@@ -45,7 +45,7 @@ Proj::Object WithProjection(const ::PJ* crs, const PJ::CProjection& projection) 
     const Proj::Object geodetic(proj_crs_get_geodetic_crs(context, crs));
     if (!conversion || !axes || !geodetic) return nullptr;
     return Proj::Object(
-        proj_create_projected_crs(context, proj_get_name(crs), geodetic.get(), conversion.get(), axes.get()));
+        proj_create_projected_crs(context, Proj::NameOf(crs).c_str(), geodetic.get(), conversion.get(), axes.get()));
 }
 
 Proj::Object WithGeodetic(const ::PJ* crs, const CoordSysDefinition& geodetic) {

@@ -39,9 +39,9 @@ std::unique_ptr<CVerticalReference> CVerticalReference::Make(
     const Proj::Object vertical = definition.CloneVertical();
     if (!vertical) return nullptr;
     std::unique_ptr<CVerticalReference> reference(
-        new CVerticalReference(proj_get_name(vertical.get()), Proj::StatedEpsg(vertical.get())));
+        new CVerticalReference(Proj::NameOf(vertical.get()), Proj::StatedEpsg(vertical.get())));
     if (const Proj::Object datum = DatumOf(vertical.get()))
-        reference->datum_ = CVerticalDatum(proj_get_name(datum.get()), Proj::StatedEpsg(datum.get()));
+        reference->datum_ = CVerticalDatum(Proj::NameOf(datum.get()), Proj::StatedEpsg(datum.get()));
     return reference;
 }
 

@@ -62,6 +62,7 @@ constexpr TextCase kTexts[] = {
     {"well_known_text_2", kWkt2, 1, "EPSG:4326", "degree"},
     {"a_shift_to_another_datum", kShifted, 1, "EPSG:4277", "degree"},
     {"no_place_on_earth", kLocal, 0, "", "metre"},
+    {"no_name_and_no_unit", "LOCAL_CS[]", 0, "", "metre"},
     {"a_bracket_in_a_name", "LOCAL_CS[\"site ]] (\",UNIT[\"metre\",1]]", 0, "", "metre"},
     {"round_brackets_and_small_letters", "local_cs (\"site\",UNIT(\"metre\",1))", 0, "", "metre"},
 };
