@@ -57,6 +57,7 @@ TEST(CrsTexts, AreTheOnesThatFilesHold) {
     for (const char* part :
          {"EPSG:26712, NAD27 / UTM zone 12N", "NUTM12 NAD27", "metre, 1 to a metre", "projected"})
         EXPECT_NE(run.out.find(part), std::string::npos) << part;
+    EXPECT_EQ(RunTool({"crs", "LOCAL_CS[]"}).out.find("without a name\n"), 0U);
 }
 
 TEST(CrsTexts, ThatNobodyKnowsAreRefused) {

@@ -72,7 +72,7 @@ std::string RenderText(const SystemAnswer& answer, const Console& console) {
     const BCoordSys& system = *answer.system;
     const std::string code = system.ToEPSGCode().StdStr();
     const ErMapperNames names(system);
-    return console.Bold(system.GetName().StdStr()) + "\n" + Line(console, "read as", answer.understood_as) +
+    return console.Bold(TitleOf(system)) + "\n" + Line(console, "read as", answer.understood_as) +
            Line(console, "kind", WordForKind(system)) + Line(console, "units", UnitText(system)) +
            Line(console, "EPSG", code.empty() ? "none" : code + ", " + EpsgName(system)) +
            Line(console, "WKT", system.ToWKT().StdStr()) + Line(console, "PRJ", system.ToPRJ().StdStr()) +

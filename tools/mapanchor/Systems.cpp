@@ -58,9 +58,14 @@ bool IsSameSystem(const BCoordSys& a, const BCoordSys& b) {
     return HasSameDefinition(a, b);
 }
 
+std::string TitleOf(const BCoordSys& system) {
+    const std::string name = system.GetName().StdStr();
+    return name.empty() ? "without a name" : name;
+}
+
 std::string NameOf(const BCoordSys& system) {
     const std::string name = system.GetName().StdStr();
     const std::string code = system.ToEPSGCode().StdStr();
-    if (name.empty() || code.empty()) return name.empty() ? code : name;
+    if (name.empty() || code.empty()) return name.empty() && !code.empty() ? code : TitleOf(system);
     return name + " (" + code + ")";
 }

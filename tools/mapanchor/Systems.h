@@ -18,5 +18,8 @@ SystemAnswer SystemFromText(const std::string& text);
 /// True when both place positions the same way; names do not count.
 bool IsSameSystem(const Tellurion::BCoordSys& a, const Tellurion::BCoordSys& b);
 
+/// The name of a system, or words for one that has none.
+std::string TitleOf(const Tellurion::BCoordSys& system);
+
 /// Name and EPSG code of a system, as a person reads it.
 std::string NameOf(const Tellurion::BCoordSys& system);

@@ -5,6 +5,7 @@
 #include "RasterFrame.h"
 #include "ReferenceFacts.h"
 #include "Residuals.h"
+#include "Systems.h"
 
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/Numbers.h>
@@ -36,7 +37,7 @@ std::string Line(const Console& console, const char* label, const std::string& t
 }
 
 std::string SystemText(const BCoordSys& system) {
-    std::string text = system.GetName().StdStr();
+    std::string text = TitleOf(system);
     const std::string epsg = system.ToEPSGCode().StdStr();
     if (!epsg.empty()) text += ", " + epsg;
     text += std::string(", ") + WordForKind(system);

@@ -64,8 +64,8 @@ Proj::Object MakeUtm(PJ* geodetic, const UtmZone& zone) {
     PJ_CONTEXT* context = Proj::ThreadContext();
     const Proj::Object grid(proj_create_conversion_utm(context, zone.number, zone.north));
     const Proj::Object axes(proj_create_cartesian_2D_cs(context, PJ_CART2D_EASTING_NORTHING, nullptr, 0.0));
-    const std::string name = Proj::NameOf(geodetic) + " / UTM zone " +
-                             std::to_string(zone.number) + (zone.north ? "N" : "S");
+    const std::string name =
+        Proj::NameOf(geodetic) + " / UTM zone " + std::to_string(zone.number) + (zone.north ? "N" : "S");
     return Proj::Object(proj_create_projected_crs(context, name.c_str(), geodetic, grid.get(), axes.get()));
 }
 

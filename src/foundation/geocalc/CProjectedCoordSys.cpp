@@ -44,8 +44,8 @@ Proj::Object WithProjection(const ::PJ* crs, const PJ::CProjection& projection) 
     const Proj::Object axes(proj_crs_get_coordinate_system(context, crs));
     const Proj::Object geodetic(proj_crs_get_geodetic_crs(context, crs));
     if (!conversion || !axes || !geodetic) return nullptr;
-    return Proj::Object(
-        proj_create_projected_crs(context, Proj::NameOf(crs).c_str(), geodetic.get(), conversion.get(), axes.get()));
+    return Proj::Object(proj_create_projected_crs(context, Proj::NameOf(crs).c_str(), geodetic.get(),
+                                                  conversion.get(), axes.get()));
 }
 
 Proj::Object WithGeodetic(const ::PJ* crs, const CoordSysDefinition& geodetic) {
