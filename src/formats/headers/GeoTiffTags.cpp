@@ -89,22 +89,24 @@ std::size_t SizeOfType(std::uint16_t type) {
 
 }  // namespace
 
+/// Of a tag that comes again the first is taken, as elsewhere; to copy each would let a
+/// small file cost much.
 void GeoTiffTags::Set(std::uint16_t tag, std::string_view data, ByteOrder order) {
     switch (tag) {
         case kModelPixelScale:
-            pixel_scale = Doubles(data, order);
+            if (pixel_scale.empty()) pixel_scale = Doubles(data, order);
             break;
         case kModelTiePoint:
-            tie_points = Doubles(data, order);
+            if (tie_points.empty()) tie_points = Doubles(data, order);
             break;
         case kModelTransformation:
-            matrix = Doubles(data, order);
+            if (matrix.empty()) matrix = Doubles(data, order);
             break;
         case kGeoKeyDirectory:
-            directory = Shorts(data, order);
+            if (directory.empty()) directory = Shorts(data, order);
             break;
         case kGeoAsciiParams:
-            ascii = data;
+            if (ascii.empty()) ascii = data;
             break;
         default:
             break;

@@ -115,7 +115,7 @@ void BExportGeoPDF::GetTiePoints(Points& lpts, Points& gpts) {
 
 void BExportGeoPDF::HandlePdfError(const PoDoFo::PdfError& error) {
     // A disk may be full only when the last bytes are written.
-    if (error.GetError() == PoDoFo::ePdfError_InvalidDeviceOperation)
+    if (IsWriting() && error.GetError() == PoDoFo::ePdfError_InvalidDeviceOperation)
         throw BGeoReferenceWriteException(
             "BRefGeoPDF::Write", BString::Format("Failed writing PDF file <%ls>.",
                                                  BString(GetDestinationPath().toUtf8().constData())));

@@ -144,7 +144,7 @@ bool BRefGeoPDF::Write(const BString* file, unsigned char flags, const BGeoRefer
     MovedAside original(file ? *file : BString());
     BExportGeoPDF out;
     out.SetSourcePath(original.Name());
-    out.SetDestinationPath(original.Target());
+    out.SetDestinationPath(original.Destination());
     const double scale = PointsPerPixel(params);
     const double page_width = static_cast<double>(width) * scale;
     const double page_height = static_cast<double>(height) * scale;

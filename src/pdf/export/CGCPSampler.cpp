@@ -8,10 +8,19 @@
 namespace VellumLib {
 namespace {
 
+constexpr double kMost = std::numeric_limits<std::int32_t>::max();
+
 std::int32_t Extent(double from, double to) {
-    constexpr double kMost = std::numeric_limits<std::int32_t>::max();
     const double extent = std::abs(to - from);
     return extent < kMost ? static_cast<std::int32_t>(extent) : static_cast<std::int32_t>(kMost);
+}
+
+/// No raster is larger; a search across what is would not end.
+CPDFPathPoint WithinRasters(const CPDFPathPoint& point) {
+    CPDFPathPoint within;
+    within.x = std::min(point.x, kMost);
+    within.y = std::min(point.y, kMost);
+    return within;
 }
 
 CPDFPathPoint PointAt(std::int64_t x, std::int64_t y) {
@@ -27,8 +36,8 @@ class BoxWalk {
 public:
     BoxWalk(const CPDFPathPoint& first, const CPDFPathPoint& second, std::int64_t width, std::int64_t height,
             std::int64_t centre_x, std::int64_t centre_y)
-        : first_(first),
-          second_(second),
+        : first_(WithinRasters(first)),
+          second_(WithinRasters(second)),
           width_(width),
           height_(height),
           centre_x_(centre_x),
@@ -62,8 +71,8 @@ private:
         return true;
     }
 
-    const CPDFPathPoint& first_;
-    const CPDFPathPoint& second_;
+    CPDFPathPoint first_;
+    CPDFPathPoint second_;
     std::int64_t width_;
     std::int64_t height_;
     std::int64_t centre_x_;

@@ -103,6 +103,7 @@ void CPDFExport::ExportDocument() {
     WritePieceInfo(document);
     CPDFStructureTreeRoot root(document);
     WriteFirstPage(document, root);
+    writing_ = true;
     document.Write(destination_path_);
 }
 

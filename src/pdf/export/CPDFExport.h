@@ -36,6 +36,8 @@ public:
     /// Whether the page loses its own content; it does unless told otherwise.
     void SetClearContents(bool clear) { clear_contents_ = clear; }
     const QString& GetSourcePath() const { return source_path_; }
+    /// True once all is in the document and the destination is being written.
+    bool IsWriting() const { return writing_; }
     const QString& GetDestinationPath() const { return destination_path_; }
     bool GetClearContents() const { return clear_contents_; }
 
@@ -81,6 +83,7 @@ private:
 
     QString source_path_;
     QString destination_path_;
+    bool writing_ = false;
     QString title_;
     QWidget* parent_;
     bool clear_contents_ = true;

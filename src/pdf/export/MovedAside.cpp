@@ -25,6 +25,8 @@ BString ToBString(const QString& text) {
                                   static_cast<std::size_t>(text.size())));
 }
 
+const QLatin1String kEnding(".pdf");
+
 /// A link stays a link: what it leads to is what is written.
 QString Resolved(const QString& path) {
     const QFileInfo info(path);
@@ -62,7 +64,7 @@ QFileDevice::FileError MoveByCopy(QFile& file, const QString& name) {
         std::filesystem::copy_file(QFile::encodeName(file.fileName()).toStdString(), to, failed);
     if (!copied || !file.remove()) {
         std::filesystem::remove(to, failed);
-        return copied ? QFileDevice::RenameError : QFileDevice::CopyError;
+        return QFileDevice::RenameError;
     }
     file.setFileName(name);
     return QFileDevice::NoError;
@@ -77,8 +79,14 @@ QFileDevice::FileError Move(QFile& file, const QString& name) {
 }  // namespace
 
 MovedAside::MovedAside(const BString& target)
-    : target_(Resolved(QString::fromUtf8(target.Utf8()))), file_(target_) {
+    : destination_(QString::fromUtf8(target.Utf8())), target_(Resolved(destination_)), file_(target_) {
+    // An export adds the ending that a name lacks: only through the link does it meet a
+    // file of another name.
+    if (target_.endsWith(kEnding) || !destination_.endsWith(kEnding)) destination_ = target_;
     if (target_.isEmpty() || !file_.exists()) return;
+    // Qt moves a folder as well.
+    if (!QFileInfo(target_).isFile())
+        throw BFileAccessException(kSource, RenameFailure(QFileDevice::RenameError));
     if (!reserved_.open()) {
         BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefGeoPDF::Write Failed to open temp file");
         throw BFileAccessException(kSource, "Could not create temp File for PDF export.");

@@ -24,8 +24,9 @@ public:
 
     /// The temporary name; empty when there was nothing to move.
     const QString& Name() const { return name_; }
-    /// The target, with links resolved.
-    const QString& Target() const { return target_; }
+    /// What to write the new PDF to: the target, with links resolved where the name that
+    /// they lead to has the ending of a PDF.
+    const QString& Destination() const { return destination_; }
 
     /// Moves the PDF back to the target.
     void Restore();
@@ -37,7 +38,8 @@ public:
 private:
     void MoveTo(const QString& name);
 
-    QString target_;
+    QString destination_;
+    QString target_;  ///< with links resolved
     QString name_;
     QTemporaryFile reserved_;  ///< keeps others from the temporary name
     QFile file_;

@@ -54,31 +54,34 @@ public:
         // The parser has a failure of its own for a page without what it refers to.
         for (const char* key : {"Contents", "Resources"})
             if (const PdfObject* const value = page.GetKey(key))
-                Require(!value->IsReference() || tables_.Find(value->GetReference()));
+                if (value->IsReference()) tables_.Find(value->GetReference());
         document_.SetRoot(catalog);
     }
 
 private:
-    /// Null for what does not exist, as the parser has it.
-    PdfObject* Take(const PdfReference& reference) {
-        const auto offset = tables_.Find(reference);
-        if (!offset) return nullptr;
+    PdfObject& Take(const PdfReference& reference) {
+        const std::int64_t offset = tables_.Find(reference);
         Require(taken_.size() < kMostObjects && taken_.insert(reference).second);
         auto object = std::make_unique<PdfObject>(reference, PdfVariant());
-        tables_.ReadObject(*offset, *object);
+        tables_.ReadObject(offset, *object);
         objects_.push_back(object.get());
-        return object.release();
+        return *object.release();
     }
     PdfObject& Follow(const PdfObject& entry) {
         Require(entry.IsReference());
-        PdfObject* const object = Take(entry.GetReference());
-        Require(object != nullptr);
-        return *object;
+        return Take(entry.GetReference());
+    }
+    /// A count that is referred to or odd is for the parser, which has its own ways.
+    static std::int64_t PagesBelow(const PdfObject& node) {
+        const PdfObject& count = Entry(node.GetDictionary(), "Count");
+        Require(count.IsNumber() && count.GetNumber() >= 0);
+        return count.GetNumber();
     }
 
     const PdfObject& FindPage(const PdfObject& root) {
         for (const PdfObject* node = &root;;) {
             const PdfObject& kids = Entry(Dictionary(*node), "Kids");
+            Require(PagesBelow(*node) > 0);
             const PdfObject& list = kids.IsReference() ? Follow(kids) : kids;
             Require(list.IsArray());
             if (const PdfObject* const turn = node->GetDictionary().GetKey("Rotate")) TakeAllBelow(*turn);
@@ -96,9 +99,7 @@ private:
             const PdfName type = Dictionary(kid).GetKeyAsName("Type");
             if (type == "Page") return kid;
             Require(type == "Pages");
-            const PdfObject& count = Entry(kid.GetDictionary(), "Count");
-            Require(count.IsNumber());
-            if (count.GetNumber() > 0) return kid;
+            if (PagesBelow(kid) > 0) return kid;
         }
         RefusePdf(ePdfError_PageNotFound, "There is no first page.");
     }
@@ -110,7 +111,7 @@ private:
             left.pop_back();
             if (next.IsReference()) {
                 if (taken_.count(next.GetReference()) != 0) continue;
-                if (const PdfObject* const object = Take(next.GetReference())) left.push_back(object);
+                left.push_back(&Take(next.GetReference()));
             } else if (next.IsArray()) {
                 for (const PdfObject& element : next.GetArray())
                     left.push_back(&element);

@@ -35,6 +35,12 @@ bool IsDigit(int byte) {
     return byte >= '0' && byte <= '9';
 }
 
+/// The two bytes that the parser takes for the end of a row.
+bool EndsRow(int first, int second) {
+    if (first == ' ') return second == '\r' || second == '\n';
+    return (first == '\r' && second == '\n') || (first == '\n' && second == '\r');
+}
+
 /// A piece of the file as the tokenizer's input.
 class PieceDevice final : public PdfInputDevice {
 public:
@@ -101,6 +107,8 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
         }
         if (seen.size() == 1) trailer_ = trailer;
     }
+    const PdfObject* const size = Trailer().GetKey("Size");
+    Require(size && size->IsNumber() && size->GetNumber() <= LoadBudget::kObjectNumbers);
 }
 
 PlainTables::~PlainTables() = default;
@@ -142,23 +150,21 @@ PlainTables::Row PlainTables::RowAt(std::int64_t position) {
     row.offset = TakeNumber(at);
     Require(at == position + 10 && file_.At(at) == ' ' && IsDigit(file_.At(at + 1)));
     row.generation = TakeNumber(at);
-    Require(at == position + 16 && file_.At(at) == ' ' && IsWhite(file_.At(at + 2)) &&
-            IsWhite(file_.At(at + 3)));
+    Require(at == position + 16 && file_.At(at) == ' ' && EndsRow(file_.At(at + 2), file_.At(at + 3)));
     row.used = file_.At(at + 1) == 'n';
     Require(row.used || file_.At(at + 1) == 'f');
     return row;
 }
 
-std::optional<std::int64_t> PlainTables::Find(const PdfReference& reference) {
+std::int64_t PlainTables::Find(const PdfReference& reference) {
     const auto number = static_cast<std::int64_t>(reference.ObjectNumber());
     for (const Subsection& subsection : subsections_) {
         if (number < subsection.first || number >= subsection.first + subsection.count) continue;
         const Row row = RowAt(subsection.rows + (number - subsection.first) * kRow);
-        if (!row.used || row.generation != reference.GenerationNumber()) return {};
-        Require(row.offset > 0);
+        Require(row.used && row.generation == reference.GenerationNumber() && row.offset > 0);
         return row.offset;
     }
-    return {};
+    RefusePdf(ePdfError_NoObject, "The cross-references lack an object.");
 }
 
 void PlainTables::ReadObject(std::int64_t offset, PdfObject& object) {
@@ -166,12 +172,13 @@ void PlainTables::ReadObject(std::int64_t offset, PdfObject& object) {
     Require(IsDigit(file_.At(offset)));
     Require(TakeNumber(position) == static_cast<std::int64_t>(object.Reference().ObjectNumber()));
     Require(TakeNumber(position) == object.Reference().GenerationNumber() && TakeWord(position, "obj"));
-    ReadValue(position, object);
+    position = ReadValue(position, object);
+    Require(TakeWord(position, "endobj") || TakeWord(position, "stream"));
 }
 
 /// The extent of the value is found first, so that the tokenizer never meets one that
 /// is too deep or too large for it.
-void PlainTables::ReadValue(std::int64_t position, PdfVariant& value) {
+std::int64_t PlainTables::ReadValue(std::int64_t position, PdfVariant& value) {
     SyntaxTracker tracker;
     std::int64_t end = position;
     while (!tracker.ValueEnded()) {
@@ -188,6 +195,7 @@ void PlainTables::ReadValue(std::int64_t position, PdfVariant& value) {
     tokenizer_->Read(position, end + kReferenceText, value);
     // Behind a number the tokenizer keeps what it has seen of the next words.
     if (!value.IsDictionary() && !value.IsArray()) tokenizer_.reset();
+    return end;
 }
 
 void PlainTables::SkipWhite(std::int64_t& position) {

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -25,8 +24,9 @@ public:
 
     /// Of the newest section.
     const PoDoFo::PdfDictionary& Trailer() const { return trailer_.GetDictionary(); }
-    /// Where the object is; none for one that does not exist.
-    std::optional<std::int64_t> Find(const PoDoFo::PdfReference& reference);
+    /// Where the object is. That it does not exist is for the parser to find: it goes by
+    /// the head of an object where a table has it otherwise.
+    std::int64_t Find(const PoDoFo::PdfReference& reference);
     /// Reads the object of that number at the offset, without its stream.
     void ReadObject(std::int64_t offset, PoDoFo::PdfObject& object);
 
@@ -47,7 +47,8 @@ private:
     std::int64_t FindStart();
     PoDoFo::PdfVariant ReadSection(std::int64_t start);
     Row RowAt(std::int64_t position);
-    void ReadValue(std::int64_t position, PoDoFo::PdfVariant& value);
+    /// Gives the position behind the value.
+    std::int64_t ReadValue(std::int64_t position, PoDoFo::PdfVariant& value);
 
     // Steps over what stands at the position.
     void SkipWhite(std::int64_t& position);

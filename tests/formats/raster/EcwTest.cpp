@@ -120,8 +120,11 @@ TEST(Jpeg2000, BoxesThatPlaceTheImage) {
     const std::string start = HeaderFiles::Jp2Start();
     const GeoTags names = Placed({1026, 34737, static_cast<int>(citation.size()), 0}, citation);
     const char* const code = "EPSG:32633";
+    std::string tie_again = HeaderFiles::GeoBox(Placed({3072, 0, 1, 32633}, std::string(48, '7')));
+    tie_again.replace(tie_again.find("\xB1\x87"), 2, "\x82\x84");
     ExpectPlaces(kEcw, ".jp2",
-                 {{"one_box", start + good, kCorner, code},
+                 {{"a_tag_that_comes_again", start + tie_again, kCorner, code},
+                  {"one_box", start + good, kCorner, code},
                   {"behind_the_code_stream", start + stream + good, kCorner, code},
                   {"code_stream_cut_off", start + good + stream.substr(0, 100), kCorner, code},
                   {"bad_box_before_the_good", start + HeaderFiles::GeoBox(raw) + good, kCorner, code},

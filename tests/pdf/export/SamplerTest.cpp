@@ -71,6 +71,12 @@ TEST(GcpSampler, ABoxWithoutExtentEndsTheSearch) {
     }
 }
 
+TEST(GcpSampler, SearchesNoFurtherThanARasterGoes) {
+    CountingSampler sampler(0);
+    EXPECT_FALSE(sampler.Sample(PointAt(0, 0x1p62), PointAt(0x1p62, 0)));
+    EXPECT_EQ(sampler.boxes.size(), 9U);
+}
+
 struct AffineCase {
     const char* name;
     const char* epsg;

@@ -242,6 +242,33 @@ TEST(WriteGeoPdfFile, TheUsersPdfIsNeverLost) {
     }
 }
 
+// What the link leads to is georeferenced, whatever its name.
+TEST(WriteGeoPdfFile, ALinkStaysALink) {
+    for (const char* name : {"real.pdf", "REAL.PDF", "ab12"}) {
+        SCOPED_TRACE(name);
+        const TempFolder folder;
+        const LogCapture log;
+        const std::string link = folder / "map.pdf";
+        const std::string real = folder.Write(name, RichPdf(200, 100));
+        std::filesystem::create_symlink(name, link);
+        SavePdf(link, References::Of("32632", kTerms), 200, 100);
+        EXPECT_TRUE(std::filesystem::is_symlink(link));
+        EXPECT_NE(TempFolder::Slurp(real).find("/Measure"), std::string::npos);
+        const std::filesystem::directory_iterator entries(folder / "");
+        EXPECT_EQ(std::distance(begin(entries), end(entries)), 2);
+        EXPECT_TRUE(log.lines.empty());
+    }
+}
+
+TEST(WriteGeoPdfFile, AFolderIsNotMoved) {
+    const TempFolder folder;
+    const std::string target = folder / "map.pdf";
+    std::filesystem::create_directory(target);
+    EXPECT_EQ(WhatIsThrown([&] { SavePdf(target, References::Of("32632", kTerms), 200, 100); }).type,
+              "BFileAccessException");
+    EXPECT_TRUE(std::filesystem::is_directory(target));
+}
+
 TEST(WriteGeoPdfFile, ATargetThatDoesNotExistIsAWarning) {
     const TempFolder folder;
     Warnings warnings;

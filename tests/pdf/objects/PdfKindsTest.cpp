@@ -108,6 +108,20 @@ std::string MiscountedTable() {
     return text.replace(text.find(unused), unused.size(), "65535 n");
 }
 
+/// How many pages there are stands in an object of its own.
+std::string CountByReference() {
+    std::string text = Plain().Inherit("/Spare (    )").Add("1").Text();
+    const std::string direct = "/Count 1 /Spare (    )";
+    return text.replace(text.find(direct), direct.size(), "/Count 7 0 R /Spare ()");
+}
+
+/// The table has the measure in another generation than its head says.
+std::string OtherGeneration() {
+    std::string text = Plain().Text();
+    const std::size_t row = text.find("f \n", text.rfind("xref\n0")) + 3 + 3 * 20;
+    return text.replace(row + 11, 5, "00001");
+}
+
 bool WriteByQt(const TempFolder& folder) {
     int count = 1;
     char name[] = "kinds";
@@ -138,6 +152,8 @@ const Kind kKinds[] = {
     {"tree_of_nodes", Text(TreeOfNodes("8"))},
     {"inherits_from_elsewhere", Text(TreeOfNodes("2")), false},
     {"miscounted_table", Text(MiscountedTable()), false},
+    {"count_by_reference", Text(CountByReference()), false},
+    {"other_generation", Text(OtherGeneration()), false},
     {"several_pages", ByQpdf("--empty --pages plain.pdf 1 plain.pdf 1 --")},
     {"by_qt", WriteByQt},
 };
