@@ -6,9 +6,12 @@
 #include "objects/ContentReader.h"
 #include "objects/PdfText.h"
 
+#include <Tellurion/BString.h>
+
 #include <QObject>
 
 #include <fstream>
+#include <string>
 #include <vector>
 
 namespace VellumLib {
@@ -39,6 +42,14 @@ QString WrongType(const char* type) {
     return QObject::tr("The reference is not of type %1.").arg(QLatin1String(type));
 }
 
+/// A name on disk need not be UTF-8: its other bytes come as lone surrogates, of which Qt
+/// would make question marks.
+std::string BytesOf(const QString& path) {
+    return Tellurion::BString(std::u16string(reinterpret_cast<const char16_t*>(path.utf16()),
+                                             static_cast<std::size_t>(path.size())))
+        .StdStr();
+}
+
 }  // namespace
 
 CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(extent) {
@@ -55,7 +66,7 @@ CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(ext
 }
 
 void CPDFDocument::Load(const QString& path) {
-    document_ = LoadGuarded(path.toUtf8().constData(), extent_);
+    document_ = LoadGuarded(BytesOf(path), extent_);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
 }
 
@@ -173,7 +184,7 @@ void CPDFDocument::Write(const QString& path) {
     std::vector<char> buffer(kWriteBuffer);
     std::ofstream out;
     out.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-    out.open(path.toUtf8().constData(), std::ios::binary | std::ios::trunc);
+    out.open(BytesOf(path), std::ios::binary | std::ios::trunc);
     if (!out) ThrowPdfError(PoDoFo::ePdfError_FileNotFound, path);
     PoDoFo::PdfOutputDevice device(&out);
     document_->Write(&device);

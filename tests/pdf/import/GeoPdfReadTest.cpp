@@ -36,9 +36,9 @@ struct Call {
     EMathTransformType fit = EMathTransformType::Affine;
 };
 
-Outcome ReadText(const std::string& pdf, const Call& call = {}) {
+Outcome ReadText(const std::string& pdf, const Call& call = {}, const std::string& name = "map.pdf") {
     const TempFolder folder;
-    const BString file(folder.Write("map.pdf", pdf));
+    const BString file(folder.Write(name, pdf));
     BParamList params;
     if (call.crop) params.SetInteger(BMapAnchor::kValPDFCropType, *call.crop);
     Outcome outcome;
@@ -96,6 +96,12 @@ TEST(GeoPdfViewport, PointsSystemAndTransform) {
     const BPoint middle = outcome.reference.MathTransform->ConvertSourceToTarget({306, 396, 0});
     EXPECT_NEAR(middle.x, 15.5, 1e-12);
     EXPECT_NEAR(middle.y, 47.5, 1e-12);
+}
+
+TEST(GeoPdfViewport, IsFoundUnderANameThatIsNotUtf8) {
+    const Outcome outcome = ReadText(GeoPdf::Viewport().Text(), {}, "caf\xE9.pdf");
+    EXPECT_EQ(outcome.type, "") << outcome.text;
+    EXPECT_TRUE(outcome.reference.HasMathTransform());
 }
 
 TEST(GeoPdfViewport, LatitudeAndLongitudeBecomeCoordinatesOfTheSystem) {
