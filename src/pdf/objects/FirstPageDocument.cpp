@@ -79,6 +79,7 @@ private:
     }
 
     const PdfObject& FindPage(const PdfObject& root) {
+        Require(!Dictionary(root).HasKey("Parent"));
         for (const PdfObject* node = &root;;) {
             const PdfObject& kids = Entry(Dictionary(*node), "Kids");
             Require(PagesBelow(*node) > 0);

@@ -21,7 +21,10 @@ constexpr std::int64_t kReferenceText = 48;
 // As the parser has it.
 constexpr std::size_t kLongestToken = 4096;
 constexpr std::size_t kSections = 50;
+// A look-up goes through all of them.
+constexpr std::size_t kSubsections = 4'096;
 constexpr std::int64_t kLargest = 9'999'999'999;
+constexpr std::string_view kTrailerWord = "trailer";
 
 void Require(bool held) {
     if (!held) RefusePdf(ePdfError_InvalidXRef, "The cross-references are not plain.");
@@ -107,6 +110,7 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
         }
         if (seen.size() == 1) trailer_ = trailer;
     }
+    Require(last_trailer_ < 0);
     const PdfObject* const size = Trailer().GetKey("Size");
     Require(size && size->IsNumber() && size->GetNumber() <= LoadBudget::kObjectNumbers);
 }
@@ -120,6 +124,8 @@ std::int64_t PlainTables::FindStart() {
     end.resize(file_.Read(first, end.data(), end.size()));
     const std::size_t found = end.rfind(kWord);
     Require(found != std::string::npos && end.find("%%EOF", found) != std::string::npos);
+    const std::size_t trailer = end.rfind(kTrailerWord);
+    if (trailer != std::string::npos) last_trailer_ = first + static_cast<std::int64_t>(trailer);
     std::int64_t position = first + static_cast<std::int64_t>(found + kWord.size());
     return TakeNumber(position);
 }
@@ -128,16 +134,19 @@ std::int64_t PlainTables::FindStart() {
 PdfVariant PlainTables::ReadSection(std::int64_t start) {
     std::int64_t position = start;
     Require(TakeWord(position, "xref"));
-    while (!TakeWord(position, "trailer")) {
+    while (!TakeWord(position, kTrailerWord)) {
         const std::int64_t first = TakeNumber(position);
         const std::int64_t count = TakeNumber(position);
         SkipWhite(position);
         Require(first <= LoadBudget::kObjectNumbers && count <= (file_.Size() - position) / kRow);
         // A table that takes object 0 for one in use counts its objects wrong.
         Require(first != 0 || count == 0 || !RowAt(position).used);
+        Require(subsections_.size() < kSubsections);
         subsections_.push_back({first, count, position});
         position += count * kRow;
     }
+    // The parser goes by the last one in sight.
+    if (position - static_cast<std::int64_t>(kTrailerWord.size()) == last_trailer_) last_trailer_ = -1;
     PdfVariant trailer;
     ReadValue(position, trailer);
     Require(trailer.IsDictionary());

@@ -59,6 +59,7 @@ private:
     std::size_t text_ = 0;                 ///< bytes of values so far
     std::uint64_t copies_ = 0;             ///< what parsing them has cost
     std::vector<Subsection> subsections_;  ///< those of newer sections first
+    std::int64_t last_trailer_ = -1;       ///< in the file, while no section has led to it
     PoDoFo::PdfVariant trailer_;
     std::unique_ptr<Tokenizer> tokenizer_;
 };

@@ -193,6 +193,17 @@ std::string PreviousChain(int sections) {
     return file.End(previous);
 }
 
+/// Nothing is where the maps are said to be, and the table has many empty parts to look in.
+std::string ManySubsections() {
+    PdfBuilder file = WithPage("/LGIDict 4 0 R");
+    file.Add("[" + Repeated("999999 0 R ", 180'000) + "]");
+    const std::int64_t start = file.Position();
+    const std::string table = file.Table();
+    file.Append("xref\n" + Repeated("0 0\n", 500'000) + table.substr(5) +
+                "trailer\n<</Root 1 0 R/Size 5>>\n");
+    return file.End(start);
+}
+
 std::string PreviousIsItself(const std::string& key) {
     PdfBuilder file = WithPage();
     return file.Finish(key + " " + std::to_string(file.Position()));
@@ -293,6 +304,7 @@ const std::vector<Bomb> kBombs = {
     {"many_object_streams", Ending::Refused, ManyObjectStreams},
     {"objects_in_descending_order", Ending::Refused, [] { return Descending(200'000); }},
     {"million_kids", Ending::Refused, [] { return TreeWithCount("1000000", Repeated("3 0 R ", 1'000'000)); }},
+    {"many_subsections", Ending::Either, ManySubsections},
     {"previous_is_itself", Ending::Loads, [] { return PreviousIsItself("/Prev"); }},
     {"stream_beside_the_table_is_the_table", Ending::Refused, [] { return PreviousIsItself("/XRefStm"); }},
     {"previous_beyond_all_numbers", Ending::Refused,

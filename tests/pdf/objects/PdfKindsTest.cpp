@@ -122,6 +122,12 @@ std::string OtherGeneration() {
     return text.replace(row + 11, 5, "00001");
 }
 
+/// Another trailer, which the parser goes by, stands behind that of the table.
+std::string TwoTrailers() {
+    std::string text = Plain().Text();
+    return text.insert(text.rfind("startxref"), "trailer\n<< /Root 1 0 R /Size 7 >>\n");
+}
+
 bool WriteByQt(const TempFolder& folder) {
     int count = 1;
     char name[] = "kinds";
@@ -153,6 +159,7 @@ const Kind kKinds[] = {
     {"inherits_from_elsewhere", Text(TreeOfNodes("2")), false},
     {"miscounted_table", Text(MiscountedTable()), false},
     {"count_by_reference", Text(CountByReference()), false},
+    {"two_trailers", Text(TwoTrailers()), false},
     {"other_generation", Text(OtherGeneration()), false},
     {"several_pages", ByQpdf("--empty --pages plain.pdf 1 plain.pdf 1 --")},
     {"by_qt", WriteByQt},
