@@ -14,9 +14,11 @@ CPDFObject ElementAt(const CPDFArray& array, int index) {
     return array[index];
 }
 
-double NumberInString(const CPDFArray& array, int index) {
+double NumberInString(const CPDFArray& array, int index, ReadingBudget& budget) {
+    const QString text = ElementAt(array, index).GetString().ToQString();
+    budget.TakeText(static_cast<std::size_t>(text.size()));
     bool parsed = false;
-    const double value = ElementAt(array, index).GetString().ToQString().toDouble(&parsed);
+    const double value = text.toDouble(&parsed);
     return parsed && std::isfinite(value) ? value : 0.0;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "import/ReadingBudget.h"
 #include "objects/CPDFArray.h"
 #include "objects/CPDFObject.h"
 
@@ -10,6 +11,6 @@ CPDFObject ElementAt(const CPDFArray& array, int index);
 
 /// The decimal number in a string element. Text that is none counts as 0, and so do
 /// "inf" and "nan", which are no decimal numbers. A PdfError for an element that is no string.
-double NumberInString(const CPDFArray& array, int index);
+double NumberInString(const CPDFArray& array, int index, ReadingBudget& budget);
 
 }  // namespace VellumLib

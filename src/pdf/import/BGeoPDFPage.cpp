@@ -68,6 +68,7 @@ BGeoPDFMap MapOfViewport(CPDFDocument& document, const CPDFDictionary& viewport,
     BGeoPDFMap map;
     map.Fault = FaultOf([&] {
         if (viewport.HasKey("Name")) map.Name = BString(viewport.GetString("Name").ToStdString());
+        budget.TakeText(map.Name.GetLength());
         const CMeasureDictionaryData record = CSpatialPDFImport::ReadViewport(document, viewport, budget);
         map.Box = BoxOf(record.BBox);
         map.Area = AreaOf(map.Box);
@@ -83,7 +84,13 @@ BGeoPDFMap MapOfLGIDict(CPDFDocument& document, const CPDFArray& array, int inde
         map.Area = VellumLib::NeatlineArea(CGeoPDFImportWM::NeatlineOf(dictionary, budget));
         CGeoPDFImportWM import(&document, dictionary, budget);
         map.Name = BString(import.GetDescription());
-        import.Import();
+        budget.TakeText(map.Name.GetLength());
+        try {
+            import.Import();
+        } catch (...) {
+            budget = import.GetBudget();
+            throw;
+        }
         budget = import.GetBudget();
         const CMeasureDictionaryData& record = import.GetMeasures().at(0);
         map.Box = BoxOf(record.BBox);

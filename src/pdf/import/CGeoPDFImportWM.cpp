@@ -66,7 +66,7 @@ std::vector<CMeasureDictionaryData::Pair> CGeoPDFImportWM::NeatlineOf(const CPDF
     const CPDFArray array = dictionary.GetArray("Neatline");
     budget.Take(array.GetSize());
     for (int i = 0; i < array.GetSize(); i += 2)
-        points.emplace_back(NumberInString(array, i), NumberInString(array, i + 1));
+        points.emplace_back(NumberInString(array, i, budget), NumberInString(array, i + 1, budget));
     return points;
 }
 
@@ -75,7 +75,7 @@ void CGeoPDFImportWM::ReadCTM() {
     const CPDFArray array = LGIDict.GetArray("CTM");
     Budget.Take(array.GetSize());
     for (int i = 0; i < array.GetSize(); ++i)
-        CTM.push_back(NumberInString(array, i));
+        CTM.push_back(NumberInString(array, i, Budget));
 }
 
 void CGeoPDFImportWM::ReadRegistration() {
@@ -84,10 +84,10 @@ void CGeoPDFImportWM::ReadRegistration() {
     Budget.Take(array.GetSize());
     for (int i = 0; i < array.GetSize(); ++i) {
         const CPDFArray entry = array[i].GetArray();
-        Registration.push_back({.PageX = NumberInString(entry, 0),
-                                .PageY = NumberInString(entry, 1),
-                                .WorldY = NumberInString(entry, 3),
-                                .WorldX = NumberInString(entry, 2)});
+        Registration.push_back({.PageX = NumberInString(entry, 0, Budget),
+                                .PageY = NumberInString(entry, 1, Budget),
+                                .WorldY = NumberInString(entry, 3, Budget),
+                                .WorldX = NumberInString(entry, 2, Budget)});
     }
 }
 

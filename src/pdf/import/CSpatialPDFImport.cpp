@@ -38,6 +38,7 @@ CMeasureDictionaryData CSpatialPDFImport::ReadViewport(CPDFDocument& document, c
     const CPDFDictionary measure = document.GetDictionaryFromReference(viewport.GetReference("Measure"));
     ReadPairArray("Bounds", record.Bounds, measure, budget);
     ReadCoordSys(record.CoordSys, document, measure);
+    budget.TakeText(record.CoordSys.WKT.size() + record.CoordSys.GCSType.size());
     ReadPairArray("GPTS", record.GPTS, measure, budget);
     ReadPairArray("LPTS", record.LPTS, measure, budget);
     return record;

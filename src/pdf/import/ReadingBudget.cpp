@@ -2,6 +2,9 @@
 
 #include <podofo/podofo.h>
 
+#include <algorithm>
+#include <limits>
+
 namespace VellumLib {
 
 void ReadingBudget::Take(int count) {
@@ -10,6 +13,11 @@ void ReadingBudget::Take(int count) {
         PODOFO_RAISE_ERROR_INFO(PoDoFo::ePdfError_ValueOutOfRange,
                                 "The maps of the page hold more numbers than any map needs.");
     left_ -= wanted;
+}
+
+void ReadingBudget::TakeText(std::size_t bytes) {
+    constexpr std::size_t kBytesOfAValue = 4;
+    Take(static_cast<int>(std::min<std::size_t>(bytes / kBytesOfAValue, std::numeric_limits<int>::max())));
 }
 
 }  // namespace VellumLib

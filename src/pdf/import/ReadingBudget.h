@@ -10,6 +10,8 @@ class ReadingBudget {
 public:
     /// A PdfError when `count` more values are too many.
     void Take(int count);
+    /// The same for a text of so many bytes, which costs less than as many values.
+    void TakeText(std::size_t bytes);
 
 private:
     std::size_t left_ = std::size_t{1} << 22;

@@ -5,6 +5,8 @@
 #include "objects/PageTree.h"
 #include "objects/PdfText.h"
 
+#include <cmath>
+
 namespace VellumLib {
 
 using PoDoFo::PdfName;
@@ -82,7 +84,8 @@ int CPDFPage::GetRotation() const {
         node = FollowKey(*objects_, *node, PdfName("Parent"));
     }
     if (!value || !(value->IsNumber() || value->IsReal())) return 0;
-    const auto degrees = static_cast<int>(value->GetNumber() % kFullTurn);
+    const double turn = std::fmod(value->GetReal(), kFullTurn);
+    const int degrees = std::isfinite(turn) ? static_cast<int>(turn) : 0;
     return degrees < 0 ? degrees + kFullTurn : degrees;
 }
 

@@ -5,6 +5,7 @@
 
 #include <podofo/podofo.h>
 
+#include <limits>
 #include <set>
 #include <vector>
 
@@ -74,7 +75,8 @@ private:
     /// A count that is referred to or odd is for the parser, which has its own ways.
     static std::int64_t PagesBelow(const PdfObject& node) {
         const PdfObject& count = Entry(node.GetDictionary(), "Count");
-        Require(count.IsNumber() && count.GetNumber() >= 0);
+        Require(count.IsNumber() && count.GetNumber() >= 0 &&
+                count.GetNumber() <= std::numeric_limits<int>::max());
         return count.GetNumber();
     }
 

@@ -38,6 +38,14 @@ bool IsDigit(int byte) {
     return byte >= '0' && byte <= '9';
 }
 
+/// The last trailer of a linearised file may name no catalog.
+bool NamesNoOtherRoot(const PdfDictionary& last, const PdfDictionary& newest) {
+    const PdfObject* const root = last.GetKey("Root");
+    const PdfObject* const own = newest.GetKey("Root");
+    if (!root) return true;
+    return own && root->IsReference() && own->IsReference() && root->GetReference() == own->GetReference();
+}
+
 /// The two bytes that the parser takes for the end of a row.
 bool EndsRow(int first, int second) {
     if (first == ' ') return second == '\r' || second == '\n';
@@ -98,8 +106,12 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
     std::int64_t start = FindStart();
     for (bool more = true; more;) {
         Require(seen.size() < kSections && seen.insert(start).second);
+        const bool last_was_open = last_trailer_ >= 0;
         PdfVariant trailer = ReadSection(start);
         const PdfDictionary& keys = trailer.GetDictionary();
+        // The parser takes the catalog of the last trailer in sight.
+        Require(seen.size() == 1 || last_was_open == (last_trailer_ >= 0) ||
+                NamesNoOtherRoot(keys, Trailer()));
         Require(!keys.HasKey("Encrypt") && !keys.HasKey("XRefStm"));
         const PdfObject* const previous = keys.GetKey("Prev");
         more = previous != nullptr;
@@ -125,7 +137,8 @@ std::int64_t PlainTables::FindStart() {
     const std::size_t found = end.rfind(kWord);
     Require(found != std::string::npos && end.find("%%EOF", found) != std::string::npos);
     const std::size_t trailer = end.rfind(kTrailerWord);
-    if (trailer != std::string::npos) last_trailer_ = first + static_cast<std::int64_t>(trailer);
+    Require(trailer != std::string::npos);
+    last_trailer_ = first + static_cast<std::int64_t>(trailer);
     std::int64_t position = first + static_cast<std::int64_t>(found + kWord.size());
     return TakeNumber(position);
 }
@@ -145,7 +158,6 @@ PdfVariant PlainTables::ReadSection(std::int64_t start) {
         subsections_.push_back({first, count, position});
         position += count * kRow;
     }
-    // The parser goes by the last one in sight.
     if (position - static_cast<std::int64_t>(kTrailerWord.size()) == last_trailer_) last_trailer_ = -1;
     PdfVariant trailer;
     ReadValue(position, trailer);
@@ -182,7 +194,7 @@ void PlainTables::ReadObject(std::int64_t offset, PdfObject& object) {
     Require(TakeNumber(position) == static_cast<std::int64_t>(object.Reference().ObjectNumber()));
     Require(TakeNumber(position) == object.Reference().GenerationNumber() && TakeWord(position, "obj"));
     position = ReadValue(position, object);
-    Require(TakeWord(position, "endobj") || TakeWord(position, "stream"));
+    Require(TakeWord(position, "endobj") || (object.IsDictionary() && TakeWord(position, "stream")));
 }
 
 /// The extent of the value is found first, so that the tokenizer never meets one that

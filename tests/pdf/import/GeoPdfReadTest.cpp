@@ -394,9 +394,13 @@ TEST(GeoPdfPage, IsTurnedAsAViewerShowsIt) {
         const char* above;
         int degrees;
     };
-    const Row rows[] = {{"/Rotate 450.0", "", 90},       {"/Rotate 6 0 R", "", 180},
-                        {"", "/Rotate 270", 270},        {"", "/Rotate 6 0 R", 180},
-                        {"/Rotate 0", "/Rotate 270", 0}, {"/Rotate /Ninety", "", 0},
+    const Row rows[] = {{"/Rotate 450.0", "", 90},
+                        {"/Rotate 6 0 R", "", 180},
+                        {"", "/Rotate 270", 270},
+                        {"", "/Rotate 6 0 R", 180},
+                        {"/Rotate 0", "/Rotate 270", 0},
+                        {"/Rotate /Ninety", "", 0},
+                        {"/Rotate 1000000000000000000000000000.5", "", 352},
                         {"", "/Parent 3 0 R", 0}};
     for (const Row& row : rows) {
         GeoPdf::Viewport map;
@@ -405,6 +409,18 @@ TEST(GeoPdfPage, IsTurnedAsAViewerShowsIt) {
         EXPECT_EQ(page.Rotate, row.degrees) << row.page << " below " << row.above;
         EXPECT_EQ(page.Maps.size(), 1U) << row.page << " below " << row.above;
     }
+}
+
+// Texts that maps share are read for each of them, within a limit.
+TEST(GeoPdfPage, ManyMapsOfALongTextEndInAFault) {
+    GeoPdf::Viewport map;
+    map.system = "/Type /GEOGCS /WKT (" + std::string(1'000'000, 'x') + ")";
+    for (int i = 0; i < 100; ++i)
+        map.more_viewports += " << /BBox [10 20 30 60] /Measure 4 0 R >>";
+    EXPECT_NE(ReadText(map.Text()).type, "");
+    const BGeoPDFPage page = Describe(map.Text());
+    EXPECT_EQ(page.Maps.front().Fault, BString());
+    EXPECT_NE(page.Maps.back().Fault, BString());
 }
 
 TEST(GeoPdfPage, ListsLGIDictsAndMarksTheLargest) {

@@ -160,6 +160,7 @@ const Kind kKinds[] = {
     {"miscounted_table", Text(MiscountedTable()), false},
     {"count_by_reference", Text(CountByReference()), false},
     {"two_trailers", Text(TwoTrailers()), false},
+    {"junk_behind_the_end", Text(TwoTrailers() + std::string(900, '%')), false},
     {"other_generation", Text(OtherGeneration()), false},
     {"several_pages", ByQpdf("--empty --pages plain.pdf 1 plain.pdf 1 --")},
     {"by_qt", WriteByQt},
