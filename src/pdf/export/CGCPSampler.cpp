@@ -18,8 +18,8 @@ std::int32_t Extent(double from, double to) {
 /// No raster is larger; a search across what is would not end.
 CPDFPathPoint WithinRasters(const CPDFPathPoint& point) {
     CPDFPathPoint within;
-    within.x = std::min(point.x, kMost);
-    within.y = std::min(point.y, kMost);
+    within.x = std::clamp(point.x, -kMost, kMost);
+    within.y = std::clamp(point.y, -kMost, kMost);
     return within;
 }
 
