@@ -1,0 +1,98 @@
+#include "io/FileBytes.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+namespace Tellurion::FileBytes {
+namespace {
+
+constexpr std::size_t kChunk = std::size_t{256} << 10;
+
+int SizeOf(int file, off_t& size) {
+    struct stat state {};
+    if (::fstat(file, &state) != 0) return errno;
+    size = state.st_size;
+    return 0;
+}
+
+int WriteAt(int file, std::string_view bytes, off_t position) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::pwrite(file, bytes.data(), bytes.size(), position);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return written < 0 ? errno : EIO;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+        position += written;
+    }
+    return 0;
+}
+
+/// File systems that cannot reserve room say so; the write itself tells on those.
+int Reserve(int file, off_t from, off_t to) {
+    if (to <= from) return 0;
+    while (::fallocate(file, 0, from, to - from) != 0) {
+        if (errno == EOPNOTSUPP || errno == ENOSYS) return 0;
+        if (errno != EINTR) return errno;
+    }
+    return 0;
+}
+
+int CopyAndCut(int from, int to, off_t size) {
+    if (const int error = Copy(from, to)) return error;
+    return ::ftruncate(to, size) == 0 ? 0 : errno;
+}
+
+int CopyCutAndSync(int from, int to, off_t size) {
+    if (const int error = CopyAndCut(from, to, size)) return error;
+    return ::fsync(to) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+int WriteAll(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return written < 0 ? errno : EIO;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+int Copy(int from, int to) {
+    off_t size = 0;
+    if (const int error = SizeOf(from, size)) return error;
+    std::vector<char> buffer(std::min(kChunk, static_cast<std::size_t>(size) + 1));
+    for (off_t position = 0;;) {
+        const ssize_t got = ::pread(from, buffer.data(), buffer.size(), position);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return errno;
+        if (got == 0) return 0;
+        if (const int error = WriteAt(to, {buffer.data(), static_cast<std::size_t>(got)}, position))
+            return error;
+        position += got;
+    }
+}
+
+int Overwrite(int to, int from, int old) {
+    off_t size = 0;
+    off_t old_size = 0;
+    int error = SizeOf(from, size);
+    if (error == 0) error = SizeOf(to, old_size);
+    if (error == 0 && old >= 0) error = Copy(to, old);
+    if (error != 0) return error;
+    error = Reserve(to, old_size, size);
+    const bool untouched = error != 0;
+    if (error == 0) error = CopyCutAndSync(from, to, size);
+    if (error == 0) return 0;
+    if (untouched)
+        (void)!::ftruncate(to, old_size);
+    else if (old >= 0)
+        CopyAndCut(old, to, old_size);
+    return error;
+}
+
+}  // namespace Tellurion::FileBytes
