@@ -45,12 +45,6 @@ void Require(bool taken, const Refusal& refusal) {
     if (!taken) throw BException(refusal.heading, kSource, refusal.detail);
 }
 
-void RequireOpen(const GdalUpdate& update, const BString& file, const BString& failure) {
-    if (update.IsOpen()) return;
-    BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefGeoTIFF::Write Failed to open file <%ls>", file);
-    throw BFileAccessException(kSource, failure);
-}
-
 BString TextOfCoordSys(const BGeoReference& reference) {
     return reference.HasCoordSys() ? reference.CoordSys->ToWKT() : BString();
 }
@@ -110,12 +104,17 @@ bool Put(GDALDataset& raster, const BGeoReference& reference, const BString& tex
     return has_points || reference.HasMathTransform() || !text.IsEmpty();
 }
 
-/// A disk may be full only when the file is closed.
-void Close(GdalUpdate& update, const BString& file) {
-    const std::string fault = update.Close();
+void RequireNone(const std::string& fault, const BString& file) {
     if (!fault.empty())
         throw BGeoReferenceWriteException(
             kSource, BString::Format("Failed writing GeoTIFF file <%ls>: %s", file, fault));
+}
+
+/// A raster that GDAL opens may still be one that it must not write.
+void RequireOpen(const GdalUpdate& update, const BString& file, const BString& failure) {
+    if (update.IsOpen()) return RequireNone(update.Refusal(), file);
+    BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefGeoTIFF::Write Failed to open file <%ls>", file);
+    throw BFileAccessException(kSource, failure);
 }
 
 /// The coordinate system as the raster tells it now; null when it tells none.
@@ -145,7 +144,7 @@ bool BRefGeoTIFF::Write(const BString& file, const BGeoReference& reference) {
     RequireOpen(update, file, "GeoTIFF write could not open file");
     const bool written =
         Put(update.Raster(), reference, TextOfCoordSys(reference), OnPointsRefused::TryVerticalUnit);
-    Close(update, file);
+    RequireNone(update.Close(), file);
     return written;
 }
 
@@ -161,7 +160,7 @@ void BRefGeoTIFF::Write(const BString& file, const unsigned int& flags, const BG
                                      reference.CoordSys->GetName()));
     Put(update.Raster(), reference, text, OnPointsRefused::Throw);
     WriteVerticalUnit(update.Raster(), reference);
-    Close(update, file);
+    RequireNone(update.Close(), file);
     if (strict) RequireCoordSysWritten(file, reference);
 }
 

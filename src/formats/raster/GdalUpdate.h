@@ -1,45 +1,27 @@
 #pragma once
 
 #include "raster/GdalRaster.h"
+#include "raster/RasterState.h"
+#include "raster/StagedCommit.h"
+#include "raster/StagingFolder.h"
 
 #include <Tellurion/BString.h>
 #include <Tellurion/QuietGdal.h>
 
-#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace MapAnchor {
 
-/// What a save may change, as it was before. Of a TIFF the beginning and the length: a
-/// directory that is written anew is appended and then named in the first bytes, so
-/// that with these two restored the file is what it was. After a write that failed the
-/// appended bytes can land behind the first ones; the beginning that is kept is long
-/// enough for a directory. Of any raster the file with further metadata that lies
-/// beside it.
-class Savepoint {
-public:
-    explicit Savepoint(const Tellurion::BString& file);
-    void Restore() const;
-
-private:
-    void RestoreTiff() const;
-    void RestoreMetadata() const;
-
-    std::string path_;
-    std::string head_;
-    std::uint64_t length_ = 0;
-    bool is_tiff_ = false;
-    std::string metadata_path_;
-    std::string metadata_;
-    bool has_metadata_ = false;
-};
-
-/// A raster that is open for writing. GDAL prints nothing while it is. What does not
-/// reach the file is taken back: the raster stays as it was, with its pixels.
+/// A raster that is open for writing. GDAL writes into memory (StagingFolder) and prints
+/// nothing. Close() opens the result once more, compares it with what was set, and only
+/// then changes the disk, in one step: whatever fails, and whenever the process ends,
+/// the raster is the old one or the new one. Names that begin with "/vsi" are left to
+/// GDAL: they may have no disk below them.
 class GdalUpdate {
 public:
     explicit GdalUpdate(const Tellurion::BString& file);
-    ~GdalUpdate() { Close(); }
+    ~GdalUpdate();
     GdalUpdate(const GdalUpdate&) = delete;
     GdalUpdate& operator=(const GdalUpdate&) = delete;
 
@@ -47,15 +29,23 @@ public:
     GDALDataset& Raster() const { return *raster_; }
     /// GDAL's text when memory ran out at opening; else empty.
     const std::string& MemoryFault() const { return memory_fault_; }
+    /// Why a raster that is open must not be written; else empty.
+    const std::string& Refusal() const { return refusal_; }
 
-    /// Writes what is pending. Empty on success, else what went wrong.
+    /// Writes what was set. Empty on success, else why the raster is what it was.
     std::string Close();
 
 private:
+    std::string CheckStaged(const RasterState& wanted);
+    std::string CloseStaged();
+
     Tellurion::QuietGdal quiet_;
-    Savepoint savepoint_;
+    std::optional<UpdateLock> lock_;
+    std::optional<StagingFolder> folder_;
     GdalRaster raster_;
+    RasterState::Layout layout_;  ///< as opened
     std::string memory_fault_;
+    std::string refusal_;
 };
 
 }  // namespace MapAnchor

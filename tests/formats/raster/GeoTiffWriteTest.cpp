@@ -340,5 +340,22 @@ TEST_F(GeoTiffOnSmallDisk, AReadOnlyDiskRefuses) {
     EXPECT_TRUE(TempFolder::Slurp(file) == before);
 }
 
+// GDAL opens both, and libtiff crashes on the one and fills the other's pixels with what
+// it appends.
+TEST_F(GeoTiff, ARasterThatCannotBeWrittenSafelyStays) {
+    const std::string file = MakeTiff(folder / "map.tif");
+    const std::string whole = TempFolder::Slurp(file);
+    std::string short_list = whole;
+    const std::size_t rows = short_list.find(std::string("\x16\x01\x03\x00\x01\x00\x00\x00", 8));
+    ASSERT_NE(rows, std::string::npos);
+    short_list[rows + 8] = 1;
+    for (const std::string& content : {short_list, whole.substr(0, whole.size() - 9)}) {
+        folder.Write("map.tif", content);
+        for (const bool by_name : kBothRoads)
+            EXPECT_EQ(Save(by_name, file, plain).type, "BGeoReferenceWriteException");
+        EXPECT_TRUE(TempFolder::Slurp(file) == content);
+    }
+}
+
 }  // namespace
 }  // namespace MapAnchor
