@@ -130,6 +130,12 @@ struct BlockFacts {
     }
 };
 
+/// Bytes from `start` to before `end`; empty while the end is 0.
+struct Extent {
+    std::uint64_t start = std::numeric_limits<std::uint64_t>::max();
+    std::uint64_t end = 0;
+};
+
 class DirectoryReader {
 public:
     explicit DirectoryReader(const StagedFile& file) : file_(file) {
@@ -155,28 +161,33 @@ public:
         return facts;
     }
 
-    /// Where the last of the blocks ends. Both lists must be within the file.
-    std::uint64_t EndOfBlocks(const BlockFacts& facts) const {
-        std::uint64_t end = 0;
-        const std::uint64_t count = std::min(facts.offsets->count, facts.byte_counts->count);
+    /// The stretch of the file that the blocks take. Both lists must be within the file;
+    /// without byte counts the end is not known.
+    Extent ExtentOfBlocks(const BlockFacts& facts) const {
+        Extent extent;
+        std::uint64_t count = facts.offsets->count;
+        if (facts.byte_counts) count = std::min(count, facts.byte_counts->count);
         for (std::uint64_t first = 0; first < count; first += kListPart) {
             const std::string offsets = Part(*facts.offsets, first, count);
-            const std::string sizes = Part(*facts.byte_counts, first, count);
+            const std::string sizes = facts.byte_counts ? Part(*facts.byte_counts, first, count) : "";
             ByteReader offset(offsets, order_);
             ByteReader size(sizes, order_);
-            while (!offset.AtEnd() && !size.AtEnd()) {
+            while (!offset.AtEnd()) {
                 const std::uint64_t start = ReadNumber(offset, facts.offsets->size);
-                const std::uint64_t length = ReadNumber(size, facts.byte_counts->size);
-                // A block without bytes, or at 0, is one that was never written.
-                if (start != 0 && length != 0) end = std::max(end, start + std::min(length, kMaxLength));
+                const std::uint64_t length =
+                    facts.byte_counts ? ReadNumber(size, facts.byte_counts->size) : 1;
+                // A block without bytes is one that was never written.
+                if (length == 0) continue;
+                extent.start = std::min(extent.start, start);
+                extent.end = std::max(extent.end, std::min(start, kMaxOffset) + std::min(length, kMaxOffset));
             }
         }
-        return end;
+        return extent;
     }
 
 private:
     static constexpr std::uint64_t kListPart = 65536;
-    static constexpr std::uint64_t kMaxLength = std::uint64_t{1} << 62;
+    static constexpr std::uint64_t kMaxOffset = std::uint64_t{1} << 62;
 
     std::string Part(const List& list, std::uint64_t first, std::uint64_t end) const {
         const std::uint64_t count = std::min(kListPart, end - first);
@@ -241,11 +252,15 @@ std::string FaultOfBlockLists(const StagedFile& tiff) {
     if (!facts->offsets) return "it has no list of strips or tiles";
     std::string fault = FaultOf(facts->offsets, *blocks, "block offsets");
     // libtiff estimates the byte counts where the file has none.
-    if (!fault.empty() || !facts->byte_counts) return fault;
-    fault = FaultOf(facts->byte_counts, *blocks, "block sizes");
-    if (fault.empty() && reader.EndOfBlocks(*facts) > tiff.Length())
+    if (fault.empty() && facts->byte_counts) fault = FaultOf(facts->byte_counts, *blocks, "block sizes");
+    if (!fault.empty()) return fault;
+    const Extent extent = reader.ExtentOfBlocks(*facts);
+    const TiffPointer pointer = reader.Pointer();
+    if (extent.start < pointer.offset + pointer.size)
+        return "a strip or tile starts within the file's header";
+    if (extent.end > tiff.Length())
         return "it is cut short: its last strip or tile ends after the end of the file";
-    return fault;
+    return {};
 }
 
 }  // namespace MapAnchor
