@@ -11,10 +11,15 @@
 /// A folder of its own for one test, removed at the end.
 class TempFolder {
 public:
-    TempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "mapanchor-XXXXXX").string();
+    explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string pattern = (parent / "mapanchor-XXXXXX").string();
         if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
         path_ = pattern;
+    }
+    /// A parent for tests that save thousands of times: nothing waits for a disk there.
+    static std::filesystem::path InMemory() {
+        const char* memory = "/dev/shm";
+        return std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
     }
     ~TempFolder() {
         std::error_code ignored;

@@ -8,20 +8,22 @@ namespace MapAnchor {
 
 using Tellurion::BLogger;
 using Tellurion::BString;
-using Tellurion::EFileMode;
 using Tellurion::ELogSeverity;
 
-void OpenForWriting(Tellurion::BFile& file, const OutputVoice& voice, const BString& failure) {
-    if (file.Open(EFileMode::Write, EFileMode::Text)) return;
-    BLogger::Instance()->WriteLine(ELogSeverity::Error, "%s Failed to open file <%ls>", voice.source,
-                                   file.GetPath());
-    throw Tellurion::BFileAccessException(voice.source, failure);
+void OutputFile::OpenOrThrow(const BString& detail) {
+    if (Open()) return;
+    BLogger::Instance()->WriteLine(ELogSeverity::Error, "%s Failed to open file <%ls>", voice_.source,
+                                   file_.GetTarget());
+    throw Tellurion::BFileAccessException(voice_.source, detail);
 }
 
-void CloseWritten(Tellurion::BFile& file, const OutputVoice& voice) {
-    if (file.Close()) return;
-    throw BGeoReferenceWriteException(
-        voice.source, BString::Format("Failed writing %s file <%ls>.", voice.kind, file.GetPath()));
+void OutputFile::Commit() {
+    if (!file_.Commit(kSync))
+        throw BGeoReferenceWriteException(voice_.source,
+                                          BString::Format("Failed writing %s file <%ls>: %ls.", voice_.kind,
+                                                          file_.GetTarget(), file_.GetFailure()));
+    for (const BString& loss : file_.GetLosses())
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, "%s %ls", voice_.source, loss);
 }
 
 }  // namespace MapAnchor

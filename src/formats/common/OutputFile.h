@@ -1,6 +1,7 @@
 #pragma once
 
-#include <Tellurion/BFile.h>
+#include <Tellurion/BException.h>
+#include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BString.h>
 
 namespace MapAnchor {
@@ -11,12 +12,49 @@ struct OutputVoice {
     const char* kind;    ///< such as "WLD"
 };
 
-/// Opens the file in text form; a failure is logged and ends as a BFileAccessException
-/// with that detail.
-void OpenForWriting(Tellurion::BFile& file, const OutputVoice& voice, const Tellurion::BString& failure);
+/// A sidecar that is being written. Its name keeps the old content until the whole of the
+/// new one is on the disk. A refused save leaves what was written before the refusal,
+/// such as an empty file: hosts know the formats so. A failed one leaves the old file.
+class OutputFile {
+public:
+    OutputFile(const Tellurion::BString& path, const OutputVoice& voice) : file_(path), voice_(voice) {}
 
-/// Closes the file. A disk may be full only now: whatever did not reach the file ends
-/// as a BGeoReferenceWriteException.
-void CloseWritten(Tellurion::BFile& file, const OutputVoice& voice);
+    bool Open() { return file_.Open(); }
+    /// A failure is logged and ends as a BFileAccessException with that detail.
+    void OpenOrThrow(const Tellurion::BString& detail);
+
+    void Write(const Tellurion::BString& text) { file_.Write(text.StdStr()); }
+
+    /// Runs `work`, which writes and answers whether it saves; a BException and false are
+    /// refusals. What does not reach the disk ends as a BGeoReferenceWriteException.
+    template <class Work>
+    bool Save(Work work);
+
+private:
+    void Commit();
+    void LeaveRefused() { file_.Commit(kSync); }
+
+    /// A sidecar is written in a fraction of the time that its folder takes.
+    static constexpr auto kSync = Tellurion::BFileReplacement::EAfterPowerFailure::OldOrNew;
+
+    Tellurion::BFileReplacement file_;
+    const OutputVoice& voice_;
+};
+
+template <class Work>
+bool OutputFile::Save(Work work) {
+    bool saves = false;
+    try {
+        saves = work();
+    } catch (const Tellurion::BException&) {
+        LeaveRefused();
+        throw;
+    }
+    if (saves)
+        Commit();
+    else
+        LeaveRefused();
+    return saves;
+}
 
 }  // namespace MapAnchor

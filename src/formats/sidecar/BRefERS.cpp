@@ -242,37 +242,42 @@ bool BRefERS::Write(const BString& file, const BGeoReference& reference, long wi
     if (IsRotated(terms))
         throw BGeoReferenceWriteException(kOutput.source,
                                           "ERS referencing format does not support rotation.");
-    BFile out(file);
-    OpenForWriting(out, kOutput, "ERS write could not open file");
-    try {
-        out.WriteLine(
-            HeaderText({file, reference, width, height, imageName}, *stamp, terms, NamesByName(reference)));
-    } catch (const BException& error) {
-        BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefERS::Write Couldn't ERS <%ls>.  Error (%ls)",
-                                       file, error.GetDetailedMessage());
-        return false;
-    }
-    CloseWritten(out, kOutput);
-    return true;
+    OutputFile out(file, kOutput);
+    out.OpenOrThrow("ERS write could not open file");
+    return out.Save([&] {
+        try {
+            out.Write(HeaderText({file, reference, width, height, imageName}, *stamp, terms,
+                                 NamesByName(reference)));
+            return true;
+        } catch (const BException& error) {
+            BLogger::Instance()->WriteLine(ELogSeverity::Error,
+                                           "BRefERS::Write Couldn't ERS <%ls>.  Error (%ls)", file,
+                                           error.GetDetailedMessage());
+            return false;
+        }
+    });
 }
 
 void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
                     long width, long height, const BString& imageName) {
-    BFile out(file);
-    if (!out.Open(EFileMode::Write, EFileMode::Text))
+    OutputFile out(file, kOutput);
+    if (!out.Open())
         throw Tellurion::BFileAccessException(
             kOutput.source, BString::Format("Could not open the reference file <%ls> for writing.", file));
-    const auto stamp = TimeStamp();
-    if (!stamp) throw BGeoReferenceWriteException(kOutput.source, "Can't generate a valid ERS time stamp");
-    const AffineTerms terms = TermsOf(reference);
-    if (IsRotated(terms))
-        throw BGeoReferenceInvalidTransformException(
-            kOutput.source, BString::Format("Can't write ERS file <%ls>, ERS referencing format does not "
-                                            "support rotation in X (%f) or Y (%f).",
-                                            file, terms.b, terms.d));
-    const Names names = NamesByType(file, reference, Strictness(flags).CoordSys());
-    out.WriteLine(HeaderText({file, reference, width, height, imageName}, *stamp, terms, names));
-    CloseWritten(out, kOutput);
+    out.Save([&] {
+        const auto stamp = TimeStamp();
+        if (!stamp)
+            throw BGeoReferenceWriteException(kOutput.source, "Can't generate a valid ERS time stamp");
+        const AffineTerms terms = TermsOf(reference);
+        if (IsRotated(terms))
+            throw BGeoReferenceInvalidTransformException(
+                kOutput.source, BString::Format("Can't write ERS file <%ls>, ERS referencing format does not "
+                                                "support rotation in X (%f) or Y (%f).",
+                                                file, terms.b, terms.d));
+        const Names names = NamesByType(file, reference, Strictness(flags).CoordSys());
+        out.Write(HeaderText({file, reference, width, height, imageName}, *stamp, terms, names));
+        return true;
+    });
 }
 
 }  // namespace MapAnchor

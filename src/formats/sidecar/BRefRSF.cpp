@@ -172,31 +172,34 @@ void BRefRSF::Read(const BString& file, const unsigned int& flags, BGeoReference
 }
 
 bool BRefRSF::Write(const BString& file, const BGeoReference& reference, long width, long height) {
-    BFile out(file);
-    OpenForWriting(out, kOutput, BString::Format("Couldn't open RSF file <%ls> for writing.", file));
-    const auto points = PointsToWrite(reference, {width, height});
-    if (!HasPointsOrTransform(points)) return false;
-    out.WriteLine(FormatRsfPoints(points));
-    out.WriteLine(FormatRsfBlock(WktOf(reference)));
-    CloseWritten(out, kOutput);
-    return true;
+    OutputFile out(file, kOutput);
+    out.OpenOrThrow(BString::Format("Couldn't open RSF file <%ls> for writing.", file));
+    return out.Save([&] {
+        const auto points = PointsToWrite(reference, {width, height});
+        if (!HasPointsOrTransform(points)) return false;
+        out.Write(FormatRsfPoints(points));
+        out.Write(FormatRsfBlock(WktOf(reference)));
+        return true;
+    });
 }
 
 void BRefRSF::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
                     long width, long height) {
     const Strictness strictness(flags);
-    BFile out(file);
-    OpenForWriting(out, kOutput, BString::Format("Couldn't open RSF file <%ls> for writing.", file));
-    // Without points the file is written all the same, with none.
-    out.WriteLine(FormatRsfPoints(
-        PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice)));
-    const BString wkt = WktOf(reference);
-    if (reference.HasCoordSys() && wkt.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
-        throw BGeoReferenceInvalidCoordSysException(
-            kOutput.source, BString::Format("Couldn't generate a WKT string for CoordSys %ls.",
-                                            reference.CoordSys->GetName()));
-    out.WriteLine(FormatRsfBlock(wkt));
-    CloseWritten(out, kOutput);
+    OutputFile out(file, kOutput);
+    out.OpenOrThrow(BString::Format("Couldn't open RSF file <%ls> for writing.", file));
+    out.Save([&] {
+        // Without points the file is written all the same, with none.
+        out.Write(FormatRsfPoints(
+            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice)));
+        const BString wkt = WktOf(reference);
+        if (reference.HasCoordSys() && wkt.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
+            throw BGeoReferenceInvalidCoordSysException(
+                kOutput.source, BString::Format("Couldn't generate a WKT string for CoordSys %ls.",
+                                                reference.CoordSys->GetName()));
+        out.Write(FormatRsfBlock(wkt));
+        return true;
+    });
 }
 
 }  // namespace MapAnchor

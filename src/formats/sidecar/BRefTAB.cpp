@@ -109,41 +109,46 @@ void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference
 
 bool BRefTAB::Write(const BString& file, const BGeoReference& reference, long width, long height,
                     const BString& imageName) {
-    BFile out(file);
-    OpenForWriting(out, kOutput, "TAB write could not open file");
-    const auto points = PointsToWrite(reference, {width, height});
-    if (!HasPointsOrTransform(points)) return false;
-    out.WriteLine(FormatTab(points, imageName));
-    const BString clause = ClauseOf(reference);
-    if (clause.IsEmpty())
-        BLogger::Instance()->WriteLine(
-            ELogSeverity::Error,
-            "BRefTAB::Write Failed to generate valid MIF CoordSys clause, using Default");
-    out.WriteLine(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
-    CloseWritten(out, kOutput);
-    return true;
+    OutputFile out(file, kOutput);
+    out.OpenOrThrow("TAB write could not open file");
+    return out.Save([&] {
+        const auto points = PointsToWrite(reference, {width, height});
+        if (!HasPointsOrTransform(points)) return false;
+        out.Write(FormatTab(points, imageName));
+        const BString clause = ClauseOf(reference);
+        if (clause.IsEmpty())
+            BLogger::Instance()->WriteLine(
+                ELogSeverity::Error,
+                "BRefTAB::Write Failed to generate valid MIF CoordSys clause, using Default");
+        out.Write(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
+        return true;
+    });
 }
 
 void BRefTAB::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
                     long width, long height, const BString& imageName) {
     const Strictness strictness(flags);
-    BFile out(file);
-    OpenForWriting(out, kOutput, BString::Format("Couldn't open TAB file <%ls> for writing.", file));
-    const auto points = PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice);
-    if (points.empty())
-        // This one has always named the other format as its source.
-        throw BGeoReferenceInvalidReferenceFileException(
-            "BRefRSF::Write", BString::Format("Can't generate a valid TAB file <%ls>.  We require at least 1 "
-                                              "point, this reference only has (%d).",
-                                              file, points.size()));
-    out.WriteLine(FormatTab(points, imageName));
-    const BString clause = ClauseOf(reference);
-    if (clause.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
-        throw BGeoReferenceInvalidCoordSysException(
-            kOutput.source, BString::Format("Couldn't generate a MIF clause for CoordSys %ls.",
-                                            reference.CoordSys->GetName()));
-    out.WriteLine(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
-    CloseWritten(out, kOutput);
+    OutputFile out(file, kOutput);
+    out.OpenOrThrow(BString::Format("Couldn't open TAB file <%ls> for writing.", file));
+    out.Save([&] {
+        const auto points =
+            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice);
+        if (points.empty())
+            // This one has always named the other format as its source.
+            throw BGeoReferenceInvalidReferenceFileException(
+                "BRefRSF::Write",
+                BString::Format("Can't generate a valid TAB file <%ls>.  We require at least 1 point, this "
+                                "reference only has (%d).",
+                                file, points.size()));
+        out.Write(FormatTab(points, imageName));
+        const BString clause = ClauseOf(reference);
+        if (clause.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
+            throw BGeoReferenceInvalidCoordSysException(
+                kOutput.source, BString::Format("Couldn't generate a MIF clause for CoordSys %ls.",
+                                                reference.CoordSys->GetName()));
+        out.Write(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
+        return true;
+    });
 }
 
 }  // namespace MapAnchor

@@ -86,16 +86,29 @@ AffineTerms GetAffine(const BGeoReference& reference) {
     return t;
 }
 
+/// Without strictness a transform that is not affine gives zeros.
+AffineTerms GetAffine(const BGeoReference& reference, const BString& file, OnFailure on_failure) {
+    try {
+        return GetAffine(reference);
+    } catch (const BException& error) {
+        if (on_failure == OnFailure::GoOn) return {};
+        throw BGeoReferenceInvalidTransformException(
+            kWriteSource, BString::Format("Can't write WLD file <%ls>, Exception thrown trying to get Affine "
+                                          "Parameters : %ls.",
+                                          file, error.GetDetailedMessage()));
+    }
+}
+
+bool WriteLines(OutputFile& out, const AffineTerms& terms) {
+    out.Write(FormatWorldFile(WorldFile::FromAffine(terms)));
+    return true;
+}
+
 bool HasTransformToWrite(const BGeoReference& reference) {
     if (reference.HasMathTransform()) return true;
     BLogger::Instance()->WriteLine(ELogSeverity::Error,
                                    "BRefWLD::Write Reference type requires valid MathTransform.");
     return false;
-}
-
-void WriteAndClose(BFile& file, const AffineTerms& terms) {
-    file.WriteLine(FormatWorldFile(WorldFile::FromAffine(terms)));
-    CloseWritten(file, kOutput);
 }
 
 }  // namespace
@@ -139,30 +152,18 @@ bool BRefWLD::Write(const BString& file, const BGeoReference& reference) {
         throw BGeoReferenceWriteException(kWriteSource,
                                           "Couldn't determine the Affine Referencing Parameters");
     }
-    BFile out(file);
-    OpenForWriting(out, kOutput, "WLD write could not open file");
-    WriteAndClose(out, terms);
+    OutputFile out(file, kOutput);
+    out.OpenOrThrow("WLD write could not open file");
+    out.Save([&] { return WriteLines(out, terms); });
     WritePrjBeside(file, reference);
     return true;
 }
 
 void BRefWLD::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference) {
     if (!HasTransformToWrite(reference)) return;
-    BFile out(file);
-    OpenForWriting(out, kOutput, BString::Format("Couldn't open WLD file <%ls> for writing.", file));
-    AffineTerms terms;
-    try {
-        terms = GetAffine(reference);
-    } catch (const BException& error) {
-        // Without strictness the lines are written all the same, as zeros.
-        if (Strictness(flags).Transform() == OnFailure::Throw)
-            throw BGeoReferenceInvalidTransformException(
-                kWriteSource,
-                BString::Format("Can't write WLD file <%ls>, Exception thrown trying to get Affine "
-                                "Parameters : %ls.",
-                                file, error.GetDetailedMessage()));
-    }
-    WriteAndClose(out, terms);
+    OutputFile out(file, kOutput);
+    out.OpenOrThrow(BString::Format("Couldn't open WLD file <%ls> for writing.", file));
+    out.Save([&] { return WriteLines(out, GetAffine(reference, file, Strictness(flags).Transform())); });
 }
 
 }  // namespace MapAnchor

@@ -10,6 +10,7 @@
 
 #include <Tellurion/BCoordSysException.h>
 #include <Tellurion/BFile.h>
+#include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/BLogger.h>
 #include <Tellurion/BUnit.h>
@@ -115,11 +116,15 @@ BCoordSys* BCoordSys::FromEPSGCode(const BString& code) {
 
 bool BCoordSys::ToFile(const BString& path) const {
     const BString text = ToPRJ();
-    BFile file(path);
-    const bool written = !text.IsEmpty() && file.Open(EFileMode::Write, EFileMode::Text) &&
-                         file.WriteLine(text) && file.Close();
+    BFileReplacement file(path);
+    const bool written = !text.IsEmpty() && file.Open() && file.Write(text.StdStr()) &&
+                         file.Commit(BFileReplacement::EAfterPowerFailure::OldOrNew);
     if (!written)
-        BLogger::Instance()->WriteLine(ELogSeverity::Error, "BCoordSys::ToFile: %s cannot be written", path);
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, "BCoordSys::ToFile: %ls cannot be written (%ls)",
+                                       path,
+                                       text.IsEmpty() ? "it has no text in this form" : file.GetFailure());
+    for (const BString& loss : file.GetLosses())
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, "BCoordSys::ToFile: %ls", loss);
     return written;
 }
 

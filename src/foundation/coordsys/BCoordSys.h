@@ -52,7 +52,8 @@ public:
     /// A number, or "EPSG:" and a number.
     static BCoordSys* FromEPSGCode(const BString& code);
 
-    /// Writes ToPRJ() to a file; true on success. A failure to write is logged.
+    /// Replaces a file by ToPRJ(), as BFileReplacement does; true on success. A failure
+    /// is logged, and the old file then stays.
     bool ToFile(const BString& path) const;
     /// Well-known text 1 in GDAL's flavour; of a compound system the horizontal
     /// part. Empty when the system cannot be told in it.

@@ -58,10 +58,11 @@ struct BFileReplacement::State {
 
     explicit State(const BString& given) : target(given) {}
 
-    bool Fail(const char* what, int number) {
+    /// Keeps the first failure. `what` is said where the reason alone would mislead.
+    bool Fail(int number, const std::string& what = {}) {
         if (error == 0) {
             error = number;
-            failure = BString(std::string("cannot ") + what + ": " + std::strerror(number));
+            failure = BString(what + std::strerror(number));
         }
         return false;
     }
@@ -73,7 +74,7 @@ struct BFileReplacement::State {
     bool OpenNew();
     bool CanBePutBack() const;
     void KeepAttributes();
-    bool CommitBeside();
+    bool CommitBeside(EAfterPowerFailure after);
     bool OverwriteOld();
     bool IsOldAtTarget() const;
     void UpdateOtherNames();
@@ -101,7 +102,7 @@ BFileReplacement::~BFileReplacement() {
 
 bool BFileReplacement::State::OpenDirect() {
     descriptor = ::open(name.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kAsOpenDoes);
-    if (descriptor < 0) return Fail("open", errno);
+    if (descriptor < 0) return Fail(errno);
     way = EWay::Direct;
     return true;
 }
@@ -114,7 +115,7 @@ bool BFileReplacement::State::OpenOld(EReadOnly read_only) {
         old_is_writable = old >= 0 && access != O_RDONLY;
         if (old >= 0 || (errno != EACCES && errno != EROFS && errno != EPERM)) break;
     }
-    if (old < 0 || !attributes.Read(old)) return Fail("open", errno);
+    if (old < 0 || !attributes.Read(old)) return Fail(errno);
     return true;
 }
 
@@ -131,9 +132,10 @@ bool BFileReplacement::State::OpenNew() {
         return true;
     }
     const int reason = errno;
-    if (!CannotTakeNewFiles(reason) || !CanBePutBack()) return Fail("create a file in its folder", reason);
+    if (!CannotTakeNewFiles(reason) || !CanBePutBack())
+        return Fail(reason, "cannot create a file in its folder: ");
     descriptor = MakeMemoryFile();
-    if (descriptor < 0) return Fail("collect its content", errno);
+    if (descriptor < 0) return Fail(errno, "cannot collect its content in memory: ");
     way = EWay::InMemory;
     return true;
 }
@@ -145,7 +147,7 @@ bool BFileReplacement::Open(EReadOnly read_only) {
     state.failure = BString();
     state.losses.clear();
     const int unknown = state.name.Find(state.target);
-    bool opened = unknown == 0 || state.Fail("open", unknown);
+    bool opened = unknown == 0 || state.Fail(unknown);
     if (opened && state.name.kind == TargetName::EKind::Special) return state.OpenDirect();
     if (opened && state.name.kind == TargetName::EKind::File) opened = state.OpenOld(read_only);
     if (!opened || !state.OpenNew()) Abort();
@@ -154,10 +156,10 @@ bool BFileReplacement::Open(EReadOnly read_only) {
 
 bool BFileReplacement::Write(std::string_view bytes) {
     State& state = *state_;
-    if (state.descriptor < 0) return state.Fail("write", EBADF);
+    if (state.descriptor < 0) return state.Fail(EBADF);
     if (state.error != 0) return false;
     const int error = FileBytes::WriteAll(state.descriptor, bytes);
-    return error == 0 || state.Fail("write", error);
+    return error == 0 || state.Fail(error);
 }
 
 int BFileReplacement::GetDescriptor() const {
@@ -177,7 +179,7 @@ bool BFileReplacement::Adopt(const BString& file) {
     State& state = *state_;
     if (state.error != 0) return false;
     int finished = ::open(file.StdStr().c_str(), O_RDWR | O_CLOEXEC);
-    if (finished < 0) return state.Fail("open the new content", errno);
+    if (finished < 0) return state.Fail(errno, "cannot open the new content: ");
     if (state.way == State::EWay::Beside && ::rename(file.StdStr().c_str(), state.temporary.c_str()) == 0) {
         CloseFile(state.descriptor);
         state.descriptor = finished;
@@ -185,20 +187,20 @@ bool BFileReplacement::Adopt(const BString& file) {
     }
     const int error = FileBytes::Copy(finished, state.descriptor);
     CloseFile(finished);
-    return error == 0 || state.Fail("write", error);
+    return error == 0 || state.Fail(error);
 }
 
-bool BFileReplacement::Commit() {
+bool BFileReplacement::Commit(EAfterPowerFailure after) {
     State& state = *state_;
-    if (state.descriptor < 0) return state.Fail("write", EBADF);
+    if (state.descriptor < 0) return state.Fail(EBADF);
     bool done = state.error == 0;
-    if (done && state.way == State::EWay::Beside) done = state.CommitBeside();
+    if (done && state.way == State::EWay::Beside) done = state.CommitBeside(after);
     if (done && state.way == State::EWay::InMemory) done = state.OverwriteOld();
     if (state.way == State::EWay::Direct) {
         // What a device did not take shows here at the latest.
         const int failed = ::close(state.descriptor) == 0 ? 0 : errno;
         state.descriptor = -1;
-        if (done && failed != 0) done = state.Fail("write", failed);
+        if (done && failed != 0) done = state.Fail(failed);
     }
     Abort();
     return done;
@@ -211,17 +213,17 @@ void BFileReplacement::State::KeepAttributes() {
         losses.push_back(BString::Format("File <%ls> was replaced; it could not keep %ls.", target, what));
 }
 
-bool BFileReplacement::State::CommitBeside() {
+bool BFileReplacement::State::CommitBeside(EAfterPowerFailure after) {
     if (old >= 0) KeepAttributes();
-    if (::fsync(descriptor) != 0) return Fail("write", errno);
+    if (::fsync(descriptor) != 0) return Fail(errno);
     if (::rename(temporary.c_str(), name.path.c_str()) != 0) {
         const int reason = errno;
         losses.clear();
         const bool can_overwrite = CannotBeReplaced(reason) && IsOldAtTarget() && CanBePutBack();
-        return can_overwrite ? OverwriteOld() : Fail("replace it", reason);
+        return can_overwrite ? OverwriteOld() : Fail(reason, "cannot replace it: ");
     }
     temporary.clear();
-    SyncTargetsFolder();
+    if (after == EAfterPowerFailure::New) SyncTargetsFolder();
     if (old >= 0 && attributes.State().st_nlink > 1) UpdateOtherNames();
     return true;
 }
@@ -236,7 +238,7 @@ bool BFileReplacement::State::OverwriteOld() {
     int kept = MakeMemoryFile();
     const int failed = kept < 0 ? errno : FileBytes::Overwrite(old, descriptor, kept);
     CloseFile(kept);
-    return failed == 0 || Fail("write", failed);
+    return failed == 0 || Fail(failed);
 }
 
 void BFileReplacement::State::SyncTargetsFolder() {

@@ -40,6 +40,12 @@ public:
         Replace,  ///< it is replaced; its other hard links keep the old content
     };
 
+    /// What a power failure right after Commit() may leave under the target's name.
+    enum class EAfterPowerFailure {
+        New,       ///< the new content: the folder is synced too
+        OldOrNew,  ///< one of the two, whole; a fraction of the time
+    };
+
     explicit BFileReplacement(const BString& target);  ///< touches no file before Open()
     ~BFileReplacement();                               ///< as Abort()
     BFileReplacement(const BFileReplacement&) = delete;
@@ -63,15 +69,15 @@ public:
 
     /// Makes the new content the target's. False after any failure; the target then has
     /// its old content, or does not exist if it did not.
-    bool Commit();
+    bool Commit(EAfterPowerFailure after = EAfterPowerFailure::New);
     /// Leaves the target as it is and removes the temporary file.
     void Abort();
 
     const BString& GetTarget() const;  ///< as it was given
     /// The error number of the system of the first failure; 0 for none.
     int GetError() const;
-    /// The first failure in words, such as "cannot write: No space left on device"; empty
-    /// for none.
+    /// The first failure in words, such as "No space left on device" or "cannot create a
+    /// file in its folder: Permission denied"; empty for none.
     const BString& GetFailure() const;
     /// What of the old file could not be kept by a Commit() that succeeded: one sentence
     /// each, which names the file and the reason.

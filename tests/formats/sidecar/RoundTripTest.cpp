@@ -97,7 +97,7 @@ protected:
     }
 
     std::mt19937_64 random{20261124};
-    const TempFolder folder;
+    const TempFolder folder{TempFolder::InMemory()};
     const LogCapture log;
 };
 

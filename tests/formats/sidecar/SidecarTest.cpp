@@ -62,8 +62,9 @@ TEST_P(Sidecars, AFileThatDoesNotOpenIsNamed) {
 TEST_P(Sidecars, AFullDeviceIsNeverSilent) {
     const std::string file = File("full");
     ASSERT_EQ(symlink("/dev/full", file.c_str()), 0);
-    const Thrown failed = {kWriteFailure, write,
-                           "Failed writing " + GetParam().name + " file <" + file + ">."};
+    const Thrown failed = {
+        kWriteFailure, write,
+        "Failed writing " + GetParam().name + " file <" + file + ">: No space left on device."};
     ExpectThrown(Roads::Save(file, reference), failed);
     ExpectThrown(Roads::Save(type, file, reference), failed);
 }

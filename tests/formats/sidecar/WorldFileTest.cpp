@@ -120,7 +120,7 @@ TEST(WorldFile, WritesTwelveDecimalsAndThePrjByNameAlone) {
 
 // What twelve decimals hold comes back: lines 1 to 4 as written, 5 and 6 too.
 TEST(WorldFile, ReadSaveReadGivesTheSameLines) {
-    const TempFolder folder;
+    const TempFolder folder{TempFolder::InMemory()};
     const std::string file = folder / "map.tfw";
     std::mt19937_64 random(5);
     std::uniform_real_distribution<double> unit(-1.0, 1.0);

@@ -140,14 +140,14 @@ TEST(BFileReplacement, NewFilesSpecialFilesAndWhatCannotBe) {
     } cases[] = {
         {in("dangling"), 0, ""},
         {"/dev/null", 0, ""},
-        {"/dev/full", ENOSPC, "cannot write: No space left on device"},
+        {"/dev/full", ENOSPC, "No space left on device"},
         {in("none/map.tfw"), ENOENT, "cannot create a file in its folder: No such file or directory"},
-        {in("."), EISDIR, "cannot open: Is a directory"},
-        {in("none/"), EISDIR, "cannot open: Is a directory"},
-        {in("circle"), ELOOP, "cannot open: Too many levels of symbolic links"},
-        {in("nul") + std::string("\0.tfw", 5), EINVAL, "cannot open: Invalid argument"},
-        {in(std::string(300, 'x').c_str()), ENAMETOOLONG, "cannot open: File name too long"},
-        {"", ENOENT, "cannot open: No such file or directory"},
+        {in("."), EISDIR, "Is a directory"},
+        {in("none/"), EISDIR, "Is a directory"},
+        {in("circle"), ELOOP, "Too many levels of symbolic links"},
+        {in("nul") + std::string("\0.tfw", 5), EINVAL, "Invalid argument"},
+        {in(std::string(300, 'x').c_str()), ENAMETOOLONG, "File name too long"},
+        {"", ENOENT, "No such file or directory"},
     };
     const mode_t mask = umask(027);
     for (const auto& test : cases) {
