@@ -150,7 +150,8 @@ void WorkAt(PdfWorkplace& place, const ConvertOptions& options, const BGeoRefere
     if (options.verify) Verify(options, reference, outcome);
     if (options.dry_run) return;
     if (options.backup && !KeepCopies(outcome)) return;
-    place.MoveOverTarget();
+    for (const std::string& loss : place.ReplaceTarget())
+        outcome.Warn(loss);
 }
 
 }  // namespace

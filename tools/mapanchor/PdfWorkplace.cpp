@@ -1,10 +1,14 @@
 #include "PdfWorkplace.h"
 
+#include <Tellurion/BFileReplacement.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
 
 namespace fs = std::filesystem;
+using Tellurion::BFileReplacement;
+using Tellurion::BString;
 
 namespace {
 
@@ -36,11 +40,10 @@ PdfWorkplace::PdfWorkplace(const std::string& target, Purpose purpose)
     const bool saves = purpose == Purpose::Save;
     folder_ = MakeFolder(saves ? target_.parent_path() : fs::temp_directory_path());
     file_ = (folder_ / target_.filename().replace_extension(".pdf")).string();
-    std::error_code unlinked = std::make_error_code(std::errc::operation_not_supported);
-    if (saves) fs::create_hard_link(target_, file_, unlinked);
     std::error_code failed;
-    if (unlinked && !fs::copy_file(target_, file_, failed)) {
-        fs::remove_all(folder_, unlinked);
+    if (!fs::copy_file(target_, file_, failed)) {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
         throw fs::filesystem_error("no copy to work on", target_, failed);
     }
     number_ = NumberOf(file_);
@@ -61,8 +64,15 @@ bool PdfWorkplace::HasResult() const {
     return number != 0 && number != number_;
 }
 
-void PdfWorkplace::MoveOverTarget() {
-    fs::rename(file_, target_);
+std::vector<std::string> PdfWorkplace::ReplaceTarget() {
+    BFileReplacement out{BString(name_)};
+    if (!out.Open(BFileReplacement::EReadOnly::Replace) || !out.Adopt(BString(file_)) || !out.Commit())
+        throw fs::filesystem_error(out.GetFailure().StdStr(), target_,
+                                   std::error_code(out.GetError(), std::generic_category()));
+    std::vector<std::string> losses;
+    for (const BString& loss : out.GetLosses())
+        losses.push_back(loss.StdStr());
+    return losses;
 }
 
 std::string PdfWorkplace::InWordsOfTarget(std::string text) const {

@@ -4,15 +4,16 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
-/// A folder of its own in which a PDF is georeferenced under a second name, so that the
-/// target stands whole until the result is moved over it. Whatever is left of the work
+/// A folder that only its owner can enter, in which a copy of a PDF is georeferenced, so
+/// that the target stays whole until the result replaces it. Whatever is left of the work
 /// goes with the folder. Failures of the file system are filesystem_errors.
 class PdfWorkplace {
 public:
     enum class Purpose {
-        Save,      ///< beside the target; a second name costs no copy
-        Rehearsal  ///< on a copy among the temporary files
+        Save,      ///< beside the target
+        Rehearsal  ///< among the temporary files
     };
 
     PdfWorkplace(const std::string& target, Purpose purpose);
@@ -24,8 +25,9 @@ public:
     const std::string& File() const { return file_; }
     /// True when a new file stands there.
     bool HasResult() const;
-    /// The result takes the target's place in one step.
-    void MoveOverTarget();
+    /// The result takes the target's place in one step. What of the old file could not be
+    /// kept, in sentences.
+    std::vector<std::string> ReplaceTarget();
 
     /// `text` with the target's name in place of the workplace's.
     std::string InWordsOfTarget(std::string text) const;

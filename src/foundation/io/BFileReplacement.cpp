@@ -1,7 +1,8 @@
 #include <Tellurion/BFileReplacement.h>
 
+#include <Tellurion/FileBytes.h>
+
 #include "io/FileAttributes.h"
-#include "io/FileBytes.h"
 #include "io/TargetName.h"
 
 #include <fcntl.h>
@@ -31,15 +32,6 @@ std::string NameOfDescriptor(int file) {
 
 int MakeMemoryFile() {
     return ::memfd_create("mapanchor", MFD_CLOEXEC);
-}
-
-/// A folder that cannot be opened or does not know how is not synced.
-int SyncFolder(const std::string& folder) {
-    int opened = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (opened < 0) return 0;
-    const int error = ::fsync(opened) == 0 || errno == EINVAL ? 0 : errno;
-    CloseFile(opened);
-    return error;
 }
 
 bool CannotTakeNewFiles(int error) {
@@ -242,7 +234,7 @@ bool BFileReplacement::State::OverwriteOld() {
 }
 
 void BFileReplacement::State::SyncTargetsFolder() {
-    if (const int failed = SyncFolder(name.folder))
+    if (const int failed = FileBytes::SyncFolder(name.folder))
         Lose("was replaced, but a power failure may still bring the old content back", failed);
 }
 

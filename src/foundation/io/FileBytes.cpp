@@ -1,10 +1,11 @@
-#include "io/FileBytes.h"
+#include <Tellurion/FileBytes.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <vector>
 
 namespace Tellurion::FileBytes {
@@ -93,6 +94,49 @@ int Overwrite(int to, int from, int old) {
     else if (old >= 0)
         CopyAndCut(old, to, old_size);
     return error;
+}
+
+int CopyToNew(const std::string& from, const std::string& to) {
+    const int source = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    if (source < 0) return errno;
+    const int made = ::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    int error = made < 0 ? errno : Copy(source, made);
+    ::close(source);
+    if (made < 0) return error;
+    if (error == 0 && ::fsync(made) != 0) error = errno;
+    if (::close(made) != 0 && error == 0) error = errno;
+    if (error == 0) error = SyncFolder(FolderOf(to));
+    if (error != 0) ::unlink(to.c_str());
+    return error;
+}
+
+int Move(const std::string& from, const std::string& to) {
+    const int file = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file >= 0) ::fsync(file);
+    if (file >= 0) ::close(file);
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
+        if (errno != EINVAL && errno != ENOSYS) return errno;
+        // The file system does not know how; the name was made up for this.
+        if (::access(to.c_str(), F_OK) == 0) return EEXIST;
+        if (::rename(from.c_str(), to.c_str()) != 0) return errno;
+    }
+    SyncFolder(FolderOf(to));
+    if (FolderOf(to) != FolderOf(from)) SyncFolder(FolderOf(from));
+    return 0;
+}
+
+int SyncFolder(const std::string& folder) {
+    const int opened = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (opened < 0) return 0;
+    const int error = ::fsync(opened) == 0 || errno == EINVAL ? 0 : errno;
+    ::close(opened);
+    return error;
+}
+
+std::string FolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
 }
 
 }  // namespace Tellurion::FileBytes

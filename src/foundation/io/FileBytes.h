@@ -1,6 +1,8 @@
 #pragma once
 
-#include <sys/types.h>
+#include <Tellurion/Export.h>
+
+#include <string>
 #include <string_view>
 
 /// Whole contents through file descriptors. Every result is an error number of the
@@ -16,5 +18,18 @@ int Copy(int from, int to);
 /// disk changes nothing. With `old` (a file of no content, or negative for none) the
 /// old content is kept there, and put back after any other failure.
 int Overwrite(int to, int from, int old);
+
+/// A copy under a name that is free, for its owner alone from the first byte, and synced.
+TELLURION_EXPORT int CopyToNew(const std::string& from, const std::string& to);
+
+/// Renames a file to a name that is free, and syncs the file before and both folders after.
+/// The result tells of the renaming.
+TELLURION_EXPORT int Move(const std::string& from, const std::string& to);
+
+/// Syncs a folder that can be opened.
+int SyncFolder(const std::string& folder);
+
+/// The folder of a path, "." for a bare name.
+std::string FolderOf(const std::string& path);
 
 }  // namespace Tellurion::FileBytes

@@ -1,6 +1,7 @@
 #include "io/TargetName.h"
 
 #include <Tellurion/BFileUtilities.h>
+#include <Tellurion/FileBytes.h>
 
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -16,14 +17,10 @@
 namespace Tellurion {
 namespace {
 
+using FileBytes::FolderOf;
+
 constexpr int kMaxLinks = 40;  // as the kernel
 constexpr int kMaxAttempts = 100;
-
-std::string FolderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
 
 /// What a link leads to; nothing for what is no link.
 std::optional<std::string> LinkAt(const std::string& path) {

@@ -117,8 +117,10 @@ void BExportGeoPDF::HandlePdfError(const PoDoFo::PdfError& error) {
     // A disk may be full only when the last bytes are written.
     if (IsWriting() && error.GetError() == PoDoFo::ePdfError_InvalidDeviceOperation)
         throw BGeoReferenceWriteException(
-            "BRefGeoPDF::Write", BString::Format("Failed writing PDF file <%ls>.",
-                                                 BString(GetDestinationPath().toUtf8().constData())));
+            "BRefGeoPDF::Write",
+            BString::Format(
+                "Failed writing PDF file <%ls>: %s.", BString(GetDestinationPath().toUtf8().constData()),
+                error.GetCallstack().empty() ? "" : error.GetCallstack().back().GetInformation()));
     throw Tellurion::BException(BString(MessageOf(error, GetDestinationPath()).toLocal8Bit().constData()));
 }
 

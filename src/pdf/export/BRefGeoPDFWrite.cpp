@@ -145,6 +145,7 @@ bool BRefGeoPDF::Write(const BString* file, unsigned char flags, const BGeoRefer
     BExportGeoPDF out;
     out.SetSourcePath(original.Name());
     out.SetDestinationPath(original.Destination());
+    out.SetWorkPath(original.WorkName());
     const double scale = PointsPerPixel(params);
     const double page_width = static_cast<double>(width) * scale;
     const double page_height = static_cast<double>(height) * scale;
@@ -168,7 +169,7 @@ bool BRefGeoPDF::Write(const BString* file, unsigned char flags, const BGeoRefer
     });
     if (!tied) return false;  // the PDF stays under the temporary name
     if (out.Export())
-        original.Discard();
+        original.ReplaceByResult();
     else
         original.RestoreIfGone();
     return true;

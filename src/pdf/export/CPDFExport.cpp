@@ -85,7 +85,7 @@ bool CPDFExport::Export() {
         ExportDocument();
         return true;
     } catch (const PoDoFo::PdfError& error) {
-        QFile::remove(destination_path_);
+        QFile::remove(GetWorkPath());
         HandlePdfError(error);
     } catch (const std::exception& error) {
         Warn(QString::fromLatin1(error.what()));
@@ -104,7 +104,7 @@ void CPDFExport::ExportDocument() {
     CPDFStructureTreeRoot root(document);
     WriteFirstPage(document, root);
     writing_ = true;
-    document.Write(destination_path_);
+    document.Write(GetWorkPath());
 }
 
 void CPDFExport::WriteFirstPage(CPDFDocument& document, CPDFStructureTreeRoot& root) {

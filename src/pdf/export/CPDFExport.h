@@ -33,16 +33,20 @@ public:
     void SetSourcePath(const QString& path) { source_path_ = path; }
     /// Appends ".pdf" unless the path ends in it; the case counts.
     void SetDestinationPath(const QString& path);
+    /// Where the result is written, for the caller to move to the destination; empty for the
+    /// destination itself.
+    void SetWorkPath(const QString& path) { work_path_ = path; }
     /// Whether the page loses its own content; it does unless told otherwise.
     void SetClearContents(bool clear) { clear_contents_ = clear; }
     const QString& GetSourcePath() const { return source_path_; }
     /// True once all is in the document and the destination is being written.
     bool IsWriting() const { return writing_; }
+    const QString& GetWorkPath() const { return work_path_.isEmpty() ? destination_path_ : work_path_; }
     const QString& GetDestinationPath() const { return destination_path_; }
     bool GetClearContents() const { return clear_contents_; }
 
-    /// True when the destination was written. A failure of PoDoFo removes the
-    /// destination and goes to HandlePdfError; any other ends in a warning box. The
+    /// True when the destination was written. A failure of PoDoFo removes what
+    /// was written and goes to HandlePdfError; any other ends in a warning box. The
     /// source is only read.
     bool Export();
 
@@ -83,6 +87,7 @@ private:
 
     QString source_path_;
     QString destination_path_;
+    QString work_path_;
     bool writing_ = false;
     QString title_;
     QWidget* parent_;

@@ -1,128 +1,162 @@
 #include "export/MovedAside.h"
 
+#include <MapAnchor/BGeoReferenceWriteException.h>
 #include <Tellurion/BFileAccessException.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/FileBytes.h>
 
 #include <QFileInfo>
 
-#include <sys/stat.h>
-#include <filesystem>
-#include <system_error>
+#include <unistd.h>
+#include <cstdlib>
+#include <memory>
 
 namespace MapAnchor {
 
 using Tellurion::BFileAccessException;
+using Tellurion::BFileReplacement;
 using Tellurion::BLogger;
 using Tellurion::BString;
 using Tellurion::ELogSeverity;
 
+namespace FileBytes = Tellurion::FileBytes;
+
 namespace {
 
 constexpr const char* kSource = "BRefGeoPDF::Write";
+constexpr const char* kEnding = ".pdf";
+constexpr mode_t kOwnerBits = 0700;
+constexpr mode_t kOtherBits = 0077;
+constexpr mode_t kAllBits = 07777;
 
+/// Both keep the bytes of names that are no UTF-8.
+QString ToQString(const BString& text) {
+    const std::u16string& units = text.GetUnits();
+    return QString::fromUtf16(units.data(), static_cast<int>(units.size()));
+}
 BString ToBString(const QString& text) {
     return BString(std::u16string(reinterpret_cast<const char16_t*>(text.utf16()),
                                   static_cast<std::size_t>(text.size())));
 }
 
-const QLatin1String kEnding(".pdf");
-
 /// A link stays a link: what it leads to is what is written.
-QString Resolved(const QString& path) {
-    const QFileInfo info(path);
-    return info.isSymLink() && info.exists() ? info.canonicalFilePath() : path;
-}
-
-const char* RenameFailure(QFileDevice::FileError error) {
-    switch (error) {
-        case QFileDevice::RenameError:
-            return "Could not create temp file for PDF export. The target file may be open or read-only.";
-        case QFileDevice::PermissionsError:
-            return "Could not create temp File for PDF export. Insufficient priveledges.";
-        default:
-            return "Could not create temp File for PDF export.";
-    }
-}
-
-struct stat StateOf(const QString& path) {
+std::string Resolved(const std::string& path) {
     struct stat state {};
-    stat(QFile::encodeName(path).constData(), &state);
+    if (::lstat(path.c_str(), &state) != 0 || !S_ISLNK(state.st_mode)) return path;
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? real.get() : path;
+}
+
+struct stat StateOf(const std::string& path) {
+    struct stat state {};
+    ::stat(path.c_str(), &state);
     return state;
 }
 
-bool IsOnOneDevice(const QString& file, const QString& other) {
-    return StateOf(file).st_dev == StateOf(QFileInfo(other).path()).st_dev;
-}
-
-/// To another device: the old file goes when the new one is whole. Qt's own way lets it
-/// go before the last bytes are written.
-QFileDevice::FileError MoveByCopy(QFile& file, const QString& name) {
-    std::error_code failed;
-    const std::filesystem::path to = QFile::encodeName(name).toStdString();
-    if (std::filesystem::exists(to, failed)) return QFileDevice::RenameError;
-    const bool copied =
-        std::filesystem::copy_file(QFile::encodeName(file.fileName()).toStdString(), to, failed);
-    if (!copied || !file.remove()) {
-        std::filesystem::remove(to, failed);
-        return QFileDevice::RenameError;
-    }
-    file.setFileName(name);
-    return QFileDevice::NoError;
-}
-
-QFileDevice::FileError Move(QFile& file, const QString& name) {
-    file.unsetError();
-    if (!IsOnOneDevice(file.fileName(), name)) return MoveByCopy(file, name);
-    return file.rename(name) ? QFileDevice::NoError : file.error();
+[[noreturn]] void ThrowImmovable() {
+    throw BFileAccessException(
+        kSource, "Could not create temp file for PDF export. The target file may be open or read-only.");
 }
 
 }  // namespace
 
 MovedAside::MovedAside(const BString& target)
-    : destination_(QString::fromUtf8(target.Utf8())), target_(Resolved(destination_)), file_(target_) {
+    : destination_(ToQString(target)), target_(Resolved(target.StdStr())) {
+    const QString resolved = ToQString(BString(target_));
     // An export adds the ending that a name lacks: only through the link does it meet a
     // file of another name.
-    if (target_.endsWith(kEnding) || !destination_.endsWith(kEnding)) destination_ = target_;
-    if (target_.isEmpty() || !file_.exists()) return;
-    // Qt moves a folder as well.
-    if (!QFileInfo(target_).isFile())
-        throw BFileAccessException(kSource, RenameFailure(QFileDevice::RenameError));
+    if (resolved.endsWith(kEnding) || !destination_.endsWith(kEnding)) destination_ = resolved;
+    if (target_.empty() || ::stat(target_.c_str(), &state_) != 0) return;
+    if (!S_ISREG(state_.st_mode)) ThrowImmovable();
     if (!reserved_.open()) {
         BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefGeoPDF::Write Failed to open temp file");
         throw BFileAccessException(kSource, "Could not create temp File for PDF export.");
     }
-    const QString name = reserved_.fileName() + ".pdf";
+    const QString name = reserved_.fileName() + kEnding;
+    aside_ = ToBString(name).StdStr();
     reserved_.close();
-    permissions_ = file_.permissions();
-    MoveTo(name);
+    OpenResult();
+    Move();
+    name_ = name;
 }
 
-void MovedAside::MoveTo(const QString& name) {
-    const QFileDevice::FileError error = Move(file_, name);
-    if (error != QFileDevice::NoError) throw BFileAccessException(kSource, RenameFailure(error));
-    name_ = name;
+/// What belongs to the old PDF is looked at before anything of it changes.
+void MovedAside::OpenResult() {
+    has_own_name_ = !destination_.endsWith(kEnding);
+    const QString path = has_own_name_ ? destination_ + kEnding : destination_;
+    result_.emplace(ToBString(path));
+    if (!result_->Open(BFileReplacement::EReadOnly::Replace) || result_->IsInPlace()) ThrowImmovable();
+    if (has_own_name_) ::fchmod(result_->GetDescriptor(), state_.st_mode & kOwnerBits);
+}
+
+QString MovedAside::WorkName() const {
+    return result_ ? ToQString(result_->GetTemporary()) : QString();
+}
+
+bool MovedAside::IsOnOneDevice() const {
+    return state_.st_dev == StateOf(ToBString(QFileInfo(reserved_.fileName()).path()).StdStr()).st_dev;
+}
+
+void MovedAside::Move() {
+    const bool is_private = (state_.st_mode & kOtherBits) == 0;
+    const bool can_be_private = is_private || (state_.st_nlink == 1 && state_.st_uid == ::geteuid());
+    const bool moved = IsOnOneDevice() && can_be_private ? MoveByRename() : MoveByCopy();
+    if (!moved) ThrowImmovable();
     away_ = true;
 }
 
+bool MovedAside::MoveByRename() {
+    if (::chmod(target_.c_str(), state_.st_mode & kOwnerBits) != 0) return MoveByCopy();
+    if (FileBytes::Move(target_, aside_) == 0) return true;
+    ::chmod(target_.c_str(), state_.st_mode & kAllBits);
+    return false;
+}
+
+bool MovedAside::MoveByCopy() {
+    if (FileBytes::CopyToNew(target_, aside_) != 0) return false;
+    waiting_ = result_->GetTemporary().StdStr() + "o";
+    if (FileBytes::Move(target_, waiting_) == 0) return true;
+    waiting_.clear();
+    ::unlink(aside_.c_str());
+    return false;
+}
+
 MovedAside::~MovedAside() {
-    if (away_)
-        BLogger::Instance()->WriteLine(ELogSeverity::Error,
-                                       "BRefGeoPDF::Write The PDF file <%ls> stands under the name <%ls>",
-                                       ToBString(target_), ToBString(name_));
+    if (!away_) return;
+    if (!waiting_.empty()) ::unlink(waiting_.c_str());
+    BLogger::Instance()->WriteLine(ELogSeverity::Error,
+                                   "BRefGeoPDF::Write The PDF file <%ls> stands under the name <%ls>",
+                                   BString(target_), BString(aside_));
 }
 
 void MovedAside::Restore() {
-    if (away_ && Move(file_, target_) == QFileDevice::NoError) away_ = false;
+    if (!away_ || FileBytes::Move(waiting_.empty() ? aside_ : waiting_, target_) != 0) return;
+    away_ = false;
+    if (waiting_.empty())
+        ::chmod(target_.c_str(), state_.st_mode & kAllBits);
+    else
+        ::unlink(aside_.c_str());
 }
 
 void MovedAside::RestoreIfGone() {
-    if (!QFile::exists(target_)) Restore();
+    struct stat now {};
+    if (::stat(target_.c_str(), &now) != 0) Restore();
 }
 
-void MovedAside::Discard() {
+void MovedAside::ReplaceByResult() {
     if (!away_) return;
-    QFile::setPermissions(target_, permissions_);
-    if (file_.remove()) away_ = false;
+    if (has_own_name_) ::fchmod(result_->GetDescriptor(), state_.st_mode & kAllBits);
+    if (!result_->Commit()) {
+        Restore();
+        throw BGeoReferenceWriteException(
+            kSource, BString::Format("Failed writing PDF file <%ls>: %ls.", result_->GetTarget(),
+                                     result_->GetFailure()));
+    }
+    for (const BString& loss : result_->GetLosses())
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, "%s %ls", kSource, loss);
+    if (::unlink(aside_.c_str()) == 0) away_ = false;
+    if (!waiting_.empty()) ::unlink(waiting_.c_str());
+    waiting_.clear();
 }
 
 }  // namespace MapAnchor

@@ -10,6 +10,8 @@
 
 #include <QObject>
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -49,6 +51,46 @@ std::string BytesOf(const QString& path) {
                                              static_cast<std::size_t>(path.size())))
         .StdStr();
 }
+
+/// A file buffer that remembers why a write failed.
+class ReasonedBuffer : public std::filebuf {
+public:
+    /// The error number of the system; 0 while nothing failed.
+    int Reason() const { return reason_; }
+    /// False when anything did not reach the file.
+    bool Close() {
+        errno = 0;
+        return Kept(close() != nullptr) && reason_ == 0;
+    }
+
+protected:
+    int_type overflow(int_type next) override {
+        errno = 0;
+        const int_type result = std::filebuf::overflow(next);
+        Kept(!traits_type::eq_int_type(result, traits_type::eof()));
+        return result;
+    }
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override {
+        errno = 0;
+        const std::streamsize written = std::filebuf::xsputn(bytes, count);
+        Kept(written == count);
+        return written;
+    }
+    int sync() override {
+        errno = 0;
+        const int result = std::filebuf::sync();
+        Kept(result == 0);
+        return result;
+    }
+
+private:
+    bool Kept(bool good) {
+        if (!good && reason_ == 0) reason_ = errno != 0 ? errno : EIO;
+        return good;
+    }
+
+    int reason_ = 0;
+};
 
 }  // namespace
 
@@ -182,14 +224,18 @@ void CPDFDocument::Write(const QString& path) {
     if (extent_ != EPDFExtent::Whole) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InternalLogic);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
     std::vector<char> buffer(kWriteBuffer);
-    std::ofstream out;
-    out.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-    out.open(BytesOf(path), std::ios::binary | std::ios::trunc);
-    if (!out) ThrowPdfError(PoDoFo::ePdfError_FileNotFound, path);
+    ReasonedBuffer file;
+    file.pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    if (!file.open(BytesOf(path), std::ios::out | std::ios::binary | std::ios::trunc))
+        ThrowPdfError(PoDoFo::ePdfError_FileNotFound, path);
+    std::ostream out(&file);
     PoDoFo::PdfOutputDevice device(&out);
-    document_->Write(&device);
-    out.close();
-    if (!out) ThrowPdfError(PoDoFo::ePdfError_InvalidDeviceOperation, path);
+    try {
+        document_->Write(&device);
+    } catch (const PoDoFo::PdfError&) {
+        if (file.Reason() == 0) throw;
+    }
+    if (!file.Close()) ThrowPdfError(PoDoFo::ePdfError_InvalidDeviceOperation, std::strerror(file.Reason()));
 }
 
 }  // namespace VellumLib
