@@ -115,11 +115,13 @@ TEST_F(PdfInPlace, ADryRunTellsAllAndTouchesNothing) {
 
 TEST_F(PdfInPlace, AnEndingInCapitalsAndALinkStayWhatTheyAre) {
     folder.Write("MAP.PDF", original);
+    fs::create_hard_link(folder / "MAP.PDF", folder / "other");
     ASSERT_EQ(symlink("MAP.PDF", (folder / "link.pdf").c_str()), 0);
     EXPECT_EQ(Run("--overwrite", "link.pdf").status, 0);
     EXPECT_TRUE(fs::is_symlink(folder / "link.pdf"));
     EXPECT_EQ(Run("--overwrite", "MAP.PDF").status, 3);
-    EXPECT_EQ(Names(), (std::vector<std::string>{"MAP.PDF", "link.pdf"}));
+    EXPECT_TRUE(fs::equivalent(folder / "MAP.PDF", folder / "other"));
+    EXPECT_EQ(Names(), (std::vector<std::string>{"MAP.PDF", "link.pdf", "other"}));
 }
 
 TEST_F(PdfInPlace, APdfIsASourceAsWell) {

@@ -24,6 +24,7 @@ namespace MapAnchor {
 namespace {
 
 using namespace Tellurion;
+namespace fs = std::filesystem;
 
 using AffineTerms6 = std::array<double, 6>;
 
@@ -183,6 +184,8 @@ TEST(WriteGeoPdfFile, ALargePageIsCutToTheLimit) {
     EXPECT_NE(pdf.find("14400.0 7200.0"), std::string::npos);
 }
 
+constexpr fs::perms kRights = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+
 /// How the user's PDF fared.
 enum class Stands { Original, Georeferenced, UnderTemporaryName, Gone };
 
@@ -213,6 +216,8 @@ TEST(WriteGeoPdfFile, TheUsersPdfIsNeverLost) {
         const LogCapture log;
         const Warnings warnings;
         const std::string file = folder.Write("map.pdf", test.content);
+        if (test.enabled_points != 4) fs::create_hard_link(file, folder / "other");
+        fs::permissions(file, kRights);
         BGeoReference reference;
         if (test.with_transform) reference = References::Of("32632", kTerms);
         reference.SetCoordSys(test.with_system ? BSharedPtr<BCoordSys>(BCoordSys::FromEPSGCode("32632"))
@@ -227,6 +232,8 @@ TEST(WriteGeoPdfFile, TheUsersPdfIsNeverLost) {
         EXPECT_EQ(thrown.type, test.type);
         if (test.stands == Stands::Original) {
             EXPECT_EQ(TempFolder::Slurp(file), test.content);
+            EXPECT_TRUE(fs::equivalent(file, folder / "other"));
+            EXPECT_EQ(fs::status(file).permissions(), kRights);
             continue;
         }
         EXPECT_FALSE(std::filesystem::exists(file));
@@ -238,11 +245,12 @@ TEST(WriteGeoPdfFile, TheUsersPdfIsNeverLost) {
         }
         ASSERT_NE(name, "");
         EXPECT_EQ(TempFolder::Slurp(name), test.content);
-        std::filesystem::remove(name);
+        EXPECT_EQ(fs::status(name).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+        fs::remove(name);
     }
 }
 
-// What the link leads to is georeferenced, whatever its name.
+// What the link leads to is georeferenced, whatever its name, and stays what it is.
 TEST(WriteGeoPdfFile, ALinkStaysALink) {
     for (const char* name : {"real.pdf", "REAL.PDF", "ab12"}) {
         SCOPED_TRACE(name);
@@ -250,12 +258,16 @@ TEST(WriteGeoPdfFile, ALinkStaysALink) {
         const LogCapture log;
         const std::string link = folder / "map.pdf";
         const std::string real = folder.Write(name, RichPdf(200, 100));
-        std::filesystem::create_symlink(name, link);
+        fs::create_hard_link(real, folder / "other");
+        fs::permissions(real, kRights);
+        fs::create_symlink(name, link);
         SavePdf(link, References::Of("32632", kTerms), 200, 100);
         EXPECT_TRUE(std::filesystem::is_symlink(link));
         EXPECT_NE(TempFolder::Slurp(real).find("/Measure"), std::string::npos);
-        const std::filesystem::directory_iterator entries(folder / "");
-        EXPECT_EQ(std::distance(begin(entries), end(entries)), 2);
+        EXPECT_TRUE(fs::equivalent(real, folder / "other"));
+        EXPECT_EQ(fs::status(real).permissions(), kRights);
+        const fs::directory_iterator entries(folder / "");
+        EXPECT_EQ(std::distance(begin(entries), end(entries)), 3);
         EXPECT_TRUE(log.lines.empty());
     }
 }
