@@ -9,23 +9,21 @@
 #include <gtest/gtest.h>
 
 namespace MapAnchor {
-namespace {
 
 using namespace Tellurion;
 
 template <class Exception, class Base>
-void ExpectFamily(const char* type, const char* message) {
-    EXPECT_EQ(Exception().GetDetailedMessage(), BString(message));
+void ExpectFamily(const char* type, const std::string& message) {
     try {
         throw Exception("Class::Op", "why");
     } catch (const Base& error) {
         EXPECT_STREQ(error.GetTypeName(), type);
-        EXPECT_EQ(error.GetDetailedMessage(), BString(message) + BString(" why (Class::Op)"));
+        EXPECT_EQ(error.GetDetailedMessage().StdStr(), message + " why (Class::Op)");
     }
 }
 
 // Hosts catch by base class and show the texts.
-TEST(Exceptions, FixedMessagesAndBases) {
+TEST(Exceptions, HaveFixedMessagesAndBases) {
     ExpectFamily<BGeoReferenceInvalidCoordSysException, BCoordSysException>(
         "BGeoReferenceInvalidCoordSysException",
         "The coordinate system in this reference file is not valid.");
@@ -44,5 +42,4 @@ TEST(Exceptions, FixedMessagesAndBases) {
     EXPECT_STREQ(BReadParametersException("m", "s", "d").what(), "m d (s)");
 }
 
-}  // namespace
 }  // namespace MapAnchor

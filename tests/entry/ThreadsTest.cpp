@@ -1,27 +1,17 @@
-// Many threads, each with files and records of its own, through both roads at once: every
+// Many threads, each with files and records of its own, by name and by type at once: every
 // one finds what a lone reader found. MAPANCHOR_THREAD_SECONDS makes it a longer run.
 
 #include "ChartFiles.h"
 #include "GdalFiles.h"
 #include "HeaderFiles.h"
-#include "LogCapture.h"
+#include "Outcomes.h"
 #include "PlainPdf.h"
-#include "References.h"
-#include "Roads.h"
-#include "TempFolder.h"
 
-#include <Tellurion/BCoordSys.h>
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <string>
+#include <map>
 #include <thread>
-#include <vector>
 
 namespace MapAnchor {
 namespace {
@@ -29,92 +19,65 @@ namespace {
 using namespace Tellurion;
 using namespace HeaderFiles;
 
-constexpr int kThreads = 8;
-
-/// A saved file for each kind that saves, and a header for each that only reads.
-class Shelf {
-public:
-    explicit Shelf(const std::string& folder) : folder_(folder) {
-        std::filesystem::create_directory(folder);
-        const std::string keys = Tiff(Placed({}));
-        Write("chart.kap",
-              "BSB/NA=Bay,RA=200,100\nKNP/GD=WGS84\nREF/1,0,0,48,-123\nREF/2,200,0,48,-121\n"
-              "REF/3,200,100,47,-121\nREF/4,0,100,47,-123\n\x1A");
-        Write("frame.on1", FrameFile().Bytes());
-        Write("quad.doq", DoqFile().Bytes());
-        Write("image.ecw", Ecw2({}));
-        Write("image.jp2", Jp2(Placed({1, 1, 0, 1, 3072, 0, 1, 32633})));
-        Write("image.sid", Sid2(SidPlace(500000, 4100000, 10, -10)));
-        GdalFiles::MakeTiff(Path("map.tif"));
-        Write("map.pdf", RichPdf(200, 100));
+/// Makes a folder with a file for each kind that saves, and a header for each that only
+/// reads; saves and reads them, and returns what each gave or threw.
+std::string SaveAndReadAll(const std::string& folder) {
+    const std::map<std::string, std::string> files = {
+        {"chart.kap", "BSB/RA=20,10\nKNP/GD=WGS84\nREF/1,0,0,4,3\nREF/2,9,0,4,2\nREF/3,9,9,3,3\n\x1A"},
+        {"frame.on1", FrameFile().Bytes()},
+        {"quad.doq", DoqFile().Bytes()},
+        {"image.ecw", Ecw2({})},
+        {"image.jp2", Jp2(Placed({1, 1, 0, 1, 3072, 0, 1, 32633}))},
+        {"image.sid", Sid2(SidPlace(500000, 4100000, 10, -10))},
+        {"map.tif", ""},
+        {"map.tfw", ""},
+        {"map.rsf", ""},
+        {"map.tab", ""},
+        {"map.ers", ""}};
+    std::filesystem::create_directories(folder);
+    std::string answers;
+    const BGeoReference saved = References::Of("32633", {10, 0, 500000, 0, -10, 4100000});
+    const auto read = [&](EReferenceType type, const std::string& file) {
+        BGeoReference reference;
+        answers += (type == EReferenceType::GeoPDF ? Roads::Read(type, file, reference)
+                                                   : Roads::Read(file, reference))
+                       .type;
+        answers += CodeOf(reference) + '\n' + PointsOf(reference);
+        if (reference.HasMathTransform()) answers += testing::PrintToString(References::Terms(reference));
+    };
+    for (const auto& [name, bytes] : files) {
+        const std::string file = folder + "/" + name;
+        if (name == "map.tif") GdalFiles::MakeTiff(file);
+        if (bytes.empty()) answers += Roads::Save(file, saved).type;
+        if (!bytes.empty()) std::ofstream(file, std::ios::binary) << bytes;
+        read(EReferenceType::Reserved, file);
     }
-
-    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
-
-    /// What each file gives, one line a file, with what was thrown.
-    std::vector<std::string> SaveAndReadAll() const {
-        std::vector<std::string> answers;
-        const BGeoReference saved = References::Of("32633", {10, 0, 500000, 0, -10, 4100000});
-        for (const char* name : {"map.tfw", "map.rsf", "map.tab", "map.ers", "map.tif"}) {
-            const std::string unsaved = Roads::Save(Path(name), saved).type;
-            answers.push_back(unsaved + Answer(name));
-        }
-        const Thrown unsaved = Roads::Save(EReferenceType::GeoPDF, Path("map.pdf"), saved);
-        BGeoReference read;
-        const Thrown unread = Roads::Read(EReferenceType::GeoPDF, Path("map.pdf"), read);
-        answers.push_back("map.pdf " + unsaved.type + Describe(unread, read));
-        for (const char* name : {"chart.kap", "frame.on1", "quad.doq", "image.ecw", "image.jp2", "image.sid"})
-            answers.push_back(Answer(name));
-        return answers;
-    }
-
-private:
-    void Write(const char* name, const std::string& bytes) const {
-        std::ofstream(Path(name), std::ios::binary) << bytes;
-    }
-    std::string Answer(const char* name) const {
-        BGeoReference read;
-        const Thrown thrown = Roads::Read(Path(name), read);
-        return std::string(name).append(1, ' ').append(Describe(thrown, read));
-    }
-    static std::string Describe(const Thrown& thrown, const BGeoReference& read) {
-        if (!thrown.type.empty()) return thrown.type;
-        std::string text = read.HasCoordSys() ? read.CoordSys->ToEPSGCode().StdStr() : "no system";
-        if (read.HasMathTransform())
-            for (const double term : References::Terms(read))
-                text.append(1, ' ').append(std::to_string(term));
-        return text.append(1, ' ').append(std::to_string(read.PointPairVector.size()));
-    }
-
-    std::string folder_;
-};
+    std::ofstream(folder + "/map.pdf", std::ios::binary) << RichPdf(200, 100);
+    answers += Roads::Save(EReferenceType::GeoPDF, folder + "/map.pdf", saved).type;
+    read(EReferenceType::GeoPDF, folder + "/map.pdf");
+    return answers;
+}
 
 TEST(Threads, EachFindsInItsOwnFilesWhatALoneReaderFinds) {
     const LogCapture quiet;
     const TempFolder folder;
-    const std::vector<std::string> alone = Shelf(folder / "alone").SaveAndReadAll();
-    ASSERT_EQ(alone.size(), 12U);
-    for (const std::string& answer : alone)
-        EXPECT_EQ(answer.find("Exception"), std::string::npos) << answer;
-
+    const std::string alone = SaveAndReadAll(folder / "alone");
+    EXPECT_EQ(alone.find("Exception"), std::string::npos) << alone;
     const char* seconds = std::getenv("MAPANCHOR_THREAD_SECONDS");
     const auto end =
         std::chrono::steady_clock::now() + std::chrono::seconds(seconds ? std::atoi(seconds) : 0);
-    std::array<std::vector<std::string>, kThreads> other;
+    std::vector<std::string> last(8);
     std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) {
-        const Shelf shelf(folder / std::to_string(i));
-        threads.emplace_back([&alone, &different = other[static_cast<std::size_t>(i)], shelf, end] {
+    for (std::string& answers : last)
+        threads.emplace_back([&, own = folder / std::to_string(threads.size())] {
             do {
-                const auto answers = shelf.SaveAndReadAll();
-                if (answers != alone) different = answers;
-            } while (different.empty() && std::chrono::steady_clock::now() < end);
+                answers = SaveAndReadAll(own);
+            } while (answers == alone && std::chrono::steady_clock::now() < end);
         });
-    }
     for (std::thread& thread : threads)
         thread.join();
-    for (const auto& different : other)
-        EXPECT_TRUE(different.empty() || different == alone);
+    for (const std::string& answers : last)
+        EXPECT_EQ(answers, alone);
 }
 
 }  // namespace

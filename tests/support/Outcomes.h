@@ -72,10 +72,11 @@ inline std::string Filled(std::string text, char mark, const std::string& value)
     return text;
 }
 
-inline void ExpectThrown(const Thrown& got, const Thrown& wanted) {
-    EXPECT_EQ(got.type, wanted.type);
-    EXPECT_EQ(got.source, wanted.source);
-    EXPECT_EQ(got.detail, wanted.detail);
+inline void ExpectThrown(const Thrown& got, const std::string& type, const std::string& source,
+                         const std::string& detail) {
+    EXPECT_EQ(got.type, type);
+    EXPECT_EQ(got.source, source);
+    EXPECT_EQ(got.detail, detail);
 }
 
 /// What is thrown by name, by type, and by type with both flags; empty for success.
@@ -88,96 +89,81 @@ constexpr Ends kTaken{};
 constexpr Ends kRefused{kUnsupported, kInvalidFile, kInvalidFile};
 constexpr Ends kNoFit{"", "", kInvalidTransform};
 constexpr Ends kNoSystem{"", "", kInvalidSystem};
+constexpr Ends kByNameAlone{"", kInvalidFile, kInvalidFile};
 
-/// What a good read comes to.
+/// What a good read stores.
 struct Holds {
     std::size_t points = 0;
     bool transform = false;
     bool system = false;
 };
 
-struct RoadCase {
-    const char* name;
-    std::string content;
-    Ends ends = {};
-    Holds holds = {};
-};
+/// The rows of a table of contents: each is written to a file and read by name and by type.
+class ReadTable {
+public:
+    ReadTable(Tellurion::EReferenceType type, std::string extension, std::string source)
+        : type_(type), extension_(std::move(extension)), source_(std::move(source)) {}
 
-/// Reads each content on the three roads. The extension begins with its dot.
-inline void ExpectRoads(Tellurion::EReferenceType type, const std::string& extension,
-                        const std::vector<RoadCase>& cases) {
-    const TempFolder folder;
-    const LogCapture quiet;
-    for (const RoadCase& test : cases) {
-        SCOPED_TRACE(test.name);
-        const std::string file = folder.Write(test.name + extension, test.content);
+    /// How the three reads end, and what the good ones store.
+    void Ends(const char* name, const std::string& content, const MapAnchor::Ends& ends,
+              const Holds& holds = {}) const {
+        SCOPED_TRACE(name);
+        const LogCapture quiet;
+        const std::string file = File(name, content);
         Tellurion::BGeoReference by_name, by_type, strict;
-        EXPECT_EQ(Roads::Read(file, by_name).type, test.ends.by_name);
-        EXPECT_EQ(Roads::Read(type, file, by_type).type, test.ends.by_type);
-        EXPECT_EQ(Roads::Read(type, file, strict, Roads::kStrict).type, test.ends.strict);
-        if (!*test.ends.by_name) {
-            EXPECT_EQ(by_name.PointPairVector.size(), test.holds.points);
-            EXPECT_EQ(by_name.HasCoordSys(), test.holds.system);
-        }
-        EXPECT_EQ(by_name.HasMathTransform(), test.holds.transform && !*test.ends.by_name);
-        if (*test.ends.by_type) continue;
-        EXPECT_EQ(by_type.PointPairVector.size(), test.holds.points);
-        EXPECT_EQ(by_type.HasMathTransform(), test.holds.transform);
-        EXPECT_EQ(by_type.HasCoordSys(),
-                  test.holds.system && test.ends.strict != std::string(kInvalidSystem));
+        EXPECT_EQ(Roads::Read(file, by_name).type, ends.by_name);
+        EXPECT_EQ(Roads::Read(type_, file, by_type).type, ends.by_type);
+        EXPECT_EQ(Roads::Read(type_, file, strict, Roads::kStrict).type, ends.strict);
+        EXPECT_EQ(by_name.HasMathTransform(), holds.transform && !*ends.by_name);
+        if (!*ends.by_name) ExpectStored(by_name, holds, holds.system);
+        // A system that fails the strict read is stored by name at most.
+        const bool system = holds.system && ends.strict != std::string(kInvalidSystem);
+        if (!*ends.by_type) ExpectStored(by_type, holds, system);
     }
-}
-
-struct PlaceCase {
-    const char* name;
-    std::string content;
-    Six terms;
-    const char* code = "none";
-};
-
-/// Reads each content by name, and by type without flags.
-inline void ExpectPlaces(Tellurion::EReferenceType type, const std::string& extension,
-                         const std::vector<PlaceCase>& cases) {
-    const TempFolder folder;
-    const LogCapture quiet;
-    for (const PlaceCase& test : cases) {
-        SCOPED_TRACE(test.name);
-        const std::string file = folder.Write(test.name + extension, test.content);
-        for (const Tellurion::BGeoReference& reference : {Good(file), Good(type, file, 0)}) {
+    /// A good read by name, and one by type without flags.
+    void Places(const char* name, const std::string& content, const Six& terms,
+                const char* code = "none") const {
+        SCOPED_TRACE(name);
+        const LogCapture quiet;
+        const std::string file = File(name, content);
+        for (const Tellurion::BGeoReference& reference : {Good(file), Good(type_, file, 0)}) {
             ASSERT_TRUE(reference.HasMathTransform());
-            EXPECT_EQ(References::Terms(reference), test.terms);
-            EXPECT_EQ(CodeOf(reference), test.code);
+            EXPECT_EQ(References::Terms(reference), terms);
+            EXPECT_EQ(CodeOf(reference), code);
         }
     }
-}
-
-/// A read by type that fails. "%" stands for the file; "*" for whatever detail there is,
-/// which "@" in the log repeats.
-struct FailureCase {
-    const char* name;
-    std::string content;
-    Thrown thrown;
-    std::vector<std::string> log = {};
-    unsigned int flags = Roads::kStrict;
-};
-
-inline void ExpectFailures(Tellurion::EReferenceType type, const std::string& extension,
-                           const std::vector<FailureCase>& cases) {
-    const TempFolder folder;
-    for (const FailureCase& test : cases) {
-        SCOPED_TRACE(test.name);
-        const LogCapture log;
-        const std::string file = folder.Write(test.name + extension, test.content);
+    /// A read by type with both flags that fails. In the texts "%" stands for the file, and "@" in
+    /// the log for the detail; the detail "*" may be any.
+    void Fails(const std::string& content, const char* type, const std::string& detail,
+               const std::vector<std::string>& log = {}, const char* source = nullptr) const {
+        SCOPED_TRACE(detail);
+        const LogCapture capture;
+        const std::string file = File("failure", content);
         Tellurion::BGeoReference reference;
-        const Thrown got = Roads::Read(type, file, reference, test.flags);
-        const std::string detail = test.thrown.detail == "*" ? got.detail : test.thrown.detail;
+        const Thrown got = Roads::Read(type_, file, reference, Roads::kStrict);
         EXPECT_NE(got.detail, "");
-        ExpectThrown(got, {test.thrown.type, test.thrown.source, Filled(detail, '%', file)});
+        ExpectThrown(got, type, source ? source : source_,
+                     detail == "*" ? got.detail : Filled(detail, '%', file));
         std::vector<std::string> lines;
-        for (const std::string& line : test.log)
+        for (const std::string& line : log)
             lines.push_back(Filled(Filled(line, '%', file), '@', got.detail));
-        EXPECT_EQ(log.lines, lines);
+        EXPECT_EQ(capture.lines, lines);
     }
-}
+
+private:
+    std::string File(const std::string& name, const std::string& content) const {
+        return folder_.Write(name + extension_, content);
+    }
+    static void ExpectStored(const Tellurion::BGeoReference& reference, const Holds& holds, bool system) {
+        EXPECT_EQ(reference.PointPairVector.size(), holds.points);
+        EXPECT_EQ(reference.HasMathTransform(), holds.transform);
+        EXPECT_EQ(reference.HasCoordSys(), system);
+    }
+
+    Tellurion::EReferenceType type_;
+    std::string extension_;
+    std::string source_;
+    TempFolder folder_;
+};
 
 }  // namespace MapAnchor

@@ -10,10 +10,8 @@ namespace MapAnchor {
 
 inline std::string Number(std::uint64_t value, std::size_t size, bool big_endian) {
     std::string bytes;
-    for (std::size_t i = 0; i < size; ++i) {
-        const std::size_t shift = 8 * (big_endian ? size - 1 - i : i);
-        bytes += static_cast<char>(value >> shift & 0xFF);
-    }
+    for (std::size_t i = 0; i < size; ++i)
+        bytes += static_cast<char>(value >> 8 * (big_endian ? size - 1 - i : i) & 0xFF);
     return bytes;
 }
 
@@ -25,7 +23,7 @@ inline void Put(std::string& bytes, std::size_t at, const std::string& field) {
 /// A CADRG frame whose sections follow one another; the places say where they start.
 struct FrameFile {
     bool big_endian = true;
-    bool bare = false;  ///< without NITF around it, which is where the tag stands
+    bool bare = false;  ///< without NITF around it, where the tag is
     std::size_t tag = 20;
     /// NW, SW, NE, SE latitude and longitude, two resolutions, latitude and longitude interval.
     std::array<double, 12> coverage = {11.5, -100, 10.0, -100, 11.5, -98, 10.0, -98, 150, 150, 0.001, 0.002};
@@ -38,27 +36,23 @@ struct FrameFile {
     std::uint64_t coverage_id = 130;
     std::uint64_t coverage_at = 0;  ///< 0: behind the table
 
-    std::size_t Header() const { return bare ? 0 : tag + 11; }
-    std::size_t Location() const { return Header() + 48; }
-    std::size_t Table() const { return Location() + 14; }
-    std::size_t Coverage() const { return Table() + 20; }
-
     std::string Bytes() const {
         const auto number = [this](std::uint64_t value, std::size_t size) {
             return Number(value, size, big_endian);
         };
+        const std::size_t header = bare ? 0 : tag + 11, location = header + 48, table = location + 14;
         std::string bytes = "NITF02.00";
         if (!bare) Put(bytes, tag, tag_text + "00048");
-        Put(bytes, Header(), std::string(1, big_endian ? '\0' : '\xFF') + number(header_length, 2));
-        Put(bytes, Header() + 16, "MIL-C-89038    ");
-        Put(bytes, Header() + 44, number(location_at == 0 ? Location() : location_at, 4));
-        Put(bytes, Location(),
+        Put(bytes, header, std::string(1, big_endian ? '\0' : '\xFF') + number(header_length, 2));
+        Put(bytes, header + 16, "MIL-C-89038    ");
+        Put(bytes, header + 44, number(location_at == 0 ? location : location_at, 4));
+        Put(bytes, location,
             number(14, 2) + number(table_offset, 4) + number(records, 2) + number(record_length, 2));
-        Put(bytes, Table(), number(131, 2) + number(6, 4) + number(9999, 4));
-        const std::uint64_t at = coverage_at == 0 ? Coverage() : coverage_at;
-        Put(bytes, Table() + 10, number(coverage_id, 2) + number(96, 4) + number(at, 4));
+        Put(bytes, table, number(131, 2) + number(6, 4) + number(9999, 4));
+        Put(bytes, table + 10,
+            number(coverage_id, 2) + number(96, 4) + number(coverage_at == 0 ? table + 20 : coverage_at, 4));
         for (std::size_t i = 0; i < coverage.size(); ++i)
-            Put(bytes, Coverage() + 8 * i, number(std::bit_cast<std::uint64_t>(coverage[i]), 8));
+            Put(bytes, table + 20 + 8 * i, number(std::bit_cast<std::uint64_t>(coverage[i]), 8));
         return bytes;
     }
 };
@@ -81,12 +75,11 @@ struct AdrgValues {
     }
 };
 
-/// The front of an ISO 8211 file that the look at the first bytes takes for ADRG.
+/// The front of an ISO 8211 file that is recognised as ADRG by its first bytes.
 inline std::string AdrgLeader(bool image = false) {
-    std::string directory;
-    for (const char* tag : {"000", "001", image ? "PAD" : "DSI", image ? "SCN" : "GEN"})
-        directory += std::string(tag) + "0420031";
-    return "008182L   0600115   3403" + directory + "\x1E";
+    const std::string end = "0420031";
+    return "008182L   0600115   3403000" + end + "001" + end + (image ? "PAD" : "DSI") + end +
+           (image ? "SCN" : "GEN") + end + "\x1E";
 }
 
 /// A DOQ header over the first lines of an image.
@@ -100,9 +93,8 @@ struct DoqFile {
 
     std::string Bytes() const {
         std::string bytes(160, ' ');
-        std::string line_text = std::to_string(line);
-        line_text.insert(0, 6 - line_text.size(), ' ');
-        Put(bytes, 150, line_text);
+        const std::string line_text = std::to_string(line);
+        Put(bytes, 156 - line_text.size(), line_text);
         Put(bytes, 198, zone);
         const auto length = static_cast<std::size_t>(line);
         Put(bytes, 2 * length + 336, x + y);

@@ -7,6 +7,10 @@
 namespace MapAnchor {
 
 constexpr auto kTiff = Tellurion::EReferenceType::GeoTIFF;
+/// The labels of bands, and the codes of the units.
+constexpr std::pair<const char*, const char*> kUnits[] = {
+    {"m", "METERS"}, {"ft", "INTERNATIONAL FEET"}, {"sft", "USFEET"}, {"yd", "INTERNATIONAL YARDS"},
+    {"syd", "YARD"}, {"fath", "FATHOM"},           {"rd", "RODS"},    {"", "KILOMETERS"}};
 constexpr bool kBothRoads[] = {true, false};  ///< by name, by type
 
 inline Thrown Read(bool by_name, const std::string& file, Tellurion::BGeoReference& reference) {

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr const char* kMark = "ODDRASTER";
-
 class OddBand : public GDALRasterBand {
 public:
     explicit OddBand(GDALDataset* owner) {
@@ -32,6 +30,7 @@ public:
         nRasterXSize = 20;
         nRasterYSize = 10;
         SetBand(1, new OddBand(this));
+        if (Has("no-memory")) CPLError(CE_Failure, CPLE_OutOfMemory, "not a byte left");
     }
     ~OddDataset() override {
         if (Has("no-close")) CPLError(CE_Failure, CPLE_FileIO, "the cable was pulled");
@@ -55,15 +54,11 @@ std::string HeadOf(const GDALOpenInfo* info) {
 }
 
 int Identify(GDALOpenInfo* info) {
-    return HeadOf(info).rfind(kMark, 0) == 0;
+    return HeadOf(info).starts_with("ODDRASTER");
 }
 
 GDALDataset* OpenOdd(GDALOpenInfo* info) {
-    if (!Identify(info)) return nullptr;
-    const std::string words = HeadOf(info);
-    if (words.find("no-memory") != std::string::npos)
-        CPLError(CE_Failure, CPLE_OutOfMemory, "not a byte left");
-    return new OddDataset(words, info->eAccess);
+    return Identify(info) ? new OddDataset(HeadOf(info), info->eAccess) : nullptr;
 }
 
 }  // namespace
