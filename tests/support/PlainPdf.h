@@ -4,6 +4,14 @@
 #include <string>
 #include <vector>
 
+inline std::string Repeated(const std::string& text, std::size_t times) {
+    std::string all;
+    all.reserve(text.size() * times);
+    for (std::size_t i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
 /// A PDF file put together from its objects; object n is the nth, the first is the
 /// catalog. The cross-reference table and the trailer are added.
 inline std::string PlainPdf(const std::vector<std::string>& objects, const std::string& trailer_keys = "") {

@@ -1,52 +1,53 @@
-// Charts, frames, rectangles and orthophotos at the command line.
+// Rasters that are known by their headers, and charts, at the command line.
 
 #include <gtest/gtest.h>
 
 #include "../formats/raster/ChartFiles.h"
+#include "HeaderFiles.h"
 #include "RunTool.h"
-#include "TempFolder.h"
 
 namespace {
 
 using namespace MapAnchor;
 
-TEST(ChartTool, InfoNamesTheKindThatAnswered) {
-    const TempFolder folder;
+TEST(ChartTool, InfoNamesTheKindOrRefuses) {
+    const ToolFolder folder;
     const std::string chart = "KNP/GD=WGS84\nREF/1,0,0,1,1\nREF/2,9,0,1,2\nREF/3,9,9,2,2\n";
     folder.Write("TPSGI001.gen", AdrgLeader() + "ADRG" + AdrgValues().Record("TPSGI001"));
+    const std::string sid = HeaderFiles::SidPlace(500005, 4099995, 10, 10) +
+                            HeaderFiles::SidShort(HeaderFiles::kSidProjected, 32633);
+    const HeaderFiles::GeoTags north{
+        {}, {}, {10, 0, 0, 500000, 0, 10, 0, 4100000, 0, 0, 0, 0, 0, 0, 0, 1}, {3072, 0, 1, 32633}, ""};
+    // Whatever the anchor of the kind, the geotransform is that of the outer edge.
+    const std::string place = R"(,"coordSys":{"epsg":"EPSG:32633"},"geoTransform":[500000,10,0,4100000,0,)";
     const struct {
-        const char* file;
+        std::string file;
         std::string content;
-        const char* kind;
-        const char* anchor;
-        const char* used;
+        std::string kind;  ///< and more members
     } cases[] = {
-        {"chart.kap", chart, "KAP", "corner", "chart.kap"},
-        {"chart.dat", chart, "KAP", "corner", "chart.dat"},
-        {"numbers.dat", "1\n0\n0\n-1\n5\n5\n", "WLD", "corner", "numbers.dat"},
-        {"frame.on1", FrameFile().Bytes(), "CADRG", "centre", "frame.on1"},
-        {"TPSGI001.img", AdrgLeader(true), "ADRG", "centre", "TPSGI001.gen"},
-        {"quad.doq", DoqFile().Bytes(), "DOQ", "corner", "quad.doq"},
+        {"chart.kap", chart, R"("KAP","pixelAnchor":"corner","usedFile":"%chart.kap")"},
+        {"chart.dat", chart, R"("KAP","pixelAnchor":"corner","usedFile":"%chart.dat")"},
+        {"map.dat", "1\n0\n0\n-1\n5\n5\n", R"("WLD","pixelAnchor":"corner")"},
+        {"frame.on1", FrameFile().Bytes(), R"("CADRG","pixelAnchor":"centre")"},
+        {"TPSGI001.img", AdrgLeader(true), R"("ADRG","pixelAnchor":"centre","usedFile":"%TPSGI001.gen")"},
+        {"quad.doq", DoqFile().Bytes(), R"("DOQ","pixelAnchor":"corner","usedFile":"%quad.doq")"},
+        {"a.ecw", HeaderFiles::Ecw2({.datum = "EPSG:32633", .projection = "EPSG:32633"}),
+         R"("ECW","pixelAnchor":"corner")" + place + "-10]"},
+        {"b.sid", HeaderFiles::Sid2(sid), R"("SID","pixelAnchor":"centre")" + place + "-10]"},
+        {"c.jp2", HeaderFiles::Jp2(HeaderFiles::Placed({3072, 0, 1, 32633})),
+         R"("JP2","pixelAnchor":"corner")" + place + "-10]"},
+        {"north.jp2", HeaderFiles::Jp2(north), R"("SID","pixelAnchor":"centre")" + place + "10]"},
     };
     for (const auto& test : cases) {
-        const ToolRun run = RunTool({"--json", folder.Write(test.file, test.content)});
-        EXPECT_EQ(run.status, 0) << test.file << run.err;
-        const auto ours = run.Objects().at(0)["mapanchor"];
-        EXPECT_EQ(ours["referenceType"], test.kind) << test.file;
-        EXPECT_EQ(ours["pixelAnchor"], test.anchor) << test.file;
-        EXPECT_EQ(ours["usedFile"], folder / test.used) << test.file;
+        folder.Write(test.file, test.content);
+        folder.ExpectRun("--json %" + test.file, 0, "\"referenceType\":" + test.kind);
     }
-}
-
-TEST(ChartTool, RefusalsEndWithFive) {
-    const TempFolder folder;
-    const std::string world_file = folder.Write("map.tfw", "1\n0\n0\n-1\n5\n5\n");
-    EXPECT_EQ(RunTool({"info", "--type", "doq", folder.Write("quad.doq", DoqFile().Bytes())}).status, 5);
-    for (const char* kind : {"kap", "doq"}) {
-        const std::string target = folder / (std::string("out.") + kind);
-        EXPECT_EQ(RunTool({"convert", world_file, target}).status, 5) << kind;
-        EXPECT_EQ(RunTool({"convert", "--to", kind, world_file, target}).status, 5) << kind;
-    }
+    for (const char* file : {"%a.ecw", "%b.sid", "%north.jp2"})
+        folder.ExpectRun(std::string("--size 20x10 ") + file, 0, "", {"upper left   500000, 4100000\n"});
+    for (const char* words :
+         {"info --type doq %quad.doq", "convert %map.dat %out.kap", "convert %map.dat %out.doq",
+          "convert --to kap %map.dat %out.kap", "convert --to doq %map.dat %out.doq"})
+        folder.ExpectRun(words, 5);
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "PagePdf.h"
+#include "../pdf/import/GeoPdfFiles.h"
 #include "RunTool.h"
-#include "TempFolder.h"
 
 #include <cpl_minixml.h>
 
@@ -10,7 +9,7 @@
 
 namespace {
 
-/// How many shapes of a style a drawing has; below 0 for what is no well-formed drawing.
+/// How many shapes of a style a drawing has; below 0 for XML that is not well-formed.
 int CountOf(const std::string& drawing, const std::string& style) {
     const std::unique_ptr<CPLXMLNode, decltype(&CPLDestroyXMLNode)> root(CPLParseXMLString(drawing.c_str()),
                                                                          CPLDestroyXMLNode);
@@ -23,52 +22,45 @@ int CountOf(const std::string& drawing, const std::string& style) {
 }
 
 struct PreviewCase {
-    const char* name;
     const char* file;
     std::vector<std::pair<const char*, int>> shapes;
 };
 
 TEST(Preview, DrawsWhatIsThere) {
-    const TempFolder folder;
+    const ToolFolder folder;
     folder.Write("map<&>.tfw", "0.1\n0\n0\n-0.1\n175.05\n49.95\n");
     folder.Write("map<&>.prj", PrjOf("4326"));
-    folder.Write(
-        "map.tab",
-        "!table\n!version 300\n!charset Neutral\n\nDefinition Table\n  File \"map.tif\"\n  Type \"RASTER\"\n"
-        "  (10,50) (0,0) Label \"a\",\n  (20,50) (100,0) Label \"b\",\n  (20,40) (100,100) Label \"c\",\n"
-        "  (10,41) (0,100) Label \"d\"\n  CoordSys Earth Projection 1, 104\n  Units \"degree\"\n");
-    folder.Write(
-        "map.pdf",
-        PagePdf(
-            "/MediaBox [0 0 600 800] /CropBox [10 10 500 700] /LGIDict [<< /CTM [(2) (0) (0) (2) (400000) "
-            "(5200000)] /Neatline [(0) (0) (0) (800) (600) (800) (600) (0)] /Description (Main) "
-            "/Projection << /Type /P /ProjectionType (UT) /Datum (WGE) /Zone 33 /Hemisphere (N) >> >>]")
-            .Text());
+    folder.Write("map.tab",
+                 "!table\n!version 300\n\nDefinition Table\n  File \"map.tif\"\n  Type \"RASTER\"\n"
+                 "  (10,50) (0,0) Label \"a\",\n  (20,50) (100,0) Label \"b\",\n"
+                 "  (20,40) (100,100) Label \"c\",\n  (10,41) (0,100) Label \"d\"\n"
+                 "  CoordSys Earth Projection 1, 104\n  Units \"degree\"\n");
+    folder.Write("map.pdf",
+                 GeoPdf::LGIDict{.page = "/MediaBox [0 0 600 800] /CropBox [10 10 500 700]"}.Text());
     const PreviewCase cases[] = {
-        {"cut_area", "map<&>.tfw", {{"sea", 1}, {"area", 2}, {"ring", 0}, {"raster", 1}, {"point", 0}}},
-        {"residuals", "map.tab", {{"area", 1}, {"point", 4}, {"arrow", 4}, {"raster", 1}}},
-        {"page", "map.pdf", {{"area", 2}, {"ring", 1}, {"box", 4}, {"raster", 1}}},
+        {"map<&>.tfw", {{"sea", 1}, {"area", 2}, {"ring", 0}, {"raster", 1}, {"point", 0}}},
+        {"map.tab", {{"area", 1}, {"point", 4}, {"arrow", 4}, {"raster", 1}}},
+        {"map.pdf", {{"area", 2}, {"ring", 1}, {"box", 4}, {"raster", 1}}},
     };
     for (const PreviewCase& test : cases) {
-        const std::string svg = folder / (std::string(test.name) + ".svg");
-        const ToolRun run = RunTool({"preview", "--size", "100x100", folder / test.file, "-o", svg});
-        EXPECT_EQ(run.status, 0) << test.name << run.err;
-        const std::string drawing = TempFolder::Slurp(svg);
+        const std::string preview = std::string("preview --size 100x100 %") + test.file;
+        folder.ExpectRun(preview + " --overwrite -o %map.svg", 0);
+        const std::string drawing = TempFolder::Slurp(folder / "map.svg");
         for (const auto& [style, count] : test.shapes)
-            EXPECT_EQ(CountOf(drawing, style), count) << test.name << " " << style;
-        EXPECT_EQ(RunTool({"preview", "--size", "100x100", folder / test.file}).out, drawing) << test.name;
+            EXPECT_EQ(CountOf(drawing, style), count) << test.file << " " << style;
+        EXPECT_EQ(folder.ExpectRun(preview, 0).out, drawing);
     }
 }
 
-TEST(Preview, NothingIsReplacedUnasked) {
-    const TempFolder folder;
-    const std::string file = folder.Write("map.tfw", "1\n0\n0\n-1\n5\n5\n");
-    const std::string svg = folder.Write("map.svg", "old");
-    EXPECT_EQ(RunTool({"preview", file, "-o", svg}).status, 2);
-    EXPECT_EQ(TempFolder::Slurp(svg), "old");
-    EXPECT_EQ(RunTool({"preview", file, "-o", svg, "--overwrite"}).status, 3);  // no area is drawn
-    EXPECT_EQ(CountOf(TempFolder::Slurp(svg), "sea"), 1);
-    EXPECT_EQ(RunTool({"preview", file, "-o", "/dev/full", "--overwrite"}).status, 2);
+TEST(Preview, ReplacesNothingUnasked) {
+    const ToolFolder folder;
+    folder.Write("map.tfw", "1\n0\n0\n-1\n5\n5\n");
+    folder.Write("map.svg", "old");
+    folder.ExpectRun("preview %map.tfw -o %map.svg", 2);
+    folder.ExpectFile("map.svg", "old");
+    folder.ExpectRun("preview %map.tfw -o %map.svg --overwrite", 3);  // no area is drawn
+    EXPECT_EQ(CountOf(TempFolder::Slurp(folder / "map.svg"), "sea"), 1);
+    folder.ExpectRun("preview %map.tfw -o /dev/full --overwrite", 2);
 }
 
 }  // namespace

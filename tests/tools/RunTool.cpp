@@ -1,7 +1,6 @@
 #include "RunTool.h"
 
 #include "SchemaCheck.h"
-#include "TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +8,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
+#include <cmath>
+#include <filesystem>
 #include <sstream>
 
 namespace {
+
+using nlohmann::json;
 
 void Redirect(const std::string& path, int flags, int to) {
     const int descriptor = open(path.c_str(), flags, 0600);
@@ -32,6 +35,23 @@ void Redirect(const std::string& path, int flags, int to) {
     arguments.push_back(nullptr);
     execv(setting.program.c_str(), arguments.data());
     _exit(126);
+}
+
+/// The first place where `value` lacks an expected member or has another value; empty when there is none.
+std::string Difference(const json& value, const json& expected, const std::string& at = {}) {
+    if (expected.is_number() && value.is_number()) {
+        const double wanted = expected.get<double>();
+        if (std::abs(value.get<double>() - wanted) <= 1e-9 * std::max(1.0, std::abs(wanted))) return {};
+    } else if (expected.is_object() || (expected.is_array() && value.size() == expected.size())) {
+        for (const auto& [key, member] : expected.items()) {
+            const json::json_pointer place("/" + key);
+            const json found = value.contains(place) ? value[place] : json();
+            if (auto difference = Difference(found, member, at + "/" + key); !difference.empty())
+                return difference;
+        }
+        return {};
+    }
+    return value == expected ? "" : at + " is " + value.dump();
 }
 
 }  // namespace
@@ -67,6 +87,29 @@ std::vector<std::string> Words(const std::string& line, const std::string& folde
         words.push_back(word.front() == '%' ? folder + word.substr(1) : word);
     }
     return words;
+}
+
+ToolRun ToolFolder::ExpectRun(const std::string& words, int status, const std::string& members,
+                              const std::vector<std::string>& texts) const {
+    SCOPED_TRACE(words);
+    const ToolRun run = RunTool(Words(words, *this / ""));
+    const std::string output = run.out + run.err;
+    EXPECT_EQ(run.status, status) << output;
+    for (const std::string& text : texts)
+        EXPECT_NE(output.find(text), std::string::npos) << text << " in " << output;
+    if (members.empty()) return run;
+    std::string expected = members;
+    for (std::size_t at = 0; (at = expected.find('%')) != std::string::npos;)
+        expected.replace(at, 1, *this / "");
+    json object = run.Objects().at(0);
+    object.update(json(object["mapanchor"]));
+    EXPECT_EQ(Difference(object, json::parse("{" + expected + "}")), "");
+    return run;
+}
+
+void ToolFolder::ExpectFile(const std::string& name, const std::string& content) const {
+    EXPECT_EQ(std::filesystem::exists(*this / name), !content.empty()) << name;
+    EXPECT_EQ(Slurp(*this / name), content) << name;
 }
 
 std::string PrjOf(const std::string& code) {

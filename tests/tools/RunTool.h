@@ -5,7 +5,9 @@
 #include <utility>
 #include <vector>
 
-/// What one run of the command line came to.
+#include "TempFolder.h"
+
+/// The result of one run of the command line.
 struct ToolRun {
     int status = -1;  ///< the exit status, 128 and the signal's number for a death by signal
     std::string out;
@@ -13,7 +15,7 @@ struct ToolRun {
 
     /// The lines of stdout, each one JSON object that the published schema allows.
     std::vector<nlohmann::json> Objects() const;
-    /// What the first of them says in terms of the library.
+    /// The first object's member that has the library's terms.
     nlohmann::json Ours() const { return Objects().at(0)["mapanchor"]; }
 };
 
@@ -29,6 +31,18 @@ ToolRun RunTool(const std::vector<std::string>& words, const ToolSetting& settin
 
 /// The words of a line: a leading % stands for the folder, a ~ for a blank within a word.
 std::vector<std::string> Words(const std::string& line, const std::string& folder = {});
+
+/// A folder in which the tool runs.
+class ToolFolder : public TempFolder {
+public:
+    /// Runs the words. `members` is JSON without the outer braces: what the first object on
+    /// stdout or its "mapanchor" has among more. Null means absent, and every % stands for
+    /// the folder. The texts are parts of stdout or stderr.
+    ToolRun ExpectRun(const std::string& words, int status, const std::string& members = {},
+                      const std::vector<std::string>& texts = {}) const;
+    /// The file's content; an empty one stands for a file that does not exist.
+    void ExpectFile(const std::string& name, const std::string& content) const;
+};
 
 /// The text of a prj file, by the code of its system.
 std::string PrjOf(const std::string& code);

@@ -1,5 +1,7 @@
 #include "PdfBuilder.h"
 
+#include <QByteArray>
+
 #include <zlib.h>
 
 #include <cstdio>
@@ -9,11 +11,6 @@ int PdfBuilder::AddAs(int head, const std::string& body) {
     offsets_.push_back(Position());
     text_ += std::to_string(head) + " 0 obj\n" + body + "\nendobj\n";
     return NextNumber() - 1;
-}
-
-int PdfBuilder::AddStream(const std::string& keys, const std::string& data) {
-    return Add("<<" + keys + "/Length " + std::to_string(data.size()) + ">>\nstream\n" + data +
-               "\nendstream");
 }
 
 // The parser looks for a trailer in the last half kibibyte, and fails where there is less.
@@ -56,10 +53,10 @@ std::string PdfBuilder::FinishWithStream(const std::vector<int>& compressed, con
         row(1, offsets_[i], 0);
     for (std::size_t i = 0; i < compressed.size(); ++i)
         row(2, compressed[i], i);
-    const std::string data = Deflated(rows);
-    text_ += std::to_string(offsets_.size() - 1) + " 0 obj\n<</Type/XRef/Root 1 0 R/W[1 4 2]/Size " +
-             std::to_string(offsets_.size() + compressed.size()) + "/Filter/FlateDecode/Length " +
-             std::to_string(data.size()) + keys + ">>\nstream\n" + data + "\nendstream\nendobj\n";
+    text_ += std::to_string(offsets_.size() - 1) + " 0 obj\n" +
+             PdfStreamObject(Deflated(rows), "/Type/XRef/Root 1 0 R/W[1 4 2]/Filter/FlateDecode/Size " +
+                                                 std::to_string(offsets_.size() + compressed.size()) + keys) +
+             "\nendobj\n";
     return End(start);
 }
 
@@ -68,13 +65,7 @@ std::string PdfBuilder::End(std::int64_t start) const {
 }
 
 std::string Deflated(const std::string& data) {
-    uLongf size = compressBound(static_cast<uLong>(data.size()));
-    std::string out(size, '\0');
-    if (compress2(reinterpret_cast<Bytef*>(out.data()), &size, reinterpret_cast<const Bytef*>(data.data()),
-                  static_cast<uLong>(data.size()), 6) != Z_OK)
-        throw std::runtime_error("cannot compress");
-    out.resize(size);
-    return out;
+    return qCompress(QByteArray::fromStdString(data)).mid(4).toStdString();  // behind the length
 }
 
 // A fully flushed block stands for itself and can be repeated; the checksum at the end
@@ -92,18 +83,6 @@ std::string DeflatedZeros(std::size_t mebibytes) {
     piece.resize(piece.size() - stream.avail_out);
     deflateEnd(&stream);
     return piece.substr(0, 2) + Repeated(piece.substr(2), mebibytes) + std::string("\x03\0", 2);
-}
-
-std::string Repeated(const std::string& text, std::size_t times) {
-    std::string all;
-    all.reserve(text.size() * times);
-    for (std::size_t i = 0; i < times; ++i)
-        all += text;
-    return all;
-}
-
-std::string Nested(const std::string& open, const std::string& close, std::size_t depth) {
-    return Repeated(open, depth) + "1" + Repeated(close, depth);
 }
 
 ObjectStream MakeObjectStream(const std::vector<int>& numbers, const std::vector<std::string>& objects) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PlainPdf.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -14,7 +16,9 @@ public:
     /// The same, with another number in the object's own head.
     int AddAs(int head, const std::string& body);
     /// An object with a stream; `keys` go into its dictionary beside the length.
-    int AddStream(const std::string& keys, const std::string& data);
+    int AddStream(const std::string& keys, const std::string& data) {
+        return Add(PdfStreamObject(data, keys));
+    }
     /// Catalog and page tree, objects 1 and 2, and a page with these keys, object 3.
     void AddPage(const std::string& keys = "");
 
@@ -36,14 +40,22 @@ private:
     std::vector<std::int64_t> offsets_{0};
 };
 
+/// A file with the page of these keys.
+inline PdfBuilder WithPage(const std::string& keys = "") {
+    PdfBuilder file;
+    file.AddPage(keys);
+    return file;
+}
+
 std::string Deflated(const std::string& data);
 /// Compressed zeros, without ever holding them.
 std::string DeflatedZeros(std::size_t mebibytes);
-std::string Repeated(const std::string& text, std::size_t times);
-std::string Nested(const std::string& open, const std::string& close, std::size_t depth);
-/// "number offset" pairs, then the objects: "N" and "First" and the content.
+/// The keys "N" and "First", and the content: "number offset" pairs, then the objects.
 struct ObjectStream {
     std::string keys;
     std::string content;
 };
 ObjectStream MakeObjectStream(const std::vector<int>& numbers, const std::vector<std::string>& objects);
+inline std::string Nested(const std::string& open, const std::string& close, std::size_t depth) {
+    return Repeated(open, depth) + "1" + Repeated(close, depth);
+}

@@ -1,4 +1,4 @@
-// The same map in every kind of PDF file: boxes and reference come out alike, whether
+// The same map in every kind of PDF file: boxes and reference are alike, whether
 // the file is loaded whole or for its first page alone.
 
 #include "objects/CPDFDocument.h"
@@ -28,13 +28,18 @@ using MapAnchor::BMapAnchor;
 
 constexpr int kWidth = 612;
 constexpr int kHeight = 792;
+constexpr const char* kBox = "/MediaBox [0 0 612 792]";
+
+/// Writes map.pdf; false where the tool for it is missing.
+using Make = std::function<bool(const TempFolder&)>;
+Make Text(const std::string& text) {
+    return [text](const TempFolder& folder) { return !folder.Write("map.pdf", text).empty(); };
+}
 
 struct Kind {
     const char* name;
-    /// Writes map.pdf; false where the tool for it is missing.
-    std::function<bool(const TempFolder&)> make;
-    /// Loading the first page alone leaves objects out.
-    bool narrows = true;
+    Make make;
+    bool narrows = true;  ///< loading the first page alone leaves objects out
     bool has_box = true;
 };
 
@@ -42,25 +47,18 @@ std::ostream& operator<<(std::ostream& out, const Kind& kind) {
     return out << kind.name;
 }
 
-using Make = std::function<bool(const TempFolder&)>;
-Make Text(const std::string& text) {
-    return [text](const TempFolder& folder) { return !folder.Write("map.pdf", text).empty(); };
-}
-
 // One object more than the page needs.
-PagePdf Plain(const std::string& page_keys = "/MediaBox [0 0 612 792]") {
-    GeoPdf::Viewport viewport;
-    viewport.page = page_keys;
-    return viewport.Pdf().Add("<< /Left /Out >>");
+PagePdf Plain(const std::string& page_keys = kBox) {
+    return GeoPdf::Viewport{.page = page_keys}.Pdf().Add("<< /Left /Out >>");
 }
 
 /// What qpdf makes of plain.pdf.
 Make ByQpdf(const std::string& arguments) {
     return [arguments](const TempFolder& folder) {
         folder.Write("plain.pdf", Plain().Text());
-        return std::system(
-                   ("cd '" + folder / "" + "' && qpdf " + arguments + " map.pdf >/dev/null 2>&1").c_str()) ==
-               0;
+        const std::string command =
+            "cd '" + folder / "" + "' && qpdf " + arguments + " map.pdf >/dev/null 2>&1";
+        return std::system(command.c_str()) == 0;
     };
 }
 
@@ -70,10 +68,9 @@ std::string Updated() {
     const std::size_t previous = text.rfind("xref\n0");
     const std::string newer = Plain().Text();
     const std::size_t from = newer.find("3 0 obj");
-    const std::string page = newer.substr(from, newer.find("4 0 obj") - from);
     char row[32];
     std::snprintf(row, sizeof row, "%010zu 00000 n \n", text.size());
-    text += page;
+    text += newer.substr(from, newer.find("4 0 obj") - from);
     const std::size_t start = text.size();
     return text + "xref\n3 1\n" + row + "trailer\n<< /Root 1 0 R /Size 7 /Prev " + std::to_string(previous) +
            " >>\nstartxref\n" + std::to_string(start) + "\n%%EOF\n";
@@ -86,43 +83,31 @@ std::string ManyObjects() {
     return file.Text();
 }
 
-/// Two nodes stand between the root and the page; the first counts no pages.
-/// The page lies below node 8, and names its parent.
+/// Places in the file stay right where both texts have the same length.
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+}
+
+/// Two nodes are between the root and the page; the first counts no pages.
+/// The page is below node 8, and names its parent.
 std::string TreeOfNodes(const std::string& parent) {
-    std::string text = Plain()
-                           .Inherit("/Spare (      )")
-                           .Add("<< /Type /Pages /Kids [ ] /Count 0 >>")
-                           .Add("<< /Type /Pages /Kids [ 3 0 R ] /Count 1 >>")
-                           .Text();
-    const std::string direct = "/Kids [ 3 0 R ] /Count 1 /Spare (      )";
-    const std::string nodes = "/Kids [ 7 0 R 8 0 R ] /Count 1 /Spare ()";
-    const std::string second = "/Parent 2 0 R";
-    text.replace(text.find(second), second.size(), "/Parent " + parent + " 0 R");
-    return text.replace(text.find(direct), direct.size(), nodes);
+    const std::string text = Plain()
+                                 .Inherit("/Spare (      )")
+                                 .Add("<< /Type /Pages /Kids [ ] /Count 0 >>")
+                                 .Add("<< /Type /Pages /Kids [ 3 0 R ] /Count 1 >>")
+                                 .Text();
+    return Replaced(Replaced(text, "/Parent 2 0 R", "/Parent " + parent + " 0 R"),
+                    "/Kids [ 3 0 R ] /Count 1 /Spare (      )", "/Kids [ 7 0 R 8 0 R ] /Count 1 /Spare ()");
 }
 
-/// The table takes object 0 for one in use.
-std::string MiscountedTable() {
-    std::string text = Plain().Text();
-    const std::string unused = "65535 f";
-    return text.replace(text.find(unused), unused.size(), "65535 n");
-}
-
-/// How many pages there are stands in an object of its own.
-std::string CountByReference() {
-    std::string text = Plain().Inherit("/Spare (    )").Add("1").Text();
-    const std::string direct = "/Count 1 /Spare (    )";
-    return text.replace(text.find(direct), direct.size(), "/Count 7 0 R /Spare ()");
-}
-
-/// The table has the measure in another generation than its head says.
+/// The table has the measure in another generation than its head.
 std::string OtherGeneration() {
     std::string text = Plain().Text();
     const std::size_t row = text.find("f \n", text.rfind("xref\n0")) + 3 + 3 * 20;
     return text.replace(row + 11, 5, "00001");
 }
 
-/// Another trailer, which the parser goes by, stands behind that of the table.
+/// Another trailer, which the parser goes by, is behind that of the table.
 std::string TwoTrailers() {
     std::string text = Plain().Text();
     return text.insert(text.rfind("startxref"), "trailer\n<< /Root 1 0 R /Size 7 >>\n");
@@ -150,15 +135,19 @@ const Kind kKinds[] = {
     {"plain", Text(Plain().Text())},
     {"updated", Text(Updated())},
     {"many_objects", Text(ManyObjects())},
-    {"indirect_resources", Text(Plain("/MediaBox [0 0 612 792] /Resources 6 0 R /Contents 6 0 R").Text())},
-    {"inherited_box", Text(Plain("").Inherit("/MediaBox [0 0 612 792]").Text()), true, false},
+    {"indirect_resources", Text(Plain(kBox + std::string(" /Resources 6 0 R /Contents 6 0 R")).Text())},
+    {"inherited_box", Text(Plain("").Inherit(kBox).Text()), true, false},
     {"object_streams", ByQpdf("--object-streams=generate plain.pdf"), false},
     {"linearised", ByQpdf("--linearize --object-streams=disable plain.pdf")},
     {"linearised_with_object_streams", ByQpdf("--linearize --object-streams=generate plain.pdf"), false},
     {"tree_of_nodes", Text(TreeOfNodes("8"))},
     {"inherits_from_elsewhere", Text(TreeOfNodes("2")), false},
-    {"miscounted_table", Text(MiscountedTable()), false},
-    {"count_by_reference", Text(CountByReference()), false},
+    // Object 0 counts as one in use.
+    {"miscounted_table", Text(Replaced(Plain().Text(), "65535 f", "65535 n")), false},
+    {"count_by_reference",
+     Text(Replaced(Plain().Inherit("/Spare (    )").Add("1").Text(), "/Count 1 /Spare (    )",
+                   "/Count 7 0 R /Spare ()")),
+     false},
     {"two_trailers", Text(TwoTrailers()), false},
     {"junk_behind_the_end", Text(TwoTrailers() + std::string(900, '%')), false},
     {"other_generation", Text(OtherGeneration()), false},
@@ -172,14 +161,14 @@ TEST_P(PdfKinds, ReadAlike) {
     const TempFolder folder;
     if (!GetParam().make(folder)) GTEST_SKIP() << "needs qpdf";
     const std::string path = folder / "map.pdf";
-    std::size_t objects[2] = {};
+    std::vector<std::size_t> objects;
     for (const EPDFExtent extent : {EPDFExtent::Whole, EPDFExtent::FirstPage}) {
         CPDFDocument document(QString::fromStdString(path), extent);
         CPDFPage& page = document.GetPage(0);
         const std::vector<double> box = {0, 0, kWidth, kHeight};
         EXPECT_EQ(page.GetMediaBox(), GetParam().has_box ? box : std::vector<double>());
         EXPECT_EQ(page.GetSpatialKind(), CPDFPage::kSpatialMeasure);
-        objects[extent == EPDFExtent::Whole ? 0 : 1] = document.Document().GetObjects().GetSize();
+        objects.push_back(document.Document().GetObjects().GetSize());
     }
     EXPECT_EQ(objects[1] < objects[0], GetParam().narrows) << objects[1] << " of " << objects[0];
 
@@ -194,12 +183,10 @@ TEST_P(PdfKinds, ReadAlike) {
         return;
     }
     read();
-    double x = 306.0;
-    double y = 198.0;
-    reference.MathTransform->ConvertSourceToTarget(x, y);
-    EXPECT_NEAR(x, 15.5, 1e-6);
-    EXPECT_NEAR(y, 47.75, 1e-6);
-    EXPECT_TRUE(reference.CoordSys->ToEPSGCode().StdStr().find("4326") != std::string::npos);
+    const BPoint world = reference.MathTransform->ConvertSourceToTarget({306.0, 198.0, 0.0});
+    EXPECT_NEAR(world.x, 15.5, 1e-6);
+    EXPECT_NEAR(world.y, 47.75, 1e-6);
+    EXPECT_NE(reference.CoordSys->ToEPSGCode().StdStr().find("4326"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, PdfKinds, testing::ValuesIn(kKinds),
@@ -207,8 +194,8 @@ INSTANTIATE_TEST_SUITE_P(All, PdfKinds, testing::ValuesIn(kKinds),
 
 TEST(FirstPage, IsNotWritten) {
     const TempFolder folder;
-    const QString path = QString::fromStdString(folder.Write("map.pdf", ManyObjects()));
-    CPDFDocument document(path, EPDFExtent::FirstPage);
+    CPDFDocument document(QString::fromStdString(folder.Write("map.pdf", ManyObjects())),
+                          EPDFExtent::FirstPage);
     EXPECT_THROW(document.Write(QString::fromStdString(folder / "out.pdf")), PoDoFo::PdfError);
 }
 
