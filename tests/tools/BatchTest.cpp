@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -131,14 +132,80 @@ TEST_F(BatchRun, ResumesWhatWasTornOff) {
         EXPECT_EQ(folder.ExpectRun("batch --resume %rows.jsonl %.", status).out, "");
         folder.ExpectFile("rows.jsonl", whole);
     }
-    folder.Write("precious.txt", "no rows\nat all\n");
-    folder.ExpectRun("batch --resume %precious.txt %.", 2);
-    folder.ExpectRun("batch --resume %missing/rows.jsonl %.", 2);
-    for (const char* other : {"--to csv", "--to stac", "--index %index.gpkg"})
-        folder.ExpectRun(std::string("batch --resume %precious.txt %. ") + other, 64, "",
-                         {"excludes --resume"});
-    folder.ExpectFile("precious.txt", "no rows\nat all\n");
-    folder.ExpectFile("index.gpkg", "");
+}
+
+TEST_F(BatchRun, ResumeTouchesNothingThatIsNotItsOwn) {
+    const std::string row = RunTool({"batch", folder / "a.tfw"}).out;
+    for (const std::string& foreign :
+         {std::string("precious"), std::string("no rows\nat all\n"), std::string("{"), row + "\n", row + "x",
+          row + "x\n" + row, std::string(R"({"description":"mine"})"), std::string(kWorldFile),
+          std::string(R"({"description":"mine","mapping":)")}) {
+        const std::string file = folder.Write("foreign", foreign);
+        EXPECT_EQ(RunTool({"batch", "--resume", file, folder / "."}).status, 2) << foreign;
+        EXPECT_EQ(TempFolder::Slurp(file), foreign);
+    }
+    const std::string rows = folder.Write("rows", row);
+    const int other_run = open(rows.c_str(), O_RDONLY);
+    ASSERT_EQ(flock(other_run, LOCK_EX), 0);
+    const struct {
+        std::vector<std::string> words;
+        int status;
+        const char* message;
+    } refusals[] = {{{folder / "rows"}, 2, "another run"},
+                    {{"/proc/self/mem"}, 2, "Input/output error"},
+                    {{"/dev/null"}, 2, "regular file"},
+                    {{folder / "missing/rows"}, 2, "No such file"},
+                    {{""}, 64, "empty"},
+                    {{folder / "new", "--to", "csv"}, 64, "--to excludes --resume"},
+                    {{folder / "new", "--index", "i.gpkg"}, 64, "--index excludes --resume"}};
+    for (const auto& refusal : refusals) {
+        std::vector<std::string> words = {"batch", folder / "b.tfw", "--resume"};
+        words.insert(words.end(), refusal.words.begin(), refusal.words.end());
+        const ToolRun run = RunTool(words);
+        EXPECT_EQ(run.status, refusal.status) << refusal.message;
+        EXPECT_NE(run.err.find(refusal.message), std::string::npos) << run.err;
+    }
+    close(other_run);
+    EXPECT_EQ(TempFolder::Slurp(rows), row);
+    EXPECT_FALSE(fs::exists(folder / "new"));
+}
+
+TEST_F(BatchRun, NamesThatAreNotUtf8StayApart) {
+    const std::vector<std::string> names = {"\xFF%.tfw", "\xFE%.tfw", "\xEF\xBF\xBD%.tfw"};
+    for (int run = 0; run < 2; ++run) {
+        RunTool({"batch", "--resume", folder / "rows"}, {.in = Names(names)});
+        Strings bytes;
+        for (const json& row : ToolRun{0, TempFolder::Slurp(folder / "rows"), ""}.Objects())
+            bytes.push_back(row.value("descriptionBytes", ""));
+        EXPECT_EQ(bytes, (Strings{folder / "%FF%25.tfw", folder / "%FE%25.tfw", ""}));
+    }
+}
+
+// Each row: a command of a shell, with the tool as $0, and what it comes to.
+TEST_F(BatchRun, StreamsThatAreClosedOrNoList) {
+    ASSERT_EQ(mkfifo((folder / "go").c_str(), 0600), 0);
+    const struct {
+        const char* command;
+        int status;
+        const char* out;
+        const char* err;
+    } rows[] = {{"$0 batch <.", 2, "", "Is a directory"},
+                {"$0 info - <.", 2, "", "Is a directory"},
+                {"$0 batch <&-", 2, "", "it is closed"},
+                {"$0 ext - <&-", 2, "", "it is closed"},
+                {"$0 info a.tfw >&-", 2, "", "Bad file descriptor"},
+                {"$0 batch -j2 deep <&- 2>&- | grep -c true", 0, "2\n", ""},
+                {"$0 batch --resume r deep <&- >&- 2>&-; grep -c true r", 0, "2\n", ""},
+                {"(read x <go; exec $0 batch deep) | (exec <&-; echo >go)", 141, "", ""},
+                {"(read x <go; exec $0 --help) | (exec <&-; echo >go)", 141, "", ""}};
+    for (const auto& row : rows) {
+        const ToolRun run =
+            RunTool({"-c", "set -o pipefail; cd '" + (folder / ".") + "'; " + row.command, MAPANCHOR_TOOL},
+                    {.program = "/bin/bash"});
+        EXPECT_EQ(run.status, row.status) << row.command;
+        EXPECT_EQ(run.out, row.out) << row.command;
+        EXPECT_TRUE(*row.err ? run.err.find(row.err) != std::string::npos : run.err.empty()) << run.err;
+    }
 }
 
 TEST_F(BatchRun, StatusOfFailuresAlone) {
@@ -189,9 +256,15 @@ TEST_F(BatchRun, AnIndexHoldsTheFootprints) {
         if (name == "index.fgb") expected.erase(expected.begin() + 2);  // it stores no row without an area
         EXPECT_EQ(locations, expected);
     }
-    folder.ExpectRun("batch --index %index.gpkg %.", 2);
-    folder.ExpectRun("batch --overwrite --index %index.gpkg %.", 3);
-    folder.ExpectRun("batch --index %index.nothing %.", 2);
+    EXPECT_EQ(RunTool({"batch", "--index", folder / "index.gpkg", folder / "."}).status, 2);
+    for (const char* foreign : {"a.tfw", "foreign.gpkg"}) {
+        fs::copy_file(folder / "b.prj", folder / "foreign.gpkg", fs::copy_options::skip_existing);
+        const std::string before = TempFolder::Slurp(folder / foreign);
+        EXPECT_EQ(RunTool({"batch", "--overwrite", "--index", folder / foreign, folder / "."}).status, 2);
+        EXPECT_EQ(TempFolder::Slurp(folder / foreign), before);
+    }
+    EXPECT_EQ(RunTool({"batch", "--overwrite", "--index", folder / "index.gpkg", folder / "."}).status, 3);
+    EXPECT_EQ(RunTool({"batch", "--index", folder / "index.nothing", folder / "."}).status, 2);
 }
 
 }  // namespace

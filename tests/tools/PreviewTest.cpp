@@ -5,9 +5,12 @@
 
 #include <cpl_minixml.h>
 
+#include <filesystem>
 #include <memory>
 
 namespace {
+
+namespace fs = std::filesystem;
 
 /// How many shapes of a style a drawing has; below 0 for XML that is not well-formed.
 int CountOf(const std::string& drawing, const std::string& style) {
@@ -52,15 +55,41 @@ TEST(Preview, DrawsWhatIsThere) {
     }
 }
 
-TEST(Preview, ReplacesNothingUnasked) {
+TEST(Preview, ReplacesNothingUnaskedAndNeverItsSource) {
     const ToolFolder folder;
-    folder.Write("map.tfw", "1\n0\n0\n-1\n5\n5\n");
-    folder.Write("map.svg", "old");
-    folder.ExpectRun("preview %map.tfw -o %map.svg", 2);
-    folder.ExpectFile("map.svg", "old");
-    folder.ExpectRun("preview %map.tfw -o %map.svg --overwrite", 3);  // no area is drawn
-    EXPECT_EQ(CountOf(TempFolder::Slurp(folder / "map.svg"), "sea"), 1);
-    folder.ExpectRun("preview %map.tfw -o /dev/full --overwrite", 2);
+    const std::string content = "1\n0\n0\n-1\n5\n5\n";
+    const std::string file = folder.Write("map.tfw", content);
+    const std::string svg = folder.Write("map.svg", "old");
+    fs::create_hard_link(file, folder / "hard.svg");
+    fs::create_symlink("map.tfw", folder / "soft.svg");
+    fs::create_symlink("nowhere", folder / "dangling.svg");
+    const struct {
+        const char* target;
+        bool overwrite;
+        int status;
+        const char* message;
+    } rows[] = {{"map.svg", false, 2, "--overwrite replaces it"},
+                {"dangling.svg", false, 2, "--overwrite replaces it"},
+                {"map.tfw", true, 2, "is the file that is drawn"},
+                {"hard.svg", true, 2, "is the file that is drawn"},
+                {"soft.svg", true, 2, "is the file that is drawn"},
+                {"none/map.svg", true, 2, "No such file or directory"},
+                {"/dev/full", true, 2, "No space left on device"},
+                {"map.svg", true, 3, "no footprint"},
+                {"new.svg", false, 3, "no footprint"}};
+    for (const auto& row : rows) {
+        std::vector<std::string> words = {
+            "preview", file, "-o", fs::path(row.target).is_absolute() ? row.target : folder / row.target};
+        if (row.overwrite) words.emplace_back("--overwrite");
+        const std::string old = TempFolder::Slurp(svg);
+        const ToolRun run = RunTool(words);
+        EXPECT_TRUE(row.status != 2 || TempFolder::Slurp(svg) == old) << row.target;
+        EXPECT_EQ(run.status, row.status) << row.target;
+        EXPECT_NE(run.err.find(row.message), std::string::npos) << run.err;
+        EXPECT_EQ(TempFolder::Slurp(file), content) << row.target;
+    }
+    for (const char* target : {"map.svg", "new.svg"})
+        EXPECT_EQ(CountOf(TempFolder::Slurp(folder / target), "sea"), 1);
 }
 
 }  // namespace

@@ -114,7 +114,7 @@ Batch::Batch(const BatchOptions& options)
                 ReadResult result = ReadFile(name, options_.read, log_);
                 return Pack(MakeRow(result, settings_));
             },
-            {options.seconds, options.megabytes * 1024 * 1024}),
+            {options.seconds, options.megabytes * 1024 * 1024}, {out_.Descriptor()}),
       progress_(!options.common.quiet && (options.progress || isatty(STDERR_FILENO)), isatty(STDERR_FILENO)) {
     if (!options.index.empty()) index_ = std::make_unique<Index>(options.index, options.overwrite);
 }
@@ -187,6 +187,7 @@ ExitStatus Batch::Run() {
     }
     if (index_) index_->Close();
     progress_.Tell(Left(), true);
+    if (!source_.Fault().empty()) throw std::runtime_error(source_.Fault());
     return tally_.Status();
 }
 
@@ -225,17 +226,24 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
                                                       {"csv", RowFormat::Csv},
                                                       {"stac", RowFormat::Stac}};
     CLI::Option* const to =
-        batch.add_option("--to", options.format, "Rows as jsonl, geojsonseq, csv or stac")
+        batch
+            .add_option(
+                "--to", options.format,
+                "Rows as jsonl, geojsonseq, csv (with an apostrophe before a text like a formula) or stac")
             ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case))
             ->type_name("KIND");
     batch.add_flag("--unordered", options.unordered, "Each row as soon as it is there");
     CLI::Option* const index =
         batch.add_option("--index", options.index, "Footprints for a map: .gpkg or what else GDAL writes")
+            ->check(RefuseEmpty)
             ->type_name("FILE");
-    batch.add_flag("--overwrite", options.overwrite, "Replace an index that exists");
+    batch.add_flag("--overwrite", options.overwrite, "Replace an index of an earlier run");
     batch
-        .add_option("--resume", options.resume,
-                    "Add rows to this file of jsonl, and leave out the inputs that have one in it")
+        .add_option(
+            "--resume", options.resume,
+            "Add rows to this file of jsonl, which an earlier run may have begun, and leave out the inputs "
+            "that have one in it")
+        ->check(RefuseEmpty)
         ->type_name("FILE")
         ->excludes(to)
         ->excludes(index);

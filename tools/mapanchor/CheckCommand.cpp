@@ -11,6 +11,7 @@
 
 #include <Tellurion/BException.h>
 #include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
 
 #include <algorithm>
 #include <memory>
@@ -19,6 +20,7 @@
 namespace {
 
 using Tellurion::BCoordSys;
+using Tellurion::Printable;
 using Tellurion::PrintShortest;
 
 constexpr const char* kCheckDescription =
@@ -150,14 +152,16 @@ Json VerdictJson(const ReadResult& result) {
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}, {"passed", Passes(result)}};
     if (result.failure) ours["error"] = RenderJson(*result.failure);
     ours["diagnostics"] = RenderJson(result.diagnostics);
-    return {{"description", result.file}, {"mapanchor", std::move(ours)}};
+    Json top = JsonAbout(result.file);
+    top["mapanchor"] = std::move(ours);
+    return top;
 }
 
 std::string VerdictText(const ReadResult& result) {
-    std::string text = result.file + ": " + (Passes(result) ? "passes" : "fails") + "\n";
-    if (result.failure) text += "  error: " + result.failure->Text() + "\n";
+    std::string text = Printable(result.file) + ": " + (Passes(result) ? "passes" : "fails") + "\n";
+    if (result.failure) text += "  error: " + Printable(result.failure->Text()) + "\n";
     for (const Diagnostic& remark : result.diagnostics)
-        text += std::string("  ") + remark.Severity() + ": " + remark.text +
+        text += std::string("  ") + remark.Severity() + ": " + Printable(remark.text) +
                 (remark.id.empty() ? "" : " [" + remark.id + "]") + "\n";
     return text;
 }

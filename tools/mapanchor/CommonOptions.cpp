@@ -20,6 +20,10 @@ void CommonOptions::AddTo(CLI::App& app) {
         ->type_name("WHEN");
 }
 
+std::string RefuseEmpty(const std::string& name) {
+    return name.empty() ? "the name is empty" : "";
+}
+
 CLI::Option* AddNumber(CLI::App& app, const std::string& name, std::function<void(double)> take,
                        NumberRange range, const std::string& description) {
     const auto parse = [name, take = std::move(take), range](const std::string& word) {

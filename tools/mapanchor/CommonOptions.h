@@ -22,6 +22,10 @@ struct CommonOptions {
     Console MakeConsole() const { return Console(color, quiet); }
 };
 
+/// A check of an option: what is wrong with an empty name, which a script may have made of a
+/// variable that is not set.
+std::string RefuseEmpty(const std::string& name);
+
 struct NumberRange {
     double least = 0.0;
     double most = 1e9;

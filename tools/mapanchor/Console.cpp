@@ -1,8 +1,15 @@
 #include "Console.h"
 
+#include "TargetFile.h"
+
+#include <Tellurion/Printable.h>
+
+#include <fcntl.h>
 #include <unistd.h>
-#include <cstdio>
+#include <cerrno>
 #include <cstdlib>
+
+using Tellurion::Printable;
 
 namespace {
 
@@ -13,7 +20,7 @@ bool WantsColor(ColorMode mode) {
 }
 
 void WriteLine(std::string_view text) {
-    const std::string line = std::string(text) + "\n";
+    const std::string line = Printable(text) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
@@ -22,8 +29,7 @@ void WriteLine(std::string_view text) {
 Console::Console(ColorMode mode, bool quiet) : color_(WantsColor(mode)), quiet_(quiet) {}
 
 void Console::Print(std::string_view text) const {
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (!written || std::fflush(stdout) != 0) throw OutputLost("standard output cannot be written");
+    WriteOut(stdout, text, "standard output");
 }
 
 void Console::Talk(std::string_view text) const {
@@ -35,6 +41,19 @@ void Console::Complain(std::string_view text) const {
 }
 
 std::string Console::Paint(const char* code, std::string_view text) const {
-    if (!color_) return std::string(text);
-    return "\x1b[" + std::string(code) + "m" + std::string(text) + "\x1b[0m";
+    const std::string printable = Printable(text);
+    return color_ ? "\x1b[" + std::string(code) + "m" + printable + "\x1b[0m" : printable;
+}
+
+void WriteOut(std::FILE* file, std::string_view text, const std::string& name) {
+    if (std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0) return;
+    const int error = errno;
+    if (error == EPIPE) throw ReaderLeft(name + " is not read any more");
+    throw OutputLost(name + " cannot be written: " + ReasonOf(error));
+}
+
+void OpenClosedStreams() {
+    constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_WRONLY};
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", kModes[stream]);
 }

@@ -1,23 +1,31 @@
 #pragma once
 
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
-/// Standard output cannot be written any more.
+/// An output cannot be written any more.
 class OutputLost : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
+/// The program that reads standard output went away, which is not an error of ours.
+class ReaderLeft : public OutputLost {
+public:
+    using OutputLost::OutputLost;
+};
+
 enum class ColorMode { Auto, Always, Never };
 
-/// Data to stdout, flushed with each call, talk to stderr.
+/// Data to stdout, flushed with each call, talk to stderr. What it paints or says may come
+/// from files and their names, and goes through Printable().
 class Console {
 public:
     explicit Console(ColorMode mode, bool quiet);
 
-    /// Throws OutputLost when the text does not reach stdout.
+    /// `text` as it is. Throws OutputLost when it does not reach stdout.
     void Print(std::string_view text) const;
     /// A line of talk, unless told to be quiet.
     void Talk(std::string_view text) const;
@@ -33,3 +41,10 @@ private:
     bool color_;
     bool quiet_;
 };
+
+/// Writes and flushes; throws OutputLost, with `name` for the file, when that fails.
+void WriteOut(std::FILE* file, std::string_view text, const std::string& name);
+
+/// Standard streams that the caller closed are opened to what fails when it is used, so that
+/// no file that is opened later takes their numbers. To be called first.
+void OpenClosedStreams();

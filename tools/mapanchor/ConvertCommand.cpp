@@ -2,16 +2,19 @@
 #include "Convert.h"
 #include "JsonRenderer.h"
 #include "Systems.h"
+#include "TargetFile.h"
 #include "TextRenderer.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 
 namespace {
 
@@ -51,23 +54,19 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
     return plan;
 }
 
-bool IsSameFile(const std::string& a, const std::string& b) {
-    std::error_code error;
-    return std::filesystem::equivalent(a, b, error) && !error;
-}
-
 /// True when nothing that the plan writes stands in the way.
-bool MayWrite(const ConvertOptions& options, Outcome& outcome) {
+bool MayWrite(const ConvertOptions& options, const std::string& used_file, Outcome& outcome) {
     for (const std::string& file : outcome.plan.files) {
-        if (IsSameFile(options.source, file)) {
+        if (IsSameFile(options.source, file) || IsSameFile(used_file, file)) {
             outcome.Fail(ExitStatus::Error, "BFileAccessException",
                          "Source and target are the same file <" + file + ">.");
             return false;
         }
         if (options.overwrite || !BFileUtilities::Exists(BString(file))) continue;
         outcome.Fail(ExitStatus::Error, "BFileAccessException",
-                     "File <" + file + "> exists; --overwrite " +
-                         (outcome.plan.IsInPlace() ? "georeferences it in place." : "replaces it."));
+                     outcome.plan.IsInPlace()
+                         ? "File <" + file + "> exists; --overwrite georeferences it in place."
+                         : ExistsText(file));
         return false;
     }
     if (!outcome.plan.IsInPlace() || BFileUtilities::Exists(BString(options.target))) return true;
@@ -127,6 +126,26 @@ bool KeepCopies(Outcome& outcome) {
 
 namespace {
 
+/// The targets, each made sure of before the library writes it; empty, with a failure, when that
+/// cannot be. A raster is written by the library alone.
+std::vector<ReservedTarget> Reserve(const ConvertOptions& options, Outcome& outcome) {
+    std::vector<ReservedTarget> reserved;
+    if (outcome.plan.IsInPlace()) return reserved;
+    try {
+        for (const std::string& file : outcome.plan.files)
+            reserved.emplace_back(file, options.overwrite);
+    } catch (const std::runtime_error& error) {
+        outcome.Fail(ExitStatus::Error, "BFileAccessException", error.what());
+        reserved.clear();
+    }
+    return reserved;
+}
+
+bool IsEmptyFile(const std::string& file) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(file, error) && std::filesystem::file_size(file, error) == 0;
+}
+
 /// A file that the failed save made is no reference: away with it. One that was there
 /// before may have been cut; that cannot be undone, so it is said. A raster keeps its
 /// content.
@@ -177,14 +196,16 @@ void WarnOfOtherSystem(const ConvertOptions& options, const BGeoReference& refer
 }
 
 void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    const bool existed = BFileUtilities::Exists(BString(options.target));
+    const std::vector<ReservedTarget> reserved = Reserve(options, outcome);
+    if (outcome.failure) return;
+    const bool existed = reserved.empty() || !reserved.front().Created();
     try {
         CallSave(options, reference);
         WarnOfOtherSystem(options, reference, outcome);
     } catch (...) {
         FailByCurrent(outcome);
     }
-    if (!outcome.failure && !BFileUtilities::Exists(BString(options.target)))
+    if (!outcome.failure && IsEmptyFile(options.target))
         outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
                      "Nothing was saved: the reference has no part that this kind of file holds.");
     if (!outcome.failure) return;
@@ -192,7 +213,7 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
 }
 
 /// False, with a failure, for a plan that cannot be.
-bool IsPossible(ConvertOptions& options, const BGeoReference& reference, bool has_size, Outcome& outcome) {
+bool IsPossible(ConvertOptions& options, const ReadResult& source, bool has_size, Outcome& outcome) {
     if (outcome.plan.kind.empty())
         outcome.Fail(
             ExitStatus::Refused, "BUnsupportedFileTypeException",
@@ -200,7 +221,8 @@ bool IsPossible(ConvertOptions& options, const BGeoReference& reference, bool ha
     else if (options.verify && !outcome.plan.IsPdf())
         outcome.Fail(ExitStatus::Usage, "BReadParametersException",
                      "--verify reads back a PDF; <" + options.target + "> is none.");
-    return !outcome.failure && HasWhatItNeeds(options, reference, outcome) && MayWrite(options, outcome) &&
+    return !outcome.failure && HasWhatItNeeds(options, source.reference, outcome) &&
+           MayWrite(options, source.used_file, outcome) &&
            (!outcome.plan.IsPdf() || FitToPage(options, has_size, outcome));
 }
 
@@ -222,7 +244,7 @@ Outcome Convert(ConvertOptions options, LogCollector& log) {
     outcome.diagnostics = std::move(source.diagnostics);
     if (outcome.failure) return outcome;
     outcome.plan = MakePlan(options, source.reference);
-    if (!IsPossible(options, source.reference, has_size, outcome)) return outcome;
+    if (!IsPossible(options, source, has_size, outcome)) return outcome;
     WarnOfLosses(options, source.reference, outcome);
     CarryOut(options, source.reference, log, outcome);
     log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
@@ -241,7 +263,7 @@ void PutSaved(Json& top, Json& ours, const Outcome& outcome) {
 }
 
 Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
-    Json top = {{"description", options.source}};
+    Json top = JsonAbout(options.source);
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", !outcome.failure}};
     if (outcome.failure) {
         ours["error"] = ::RenderJson(*outcome.failure);
@@ -261,10 +283,10 @@ Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
 
 void PrintText(const ConvertOptions& options, const Outcome& outcome, const Console& console) {
     for (const std::string& file : outcome.kept)
-        console.Print("kept " + file + "\n");
+        console.Print("kept " + Printable(file) + "\n");
     if (outcome.failure) return;
     for (const std::string& file : outcome.plan.files)
-        console.Print((options.dry_run ? "would write " : "wrote ") + file + "\n");
+        console.Print((options.dry_run ? "would write " : "wrote ") + Printable(file) + "\n");
     if (outcome.saved && options.dry_run) console.Print(RenderText(*outcome.saved, options.common, console));
     if (outcome.closeness)
         console.Print("read back: at most " + PrintFixed(outcome.closeness->pixels, 6) + " pixels, " +

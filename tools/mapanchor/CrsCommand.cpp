@@ -9,6 +9,7 @@
 #include <Tellurion/BException.h>
 #include <Tellurion/BUnit.h>
 #include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
 
 #include <memory>
 #include <vector>
@@ -64,8 +65,8 @@ std::string UnitText(const BCoordSys& system) {
 
 std::string Line(const Console& console, const std::string& label, const std::string& text) {
     if (text.empty()) return {};
-    return "  " + console.Dim(label + std::string(label.size() < 10 ? 10 - label.size() : 1, ' ')) + text +
-           "\n";
+    return "  " + console.Dim(label + std::string(label.size() < 10 ? 10 - label.size() : 1, ' ')) +
+           Tellurion::Printable(text) + "\n";
 }
 
 std::string RenderText(const SystemAnswer& answer, const Console& console) {
@@ -95,7 +96,7 @@ Json Texts(const BCoordSys& system) {
 }
 
 Json RenderJson(const std::string& text, const SystemAnswer& answer) {
-    Json json = {{"description", text}};
+    Json json = JsonAbout(text);
     const std::string wkt = answer.system->ToWKT().StdStr();
     if (!wkt.empty()) json["coordinateSystem"] = {{"wkt", wkt}};
     Json system = ::RenderJson(*answer.system);
@@ -112,11 +113,10 @@ ExitStatus Refuse(const std::string& text, const std::string& reason, const CrsO
                   const Console& console) {
     console.Complain("mapanchor: " + text + ": error: " + reason);
     if (options.common.json) {
-        const Json json = {{"description", text},
-                           {"mapanchor",
-                            {{"schemaVersion", kSchemaVersion},
+        Json json = JsonAbout(text);
+        json["mapanchor"] = {{"schemaVersion", kSchemaVersion},
                              {"ok", false},
-                             {"error", {{"type", "BCoordSysException"}, {"message", reason}}}}}};
+                             {"error", {{"type", "BCoordSysException"}, {"message", reason}}}};
         console.Print(ToText(json, options.common));
     }
     return ExitStatus::Error;

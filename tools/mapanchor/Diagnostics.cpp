@@ -2,11 +2,15 @@
 
 #include <Tellurion/BLogger.h>
 
+#include <algorithm>
 #include <utility>
 
 LogCollector::LogCollector() {
-    Tellurion::BLogger::Instance()->SetSink(
-        [this](Tellurion::ELogSeverity, const Tellurion::BString& text) { lines_.push_back(text.StdStr()); });
+    Tellurion::BLogger::Instance()->SetSink([this](Tellurion::ELogSeverity, const Tellurion::BString& text) {
+        lines_.push_back(text.StdStr());
+        std::replace(lines_.back().begin(), lines_.back().end(), '\n',
+                     ' ');  // those of the library's formats
+    });
 }
 
 LogCollector::~LogCollector() {

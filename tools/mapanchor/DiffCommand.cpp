@@ -226,7 +226,9 @@ Json ComparisonJson(const DiffOptions& options, const Comparison& comparison) {
         if (!comparison.units.empty()) ours["units"] = comparison.units;
     }
     ours["diagnostics"] = RenderJson(comparison.diagnostics);
-    return {{"description", options.first}, {"mapanchor", std::move(ours)}};
+    Json top = JsonAbout(options.first);
+    top["mapanchor"] = std::move(ours);
+    return top;
 }
 
 std::string ComparisonText(const DiffOptions& options, const Comparison& comparison, const Console& console) {

@@ -8,4 +8,5 @@ enum class ExitStatus : int {
     NoReference = 4,  ///< read, but the file carries no georeference
     Refused = 5,      ///< unsupported, encrypted, or a driver is missing
     Usage = 64,
+    ReaderLeft = 141,  ///< nobody reads the output any more; as a shell counts SIGPIPE
 };

@@ -4,6 +4,7 @@
 #include "JsonRenderer.h"
 
 #include <MapAnchor/BMapAnchor.h>
+#include <Tellurion/Printable.h>
 
 #include <memory>
 
@@ -25,11 +26,10 @@ ExitStatus Run(const ExtOptions& options) {
     ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
         const std::string extension =
             MapAnchor::BMapAnchor::GenerateWorldFileExt(Tellurion::BString(file)).StdStr();
-        if (!options.common.json) return console.Print(extension + "\n");
-        const Json json = {
-            {"description", file},
-            {"mapanchor",
-             {{"schemaVersion", kSchemaVersion}, {"ok", true}, {"worldFileExtension", extension}}}};
+        if (!options.common.json) return console.Print(Tellurion::Printable(extension) + "\n");
+        Json json = JsonAbout(file);
+        json["mapanchor"] = {
+            {"schemaVersion", kSchemaVersion}, {"ok", true}, {"worldFileExtension", extension}};
         console.Print(ToText(json, options.common));
     });
     return ExitStatus::Done;

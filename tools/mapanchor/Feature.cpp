@@ -12,7 +12,8 @@ Json RingJson(const std::vector<Position>& ring) {
 }
 
 Json Properties(const ReadResult& result) {
-    Json properties = {{"description", result.file}, {"ok", result.Ok()}};
+    Json properties = JsonAbout(result.file);
+    properties["ok"] = result.Ok();
     if (result.failure) properties["error"] = RenderJson(*result.failure);
     if (!result.kind.empty()) properties["referenceType"] = result.kind;
     if (result.width) properties["size"] = {*result.width, *result.height};

@@ -6,8 +6,11 @@
 #include "Residuals.h"
 
 #include <Tellurion/BLinearUnit.h>
+#include <Tellurion/Printable.h>
 
+#include <charconv>
 #include <cmath>
+#include <string_view>
 
 using namespace Tellurion;
 
@@ -90,7 +93,56 @@ void PutReference(Json& top, Json& ours, const ReadResult& result) {
     ours["pixelIsPoint"] = reference.IsPixelAsPointRegistered();
 }
 
+constexpr const char* kDescription = "description";
+constexpr const char* kDescriptionBytes = "descriptionBytes";
+
+bool StaysInUri(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+           std::string_view("/-._~").find(c) != std::string_view::npos;
+}
+
+std::string FromPercent(const std::string& text) {
+    constexpr std::size_t kLength = 3;  // of "%E9"
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size();) {
+        unsigned char byte = 0;
+        const char* const digits = text.data() + i + 1;
+        const bool is_byte = text[i] == '%' && i + kLength <= text.size() &&
+                             std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2;
+        bytes += is_byte ? static_cast<char>(byte) : text[i];
+        i += is_byte ? kLength : 1;
+    }
+    return bytes;
+}
+
 }  // namespace
+
+std::string PercentText(const std::string& name) {
+    constexpr const char* kDigits = "0123456789ABCDEF";
+    std::string text;
+    for (const char c : name) {
+        const auto byte = static_cast<unsigned char>(c);
+        text +=
+            StaysInUri(c) ? std::string(1, c) : std::string{'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
+    }
+    return text;
+}
+
+Json JsonAbout(const std::string& name) {
+    Json json = {{kDescription, name}};
+    if (!IsUtf8(name)) json[kDescriptionBytes] = PercentText(name);
+    return json;
+}
+
+std::optional<std::string> NameIn(const Json& row) {
+    if (!row.is_object()) return std::nullopt;
+    for (const char* key : {kDescriptionBytes, kDescription})
+        if (row.contains(key) && row[key].is_string()) {
+            const std::string text = row[key].get<std::string>();
+            return key == kDescription ? text : FromPercent(text);
+        }
+    return std::nullopt;
+}
 
 Json RenderJson(const BCoordSys& system) {
     Json json = Json::object();
@@ -124,7 +176,7 @@ Json RenderJson(const Diagnostics& diagnostics) {
 }
 
 Json RenderJson(const ReadResult& result) {
-    Json top = {{"description", result.file}};
+    Json top = JsonAbout(result.file);
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
     if (result.failure) {
         ours["error"] = RenderJson(*result.failure);
@@ -142,5 +194,5 @@ Json RenderJson(const ReadResult& result) {
 }
 
 std::string ToText(const Json& json, const CommonOptions& options) {
-    return json.dump(options.indent, ' ', false, Json::error_handler_t::replace) + "\n";
+    return PrintableJson(json.dump(options.indent, ' ', false, Json::error_handler_t::replace)) + "\n";
 }

@@ -4,6 +4,7 @@
 #include "ReadFile.h"
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 using Json = nlohmann::ordered_json;
@@ -13,11 +14,19 @@ extern const char* const kJsonSchema;
 
 constexpr int kSchemaVersion = 1;
 
+/// The beginning of what tells of one input: its name in "description" and, for one that is
+/// not UTF-8, its bytes in "descriptionBytes", so that names stay apart.
+Json JsonAbout(const std::string& name);
+/// The name, byte for byte, that an object begun by JsonAbout() has; empty for other objects.
+std::optional<std::string> NameIn(const Json& row);
+/// The bytes of a name as in a URI: all but ASCII letters, digits and "/-._~" as "%E9".
+std::string PercentText(const std::string& name);
+
 Json RenderJson(const ReadResult& result);
 Json RenderJson(const Failure& failure);
 Json RenderJson(const Tellurion::BCoordSys& system);
 Json RenderJson(const Diagnostics& diagnostics);
 
-/// One line, or spread over lines when an indent is asked for. Bytes that are no
-/// UTF-8 become U+FFFD.
+/// One line, or spread over lines when an indent is asked for, with escapes for all that is
+/// not Printable(). Bytes that are not UTF-8 become U+FFFD.
 std::string ToText(const Json& json, const CommonOptions& options);

@@ -5,13 +5,12 @@
 #include "ReadFile.h"
 #include "ReadOptions.h"
 #include "Systems.h"
+#include "TargetFile.h"
 #include "TextRenderer.h"
 #include "preview/Views.h"
 
-#include <Tellurion/BFileUtilities.h>
-
-#include <cstdio>
 #include <memory>
+#include <stdexcept>
 
 namespace {
 
@@ -57,14 +56,6 @@ std::string Draw(ReadResult& result) {
     return svg.ToText();
 }
 
-/// Throws OutputLost for a file that does not get all of it.
-void WriteFile(const std::string& file, const std::string& text) {
-    std::FILE* const out = std::fopen(file.c_str(), "wb");
-    const bool is_written = out && std::fwrite(text.data(), 1, text.size(), out) == text.size();
-    const bool is_closed = out && std::fclose(out) == 0;
-    if (!is_written || !is_closed) throw OutputLost("<" + file + "> cannot be written");
-}
-
 Json OutcomeJson(const PreviewOptions& options, const ReadResult& result) {
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
     if (result.failure)
@@ -72,26 +63,35 @@ Json OutcomeJson(const PreviewOptions& options, const ReadResult& result) {
     else
         ours["written"] = {options.target};
     ours["diagnostics"] = RenderJson(result.diagnostics);
-    return {{"description", options.file}, {"mapanchor", std::move(ours)}};
+    Json top = JsonAbout(options.file);
+    top["mapanchor"] = std::move(ours);
+    return top;
 }
 
-bool MayWrite(const PreviewOptions& options) {
-    return options.target.empty() || options.overwrite ||
-           !Tellurion::BFileUtilities::Exists(Tellurion::BString(options.target));
+/// The drawing never takes the place of what it shows.
+void WriteDrawing(const PreviewOptions& options, ReadResult& result) {
+    const auto fail = [&result](const std::string& why) {
+        result.failure = Failure{"BFileAccessException", "", "mapanchor", why};
+    };
+    for (const std::string& source : {options.file, result.used_file})
+        if (IsSameFile(options.target, source))
+            return fail("File <" + options.target +
+                        "> is the file that is drawn; name another one for the drawing.");
+    try {
+        WriteWholeFile(options.target, Draw(result), options.overwrite);
+    } catch (const std::runtime_error& error) {
+        fail(error.what());
+    }
 }
 
 ExitStatus Run(const PreviewOptions& options) {
     const Console console = options.common.MakeConsole();
     LogCollector log;
     ReadResult result = ReadFile(options.file, options.read, log);
-    if (result.Ok() && !MayWrite(options))
-        result.failure = Failure{"BFileAccessException", "", "mapanchor",
-                                 "File <" + options.target + "> exists; --overwrite replaces it."};
-    const std::string drawing = result.Ok() ? Draw(result) : std::string();
     if (result.Ok() && options.target.empty())
-        console.Print(drawing);
+        console.Print(Draw(result));
     else if (result.Ok())
-        WriteFile(options.target, drawing);
+        WriteDrawing(options, result);
     if (options.common.json && !options.target.empty())
         console.Print(ToText(OutcomeJson(options, result), options.common));
     else
@@ -106,6 +106,7 @@ void AddPreviewCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* preview = app.add_subcommand("preview", kPreviewDescription);
     preview->add_option("FILE", options->file, "File to draw")->required();
     preview->add_option("-o,--output", options->target, "SVG file to write; stdout without it")
+        ->check(RefuseEmpty)
         ->type_name("SVG");
     preview->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
     options->read.AddTo(*preview);

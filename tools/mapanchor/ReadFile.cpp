@@ -1,13 +1,18 @@
 #include "ReadFile.h"
 
 #include "PdfPage.h"
+#include "TargetFile.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BFileUtilities.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
 #include <algorithm>
+#include <cerrno>
 #include <exception>
+#include <filesystem>
 #include <new>
 
 using MapAnchor::BMapAnchor;
@@ -144,6 +149,31 @@ void Dispatch(const BString& file, const ReadOptions& options, ReadResult& resul
     ReadByName(file, options, result);
 }
 
+/// The number of the error that keeps a name from being that of a file to read; 0 for none.
+int FaultOfName(const std::string& name) {
+    struct stat state {};
+    if (name.empty() || name.find('\0') != std::string::npos) return ENOENT;
+    if (BFileUtilities::Exists(BString(name)))
+        return access(name.c_str(), R_OK) != 0 && errno == EACCES ? EACCES : 0;
+    return stat(name.c_str(), &state) == 0 ? ENOENT : errno;
+}
+
+Failure FailureOfName(const std::string& name, int error) {
+    if (name.empty()) return {"BFileNotFoundException", "", kSource, "The name is empty."};
+    if (error == ENOENT || error == ENOTDIR)
+        return {"BFileNotFoundException", "", kSource, "File <" + name + "> does NOT exist."};
+    return {"BFileAccessException", "", kSource,
+            "File <" + name + "> cannot be opened: " + ReasonOf(error) + "."};
+}
+
+/// A folder that no reader takes was meant for batch.
+void ExplainFolder(const std::string& name, ReadResult& result) {
+    std::error_code error;
+    if (std::filesystem::is_directory(name, error))
+        result.failure = Failure{"BFileAccessException", "", kSource,
+                                 "<" + name + "> is a folder; mapanchor batch reads the files in it."};
+}
+
 bool IsUnsupported(const Failure& failure) {
     return failure.type == "BUnsupportedFileTypeException";
 }
@@ -154,6 +184,8 @@ std::string Failure::Text() const {
     std::string text = message;
     if (!text.empty() && !detail.empty()) text += " ";
     text += detail;
+    while (text.ends_with('\n'))  // some of the library's texts end so
+        text.pop_back();
     return text.empty() ? type : text;
 }
 
@@ -192,9 +224,8 @@ ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogColl
     result.width = options.width;
     result.height = options.height;
     const BString file(name);
-    if (!name.empty() && !BFileUtilities::Exists(file)) {
-        result.failure =
-            Failure{"BFileNotFoundException", "", kSource, "File <" + name + "> does NOT exist."};
+    if (const int error = FaultOfName(name); error != 0) {
+        result.failure = FailureOfName(name, error);
         return result;
     }
     try {
@@ -205,6 +236,7 @@ ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogColl
     const bool refused = result.failure && IsUnsupported(*result.failure);
     if (refused && !options.type && HasWorldFileExtension(file)) TryWorldFileByType(file, options, result);
     if (result.failure && IsUnsupported(*result.failure)) HintAtSidecar(file, result);
+    if (result.failure) ExplainFolder(name, result);
     log.MoveTo(result.diagnostics, !result.Ok());
     return result;
 }

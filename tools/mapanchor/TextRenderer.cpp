@@ -9,6 +9,7 @@
 
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
 
 #include <algorithm>
 #include <cmath>
@@ -114,10 +115,13 @@ const char* RoadText(Road road) {
 
 std::string RenderLine(const char* label, const std::string& text, const Console& console) {
     constexpr std::size_t kLabelWidth = 12;
-    return "  " + console.Dim(Padded(label, kLabelWidth)) + " " + text + "\n";
+    return "  " + console.Dim(Padded(label, kLabelWidth)) + " " + Printable(text) + "\n";
 }
 
-std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console) {
+std::string RenderTable(std::vector<std::vector<std::string>> rows, const Console& console) {
+    for (auto& row : rows)
+        for (std::string& cell : row)
+            cell = Printable(cell);
     std::vector<std::size_t> widths(rows.front().size(), 0);
     for (const auto& row : rows)
         for (std::size_t column = 0; column < row.size(); ++column)
@@ -153,8 +157,9 @@ std::string RenderText(const ReadResult& result, const CommonOptions& common, co
 
 void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,
                const Console& console) {
-    if (failure) console.Complain("mapanchor: " + file + ": error: " + failure->Text());
+    const std::string about = "mapanchor: " + (file.empty() ? "\"\"" : file) + ": ";
+    if (failure) console.Complain(about + "error: " + failure->Text());
     for (const Diagnostic& diagnostic : diagnostics)
-        console.Talk("mapanchor: " + file + ": " + diagnostic.Severity() + ": " + diagnostic.text +
+        console.Talk(about + diagnostic.Severity() + ": " + diagnostic.text +
                      (diagnostic.id.empty() ? "" : " [" + diagnostic.id + "]"));
 }

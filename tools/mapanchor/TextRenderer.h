@@ -12,9 +12,9 @@ std::string RenderText(const ReadResult& result, const CommonOptions& common, co
 /// A label and what it labels.
 std::string RenderLine(const char* label, const std::string& text, const Console& console);
 
-/// Says the remarks about a file, and its failure, on stderr.
+/// Says the remarks about a file, and its failure, on stderr, a line each.
 void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,
                const Console& console);
 
 /// Rows of equal length as columns; the first row is the heading.
-std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console);
+std::string RenderTable(std::vector<std::vector<std::string>> rows, const Console& console);

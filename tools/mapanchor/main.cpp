@@ -3,11 +3,14 @@
 #include "Generate.h"
 #include "JsonRenderer.h"
 
+#include <Tellurion/BFileUtilities.h>
+
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -34,11 +37,18 @@ bool IsSubcommand(const CLI::App& app, const std::string& word) {
 }
 
 /// "mapanchor [options] FILE..." means info, and a subcommand may stand behind the
-/// options: it moves to the front, where the parser looks for it.
+/// options: it moves to the front, where the parser looks for it. The parser would read a
+/// name in brackets as a list of names.
 std::vector<std::string> NormalWords(CLI::App& app, std::vector<std::string> words) {
+    for (std::string& word : words)
+        if (word.size() > 1 && word.front() == '[' && word.back() == ']') word.insert(0, "./");
     CLI::App& info = *app.get_subcommand("info");
     auto first = words.begin();
     while (first != words.end() && first->size() > 1 && first->front() == '-') {
+        if (*first == "--") {  // names alone behind it
+            words.insert(words.begin(), "info");
+            return words;
+        }
         if (app.get_option_no_throw(*first)) return words;
         first += TakesValue(info, *first) && first + 1 != words.end() ? 2 : 1;
     }
@@ -55,6 +65,25 @@ std::string Generate(const std::string& what, const CLI::App& app) {
     const CommandTable table(app);
     if (what == "man") return ManPage(table);
     return what == "bash" ? BashCompletion(table) : ZshCompletion(table);
+}
+
+/// What the parser answers by itself: help, the version, and what is wrong with the words, which
+/// are a user's or names of files.
+ExitStatus Answer(CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& words) {
+    std::ostringstream out;
+    std::ostringstream ignored;
+    const Console console(ColorMode::Never, false);
+    if (app.exit(error, out, ignored) == 0) {
+        console.Print(out.str());
+        return ExitStatus::Done;
+    }
+    console.Complain(std::string("mapanchor: error: ") + error.what());
+    for (const std::string& word : words)
+        if (word.size() > 1 && word.front() == '-' &&
+            Tellurion::BFileUtilities::Exists(Tellurion::BString(word)))
+            console.Complain("mapanchor: for the file " + word + " write ./" + word);
+    console.Complain("Run with --help for more information.");
+    return ExitStatus::Usage;
 }
 
 ExitStatus RunProgram(int argc, char** argv) {
@@ -81,7 +110,7 @@ ExitStatus RunProgram(int argc, char** argv) {
         std::reverse(words.begin(), words.end());  // the parser takes them from the back
         app.parse(words);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitStatus::Done : ExitStatus::Usage;
+        return Answer(app, error, {argv + 1, argv + argc});
     }
     if (!generate.empty()) {
         Console(ColorMode::Never, false).Print(Generate(generate, app));
@@ -99,13 +128,16 @@ ExitStatus RunProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    OpenClosedStreams();
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write that fails
     // Where a GeoTIFF names a unit that nobody knows, PROJ says so on stderr, unless told.
     setenv("PROJ_DEBUG", "0", 0);
     try {
         return static_cast<int>(RunProgram(argc, argv));
+    } catch (const ReaderLeft&) {
+        return static_cast<int>(ExitStatus::ReaderLeft);
     } catch (const std::exception& error) {
-        std::cerr << "mapanchor: error: " << error.what() << "\n";
+        Console(ColorMode::Never, false).Complain(std::string("mapanchor: error: ") + error.what());
         return static_cast<int>(ExitStatus::Error);
     }
 }

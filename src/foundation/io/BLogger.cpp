@@ -1,8 +1,12 @@
 #include <Tellurion/BLogger.h>
 
+#include <Tellurion/Printable.h>
+
 #include <cstdio>
 #include <mutex>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace Tellurion {
 namespace {
@@ -10,6 +14,25 @@ namespace {
 void WriteToStandardError(ELogSeverity, const BString& text) {
     const std::string line = text.StdStr() + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+BString TextOf(const FormatArgument& argument) {
+    switch (argument.GetKind()) {
+        case FormatArgument::Kind::Narrow:
+            return std::string(argument.Narrow());
+        case FormatArgument::Kind::Wide:
+            return std::wstring(argument.Wide()).c_str();
+        case FormatArgument::Kind::Utf16:
+            return std::u16string(argument.Utf16());
+        default:
+            return {};
+    }
+}
+
+bool IsText(const FormatArgument& argument) {
+    using Kind = FormatArgument::Kind;
+    return argument.GetKind() == Kind::Narrow || argument.GetKind() == Kind::Wide ||
+           argument.GetKind() == Kind::Utf16;
 }
 
 }  // namespace
@@ -29,7 +52,23 @@ BLogger* BLogger::Instance() {
     return instance;
 }
 
+void BLogger::WriteList(ELogSeverity severity, const char* format, const FormatArgument* arguments,
+                        std::size_t count) {
+    std::vector<std::string> texts(count);
+    std::vector<FormatArgument> printable(arguments, arguments + count);
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!IsText(arguments[i])) continue;
+        texts[i] = Printable(TextOf(arguments[i]).StdStr());
+        printable[i] = FormatArgument(texts[i]);
+    }
+    Send(severity, BString::FormatList(format, printable.data(), count));
+}
+
 void BLogger::Write(ELogSeverity severity, const BString& text) {
+    Send(severity, Printable(text.StdStr()));
+}
+
+void BLogger::Send(ELogSeverity severity, const BString& text) {
     std::shared_ptr<const Sink> sink;
     {
         const std::lock_guard lock(state_->mutex);

@@ -4,6 +4,7 @@
 #include <Tellurion/ELogSeverity.h>
 #include <Tellurion/Export.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 
@@ -18,13 +19,16 @@ public:
 
     static BLogger* Instance();  ///< never null; not the caller's
 
-    /// Writes one entry by the rules of BString::Format; the text may hold inner
-    /// "\n", the sink adds the line end.
+    /// Writes one entry by the rules of BString::Format; the format may hold inner "\n",
+    /// the sink adds the line end. Arguments come from files and their names: they go
+    /// through Printable(), so that none of them begins a line of its own.
     template <class... Args>
     void WriteLine(ELogSeverity severity, const char* format, const Args&... arguments) {
-        Write(severity, BString::Format(format, arguments...));
+        const FormatArgument list[sizeof...(Args) + 1] = {FormatArgument(arguments)..., FormatArgument(0)};
+        WriteList(severity, format, list, sizeof...(Args));
     }
-    void Write(ELogSeverity severity, const BString& text);  ///< the same of a text that is ready
+    /// The same of a text that is ready, which is one line: all of it goes through Printable().
+    void Write(ELogSeverity severity, const BString& text);
 
     /// Installs a sink and returns the one before; an empty one brings the default back.
     Sink SetSink(Sink sink);
@@ -32,6 +36,9 @@ public:
 private:
     BLogger();
     ~BLogger();
+    void WriteList(ELogSeverity severity, const char* format, const FormatArgument* arguments,
+                   std::size_t count);
+    void Send(ELogSeverity severity, const BString& text);
     struct State;
     std::unique_ptr<State> state_;
 };

@@ -85,6 +85,7 @@ public:
     friend BString operator+(BString a, const BString& b) { return std::move(a += b); }  ///< joins
 
 private:
+    friend class BLogger;  // formats arguments of its own
     static BString FormatList(const char* format, const FormatArgument* arguments, std::size_t count);
     const std::string& Narrow() const;
     void Changed();

@@ -21,29 +21,6 @@ constexpr bool IsRawByte(char16_t unit) {
     return unit >= kRawByte + 0x80 && unit <= kRawByte + 0xFF;
 }
 
-struct Decoded {
-    char32_t code = 0;
-    std::size_t length = 0;  ///< 0 when no valid sequence begins here
-};
-
-/// Decodes one sequence; refuses overlong forms, surrogates and values past U+10FFFF.
-Decoded DecodeOne(std::string_view bytes) {
-    const auto lead = static_cast<unsigned char>(bytes[0]);
-    if (lead < 0x80) return {lead, 1};
-    const std::size_t length = lead >= 0xF0 ? 4U : lead >= 0xE0 ? 3U : 2U;
-    if (lead < 0xC2 || lead > 0xF4 || bytes.size() < length) return {};
-    char32_t code = lead & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        const auto next = static_cast<unsigned char>(bytes[i]);
-        if ((next & 0xC0U) != 0x80U) return {};
-        code = (code << 6) | (next & 0x3FU);
-    }
-    constexpr std::array<char32_t, 5> kLeast = {0, 0, 0x80, 0x800, 0x10000};
-    const bool surrogate = code >= 0xD800 && code < 0xE000;
-    if (code < kLeast[length] || code > 0x10FFFF || surrogate) return {};
-    return {code, length};
-}
-
 void AppendUtf16(std::u16string& out, char32_t code) {
     if (code < 0x10000) {
         out.push_back(static_cast<char16_t>(code));
@@ -96,6 +73,23 @@ constexpr std::array<char16_t, 32> kWindows1252 = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 }  // namespace
+
+Decoded DecodeOne(std::string_view bytes) {
+    const auto lead = static_cast<unsigned char>(bytes[0]);
+    if (lead < 0x80) return {lead, 1};
+    const std::size_t length = lead >= 0xF0 ? 4U : lead >= 0xE0 ? 3U : 2U;
+    if (lead < 0xC2 || lead > 0xF4 || bytes.size() < length) return {};
+    char32_t code = lead & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        const auto next = static_cast<unsigned char>(bytes[i]);
+        if ((next & 0xC0U) != 0x80U) return {};
+        code = (code << 6) | (next & 0x3FU);
+    }
+    constexpr std::array<char32_t, 5> kLeast = {0, 0, 0x80, 0x800, 0x10000};
+    const bool surrogate = code >= 0xD800 && code < 0xE000;
+    if (code < kLeast[length] || code > 0x10FFFF || surrogate) return {};
+    return {code, length};
+}
 
 std::u16string FromUtf8(std::string_view bytes) {
     const std::size_t plain = AsciiPrefix(bytes);

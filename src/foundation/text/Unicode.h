@@ -1,9 +1,19 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace Tellurion::Unicode {
+
+struct Decoded {
+    char32_t code = 0;
+    std::size_t length = 0;  ///< in bytes; 0 when no valid sequence begins here
+};
+
+/// The first UTF-8 sequence of `bytes`, which are not empty. Overlong forms, surrogates and values
+/// past U+10FFFF are not valid.
+Decoded DecodeOne(std::string_view bytes);
 
 /// UTF-8 to UTF-16. A byte that belongs to no valid sequence becomes the lone
 /// surrogate U+DC00 + byte, which ToUtf8 turns back into that byte.

@@ -126,7 +126,7 @@ TEST(Rsf, ChangesNamesThatNoRowCanStore) {
     const std::string file = folder / "map.rsf", name(254, 'n');
     Written(file, References::WithPoints(
                       {{1, 2, 3, 4, 0, "say \"hi\"\n", true}, {5, 6, 7, 8, 0, name + "\xC3\xA9", true}}));
-    EXPECT_EQ(log.lines.at(0), "BRefRSF::Write The name <say \"hi\"\n> is written as <say 'hi' >");
+    EXPECT_EQ(log.lines.at(0), "BRefRSF::Write The name <say \"hi\"\\n> is written as <say 'hi' >");
     EXPECT_EQ(PointsOf(Good(file)), "say 'hi' : 1 2 3 4 0\n" + name + ": 5 6 7 8 0\n");
 }
 

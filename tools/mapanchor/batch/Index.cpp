@@ -1,6 +1,7 @@
 #include "batch/Index.h"
 
 #include "JsonRenderer.h"
+#include "batch/Cell.h"
 
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BString.h>
@@ -8,7 +9,10 @@
 
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -19,7 +23,8 @@ using Tellurion::QuietGdal;
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& file, const std::string& why) {
+[[noreturn]] void Fail(const std::string& file, std::string why) {
+    why.resize(why.find_last_not_of('\n') + 1);  // some of GDAL's messages end so
     throw std::runtime_error("the index <" + file + "> " + why);
 }
 
@@ -63,15 +68,42 @@ void SetText(OGRFeature& row, const char* column, const Json& properties, const 
     if (properties.contains(key)) row.SetField(column, properties[key].get<std::string>().c_str());
 }
 
+/// Some drivers write tables that are computed, and some put texts into CDATA as they are.
+std::string LocationOf(const Json& properties) {
+    BString location(CellText(NameIn(properties).value_or("")));
+    return location.ReplaceAll("]]>", "]]\\x3e").StdStr();
+}
+
+/// True for a file that an earlier run made: one layer with the columns above.
+bool IsIndex(const std::string& file, GDALDriver& driver) {
+    const char* const drivers[] = {driver.GetDescription(), nullptr};
+    const GDALDatasetUniquePtr dataset(
+        GDALDataset::Open(file.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, drivers));
+    if (!dataset || dataset->GetLayerCount() != 1) return false;
+    const OGRFeatureDefn& layer = *dataset->GetLayer(0)->GetLayerDefn();
+    return std::all_of(std::begin(kColumns), std::end(kColumns),
+                       [&layer](const Column& column) { return layer.GetFieldIndex(column.name) >= 0; });
+}
+
+/// What a run that was killed may have left of SQLite's work would be done to the new file.
+void RemoveJournals(const std::string& file) {
+    std::error_code ignored;
+    for (const char* end : {"-journal", "-wal", "-shm"})
+        std::filesystem::remove(file + end, ignored);
+}
+
 }  // namespace
 
-Index::Index(const std::string& file, bool overwrite) : file_(file) {
+Index::Index(const std::string& file, bool overwrite) : file_(file), overwrite_(overwrite) {
     const QuietGdal quiet;
-    const bool exists = BFileUtilities::Exists(BString(file));
-    if (exists && !overwrite) Fail(file, "exists; --overwrite replaces it");
+    std::error_code ignored;
+    const bool exists = std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
+    if (exists && !overwrite) throw std::runtime_error(ExistsText(file));
     GDALDriver& driver = DriverFor(file);
-    if (exists) driver.Delete(file.c_str());
-    dataset_.reset(driver.Create(file.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    if (exists && !IsIndex(file, driver))
+        Fail(file, "is not an index of this tool and stays as it is; --index needs another name");
+    folder_ = std::make_unique<FolderBeside>(file);
+    dataset_.reset(driver.Create(folder_->NameInside().c_str(), 0, 0, 0, GDT_Unknown, nullptr));
     OGRSpatialReference wgs84;
     wgs84.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
     wgs84.importFromEPSG(4326);
@@ -90,7 +122,7 @@ void Index::Add(const std::string& feature) {
     const Json json = Json::parse(feature);
     const Json& properties = json["properties"];
     OGRFeature row(layer_->GetLayerDefn());
-    SetText(row, "location", properties, "description");
+    row.SetField("location", LocationOf(properties).c_str());
     row.SetField("ok", properties["ok"].get<bool>() ? 1 : 0);
     SetText(row, "type", properties, "referenceType");
     SetText(row, "epsg", properties, "epsg");
@@ -119,4 +151,6 @@ void Index::Close() {
         Fail(file_, "cannot be written: " + quiet.FirstFailure());
     dataset_.reset();
     if (!quiet.FirstFailure().empty()) Fail(file_, "cannot be written: " + quiet.FirstFailure());
+    if (overwrite_) RemoveJournals(file_);
+    folder_->MoveOut(overwrite_);
 }

@@ -1,5 +1,7 @@
 #include "batch/NameSource.h"
 
+#include "InputNames.h"
+
 #include <poll.h>
 #include <unistd.h>
 #include <algorithm>
@@ -99,7 +101,12 @@ void NameSource::ReadSome() {
     constexpr std::size_t kPiece = 65536;
     std::array<char, kPiece> piece;
     const ssize_t count = read(STDIN_FILENO, piece.data(), piece.size());
-    if (count < 0 && errno == EINTR) return;
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
+    if (count < 0) {
+        fault_ = UnreadableNames(errno);
+        root_ = settings_.roots.size();
+        return;
+    }
     if (count > 0) {
         unsplit_.append(piece.data(), static_cast<std::size_t>(count));
         return SplitNames();

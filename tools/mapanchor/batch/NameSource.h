@@ -23,6 +23,8 @@ public:
     /// Lists some more, as far as that is possible at once.
     void ReadAhead();
     std::optional<std::string> Next();
+    /// Why the names on stdin could not be read, after which no more come; empty when they could.
+    const std::string& Fault() const { return fault_; }
     /// Nothing is left and nothing will come.
     bool IsAtEnd() const { return IsListed() && pending_.empty(); }
     /// All names are known: those taken and Pending() more.
@@ -42,5 +44,6 @@ private:
     std::size_t root_ = 0;
     std::vector<std::string> folders_;  ///< still to walk, the next one last
     std::string unsplit_;               ///< of stdin
+    std::string fault_;
     std::deque<std::string> pending_;
 };

@@ -2,6 +2,7 @@
 
 #include "Feature.h"
 #include "Residuals.h"
+#include "batch/Cell.h"
 #include "batch/StacItem.h"
 
 #include <Tellurion/Numbers.h>
@@ -17,23 +18,14 @@ std::string Line(const Json& json) {
     return ToText(json, CommonOptions());
 }
 
-/// One that holds a mark of the format stands in quotes.
-std::string Field(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (const char c : text)
-        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return quoted + "\"";
-}
-
 std::string CsvLine(const ReadResult& result, const std::optional<Footprint>& footprint) {
     const auto system = result.reference.CoordSys;
     const auto rmse = ComputeResiduals(result.reference).root_mean_square;
     const std::string fields[] = {
-        result.file,
+        CellText(result.file),
         result.Ok() ? "true" : "false",
-        result.kind,
-        result.reference.HasCoordSys() ? system->ToEPSGCode().StdStr() : "",
+        CellText(result.kind),
+        result.reference.HasCoordSys() ? CellText(system->ToEPSGCode().StdStr()) : "",
         result.width ? std::to_string(*result.width) : "",
         result.height ? std::to_string(*result.height) : "",
         footprint ? PrintShortest(footprint->west) : "",
@@ -41,12 +33,12 @@ std::string CsvLine(const ReadResult& result, const std::optional<Footprint>& fo
         footprint ? PrintShortest(footprint->east) : "",
         footprint ? PrintShortest(footprint->north) : "",
         rmse ? PrintShortest(*rmse) : "",
-        result.failure ? result.failure->type : "",
-        result.failure ? result.failure->Text() : "",
+        result.failure ? CellText(result.failure->type) : "",
+        result.failure ? CellText(result.failure->Text()) : "",
     };
     std::string line;
     for (const std::string& field : fields)
-        line += (&field == fields ? "" : ",") + Field(field);
+        line += (&field == fields ? "" : ",") + CsvField(field);
     return line + "\n";
 }
 

@@ -1,6 +1,7 @@
 #include "batch/StacItem.h"
 
 #include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
 
 #include <sys/stat.h>
 #include <ctime>
@@ -50,11 +51,13 @@ Json StacItem(const ReadResult& result, const std::optional<Footprint>& footprin
         PutProjection(result, properties);
     Json item = {{"type", "Feature"}, {"stac_version", "1.0.0"}};
     item["stac_extensions"] = result.failure ? Json::array() : Json::array({kProjection});
-    item["id"] = result.file;
+    // Names that are not UTF-8 stay apart.
+    const std::string name = Tellurion::IsUtf8(result.file) ? result.file : PercentText(result.file);
+    item["id"] = name;
     if (footprint) item["bbox"] = BoxJson(*footprint);
     item["geometry"] = GeometryJson(footprint);
     item["properties"] = std::move(properties);
     item["links"] = Json::array();
-    item["assets"] = {{"data", {{"href", result.file}, {"roles", {"data"}}}}};
+    item["assets"] = {{"data", {{"href", name}, {"roles", {"data"}}}}};
     return item;
 }

@@ -22,7 +22,7 @@ struct Limits {
 /// felt here.
 class Worker {
 public:
-    /// Starts the process, which closes `strangers`: the pipes of its fellows.
+    /// Starts the process, which closes `strangers`, such as the pipes of its fellows.
     Worker(const Answer& answer, const Limits& limits, const std::vector<int>& strangers);
     ~Worker();
     Worker(const Worker&) = delete;

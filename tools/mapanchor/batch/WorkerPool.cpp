@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <stdexcept>
 
-WorkerPool::WorkerPool(int count, Answer answer, const Limits& limits)
-    : answer_(std::move(answer)), limits_(limits) {
+WorkerPool::WorkerPool(int count, Answer answer, const Limits& limits, std::vector<int> strangers)
+    : answer_(std::move(answer)), limits_(limits), strangers_(std::move(strangers)) {
     for (int i = 0; i < count; ++i) {
         seats_.push_back(std::make_unique<Seat>());
         Hire(*seats_.back());
@@ -26,7 +26,7 @@ bool WorkerPool::IsIdle() const {
 
 void WorkerPool::Hire(Seat& seat) {
     seat.worker.reset();
-    std::vector<int> strangers;
+    std::vector<int> strangers = strangers_;
     for (const auto& other : seats_) {
         if (!other->worker) continue;
         const std::vector<int> theirs = other->worker->Descriptors();

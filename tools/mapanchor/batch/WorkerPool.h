@@ -20,7 +20,8 @@ struct JobOutcome {
 /// A fixed number of workers. One that is lost is replaced, and costs its job only.
 class WorkerPool {
 public:
-    WorkerPool(int count, Answer answer, const Limits& limits);
+    /// Workers close `strangers`, descriptors that are not theirs.
+    WorkerPool(int count, Answer answer, const Limits& limits, std::vector<int> strangers);
 
     bool HasFree() const { return FindFree() != nullptr; }
     bool IsIdle() const;
@@ -45,5 +46,6 @@ private:
 
     Answer answer_;
     Limits limits_;
+    std::vector<int> strangers_;
     std::vector<std::unique_ptr<Seat>> seats_;
 };

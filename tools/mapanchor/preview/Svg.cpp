@@ -1,7 +1,7 @@
 #include "preview/Svg.h"
 
-#include <Tellurion/BString.h>
 #include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
 
 namespace {
 
@@ -25,16 +25,18 @@ std::string Class(const char* style) {
     return " class=\"" + std::string(style) + "\"";
 }
 
-/// Well-formed whatever the bytes are.
+/// Well-formed whatever the bytes are: XML forbids most of what is not printable.
 std::string Escaped(const std::string& text) {
     std::string escaped;
-    for (const char c : std::string(Tellurion::BString(text).Utf8())) {
+    for (const char c : Tellurion::Printable(text)) {
         if (c == '<')
             escaped += "&lt;";
+        else if (c == '>')
+            escaped += "&gt;";
         else if (c == '&')
             escaped += "&amp;";
         else
-            escaped += static_cast<unsigned char>(c) < ' ' ? '?' : c;
+            escaped += c;
     }
     return escaped;
 }
