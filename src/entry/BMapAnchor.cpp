@@ -2,6 +2,7 @@
 
 #include "PdfParameters.h"
 #include "ReferenceFormats.h"
+#include "raster/GdalDrivers.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BFile.h>
@@ -30,6 +31,7 @@ using Tellurion::EReferenceType;
 
 const BString BMapAnchor::kValPDFCropType(PdfParameters::kCropType);
 const BString BMapAnchor::kValPDFResolution(PdfParameters::kResolution);
+const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
 
 namespace {
 
@@ -107,6 +109,7 @@ void BMapAnchor::Read(const EReferenceType& type, const BString& file, BGeoRefer
         throw BFileNotFoundException(kReadSource, BString::Format("File <%ls> does NOT exist.", file));
     const ReferenceFormat* format = IsTypeNumber(type) ? FindFormatByType(type) : nullptr;
     if (!format || !format->typed_read) ThrowUnsupported(file, kReadSource);
+    const GdalDrivers::Scope allowed(params);
     BGeoReference local;
     format->typed_read({file, local, width, height, mathType, flags, params, nullptr});
     reference = local;
@@ -160,6 +163,7 @@ void BMapAnchor::Save(const EReferenceType& type, const BString& file, const BGe
     if (!IsTypeNumber(type)) return;
     const ReferenceFormat* format = FindFormatByType(type);
     if (!format || (!format->typed_save && !format->refusal.source)) ThrowUnsupported(file, kSaveSource);
+    const GdalDrivers::Scope allowed(params);
     Guarded(kSaveLog, file, [&] {
         if (format->refusal.source) Refuse(format->refusal);
         format->typed_save({file, reference, width, height, imageName, flags, params});

@@ -35,6 +35,10 @@ public:
     /// Key of a BParamList: the resolution of a raster whose PDF is saved, in dots per
     /// inch; 72 without it.
     static const Tellurion::BString kValPDFResolution;
+    /// Key of a BParamList: further drivers of GDAL that may read, by their short names with
+    /// commas between them; for reads by type. See BGdalAccess, which also says why GDAL's
+    /// drivers are not all allowed, and serves reads by name.
+    static const Tellurion::BString kValGdalDrivers;
 
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system
@@ -45,7 +49,8 @@ public:
     /// Throws a BFileNotFoundException without a file, a BUnsupportedFileTypeException for
     /// a type that is not read, and otherwise what the kind makes of the file: mostly
     /// BGeoReferenceReadException, BGeoReferenceInvalidReferenceFileException,
-    /// BGeoReferenceInvalidTransformException or BGeoReferenceInvalidCoordSysException.
+    /// BGeoReferenceInvalidTransformException or BGeoReferenceInvalidCoordSysException. A
+    /// BReadParametersException rejects a parameter.
     static void Read(const Tellurion::EReferenceType& type, const Tellurion::BString& file,
                      Tellurion::BGeoReference& reference, long width, long height,
                      Tellurion::EMathTransformType mathType, unsigned int flags,

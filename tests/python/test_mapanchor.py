@@ -4,8 +4,8 @@ import inspect
 import logging
 import pathlib
 import re
-import subprocess
 import threading
+import time
 
 import pytest
 
@@ -115,14 +115,24 @@ def test_log_lines_reach_the_logger(map_file, caplog, capfd):
     assert caplog.records == [] and capfd.readouterr().err == ""
 
 
-def test_other_threads_run_while_a_read_waits(tmp_path):
-    """A read of a pipe waits for its writer, which is a thread of this interpreter."""
-    pipe = tmp_path / "pipe.tfw"
-    subprocess.run(["mkfifo", str(pipe)], check=True)
-    writer = threading.Thread(target=lambda: pipe.write_text(WLD))
-    writer.start()
-    assert mapanchor.read(pipe, Type.WLD).affine == TERMS
-    writer.join()
+def test_other_threads_run_while_a_file_is_read(tmp_path):
+    slow = tmp_path / "slow.rsf"  # a spline through so many points takes a second
+    rows = (f"p {i * i % 4001} {i} 0 {i * i % 3989} {i * 7 % 1501} 0 1" for i in range(1500))
+    slow.write_text("\n".join(["1 1500", *rows]))
+    began, ended = threading.Event(), threading.Event()
+
+    def read():
+        began.set()
+        mapanchor.read(slow, Type.RSF, fit=Fit.THIN_PLATE_SPLINE)
+        ended.set()
+
+    reader = threading.Thread(target=read)
+    reader.start()
+    began.wait()
+    time.sleep(0.05)
+    assert not ended.is_set()
+    reader.join()
+    assert ended.is_set()
 
 
 def test_hints_name_what_is_there():

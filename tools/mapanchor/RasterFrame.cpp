@@ -1,13 +1,12 @@
 #include "RasterFrame.h"
 
+#include <MapAnchor/BGdalAccess.h>
 #include <Tellurion/BFileUtilities.h>
-#include <Tellurion/QuietGdal.h>
-
-#include <gdal_priv.h>
 
 #include <algorithm>
 #include <cmath>
 
+using MapAnchor::BGdalAccess;
 using Tellurion::BFileUtilities;
 using Tellurion::BPointPair;
 using Tellurion::BString;
@@ -18,13 +17,11 @@ constexpr const char* kRasterExtensions[] = {"tif", "TIF", "jpg", "JPG", "png", 
                                              "BMP", "gif", "GIF", "img", "tiff", "jpeg", "kap", "KAP"};
 
 bool SetSizeFrom(const std::string& file, ReadResult& result) {
-    const Tellurion::QuietGdal quiet;
-    GDALAllRegister();
-    const GDALDatasetUniquePtr dataset(
-        GDALDataset::Open(file.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, nullptr, nullptr, nullptr));
-    if (!dataset || dataset->GetRasterXSize() <= 0 || dataset->GetRasterYSize() <= 0) return false;
-    result.width = dataset->GetRasterXSize();
-    result.height = dataset->GetRasterYSize();
+    long width = 0;
+    long height = 0;
+    if (!BGdalAccess::GetRasterSize(BString(file), width, height)) return false;
+    result.width = width;
+    result.height = height;
     return true;
 }
 

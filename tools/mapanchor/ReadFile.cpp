@@ -228,6 +228,11 @@ ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogColl
         result.failure = FailureOfName(name, error);
         return result;
     }
+    if (!name.empty() && !BFileUtilities::IsRegularFile(file)) {
+        result.failure =
+            Failure{"BFileAccessException", "", kSource, "File <" + name + "> is not a regular file."};
+        return result;
+    }
     try {
         Dispatch(file, options, result);
     } catch (...) {

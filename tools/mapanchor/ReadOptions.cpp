@@ -2,7 +2,9 @@
 
 #include "CommonOptions.h"
 
+#include <MapAnchor/BGdalAccess.h>
 #include <MapAnchor/BMapAnchor.h>
+#include <Tellurion/BException.h>
 
 #include <CLI/CLI.hpp>
 #include <charconv>
@@ -49,6 +51,14 @@ void ParseSize(const std::string& text, ReadOptions& options) {
         throw CLI::ValidationError("--size", "wants WxH in pixels, such as 2000x1000");
     options.width = width;
     options.height = height;
+}
+
+void AllowDrivers(const std::string& names) {
+    try {
+        MapAnchor::BGdalAccess::SetDrivers(Tellurion::BString(names));
+    } catch (const Tellurion::BException& error) {
+        throw CLI::ValidationError("--gdal-drivers", error.what());
+    }
 }
 
 }  // namespace
@@ -100,4 +110,8 @@ void ReadOptions::AddTo(CLI::App& app) {
         },
         {1.0, 1e5}, "Resolution of a PDF page in dots per inch; 72 without it")
         ->type_name("N");
+    app.add_option_function<std::string>(
+           "--gdal-drivers", AllowDrivers,
+           "Also let these GDAL drivers read, such as VRT; they open what a file names")
+        ->type_name("DRIVER,...");
 }

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <sstream>
@@ -130,8 +129,6 @@ ExitStatus RunProgram(int argc, char** argv) {
 int main(int argc, char** argv) {
     OpenClosedStreams();
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write that fails
-    // Where a GeoTIFF names a unit that nobody knows, PROJ says so on stderr, unless told.
-    setenv("PROJ_DEBUG", "0", 0);
     try {
         return static_cast<int>(RunProgram(argc, argv));
     } catch (const ReaderLeft&) {

@@ -1,6 +1,7 @@
 #include "common/RandomAccessFile.h"
 
-#include <fcntl.h>
+#include <Tellurion/RegularFile.h>
+
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
@@ -35,13 +36,9 @@ RandomAccessFile& RandomAccessFile::operator=(RandomAccessFile&& other) noexcept
 bool RandomAccessFile::Open(const Tellurion::BString& path) {
     Close();
     if (path.GetUnits().find(u'\0') != std::u16string::npos) return false;
-    // Opening a pipe would wait for its other end.
-    descriptor_ = ::open(path.Ascii(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status;
-    if (descriptor_ < 0 || ::fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
-        Close();
-        return false;
-    }
+    descriptor_ = Tellurion::OpenRegularFile(path.Ascii(), &status);
+    if (!IsOpen()) return false;
     size_ = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
     return true;
 }

@@ -146,13 +146,13 @@ bool Store(const BString& file, const GdalReference& raster, const ReadPolicy& p
 }  // namespace
 
 bool BRefGeoTIFF::Read(const BString& file, BGeoReference& reference, long width, long height) {
-    const auto raster = ReadGdalReference(file);
+    const auto raster = ReadGdalReference(file, RasterKinds::OfName);
     return raster && Store(file, *raster, kTolerant, {width, height}, reference);
 }
 
 void BRefGeoTIFF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference, long width,
                        long height) {
-    const auto raster = ReadGdalReference(file);
+    const auto raster = ReadGdalReference(file, RasterKinds::All);
     if (!raster)
         throw BGeoReferenceInvalidReferenceFileException(
             kSource,

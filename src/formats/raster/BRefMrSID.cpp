@@ -149,8 +149,14 @@ bool ReadWorldFileBeside(const BString& file, const char* extension, BGeoReferen
 /// beside the image, and the text among its metadata.
 bool ReadInPlaceOfDriver(const BString& file, const BString& text, BGeoReference& reference) {
     if (!ReadWorldFileBeside(file, "sdw", reference)) ReadWorldFileBeside(file, "wld", reference);
-    if (BCoordSys* const system = text.IsEmpty() ? nullptr : BCoordSys::FromWKT(text))
-        reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
+    try {
+        if (BCoordSys* const system = text.IsEmpty() ? nullptr : BCoordSys::FromWKT(text))
+            reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
+    } catch (const BException& error) {
+        BLogger::Instance()->WriteLine(
+            ELogSeverity::Error, "BRefMrSID::Read could not read Coordinate System { %ls } ERROR (%ls).",
+            text, error.GetDetailedMessage());
+    }
     return true;
 }
 

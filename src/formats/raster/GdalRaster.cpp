@@ -1,10 +1,22 @@
 #include "raster/GdalRaster.h"
 
+#include "common/RandomAccessFile.h"
+#include "raster/GdalDrivers.h"
+#include "raster/SelfContainedVrt.h"
+
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BLogger.h>
+
 #include <mutex>
+#include <string>
+#include <utility>
 
 namespace MapAnchor {
 
+using Tellurion::BFileUtilities;
+using Tellurion::BLogger;
 using Tellurion::BString;
+using Tellurion::ELogSeverity;
 
 namespace {
 
@@ -16,7 +28,34 @@ void RegisterDrivers() {
     const std::lock_guard lock(mutex);
     if (registered > 0 && GDALGetDriverCount() == registered) return;
     GDALAllRegister();
+    ConfinedFiles::Install();
     registered = GDALGetDriverCount();
+}
+
+GDALDataset* Open(const char* name, const GdalDrivers::Names& drivers, unsigned access = GDAL_OF_READONLY) {
+    return GDALDataset::Open(name, GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | access, drivers.data(), nullptr,
+                             nullptr);
+}
+
+bool IsVrtText(const BString& file) {
+    constexpr std::size_t kLongest = std::size_t{4} << 20;
+    RandomAccessFile in(file);
+    if (in.Read(0, 1024).find("<VRTDataset") == std::string_view::npos || in.Size() > kLongest) return false;
+    return IsSelfContainedVrt(in.Window(0, kLongest));
+}
+
+/// The parts of other drivers in a file are left alone: GDAL would have any driver read them.
+GdalRaster OpenConfined(const BString& file, RasterKinds kinds) {
+    auto files = std::make_shared<ConfinedFiles>(file);
+    const CPLConfigOptionSetter alone("NITF_OPEN_UNDERLYING_DS", "NO", false);
+    GDALDataset* raster =
+        Open(files->Name().c_str(),
+             kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain());
+    if (!raster && !files->IsRefused() && IsVrtText(file))
+        raster = Open(files->Name().c_str(), {"VRT", nullptr});
+    GdalRaster opened(raster, GdalCloser{std::move(files)});
+    if (!IsUsable(opened)) opened.reset();
+    return opened;
 }
 
 }  // namespace
@@ -26,18 +65,44 @@ bool HasGdalDriver(const char* name) {
     return GDALGetDriverByName(name) != nullptr;
 }
 
-GdalRaster OpenRaster(const BString& file) {
+GdalRaster OpenRaster(const BString& file, RasterKinds kinds) {
     RegisterDrivers();
-    return GdalRaster(GDALDataset::FromHandle(GDALOpenShared(file.Utf8(), GA_ReadOnly)));
+    if (!BFileUtilities::Exists(file))
+        return GdalRaster(Open(
+            file.Utf8(), kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain()));
+    if (!BFileUtilities::IsRegularFile(file)) return nullptr;
+    GdalRaster raster = OpenConfined(file, kinds);
+    if (raster) return raster;
+    const GdalDrivers::Names allowed = GdalDrivers::Allowed();
+    return GdalRaster(allowed.empty() ? nullptr : Open(file.Utf8(), allowed));
 }
 
-GdalRaster OpenRasterForUpdate(const BString& file) {
+GdalRaster OpenRasterForUpdate(const BString& file, const BString& name) {
     RegisterDrivers();
-    return GdalRaster(GDALDataset::FromHandle(GDALOpen(file.Utf8(), GA_Update)));
+    GDALDataset* raster = Open(name.Utf8(), GdalDrivers::Plain(), GDAL_OF_UPDATE);
+    if (!raster && IsVrtText(file)) raster = Open(name.Utf8(), {"VRT", nullptr}, GDAL_OF_UPDATE);
+    const GdalDrivers::Names allowed = GdalDrivers::Allowed();
+    if (!raster && !allowed.empty()) raster = Open(name.Utf8(), allowed, GDAL_OF_UPDATE);
+    return GdalRaster(raster);
 }
 
-GdalRaster OpenAuxiliary(const BString& file, GDALDataset& raster) {
-    return GdalRaster(GDALFindAssociatedAuxFile(file.Utf8(), GA_ReadOnly, &raster));
+GdalRaster ReopenRaster(const char* driver, const BString& name) {
+    return GdalRaster(Open(name.Utf8(), {driver, nullptr}));
+}
+
+GdalRaster OpenAuxiliary(const GdalRaster& raster) {
+    const char* const name = raster->GetDescription();
+    return GdalRaster(GDALDataset::FromHandle(GDALFindAssociatedAuxFile(name, GA_ReadOnly, raster.get())),
+                      raster.get_deleter());
+}
+
+bool IsUsable(const GdalRaster& raster) {
+    ConfinedFiles* const files = raster.get_deleter().files.get();
+    if (!files) return true;
+    for (const std::string& refusal : files->TakeRefusals())
+        BLogger::Instance()->WriteLine(ELogSeverity::Error,
+                                       "BRefGeoTIFF::Read left out what it may not read: %s", refusal);
+    return !files->IsRefused();
 }
 
 }  // namespace MapAnchor

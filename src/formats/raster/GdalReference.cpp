@@ -1,6 +1,7 @@
 #include "raster/GdalReference.h"
 
 #include "raster/GdalRaster.h"
+
 #include "raster/VerticalUnit.h"
 
 #include <Tellurion/QuietGdal.h>
@@ -82,11 +83,11 @@ void ReadTexts(GDALDataset& raster, GDALDataset* auxiliary, GdalReference& out) 
 
 }  // namespace
 
-std::optional<GdalReference> ReadGdalReference(const BString& file) {
+std::optional<GdalReference> ReadGdalReference(const BString& file, RasterKinds kinds) {
     const Tellurion::QuietGdal quiet;
-    const GdalRaster raster = OpenRaster(file);
+    const GdalRaster raster = OpenRaster(file, kinds);
     if (!raster) return std::nullopt;
-    const GdalRaster auxiliary = OpenAuxiliary(file, *raster);
+    const GdalRaster auxiliary = OpenAuxiliary(raster);
     GdalReference out;
     out.pixel_is_point = IsPointRegistered(*raster, auxiliary.get());
     ReadPoints(*raster, auxiliary.get(), out);
@@ -94,7 +95,16 @@ std::optional<GdalReference> ReadGdalReference(const BString& file) {
     ReadTexts(*raster, auxiliary.get(), out);
     out.vertical_unit = ReadVerticalUnit(*raster);
     if (auxiliary) out.auxiliary_vertical_unit = ReadVerticalUnit(*auxiliary);
-    return out;
+    return IsUsable(raster) ? std::optional(std::move(out)) : std::nullopt;
+}
+
+bool ReadRasterSize(const BString& file, long& width, long& height) {
+    const Tellurion::QuietGdal quiet;
+    const GdalRaster raster = OpenRaster(file);
+    if (!raster || raster->GetRasterXSize() <= 0 || raster->GetRasterYSize() <= 0) return false;
+    width = raster->GetRasterXSize();
+    height = raster->GetRasterYSize();
+    return true;
 }
 
 }  // namespace MapAnchor

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/AffineTerms.h"
+#include "raster/RasterKinds.h"
 
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/BPointPair.h>
@@ -31,8 +32,11 @@ struct GdalReference {
     bool PointsDiffer() const { return static_cast<std::size_t>(point_count) != points.size(); }
 };
 
-/// Opens the raster, takes what it says, and closes it; empty when GDAL does not know
-/// the file. Nothing is written, and GDAL prints nothing.
-std::optional<GdalReference> ReadGdalReference(const Tellurion::BString& file);
+/// Opens the raster, takes what it says, and closes it; empty when no driver of these kinds
+/// knows the file. Nothing is written, and GDAL prints nothing.
+std::optional<GdalReference> ReadGdalReference(const Tellurion::BString& file, RasterKinds kinds);
+
+/// The size in pixels, in the same way.
+bool ReadRasterSize(const Tellurion::BString& file, long& width, long& height);
 
 }  // namespace MapAnchor

@@ -33,11 +33,12 @@ GdalUpdate::GdalUpdate(const BString& file) {
         lock_.emplace(path);
         folder_.emplace(path);
     }
-    raster_ = OpenRasterForUpdate(folder_ ? BString(folder_->RasterName()) : file);
+    raster_ = OpenRasterForUpdate(file, folder_ ? BString(folder_->RasterName()) : file);
     memory_fault_ = MemoryFaultOfOpening();
     if (!raster_ || !folder_) return;
     refusal_ = RefusalOf(*lock_, folder_->Raster());
     layout_ = RasterState::Of(*raster_).layout;
+    if (GDALDriver* driver = raster_->GetDriver()) driver_ = driver->GetDescription();
 }
 
 GdalUpdate::~GdalUpdate() {
@@ -49,7 +50,7 @@ GdalUpdate::~GdalUpdate() {
 /// itself says, so what it says of the place is taken out where it says something else.
 std::string GdalUpdate::CheckStaged(const RasterState& wanted) {
     const auto difference = [&]() -> std::string {
-        const GdalRaster staged = OpenRaster(BString(folder_->RasterName()));
+        const GdalRaster staged = ReopenRaster(driver_.c_str(), BString(folder_->RasterName()));
         return staged ? DifferenceOf(wanted, RasterState::Of(*staged)) : "the raster would not open again";
     };
     std::string found = difference();

@@ -3,6 +3,7 @@
 #include "coordsys/ArcInfoText.h"
 #include "coordsys/CoordSysDefinition.h"
 #include "coordsys/DefinitionCaches.h"
+#include "coordsys/NamedFiles.h"
 #include "coordsys/ProjObjects.h"
 #include "geocalc/CCoordSys.h"
 #include "geocalc/ErMapperSystems.h"
@@ -98,6 +99,15 @@ bool BCoordSys::GetIdentifier(const BString& issuer, BIdentifier& out) const {
 
 BCoordSys* BCoordSys::FromFile(const BString& path) {
     const BString text = ReadText(path);
+    const std::string named = FileNamedIn(text.StdStr());
+    if (!named.empty()) {
+        BLogger::Instance()->WriteLine(
+            ELogSeverity::Error,
+            "BCoordSys::FromFile: %s names the file <%s>, which is not opened; the "
+            "coordinate system is not read",
+            path, named);
+        return nullptr;
+    }
     CoordSysDefinition::Ptr definition = FindByWkt(text);
     return Wrap(definition ? std::move(definition) : FindByArcInfoText(text));
 }

@@ -45,7 +45,9 @@ public:
     static constexpr int kKindGeodetic = 1;   ///< an answer of GetKind()
     static constexpr int kKindProjected = 3;  ///< an answer of GetKind()
 
-    /// Reads a PRJ text file: well-known text, usually in ESRI's flavour.
+    /// Reads a PRJ text file: well-known text, usually in ESRI's flavour. No text is read
+    /// that names a file by its path, such as a grid of datum shifts: here it is logged, and
+    /// FromWKT() throws a BCoordSysException.
     static BCoordSys* FromFile(const BString& path);
     /// Well-known text 1 in GDAL's and in ESRI's flavour, and well-known text 2.
     static BCoordSys* FromWKT(const BString& text);

@@ -1,8 +1,11 @@
 #include "coordsys/CoordSysDefinition.h"
 
 #include "coordsys/Identification.h"
+#include "coordsys/NamedFiles.h"
 #include "coordsys/UnitTable.h"
 #include "coordsys/WktTexts.h"
+
+#include <Tellurion/BCoordSysException.h>
 
 #include <proj_experimental.h>
 
@@ -43,6 +46,14 @@ int NumberOf(PJ* crs) {
     return stated != 0 ? stated : IdentifyEpsg(crs);
 }
 
+void RequireNoFile(const std::string& text) {
+    const std::string file = FileNamedIn(text);
+    if (!file.empty())
+        throw BCoordSysException(
+            "The coordinate system is not read.", "CoordSysDefinition::FromWkt",
+            BString::Format("It names the file <%s>. Name grids without a folder.", file));
+}
+
 }  // namespace
 
 CoordSysDefinition::Parts CoordSysDefinition::Split(Proj::Object crs) {
@@ -71,6 +82,7 @@ CoordSysDefinition::Ptr CoordSysDefinition::Make(Proj::Object crs) {
 CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
     const std::string cleaned = CleanWkt(text);
     if (cleaned.empty()) return nullptr;
+    RequireNoFile(cleaned);
     return Make(Proj::Object(
         proj_create_from_wkt(Proj::ThreadContext(), cleaned.c_str(), nullptr, nullptr, nullptr)));
 }

@@ -23,7 +23,8 @@ public:
 
     /// Of a coordinate reference system; null for any other object.
     static Ptr Make(Proj::Object crs);
-    /// Of well-known text; null when it cannot be understood. Nothing is cached here.
+    /// Of well-known text; null when it cannot be understood. Nothing is cached here. A text
+    /// that names a file by its path is a BCoordSysException: PROJ would open it.
     static Ptr FromWkt(const BString& text);
     /// Of a geodetic or projected EPSG system, or a compound one of these; else null.
     static Ptr FromEpsg(int number);

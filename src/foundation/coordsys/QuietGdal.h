@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Tellurion/QuietProj.h>
+
 #include <cpl_error.h>
 
 #include <string>
@@ -8,7 +10,7 @@ namespace Tellurion {
 
 /// While one lives, no error handler of the host hears of GDAL's errors in this thread,
 /// and CPLGetLastError* speak of what happened since. Afterwards they say again what
-/// they said before.
+/// they said before. PROJ prints nothing meanwhile.
 class QuietGdal {
 public:
     QuietGdal() : type_(CPLGetLastErrorType()), number_(CPLGetLastErrorNo()), text_(CPLGetLastErrorMsg()) {
@@ -35,6 +37,7 @@ private:
         self->failure_ = message.empty() ? "GDAL failed without a word" : message;
     }
 
+    const QuietProj quiet_proj_;
     CPLErr type_;
     CPLErrorNum number_;
     std::string text_;

@@ -1,5 +1,7 @@
 #include <Tellurion/BFile.h>
 
+#include "io/RegularFile.h"
+
 #include <Tellurion/Charsets.h>
 
 #include <fcntl.h>
@@ -53,11 +55,11 @@ bool BFile::Open(const EFileMode& access, const EFileMode& form) {
     position_ = 0;
     buffer_.clear();
     if (path_.GetUnits().find(u'\0') != std::u16string::npos) return false;
-    const int flags = writing_ ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY;
-    descriptor_ = ::open(path_.Ascii(), flags | O_CLOEXEC, 0666);
+    descriptor_ = writing_ ? ::open(path_.Ascii(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)
+                           : OpenRegularFile(path_.Ascii());
     if (descriptor_ < 0) return false;
     if (writing_) return true;
-    // A folder opens and fails at the first read: read now, and tell it at the door.
+    // A file that cannot be read is one that cannot be opened.
     Fill();
     if (!failed_) return true;
     Close();

@@ -24,7 +24,8 @@ public:
     BFile(const BFile&) = delete;
     BFile& operator=(const BFile&) = delete;
 
-    /// True on success; false for a missing file, a directory, or no permission.
+    /// True on success; false for a missing file or no permission, and to read for
+    /// anything but a regular file, such as a folder or a pipe, which is not opened.
     bool Open(const EFileMode& access, const EFileMode& form);
 
     /// The next line without its end ("\n" or "\r\n"), also the last one

@@ -28,6 +28,11 @@ bool BFileUtilities::Exists(const BString& path) {
     return ::stat(path.Ascii(), &status) == 0;
 }
 
+bool BFileUtilities::IsRegularFile(const BString& path) {
+    struct stat status;
+    return ::stat(path.Ascii(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 BString BFileUtilities::CompletePath(const BString& path) {
     const std::u16string& units = path.GetUnits();
     if (units.empty() || units.front() == u'/') return path;

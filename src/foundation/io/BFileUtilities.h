@@ -5,11 +5,14 @@
 
 namespace Tellurion {
 
-/// Questions about path texts. Only Exists() looks at the file system, and
-/// CompletePath() at the current folder.
+/// Questions about path texts. Only Exists() and IsRegularFile() look at the file
+/// system, and CompletePath() at the current folder.
 class TELLURION_EXPORT BFileUtilities {
 public:
     static bool Exists(const BString& path);  ///< true for files and folders
+    /// True for a file with bytes of its own, or a link to one. Nothing else is ever opened
+    /// for reading: no folder, pipe, device or socket.
+    static bool IsRegularFile(const BString& path);
     /// The absolute form; an absolute path comes back as it is.
     static BString CompletePath(const BString& path);
     /// The extension with its dot; empty when the last component has none.

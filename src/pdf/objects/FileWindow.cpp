@@ -1,6 +1,7 @@
 #include "objects/FileWindow.h"
 
-#include <fcntl.h>
+#include <Tellurion/RegularFile.h>
+
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
@@ -16,17 +17,12 @@ namespace {
 constexpr std::int64_t kLookBack = std::int64_t{2} * 1024;
 constexpr std::int64_t kJump = std::int64_t{8} * 1024;
 
-std::int64_t SizeOf(int descriptor) {
-    struct stat status;
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : 0;
-}
-
 }  // namespace
 
-// A pipe has no positions to read from: it is opened without waiting and is empty.
-FileWindow::FileWindow(const std::string& path)
-    : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-    if (IsOpen()) size_ = SizeOf(descriptor_);
+FileWindow::FileWindow(const std::string& path) {
+    struct stat status;
+    descriptor_ = Tellurion::OpenRegularFile(path.c_str(), &status);
+    if (IsOpen()) size_ = status.st_size;
 }
 
 FileWindow::~FileWindow() {

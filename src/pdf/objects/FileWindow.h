@@ -13,7 +13,8 @@ namespace VellumLib {
 /// instead of ending the process.
 class FileWindow {
 public:
-    /// `path` names the file; IsOpen() is false where it cannot be opened.
+    /// `path` names the file; IsOpen() is false where it cannot be opened or is not
+    /// a regular file.
     explicit FileWindow(const std::string& path);
     ~FileWindow();
     FileWindow(const FileWindow&) = delete;

@@ -4,6 +4,8 @@
 #include "objects/GuardedDevice.h"
 #include "objects/LoadBudget.h"
 
+#include <Tellurion/BFileUtilities.h>
+
 #include <podofo/podofo.h>
 
 #include <algorithm>
@@ -16,6 +18,7 @@ namespace VellumLib {
 namespace {
 
 using namespace PoDoFo;
+using Tellurion::BFileUtilities;
 
 /// The parser's settings of the whole process, as a load needs them, and as they were
 /// afterwards: a cap on object numbers, and nothing on standard error.
@@ -42,6 +45,13 @@ private:
     bool logging_ = PdfError::LoggingEnabled();
 };
 
+[[noreturn]] void RefuseUnopened(const std::string& path) {
+    const Tellurion::BString name(path);
+    if (BFileUtilities::Exists(name) && !BFileUtilities::IsRegularFile(name))
+        RefusePdf(ePdfError_NoPdfFile, path + " is not a regular file");
+    RefusePdf(ePdfError_FileNotFound, path);
+}
+
 std::unique_ptr<PdfMemDocument> LoadWhole(std::unique_ptr<FileWindow> file) {
     auto* const device = new GuardedDevice(std::move(file));
     // Shared with the document's objects: the last of them closes the file.
@@ -62,7 +72,7 @@ std::unique_ptr<PdfMemDocument> LoadWhole(std::unique_ptr<FileWindow> file) {
 std::unique_ptr<PdfMemDocument> LoadGuarded(const std::string& utf8_path, EPDFExtent extent) {
     if (utf8_path.empty()) RefusePdf(ePdfError_InvalidHandle, "No file is named.");
     auto file = std::make_unique<FileWindow>(utf8_path);
-    if (!file->IsOpen()) RefusePdf(ePdfError_FileNotFound, utf8_path);
+    if (!file->IsOpen()) RefuseUnopened(utf8_path);
     try {
         if (extent == EPDFExtent::FirstPage)
             if (auto document = LoadFirstPage(*file)) return document;

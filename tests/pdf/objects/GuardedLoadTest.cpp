@@ -89,11 +89,13 @@ TEST(GuardedLoad, SurvivesAFileThatIsCutShortWhileItIsOpen) {
 
 TEST(GuardedLoad, RefusesWhatIsNoFile) {
     const TempFolder folder;
-    ASSERT_EQ(mkfifo((folder / "pipe.pdf").c_str(), 0600), 0);
-    EXPECT_EQ(CodeOf(folder / "pipe.pdf"), ePdfError_NoPdfFile);
+    const std::string pipe = folder / "pipe.pdf";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::string named;
+    EXPECT_EQ(CodeOf(pipe, &named), ePdfError_NoPdfFile);
+    EXPECT_EQ(named, pipe + " is not a regular file");
     EXPECT_EQ(CodeOf(folder / "."), ePdfError_NoPdfFile);
     EXPECT_EQ(CodeOf(""), ePdfError_InvalidHandle);
-    std::string named;
     EXPECT_EQ(CodeOf(folder / "none.pdf", &named), ePdfError_FileNotFound);
     EXPECT_EQ(named, folder / "none.pdf");
 }
