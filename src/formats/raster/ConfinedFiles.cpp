@@ -270,6 +270,10 @@ bool ConfinedFiles::IsRefused() const {
 }
 
 void ConfinedFiles::Install() {
+    // A host that destroys its drivers may keep GDAL's file layers, and a second handler
+    // under one name would leak the first.
+    const std::unique_ptr<char*, decltype(&CSLDestroy)> installed(VSIGetFileSystemsPrefixes(), CSLDestroy);
+    if (CSLFindString(installed.get(), Prefix().c_str()) >= 0) return;
     const std::unique_ptr<VSIFilesystemPluginCallbacksStruct,
                           decltype(&VSIFreeFilesystemPluginCallbacksStruct)>
         functions(VSIAllocFilesystemPluginCallbacksStruct(), VSIFreeFilesystemPluginCallbacksStruct);
