@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <optional>
 
 namespace MapAnchor {
@@ -146,19 +147,38 @@ public:
 
     TiffPointer Pointer() const { return {layout_.pointer, layout_.pointer}; }
 
-    /// Empty when the directory is not whole.
-    std::optional<BlockFacts> Read() const {
-        const std::uint64_t start = NumberAt(layout_.pointer, layout_.pointer);
+    std::uint64_t FirstDirectory() const { return NumberAt(layout_.pointer, layout_.pointer); }
+
+    /// What a pointer that was read elsewhere leads to.
+    std::uint64_t ValueOf(const std::string& pointer) const {
+        ByteReader reader(pointer, order_);
+        return ReadNumber(reader, layout_.pointer);
+    }
+
+    /// Calls `use` with the tag and the values of each entry of the directory at `start`;
+    /// false when the directory is not whole.
+    template <class Use>
+    bool ForEachEntry(std::uint64_t start, Use use) const {
         const std::uint64_t count = NumberAt(start, layout_.entry_count);
-        if (start == 0 || count == 0 || count > kMaxEntries) return std::nullopt;
+        if (start == 0 || count == 0 || count > kMaxEntries) return false;
         const std::string entries =
             file_.Bytes(start + layout_.entry_count, static_cast<std::size_t>(count) * layout_.entry);
-        if (entries.size() != count * layout_.entry) return std::nullopt;
-        BlockFacts facts;
+        if (entries.size() != count * layout_.entry) return false;
         for (std::size_t at = 0; at < entries.size(); at += layout_.entry)
             ReadEntry(std::string_view(entries).substr(at, layout_.entry), start + layout_.entry_count + at,
-                      facts);
-        return facts;
+                      use);
+        return true;
+    }
+
+    /// Empty when the first directory is not whole.
+    std::optional<BlockFacts> Read() const {
+        BlockFacts facts;
+        const bool is_whole =
+            ForEachEntry(FirstDirectory(), [this, &facts](std::uint16_t tag, const List& list) {
+                const bool has_value = list.count > 0 && list.is_within_file;
+                facts.Set(tag, has_value ? NumberAt(list.start, list.size) : 0, list);
+            });
+        return is_whole ? std::optional(facts) : std::nullopt;
     }
 
     /// The stretch of the file that the blocks take. Both lists must be within the file;
@@ -201,7 +221,8 @@ private:
     }
 
     /// `at` is the entry's own offset in the file.
-    void ReadEntry(std::string_view entry, std::uint64_t at, BlockFacts& facts) const {
+    template <class Use>
+    void ReadEntry(std::string_view entry, std::uint64_t at, Use& use) const {
         ByteReader reader(entry, order_);
         const std::uint16_t tag = reader.U16();
         List list;
@@ -212,8 +233,7 @@ private:
         list.start = is_inside ? at + entry.size() - layout_.pointer : ReadNumber(reader, layout_.pointer);
         list.is_within_file =
             list.start <= file_.Length() && list.count <= (file_.Length() - list.start) / list.size;
-        const bool has_value = list.count > 0 && list.is_within_file;
-        facts.Set(tag, has_value ? NumberAt(list.start, list.size) : 0, list);
+        use(tag, list);
     }
 
     const StagedFile& file_;
@@ -228,6 +248,14 @@ std::string FaultOf(const std::optional<List>& list, std::uint64_t blocks, const
            std::to_string(blocks) + " strips or tiles";
 }
 
+/// What an update may add, change or remove: the georeferencing (GeoTIFF 1.1, and GDAL's
+/// metadata, which hold AREA_OR_POINT) and how a raster without tiles is cut into strips.
+bool MayChange(std::uint16_t tag) {
+    constexpr std::uint16_t kTags[] = {kStripOffsets, kRowsPerStrip, kStripByteCounts, 33550, 33922, 34264,
+                                       34735,         34736,         34737,            42112};
+    return std::find(std::begin(kTags), std::end(kTags), tag) != std::end(kTags);
+}
+
 }  // namespace
 
 bool IsTiff(const StagedFile& file) {
@@ -240,6 +268,22 @@ bool IsTiff(const StagedFile& file) {
 
 TiffPointer PointerOf(const StagedFile& tiff) {
     return DirectoryReader(tiff).Pointer();
+}
+
+std::string FaultOfNewDirectory(const StagedFile& tiff, const std::string& old_pointer) {
+    const DirectoryReader reader(tiff);
+    std::map<std::uint16_t, std::uint64_t> counts;
+    if (!reader.ForEachEntry(reader.FirstDirectory(), [&counts](std::uint16_t tag, const List& list) {
+            counts.emplace(tag, list.count);
+        }))
+        return "its new directory would not be whole";
+    std::string fault;
+    reader.ForEachEntry(reader.ValueOf(old_pointer), [&](std::uint16_t tag, const List& list) {
+        const auto found = counts.find(tag);
+        if (!MayChange(tag) && (found == counts.end() || found->second != list.count))
+            fault = "the update would lose its tag " + std::to_string(tag);
+    });
+    return fault;
 }
 
 std::string FaultOfBlockLists(const StagedFile& tiff) {

@@ -24,4 +24,9 @@ TiffPointer PointerOf(const StagedFile& tiff);
 /// one whose pixels overlap the header, the new pointer would be read as a pixel.
 std::string FaultOfBlockLists(const StagedFile& tiff);
 
+/// Why the first directory of an updated TIFF must not replace the one at `old_pointer`,
+/// the pointer's bytes before the update; empty when it may. Short of memory, libtiff
+/// drops a tag such as the colour map and reports success.
+std::string FaultOfNewDirectory(const StagedFile& tiff, const std::string& old_pointer);
+
 }  // namespace MapAnchor
