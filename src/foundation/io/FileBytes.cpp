@@ -97,6 +97,7 @@ int Overwrite(int to, int from, int old) {
 }
 
 int CopyToNew(const std::string& from, const std::string& to) {
+    const std::string folder = FolderOf(to);
     const int source = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
     if (source < 0) return errno;
     const int made = ::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
@@ -105,12 +106,15 @@ int CopyToNew(const std::string& from, const std::string& to) {
     if (made < 0) return error;
     if (error == 0 && ::fsync(made) != 0) error = errno;
     if (::close(made) != 0 && error == 0) error = errno;
-    if (error == 0) error = SyncFolder(FolderOf(to));
+    if (error == 0) error = SyncFolder(folder);
     if (error != 0) ::unlink(to.c_str());
     return error;
 }
 
 int Move(const std::string& from, const std::string& to) {
+    // Short of memory, this fails before the file moves and not after.
+    const std::string old_folder = FolderOf(from);
+    const std::string new_folder = FolderOf(to);
     const int file = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
     if (file >= 0) ::fsync(file);
     if (file >= 0) ::close(file);
@@ -120,8 +124,8 @@ int Move(const std::string& from, const std::string& to) {
         if (::access(to.c_str(), F_OK) == 0) return EEXIST;
         if (::rename(from.c_str(), to.c_str()) != 0) return errno;
     }
-    SyncFolder(FolderOf(to));
-    if (FolderOf(to) != FolderOf(from)) SyncFolder(FolderOf(from));
+    SyncFolder(new_folder);
+    if (new_folder != old_folder) SyncFolder(old_folder);
     return 0;
 }
 

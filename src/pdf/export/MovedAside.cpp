@@ -100,7 +100,15 @@ bool MovedAside::IsOnOneDevice() const {
 void MovedAside::Move() {
     const bool is_private = (state_.st_mode & kOtherBits) == 0;
     const bool can_be_private = is_private || (state_.st_nlink == 1 && state_.st_uid == ::geteuid());
-    const bool moved = IsOnOneDevice() && can_be_private ? MoveByRename() : MoveByCopy();
+    bool moved = false;
+    try {
+        moved = IsOnOneDevice() && can_be_private ? MoveByRename() : MoveByCopy();
+    } catch (...) {
+        // No destructor runs after a constructor that failed.
+        ::chmod(target_.c_str(), state_.st_mode & kAllBits);
+        if (::access(target_.c_str(), F_OK) == 0) ::unlink(aside_.c_str());
+        throw;
+    }
     if (!moved) ThrowImmovable();
     away_ = true;
 }
