@@ -8,7 +8,7 @@ export CCACHE_BASEDIR := $(CURDIR)
 export CCACHE_NOHASHDIR := 1
 export CCACHE_SLOPPINESS := pch_defines,time_macros,include_file_mtime,include_file_ctime
 
-.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package docs abi abi-update hard-places clean
+.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package docs abi abi-update hard-places fault-sweep clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -76,6 +76,10 @@ tidy: build ## run clang-tidy and cppcheck over the sources
 
 hard-places: build ## test under other locales, in a folder with an odd name, and without a place to write
 	@scripts/hard-places.sh build/release $(JOBS)
+
+FAULTS ?= full
+fault-sweep: build ## let each call of every save fail, or kill there, and print what is left
+	@build/release/bin/fault_sweep $(FAULTS)
 
 clean: ## remove all builds
 	rm -rf build

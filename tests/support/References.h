@@ -24,6 +24,17 @@ struct References {
         reference.SetPointPairVector(pairs, Tellurion::EMathTransformType::None);
         return reference;
     }
+    /// In UTM 32, with four control points of its affine, 200 by 100 pixels.
+    static BGeoReference WithCorners(double x, double y) {
+        BGeoReference reference = WithAffine(0.5, 0, x, 0, -0.5, y);
+        std::vector<Tellurion::BPointPair> pairs;
+        for (const auto& [column, row] : {std::pair{0L, 0L}, {200L, 0L}, {200L, 100L}, {0L, 100L}})
+            pairs.emplace_back(column, row, x + 0.5 * static_cast<double>(column),
+                               y - 0.5 * static_cast<double>(row), 0.0, Tellurion::BString(), true);
+        reference.SetPointPairVectorAndMathTransform(pairs, *reference.MathTransform);
+        SetSystem(reference, "32632");
+        return reference;
+    }
     static void SetSystem(BGeoReference& reference, const std::string& epsg) {
         reference.SetCoordSys(Tellurion::BSharedPtr<Tellurion::BCoordSys>(
             Tellurion::BCoordSys::FromEPSGCode(Tellurion::BString(epsg))));
