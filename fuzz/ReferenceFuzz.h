@@ -10,9 +10,11 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace fuzz {
@@ -48,6 +50,52 @@ private:
     std::string folder_;
     std::string path_;
     std::string out_;
+};
+
+/// Decisions by the fuzzer's bytes. Behind their end every choice is the honest one, so
+/// that no bytes at all make a page that reads well.
+class Choices {
+public:
+    Choices(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
+
+    std::uint8_t Byte() {
+        if (left_ == 0) return 0;
+        --left_;
+        return *data_++;
+    }
+    bool Odd() { return Byte() > 232; }
+    std::size_t Below(std::size_t count) { return Byte() % count; }
+    template <class T, std::size_t N>
+    const T& OneOf(const T (&values)[N]) {
+        return values[Below(N)];
+    }
+    std::size_t Count(std::size_t honest) {
+        static constexpr std::size_t kOdd[] = {0, 1, 2, 3, 5, 7, 8, 9, 40, 1000};
+        return Odd() ? OneOf(kOdd) : honest;
+    }
+    double Number(double honest) {
+        static constexpr double kOdd[] = {0.0,   -0.0, 1.0,  -1.0,  0.5,   1e-300, 1e300, -1e300, 1e39,
+                                          -1e39, 2e9,  -3e9, 180.0, 360.0, 90.0,   -90.0, 1e15,   HUGE_VAL};
+        if (!Odd()) return honest + Byte() / 16.0;
+        if (!Odd()) return OneOf(kOdd);
+        std::uint64_t bits = 0;
+        for (int i = 0; i < 8; ++i)
+            bits = bits << 8 | Byte();
+        double any = 0.0;
+        std::memcpy(&any, &bits, sizeof any);
+        return any;
+    }
+    std::string Text(std::string honest) {
+        if (!Odd()) return honest;
+        std::string text(Below(24), ' ');
+        for (char& byte : text)
+            byte = static_cast<char>(Byte());
+        return Odd() ? text : honest + text;
+    }
+
+private:
+    const std::uint8_t* data_;
+    std::size_t left_;
 };
 
 constexpr long kWidth = 64;
