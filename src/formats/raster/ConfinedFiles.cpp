@@ -185,8 +185,8 @@ void* Open(void*, const char* name, const char* access) {
         if (errno == EINVAL || errno == EISDIR) files->Refuse(path, "is not a regular file");
         return nullptr;
     }
-    auto file =
-        std::make_unique<OpenFile>(*files, path, descriptor, static_cast<vsi_l_offset>(status.st_size));
+    std::unique_ptr<OpenFile> file(
+        new OpenFile{*files, path, descriptor, static_cast<vsi_l_offset>(status.st_size)});
     if (IsInnocent(*file)) return file.release();
     ::close(descriptor);
     errno = EACCES;
