@@ -3,7 +3,10 @@
 #include "raster/AuxiliaryXml.h"
 #include "raster/TiffBlocks.h"
 
+#include <cpl_string.h>
+
 #include <cstring>
+#include <vector>
 
 namespace MapAnchor {
 
@@ -20,9 +23,18 @@ std::string MemoryFaultOfOpening() {
     return out_of_memory ? CPLGetLastErrorMsg() : "";
 }
 
-std::string RefusalOf(const UpdateLock& lock, const StagedFile* raster) {
+std::string RefusalOf(const UpdateLock& lock, StagedFile* raster) {
     if (!lock.Refusal().empty() || !raster || !IsTiff(*raster)) return lock.Refusal();
     return FaultOfBlockLists(*raster);
+}
+
+/// The other files that the raster's georeferencing or description comes from.
+std::vector<std::string> FilesBeside(GDALDataset& raster) {
+    const CPLStringList files(raster.GetFileList());
+    std::vector<std::string> names;
+    for (int i = 1; i < files.size(); ++i)
+        names.emplace_back(files[i]);
+    return names;
 }
 
 }  // namespace
@@ -49,16 +61,16 @@ GdalUpdate::~GdalUpdate() {
 /// Opens what is staged and compares it. An auxiliary file goes before what the raster
 /// itself says, so what it says of the place is taken out where it says something else.
 std::string GdalUpdate::CheckStaged(const RasterState& wanted) {
+    std::vector<std::string> beside;
     const auto difference = [&]() -> std::string {
         const GdalRaster staged = ReopenRaster(driver_.c_str(), BString(folder_->RasterName()));
+        beside = staged ? FilesBeside(*staged) : std::vector<std::string>();
         return staged ? DifferenceOf(wanted, RasterState::Of(*staged)) : "the raster would not open again";
     };
     std::string found = difference();
     if (!found.empty() && RemovePlaceFromAuxiliaryXml(*folder_)) found = difference();
-    std::uint64_t length = 0;
-    const std::string auxiliary = AuxiliaryXmlOf(*folder_);
-    if (!found.empty() && folder_->GetLength(auxiliary, length))
-        found += "; see whether " + auxiliary + " overrides it";
+    for (const std::string& name : found.empty() ? std::vector<std::string>() : beside)
+        found += "; see whether " + name + " overrides it";
     return found;
 }
 

@@ -110,8 +110,7 @@ void Undo(const StagedFile& raster, const Append& append, int descriptor) {
 std::string CommitAppend(const StagedFile& raster, const Append& append, int descriptor) {
     if (!IsWithinSizeLimit(raster.Length())) return Reason(EFBIG);
     if (append.new_pointer != append.old_pointer)
-        if (std::string fault = FaultOfNewDirectory(raster, append.old_pointer); !fault.empty())
-            return fault;
+        if (std::string fault = FaultOfNewDirectory(raster, append.old_pointer); !fault.empty()) return fault;
     if (const int error = AppendTail(raster, descriptor)) {
         CutTail(raster, descriptor);
         return Reason(error);

@@ -104,7 +104,7 @@ std::string StagedFile::Bytes(std::uint64_t offset, std::size_t count) const {
     return bytes;
 }
 
-StagedFile::Page& StagedFile::PageForWriting(std::uint64_t number) {
+StagedFile::Page& StagedFile::PageInMemory(std::uint64_t number) {
     std::unique_ptr<Page>& page = pages_[number];
     if (!page) {
         page = std::make_unique<Page>();
@@ -119,11 +119,17 @@ void StagedFile::WriteAt(std::uint64_t offset, std::span<const char> bytes) {
     while (!bytes.empty()) {
         const std::size_t within = static_cast<std::size_t>(offset % kPage);
         const std::size_t count = std::min(bytes.size(), kPage - within);
-        std::memcpy(PageForWriting(offset / kPage).data() + within, bytes.data(), count);
+        std::memcpy(PageInMemory(offset / kPage).data() + within, bytes.data(), count);
         bytes = bytes.subspan(count);
         offset += count;
         length_ = std::max(length_, offset);
     }
+}
+
+void StagedFile::KeepInMemory(std::uint64_t offset, std::uint64_t count) {
+    const std::uint64_t end = offset + std::min(count, length_ - std::min(offset, length_));
+    for (std::uint64_t at = offset / kPage; at * kPage < end; ++at)
+        PageInMemory(at);
 }
 
 void StagedFile::Truncate(std::uint64_t length) {

@@ -49,6 +49,8 @@ public:
     std::string Bytes(std::uint64_t offset, std::size_t count) const;
     void WriteAt(std::uint64_t offset, std::span<const char> bytes);
     void Truncate(std::uint64_t length);
+    /// Reads these bytes now, so that reading them later cannot fail. They cost memory.
+    void KeepInMemory(std::uint64_t offset, std::uint64_t count);
 
     /// True when a write or a change of the length was asked for.
     bool IsTouched() const { return touched_; }
@@ -73,7 +75,7 @@ private:
           valid_(length),
           length_(length) {}
     std::size_t ReadDisk(std::uint64_t offset, std::span<char> out) const;
-    Page& PageForWriting(std::uint64_t number);
+    Page& PageInMemory(std::uint64_t number);
 
     std::string path_;
     int descriptor_;

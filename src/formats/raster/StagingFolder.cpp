@@ -20,7 +20,7 @@ StagingFolder::~StagingFolder() {
     StagingLayer::Remove(prefix_);
 }
 
-const StagedFile* StagingFolder::Raster() const {
+StagedFile* StagingFolder::Raster() const {
     const auto found = files_.find(name_);
     return found == files_.end() ? nullptr : found->second.get();
 }

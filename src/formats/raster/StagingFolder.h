@@ -30,7 +30,7 @@ public:
     /// The raster's name within the folder.
     const std::string& NameOfRaster() const { return name_; }
     /// The raster; null until it was opened, and after it was removed.
-    const StagedFile* Raster() const;
+    StagedFile* Raster() const;
     /// Every file that was opened or removed, by its name within the folder. Null for a
     /// file that was removed.
     const std::map<std::string, std::unique_ptr<StagedFile>>& Files() const { return files_; }

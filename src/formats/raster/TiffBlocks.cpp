@@ -251,8 +251,8 @@ std::string FaultOf(const std::optional<List>& list, std::uint64_t blocks, const
 /// What an update may add, change or remove: the georeferencing (GeoTIFF 1.1, and GDAL's
 /// metadata, which hold AREA_OR_POINT) and how a raster without tiles is cut into strips.
 bool MayChange(std::uint16_t tag) {
-    constexpr std::uint16_t kTags[] = {kStripOffsets, kRowsPerStrip, kStripByteCounts, 33550, 33922, 34264,
-                                       34735,         34736,         34737,            42112};
+    constexpr std::uint16_t kTags[] = {
+        kStripOffsets, kRowsPerStrip, kStripByteCounts, 33550, 33922, 34264, 34735, 34736, 34737, 42112};
     return std::find(std::begin(kTags), std::end(kTags), tag) != std::end(kTags);
 }
 
@@ -286,7 +286,7 @@ std::string FaultOfNewDirectory(const StagedFile& tiff, const std::string& old_p
     return fault;
 }
 
-std::string FaultOfBlockLists(const StagedFile& tiff) {
+std::string FaultOfBlockLists(StagedFile& tiff) {
     const DirectoryReader reader(tiff);
     const std::optional<BlockFacts> facts = reader.Read();
     if (!facts) return "its first directory is not whole";
@@ -304,6 +304,8 @@ std::string FaultOfBlockLists(const StagedFile& tiff) {
         return "a strip or tile starts within the file's header";
     if (extent.end > tiff.Length())
         return "it is cut short: its last strip or tile ends after the end of the file";
+    for (const std::optional<List>& list : {facts->offsets, facts->byte_counts})
+        if (list) tiff.KeepInMemory(list->start, list->count * list->size);
     return {};
 }
 

@@ -21,8 +21,10 @@ TiffPointer PointerOf(const StagedFile& tiff);
 /// libtiff (4.5.0) crashes when it writes a directory whose list of strips or tiles is
 /// shorter than the raster needs, although it reads the rest of such a file. Of a file
 /// that is cut within its pixels, what is appended would be read as the missing ones; of
-/// one whose pixels overlap the header, the new pointer would be read as a pixel.
-std::string FaultOfBlockLists(const StagedFile& tiff);
+/// one whose pixels overlap the header, the new pointer would be read as a pixel. Where
+/// there is no fault, the lists are kept in memory: libtiff also crashes when it cannot
+/// read them while it closes the file.
+std::string FaultOfBlockLists(StagedFile& tiff);
 
 /// Why the first directory of an updated TIFF must not replace the one at `old_pointer`,
 /// the pointer's bytes before the update; empty when it may. Short of memory, libtiff
