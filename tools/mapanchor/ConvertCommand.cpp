@@ -198,7 +198,7 @@ void WarnOfOtherSystem(const ConvertOptions& options, const BGeoReference& refer
 void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
     const std::vector<ReservedTarget> reserved = Reserve(options, outcome);
     if (outcome.failure) return;
-    const bool existed = reserved.empty() || !reserved.front().Created();
+    const bool existed = reserved.empty() || !reserved.front().IsNew();
     try {
         CallSave(options, reference);
         WarnOfOtherSystem(options, reference, outcome);

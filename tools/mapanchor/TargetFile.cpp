@@ -113,23 +113,37 @@ void WriteWholeFile(const std::string& file, const std::string& text, bool overw
 }
 
 ReservedTarget::ReservedTarget(std::string file, bool overwrite) : file_(std::move(file)) {
-    const int flags = O_WRONLY | O_CLOEXEC | O_NONBLOCK;  // a pipe without a reader is no target to wait for
-    int descriptor = overwrite ? open(file_.c_str(), flags) : -1;
-    if (descriptor < 0 && (!overwrite || errno == ENOENT)) {
-        descriptor = open(file_.c_str(), flags | O_CREAT | O_EXCL, kMode);
-        created_ = descriptor >= 0;
+    if (overwrite) {
+        TryToWrite();
+        return;
     }
-    if (descriptor < 0) Fail(file_, overwrite ? "written" : "created", errno);
+    const int descriptor = open(file_.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, kMode);
+    if (descriptor < 0) Fail(file_, "created", errno);
     close(descriptor);
+    is_new_ = true;
+}
+
+/// A file that may exist is not created here: a process that is killed would leave it empty.
+void ReservedTarget::TryToWrite() {
+    // A pipe without a reader is no target to wait for.
+    const int descriptor = open(file_.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor >= 0) {
+        close(descriptor);
+        return;
+    }
+    if (errno != ENOENT) Fail(file_, "written", errno);
+    const std::string folder = fs::absolute(Followed(file_)).parent_path().string();
+    if (access(folder.c_str(), W_OK | X_OK) != 0) Fail(file_, "written", errno);
+    is_new_ = true;
 }
 
 ReservedTarget::~ReservedTarget() {
     std::error_code error;
-    if (created_ && fs::file_size(file_, error) == 0 && !error) fs::remove(file_, error);
+    if (is_new_ && fs::file_size(file_, error) == 0 && !error) fs::remove(file_, error);
 }
 
 ReservedTarget::ReservedTarget(ReservedTarget&& other) noexcept
-    : file_(std::move(other.file_)), created_(std::exchange(other.created_, false)) {}
+    : file_(std::move(other.file_)), is_new_(std::exchange(other.is_new_, false)) {}
 
 FolderBeside::FolderBeside(const std::string& target) : target_(Followed(target)) {
     std::string pattern = (target_.parent_path() / kFolderPattern).string();

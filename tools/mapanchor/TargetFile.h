@@ -21,8 +21,8 @@ std::string ExistsText(const std::string& file);
 void WriteWholeFile(const std::string& file, const std::string& text, bool overwrite);
 
 /// Makes sure of a target before it is written: one that must not exist is created here, so
-/// that it is nobody else's, one that may is tried for writing. A file that was created and is
-/// still empty at the end is removed.
+/// that it is nobody else's, one that may exist is tried for writing. A file that is new and
+/// empty at the end is removed.
 class ReservedTarget {
 public:
     ReservedTarget(std::string file, bool overwrite);
@@ -31,11 +31,14 @@ public:
     ReservedTarget(const ReservedTarget&) = delete;
     ReservedTarget& operator=(const ReservedTarget&) = delete;
 
-    bool Created() const { return created_; }
+    /// True when no file was there.
+    bool IsNew() const { return is_new_; }
 
 private:
+    void TryToWrite();
+
     std::string file_;
-    bool created_ = false;
+    bool is_new_ = false;
 };
 
 /// A folder of its own beside a target, for what is made under the target's name there and
