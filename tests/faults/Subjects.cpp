@@ -67,7 +67,6 @@ const TiffKind kTiffs[] = {
     {"rotated", "", "rotated"},
     {"referenced_big_endian", "ENDIANNESS=BIG", "transform"},
     {"profile_beside", "PROFILE=BASELINE", "transform"},
-    {"world_file_beside", "TFW=YES", "transform"},
     {"statistics_beside", "", "aux"},
     {"statistics", "", "statistics"},
     {"no_data", "", "nodata"},

@@ -23,6 +23,7 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <regex>
 
 extern "C" void FaultShimStart();
 
@@ -145,11 +146,17 @@ private:
     bool IsTiff() const { return subject_.type == EReferenceType::GeoTIFF; }
     bool IsPdf() const { return subject_.type == EReferenceType::GeoPDF; }
 
+    /// Without the time of a save, which an ERS header states.
+    static std::string Content(const fs::path& file) {
+        static const std::regex time("LastUpdated.*");
+        const std::string content = TempFolder::Slurp(file);
+        return file.extension() == ".ers" ? std::regex_replace(content, time, "") : content;
+    }
     State Look() const {
         State state;
         for (const auto& entry : fs::recursive_directory_iterator(under_))
             if (entry.is_regular_file())
-                state.files[entry.path().string().substr(under_.size())] = TempFolder::Slurp(entry.path());
+                state.files[entry.path().string().substr(under_.size())] = Content(entry.path());
         if (!IsTiff() || state.files == before_.files) return {state.files, before_.raster};
         if (state.files == after_.files) return after_;
         InChild([this] {
