@@ -1,20 +1,36 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets and runs each for FUZZ_SECONDS on its seeds, <jobs> at a time:
-# fuzz.sh <jobs>. What a target finds is kept in build/fuzz/found/<target>.
+# Builds the fuzz targets and runs each on its seeds, <jobs> at a time: fuzz.sh <jobs>.
+# FUZZ_SECONDS (60) says how long. With FUZZ_ROUNDS, each runs that many times the count of
+# inputs in fuzz/counts.txt instead, from the seeds alone, so that two runs with one
+# FUZZ_SEED try the same inputs. What a target finds is kept in build/fuzz/found/<target>.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$1"
 
 # Seed 0 is a new one each time.
-export FUZZ_SECONDS=${FUZZ_SECONDS:-60} FUZZ_SEED=${FUZZ_SEED:-0} LSAN_OPTIONS="suppressions=$PWD/scripts/lsan.supp"
+export FUZZ_SECONDS=${FUZZ_SECONDS:-60} FUZZ_SEED=${FUZZ_SEED:-0} FUZZ_ROUNDS=${FUZZ_ROUNDS:-}
+export LSAN_OPTIONS="suppressions=$PWD/scripts/lsan.supp"
 run_one() {
-    local reader=$1 log=build/fuzz/$1.log
-    mkdir -p "build/fuzz/corpus/$reader" "build/fuzz/found/$reader"
-    local status=0
-    "build/fuzz/bin/${reader}_fuzzer" -max_total_time="$FUZZ_SECONDS" -max_len=4096 -seed="$FUZZ_SEED" -print_final_stats=1 \
+    local reader=$1 log=build/fuzz/$1.log corpus=build/fuzz/corpus/$1 limits=(-max_total_time="$FUZZ_SECONDS") status=0
+    if [ -n "$FUZZ_ROUNDS" ]; then
+        local count
+        count=$(sed -n "s/^$reader //p" fuzz/counts.txt)
+        [ -n "$count" ] || { echo "fuzz: $reader has no line in fuzz/counts.txt"; return 1; }
+        limits=(-runs=$((count * FUZZ_ROUNDS)))
+        corpus=build/fuzz/fresh/$reader
+        rm -rf "$corpus"
+    fi
+    # The commands must do with little memory. They reach so much code that a look for leaks
+    # and the weights of what is covered would take most of the time.
+    if [ "$reader" = frontdoor ]; then
+        limits+=(-rss_limit_mb=512 -entropic=0 -detect_leaks=0)
+        export ASAN_OPTIONS=quarantine_size_mb=16
+    fi
+    mkdir -p "$corpus" "build/fuzz/found/$reader"
+    "build/fuzz/bin/${reader}_fuzzer" "${limits[@]}" -timeout=60 -max_len=4096 -seed="$FUZZ_SEED" -print_final_stats=1 \
         -close_fd_mask=1 -artifact_prefix="build/fuzz/found/$reader/" \
-        "build/fuzz/corpus/$reader" "fuzz/seeds/$reader" >"$log" 2>&1 || status=$?
+        "$corpus" "fuzz/seeds/$reader" >"$log" 2>&1 || status=$?
     echo "fuzz: $reader, $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") inputs"
     if [ "$status" -ne 0 ]; then grep -E 'ERROR|SUMMARY|Test unit written' "$log" || tail -5 "$log"; fi
     return "$status"
