@@ -15,11 +15,21 @@ double DegreesPerUnit(PJ* geographic) {
     return std::abs(degrees - 1.0) < 1e-12 ? 1.0 : degrees;
 }
 
+/// From the base system, both with the axes that they have. A bare projection does not say
+/// which of two axes that both go south or north comes first; that between systems does.
+Proj::Object MakeProjection(PJ* crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    if (Proj::HasAxesEastNorth(crs)) return Proj::Object(proj_crs_get_coordoperation(context, crs));
+    const Proj::Object base(proj_get_source_crs(context, crs));
+    return Proj::Object(base ? proj_create_crs_to_crs_from_pj(context, base.get(), crs, nullptr, nullptr)
+                             : nullptr);
+}
+
 /// The projection with longitude and easting first. A text of its steps makes a
 /// light object that asks nothing of the database.
 Proj::Object MakeOperation(PJ* crs) {
     PJ_CONTEXT* context = Proj::ThreadContext();
-    const Proj::Object projection(proj_crs_get_coordoperation(context, crs));
+    const Proj::Object projection = MakeProjection(crs);
     if (!projection) return nullptr;
     const Proj::Object ordered(proj_normalize_for_visualization(context, projection.get()));
     if (!ordered) return nullptr;

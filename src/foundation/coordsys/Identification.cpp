@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <compare>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,13 +18,16 @@
 namespace Tellurion {
 namespace {
 
-// What a text that cuts its parameters after 15 digits moves a position by is far
-// below this, what another parameter would, above.
-constexpr double kSamePlace = 1e-4;  // metres
+// Origins in feet are rounded to a millimetre in the EPSG list, some to a hundredth of a
+// foot; another system is metres away.
+constexpr double kSamePlace = 2e-3;  // metres
 
 /// Candidates are asked for by name, method and area; a list longer than this holds
 /// systems that have no more in common than the method.
 constexpr int kMostCandidates = 64;
+
+/// Positions are tried in this many columns and rows.
+constexpr int kSteps = 8;
 
 bool IsEquivalent(PJ* first, PJ* second) {
     return proj_is_equivalent_to_with_ctx(Proj::ThreadContext(), first, second,
@@ -78,34 +82,46 @@ BPoint FalseOrigin(PJ* crs) {
     return origin;
 }
 
-/// Projects the same positions with both, spread over the area of `second`. They
-/// must agree wherever the grids have a meaning: within an Earth's width.
-bool ProjectAlike(PJ* first, PJ* second) {
-    constexpr int kSteps = 8;
+bool IsProjected(PJ* crs) {
+    return proj_get_type(crs) == PJ_TYPE_PROJECTED_CRS;
+}
+
+double MetresPerGridUnit(PJ* crs) {
+    constexpr double kEarthRadius = 6378137.0;
+    return MetresPerUnit(crs) * (IsProjected(crs) ? 1.0 : kEarthRadius);
+}
+
+/// Projects the same positions with both, spread over the area of `second`, and answers the
+/// largest distance in metres. Positions count wherever the grids have a meaning: within an
+/// Earth's width. Infinite when they cannot be compared, or as soon as it is over `limit`.
+double LargestDistance(PJ* first, PJ* second, double limit) {
     constexpr double kEarth = 2e7;
-    const Area area = AreaOf(second);
+    constexpr double kInfinite = std::numeric_limits<double>::infinity();
     const GeodeticConversion one(first);
     const GeodeticConversion other(second);
-    const double metres = MetresPerUnit(second);
-    const BPoint origin = FalseOrigin(second);
+    const double metres = MetresPerGridUnit(second);
+    const BPoint origin = IsProjected(second) ? FalseOrigin(second) : BPoint();
+    double largest = 0.0;
     int compared = 0;
-    for (int i = 0; i < kSteps * kSteps; ++i) {
-        const int row = i / kSteps;
-        BPoint a = area.At((i % kSteps + 0.5) / kSteps, (row + 0.4) / kSteps);
-        BPoint b = a;
+    for (const BPoint& place : PlacesOf(second)) {
+        BPoint a = place;
+        BPoint b = place;
         const bool has_a = one.FromGeodetic(a);
-        if (has_a != other.FromGeodetic(b)) return false;
+        if (has_a != other.FromGeodetic(b)) return kInfinite;
         if (!has_a || std::hypot(b.x * metres - origin.x, b.y * metres - origin.y) > kEarth) continue;
-        if (!(std::hypot(a.x - b.x, a.y - b.y) * metres < kSamePlace)) return false;
+        largest = std::max(largest, std::hypot(a.x - b.x, a.y - b.y) * metres);
+        if (!(largest < limit)) return kInfinite;
         ++compared;
     }
-    return compared >= 4;
+    return compared >= 4 ? largest : kInfinite;
+}
+
+bool ProjectAlike(PJ* first, PJ* second) {
+    return LargestDistance(first, second, kSamePlace) < kSamePlace;
 }
 
 bool IsSameProjected(PJ* first, PJ* second) {
-    const Proj::Object base(proj_get_source_crs(Proj::ThreadContext(), first));
-    const Proj::Object other(proj_get_source_crs(Proj::ThreadContext(), second));
-    return base && other && IsEquivalent(base.get(), other.get()) && ProjectAlike(first, second);
+    return HasSameDatum(first, second) && ProjectAlike(first, second);
 }
 
 bool IsSameCompound(PJ* first, PJ* second) {
@@ -160,8 +176,8 @@ bool HasUsualAxes(PJ* crs) {
     Proj::Axis axis;
     Proj::Object owner;
     if (!Proj::GetAxis(crs, 0, axis, owner)) return false;
-    return std::string_view(axis.direction) ==
-           (proj_get_type(crs) == PJ_TYPE_PROJECTED_CRS ? "east" : "north");
+    if (!IsProjected(crs)) return std::string_view(axis.direction) == "north";
+    return std::string_view(axis.direction) == "east" || std::string_view(axis.name) == "Easting";
 }
 
 /// The best of the candidates seen so far, and whether another is as good.
@@ -203,29 +219,32 @@ Best FindByContent(PJ* crs) {
 
 using Numbers = std::vector<int>;
 
-Numbers ReadNumbersOf(const std::string& name, PJ_TYPE type) {
+enum class Names { Equal, Alike };
+
+Numbers ReadNumbersOf(const std::string& name, PJ_TYPE type, Names names) {
     PJ_CONTEXT* context = Proj::ThreadContext();
-    const Proj::List list(
-        proj_create_from_name(context, "EPSG", name.c_str(), &type, 1, 0, kMostCandidates, nullptr));
+    const Proj::List list(proj_create_from_name(context, "EPSG", name.c_str(), &type, 1,
+                                                names == Names::Alike ? 1 : 0, kMostCandidates, nullptr));
     Numbers numbers;
     for (int i = 0; list && i < proj_list_get_count(list.get()); ++i)
         numbers.push_back(Proj::StatedEpsg(Proj::Object(proj_list_get(context, list.get(), i)).get()));
     return numbers;
 }
 
-/// The systems that the database has under this very name.
-Numbers NumbersOf(const std::string& name, PJ_TYPE type) {
+/// The systems that the database has under this very name, or one that differs in blanks,
+/// case and marks.
+Numbers NumbersOf(const std::string& name, PJ_TYPE type, Names names) {
     constexpr std::size_t kMostNames = 256;
     static auto* const cache = new LruCache<Numbers>(kMostNames);
-    const BString key(std::to_string(type) + ' ' + name);
-    return cache->Get(key.GetUnits(), [&] { return ReadNumbersOf(name, type); });
+    const BString key(std::to_string(type) + (names == Names::Alike ? " ~" : " ") + name);
+    return cache->Get(key.GetUnits(), [&] { return ReadNumbersOf(name, type, names); });
 }
 
-Best FindByName(PJ* crs) {
+Best FindByName(PJ* crs, Names names) {
     Best best;
     const std::string name = Proj::NameOf(crs);
     if (name.empty()) return best;
-    for (const int number : NumbersOf(name, proj_get_type(crs))) {
+    for (const int number : NumbersOf(name, proj_get_type(crs), names)) {
         const Proj::Object candidate(proj_create_from_database(
             Proj::ThreadContext(), "EPSG", std::to_string(number).c_str(), PJ_CATEGORY_CRS, 0, nullptr));
         if (candidate && IsSameSystem(crs, candidate.get())) best.Offer(candidate.get(), 100);
@@ -243,18 +262,44 @@ bool IsSameSystem(PJ* first, PJ* second) {
     return IsEquivalent(first, second);
 }
 
+bool HasSameDatum(PJ* first, PJ* second) {
+    if (proj_get_type(first) != proj_get_type(second)) return false;
+    if (!IsProjected(first)) return IsEquivalent(first, second);
+    const Proj::Object base(proj_get_source_crs(Proj::ThreadContext(), first));
+    const Proj::Object other(proj_get_source_crs(Proj::ThreadContext(), second));
+    return base && other && IsEquivalent(base.get(), other.get());
+}
+
+std::vector<BPoint> PlacesOf(PJ* crs) {
+    std::vector<BPoint> places;
+    const Area area = AreaOf(crs);
+    for (int i = 0; i < kSteps * kSteps; ++i)
+        places.push_back(area.At((i % kSteps + 0.5) / kSteps, (i / kSteps + 0.4) / kSteps));
+    return places;
+}
+
+double LargestDistance(PJ* first, PJ* second) {
+    if (proj_get_type(first) != proj_get_type(second) || !HasSameFigure(first, second))
+        return std::numeric_limits<double>::infinity();
+    return LargestDistance(first, second, std::numeric_limits<double>::infinity());
+}
+
 bool IsSamePlacement(PJ* first, PJ* second) {
     if (proj_get_type(first) != proj_get_type(second) || !HasSameFigure(first, second)) return false;
     return ProjectAlike(first, second);
 }
 
 /// A name decides between systems that are the same, and finds the one whose numbers
-/// the text has rounded too far for a search.
+/// the text has rounded too far for a search. The search takes ten times as long, and that for
+/// names that are alike a hundred times: only names such as "UCS-2000_LCS-01_Crimea" and
+/// "NAD83_2011_Alabama_East(ftUS)", which stand in for EPSG's in ESRI's flavour, are worth it.
 int IdentifyEpsg(PJ* crs) {
-    const Best best = FindByContent(crs);
-    if (best.alone && best.name == Proj::NameOf(crs)) return best.number;
-    const Best named = FindByName(crs);
-    return named.number != 0 ? named.Answer() : best.Answer();
+    const Best named = FindByName(crs, Names::Equal);
+    if (named.number != 0) return named.Answer();
+    const int found = FindByContent(crs).Answer();
+    const std::string name = Proj::NameOf(crs);
+    if (found != 0 || name.find('_') == name.npos || name.find_first_of("-(") == name.npos) return found;
+    return FindByName(crs, Names::Alike).Answer();
 }
 
 }  // namespace Tellurion

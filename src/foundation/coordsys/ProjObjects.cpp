@@ -49,7 +49,7 @@ bool GetAxis(PJ* crs, int index, Axis& axis, Object& owner) {
     if (!owner || index >= proj_cs_get_axis_count(ThreadContext(), owner.get())) return false;
     const char* authority = nullptr;
     const char* code = nullptr;
-    if (!proj_cs_get_axis_info(ThreadContext(), owner.get(), index, nullptr, nullptr, &axis.direction,
+    if (!proj_cs_get_axis_info(ThreadContext(), owner.get(), index, &axis.name, nullptr, &axis.direction,
                                &axis.unit_factor, &axis.unit_name, &authority, &code))
         return false;
     axis.unit_epsg = IsEpsg(authority) ? ParseCode(code) : 0;
@@ -59,6 +59,15 @@ bool GetAxis(PJ* crs, int index, Axis& axis, Object& owner) {
 int CountAxes(PJ* crs) {
     const Object system(proj_crs_get_coordinate_system(ThreadContext(), crs));
     return system ? proj_cs_get_axis_count(ThreadContext(), system.get()) : 0;
+}
+
+bool HasAxesEastNorth(PJ* crs) {
+    Axis first;
+    Axis second;
+    Object owner;
+    Object other_owner;
+    return GetAxis(crs, 0, first, owner) && GetAxis(crs, 1, second, other_owner) &&
+           std::strcmp(first.direction, "east") == 0 && std::strcmp(second.direction, "north") == 0;
 }
 
 std::string NameOf(const PJ* object) {

@@ -30,6 +30,7 @@ using Ints = std::unique_ptr<int, IntsDeleter>;
 
 /// One axis of a coordinate system; the texts live as long as their system.
 struct Axis {
+    const char* name = "";
     const char* direction = "";
     const char* unit_name = "";
     /// Metres or radians for one unit.
@@ -44,6 +45,9 @@ bool GetAxis(PJ* crs, int index, Axis& axis, Object& owner);
 
 /// How many axes a coordinate reference system has; 0 when it cannot tell.
 int CountAxes(PJ* crs);
+
+/// True for a projected system whose first axis goes east and whose second goes north.
+bool HasAxesEastNorth(PJ* crs);
 
 /// What the object calls itself; empty for one without a name, as "LOCAL_CS[]" makes it.
 std::string NameOf(const PJ* object);

@@ -1,5 +1,6 @@
 #include "coordsys/WktTexts.h"
 
+#include "coordsys/Identification.h"
 #include "coordsys/Names.h"
 
 #include <string_view>
@@ -45,9 +46,27 @@ bool MayBeSystem(std::string_view text) {
            (text.find(kTypographicQuote) != std::string_view::npos || Closes(text));
 }
 
-BString Export(PJ* crs, PJ_WKT_TYPE flavour) {
-    const char* const options[] = {"MULTILINE=NO", nullptr};
+BString Export(PJ* crs, PJ_WKT_TYPE flavour, const char* axes = "OUTPUT_AXIS=AUTO") {
+    const char* const options[] = {"MULTILINE=NO", axes, nullptr};
     return BString(proj_as_wkt(Proj::ThreadContext(), crs, flavour, options));
+}
+
+/// The grid of a compound system, else the system itself.
+Proj::Object GridOf(PJ* crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    Proj::Object grid(proj_clone(context, crs));
+    if (grid && proj_get_type(grid.get()) == PJ_TYPE_COMPOUND_CRS)
+        grid.reset(proj_crs_get_sub_crs(context, grid.get(), 0));
+    if (grid && proj_get_type(grid.get()) == PJ_TYPE_BOUND_CRS)
+        grid.reset(proj_get_source_crs(context, grid.get()));
+    return grid;
+}
+
+/// True for a grid whose axes readers would not guess: a text without them means easting
+/// and northing. PROJ leaves them out of version 1 wherever it may.
+bool HasOddAxes(PJ* crs) {
+    const Proj::Object grid = GridOf(crs);
+    return grid && proj_get_type(grid.get()) == PJ_TYPE_PROJECTED_CRS && !Proj::HasAxesEastNorth(grid.get());
 }
 
 }  // namespace
@@ -66,11 +85,22 @@ std::string CleanWkt(const BString& text) {
 }
 
 BString ExportWkt(PJ* crs) {
-    return Export(crs, PJ_WKT1_GDAL);
+    const BString text = Export(crs, PJ_WKT1_GDAL, HasOddAxes(crs) ? "OUTPUT_AXIS=YES" : "OUTPUT_AXIS=AUTO");
+    return text.IsEmpty() ? ExportWkt2(crs) : text;
 }
 
+BString ExportWkt2(PJ* crs) {
+    return Export(crs, PJ_WKT2_2019, "OUTPUT_AXIS=YES");
+}
+
+/// The flavour states no axes: where they are odd, only a text that reads back to the
+/// same positions is given out.
 BString ExportPrj(PJ* crs) {
-    return Export(crs, PJ_WKT1_ESRI);
+    const BString text = Export(crs, PJ_WKT1_ESRI);
+    if (text.IsEmpty() || !HasOddAxes(crs)) return text;
+    const Proj::Object back(
+        proj_create_from_wkt(Proj::ThreadContext(), text.Utf8(), nullptr, nullptr, nullptr));
+    return back && IsSamePlacement(back.get(), GridOf(crs).get()) ? text : BString();
 }
 
 BString WebMercatorPrj() {

@@ -14,10 +14,14 @@ namespace Tellurion {
 /// that do not close or nest too deep.
 std::string CleanWkt(const BString& text);
 
-/// Well-known text 1 in GDAL's flavour; empty when the system cannot be told in it.
+/// Well-known text 1 in GDAL's flavour, with axes where they are not easting and northing;
+/// well-known text 2 of a system that version 1 cannot describe.
 BString ExportWkt(PJ* crs);
 
-/// Well-known text 1 in ESRI's flavour; empty when the system cannot be told in it.
+/// Well-known text 2 in its version of 2019.
+BString ExportWkt2(PJ* crs);
+
+/// Well-known text 1 in ESRI's flavour; empty when it cannot describe the system.
 BString ExportPrj(PJ* crs);
 
 /// ESRI's flavour of EPSG:3857, by the name and in the spelling that hosts look for.

@@ -120,6 +120,13 @@ TEST(BCoordSys, IdentifiesWhatDoesNotStateANumber) {
     EXPECT_EQ(FromWkt(wkt)->ToEPSGCode(), BString("EPSG:2091"));
     wkt.replace(8, wkt.find('"', 8) - 8, "A name of ours");
     EXPECT_EQ(FromWkt(wkt)->ToEPSGCode(), BString("EPSG:2395"));
+    // The same origin in exact thirds of a foot, and EPSG's own name in ESRI's flavour.
+    std::string plane = FromEpsg("2230")->ToPRJ().StdStr();
+    for (const auto& [from, to] : {std::pair<std::string, std::string>("6561666.667", "6561666.666666666"),
+                                   {"NAD_1983_StatePlane_California_VI_FIPS_0406_Feet", "a site"}})
+        plane.replace(plane.find(from), from.size(), to);
+    EXPECT_EQ(FromWkt(plane)->ToEPSGCode(), BString("EPSG:2230"));
+    EXPECT_EQ(FromWkt(FromEpsg("9748")->ToPRJ().StdStr())->ToEPSGCode(), BString("EPSG:9748"));
     std::string feet = kEsriUtm;
     feet.replace(feet.rfind("UNIT["), std::string::npos, "UNIT[\"Foot_US\",0.3048006096012192]]");
     EXPECT_NE(FromWkt(feet)->ToEPSGCode(), BString("EPSG:26912"));
@@ -146,20 +153,21 @@ TEST(BCoordSys, StatesTheCodeOfEachIssuer) {
 }
 
 TEST(BCoordSys, PutsLongitudeAndEastingFirst) {
-    // Published worked examples, and systems whose northing comes first.
+    // Published worked examples, and systems whose northing comes first, by code and by text.
     const std::tuple<const char*, BPoint, double, double> cases[] = {
         {"4326", {16.0, 48.0, 7.0}, 16.0, 48.0},    {"27700", {0.5, 50.5, 7.0}, 577274.99, 69740.50},
         {"32633", {15.0, 0.0, 7.0}, 500000.0, 0.0}, {"2193", {173.0, 0.0, 7.0}, 1600000.0, 10000000.0},
-        {"31467", {9.0, 0.0, 7.0}, 3500000.0, 0.0},
+        {"31467", {9.0, 0.0, 7.0}, 3500000.0, 0.0}, {"32661", {0.0, 80.0, 7.0}, 2000000.0, 887048.863},
     };
-    for (const auto& [code, geodetic, x, y] : cases) {
-        const Ptr system = FromEpsg(code);
-        const BPoint projected = system->ConvertFromGeodetic(geodetic);
-        EXPECT_NEAR(std::hypot(projected.x - x, projected.y - y), 0, 0.01) << code;
-        const BPoint back = system->ConvertToGeodetic(projected);
-        EXPECT_NEAR(std::hypot(back.x - geodetic.x, back.y - geodetic.y), 0, 1e-9) << code;
-        EXPECT_EQ(back.z, 7.0) << code;
-    }
+    for (const auto& [code, geodetic, x, y] : cases)
+        for (const bool by_text : {false, true}) {
+            const Ptr system = by_text ? FromWkt(FromEpsg(code)->ToWKT().StdStr()) : FromEpsg(code);
+            const BPoint projected = system->ConvertFromGeodetic(geodetic);
+            EXPECT_NEAR(std::hypot(projected.x - x, projected.y - y), 0, 0.01) << code;
+            const BPoint back = system->ConvertToGeodetic(projected);
+            EXPECT_NEAR(std::hypot(back.x - geodetic.x, back.y - geodetic.y), 0, 1e-9) << code;
+            EXPECT_EQ(back.z, 7.0) << code;
+        }
     EXPECT_THROW(FromEpsg("32633")->ConvertFromGeodetic({std::nan(""), 0.0, 0.0}), BCoordSysException);
     EXPECT_THROW(FromEpsg("32633")->ConvertToGeodetic({1e300, 0.0, 0.0}), BCoordSysException);
     EXPECT_THROW(FromWkt("LOCAL_CS[]")->ConvertToGeodetic({0.0, 0.0, 0.0}), BCoordSysException);
