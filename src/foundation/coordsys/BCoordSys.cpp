@@ -142,6 +142,22 @@ BString BCoordSys::ToWKT() const {
     return GetDefinition()->Wkt();
 }
 
+BString BCoordSys::ToWholeWKT() const {
+    return GetDefinition()->WholeWkt();
+}
+
+BString BCoordSys::ToWKT2() const {
+    return GetDefinition()->Wkt2();
+}
+
+BString BCoordSys::ToPROJJSON() const {
+    return GetDefinition()->ProjJson();
+}
+
+BString BCoordSys::ToPROJString() const {
+    return GetDefinition()->ProjString();
+}
+
 BString BCoordSys::ToPRJ() const {
     return GetDefinition()->Prj();
 }
@@ -164,6 +180,14 @@ BSharedPtr<BLinearUnit> BCoordSys::GetVerticalUnits() const {
 
 BCoordSys* BCoordSys::GetBaseCoordSys() const {
     return Wrap(GetDefinition()->Base());
+}
+
+BCoordSys* BCoordSys::GetVerticalCoordSys() const {
+    return Wrap(GetDefinition()->Vertical());
+}
+
+double BCoordSys::GetCoordinateEpoch() const {
+    return GetDefinition()->Epoch();
 }
 
 bool BCoordSys::GetDatumIdentifier(const BString& issuer, BIdentifier& out) const {

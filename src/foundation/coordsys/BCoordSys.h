@@ -58,8 +58,16 @@ public:
     /// is logged, and the old file then stays.
     bool ToFile(const BString& path) const;
     /// Well-known text 1 in GDAL's flavour; of a compound system the horizontal
-    /// part. Empty when the system cannot be told in it.
+    /// part. Well-known text 2 of a system that version 1 cannot describe.
     BString ToWKT() const;
+    /// The same of the whole system: with its vertical part, its third axis and the epoch of
+    /// its coordinates.
+    BString ToWholeWKT() const;
+    BString ToWKT2() const;      ///< well-known text 2 of 2019, of the whole system
+    BString ToPROJJSON() const;  ///< of the whole system; empty when it cannot describe it
+    /// A PROJ string, which keeps the ellipsoid but not the name of the datum; empty when it
+    /// cannot describe the system.
+    BString ToPROJString() const;
     /// Well-known text 1 in ESRI's flavour. Web Mercator is named
     /// WGS_84_Pseudo_Mercator there, with a whole-numbered Auxiliary_Sphere_Type.
     BString ToPRJ() const;
@@ -75,6 +83,10 @@ public:
     /// The geodetic system under a projected one, the horizontal system of a
     /// compound one; null when there is none. A new object, the caller's.
     BCoordSys* GetBaseCoordSys() const;
+    /// The vertical part of a compound system; null without one. A new object, the caller's.
+    BCoordSys* GetVerticalCoordSys() const;
+    /// The epoch of the coordinates as a decimal year; 0 when none is stated.
+    double GetCoordinateEpoch() const;
     /// Fills `out` with the issuer's code for the datum: ("EPSG", "6326"),
     /// ("ERMapper", "WGS84"). False when that issuer has none.
     bool GetDatumIdentifier(const BString& issuer, BIdentifier& out) const;

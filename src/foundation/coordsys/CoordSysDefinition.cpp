@@ -74,17 +74,19 @@ CoordSysDefinition::Parts CoordSysDefinition::Split(Proj::Object crs) {
     return parts;
 }
 
-CoordSysDefinition::Ptr CoordSysDefinition::Make(Proj::Object crs) {
+CoordSysDefinition::Ptr CoordSysDefinition::Make(Proj::Object crs, double epoch) {
     if (!crs || !proj_is_crs(crs.get())) return nullptr;
-    return Ptr(new CoordSysDefinition(Split(std::move(crs))));
+    return Ptr(new CoordSysDefinition(Split(std::move(crs)), epoch));
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
-    const std::string cleaned = CleanWkt(text);
+    double epoch = 0.0;
+    const std::string cleaned = CleanWkt(text, epoch);
     if (cleaned.empty()) return nullptr;
     RequireNoFile(cleaned);
-    return Make(Proj::Object(
-        proj_create_from_wkt(Proj::ThreadContext(), cleaned.c_str(), nullptr, nullptr, nullptr)));
+    return Make(Proj::Object(proj_create_from_wkt(Proj::ThreadContext(), cleaned.c_str(), nullptr, nullptr,
+                                                  nullptr)),
+                epoch);
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::FromEpsg(int number) {
@@ -94,7 +96,7 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromEpsg(int number) {
     return made && made->kind_ != Kind::Other ? made : nullptr;
 }
 
-CoordSysDefinition::CoordSysDefinition(Parts parts) : parts_(std::move(parts)) {
+CoordSysDefinition::CoordSysDefinition(Parts parts, double epoch) : epoch_(epoch), parts_(std::move(parts)) {
     kind_ = KindOf(parts_.Plain());
     compound_ = proj_get_type(parts_.whole.get()) == PJ_TYPE_COMPOUND_CRS;
     name_ = BString(Proj::NameOf(parts_.whole.get()));
@@ -115,6 +117,26 @@ BString CoordSysDefinition::Wkt() const {
 BString CoordSysDefinition::Prj() const {
     return Face(faces_.prj,
                 [this] { return IsWebMercator() ? WebMercatorPrj() : ExportPrj(parts_.Plain()); });
+}
+
+BString CoordSysDefinition::WholeWkt() const {
+    if (!parts_.horizontal && epoch_ == 0.0) return Wkt();
+    return Face(faces_.whole_wkt, [this] { return WithEpoch(ExportWkt(parts_.whole.get()), epoch_); });
+}
+
+BString CoordSysDefinition::Wkt2() const {
+    const std::lock_guard lock(mutex_);
+    return WithEpoch(ExportWkt2(parts_.whole.get()), epoch_);
+}
+
+BString CoordSysDefinition::ProjJson() const {
+    const std::lock_guard lock(mutex_);
+    return BString(proj_as_projjson(Proj::ThreadContext(), parts_.whole.get(), nullptr));
+}
+
+BString CoordSysDefinition::ProjString() const {
+    const std::lock_guard lock(mutex_);
+    return BString(proj_as_proj_string(Proj::ThreadContext(), parts_.whole.get(), PJ_PROJ_4, nullptr));
 }
 
 int CoordSysDefinition::EpsgNumber() const {
@@ -188,6 +210,20 @@ Proj::Object CoordSysDefinition::CloneHorizontal() const {
     return Clone(parts_.Plain());
 }
 
+Proj::Object CoordSysDefinition::CloneShifted() const {
+    const std::lock_guard lock(mutex_);
+    return Clone(parts_.Horizontal());
+}
+
+Proj::Object CoordSysDefinition::CloneUnshifted() const {
+    const std::lock_guard lock(mutex_);
+    return Clone(parts_.horizontal ? parts_.whole.get() : parts_.Plain());
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::Vertical() const {
+    return Make(CloneVertical());
+}
+
 Proj::Object CoordSysDefinition::CloneVertical() const {
     const std::lock_guard lock(mutex_);
     return parts_.vertical ? Clone(parts_.vertical.get()) : nullptr;
@@ -195,7 +231,8 @@ Proj::Object CoordSysDefinition::CloneVertical() const {
 
 CoordSysDefinition::Ptr CoordSysDefinition::Renamed(const BString& name) const {
     const std::lock_guard lock(mutex_);
-    return Make(Proj::Object(proj_alter_name(Proj::ThreadContext(), parts_.whole.get(), name.Utf8())));
+    return Make(Proj::Object(proj_alter_name(Proj::ThreadContext(), parts_.whole.get(), name.Utf8())),
+                epoch_);
 }
 
 BSharedPtr<BUnit> CoordSysDefinition::HorizontalUnit() const {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 
 namespace Tellurion {
 
@@ -22,9 +23,10 @@ public:
     using Ptr = std::shared_ptr<const CoordSysDefinition>;
 
     /// Of a coordinate reference system; null for any other object.
-    static Ptr Make(Proj::Object crs);
-    /// Of well-known text; null when it cannot be understood. Nothing is cached here. A text
-    /// that names a file by its path is a BCoordSysException: PROJ would open it.
+    static Ptr Make(Proj::Object crs, double epoch = 0.0);
+    /// Of well-known text, which may state a coordinate epoch around it; null when it cannot
+    /// be understood. Nothing is cached here. A text that names a file by its path is a
+    /// BCoordSysException: PROJ would open it.
     static Ptr FromWkt(const BString& text);
     /// Of a geodetic or projected EPSG system, or a compound one of these; else null.
     static Ptr FromEpsg(int number);
@@ -35,8 +37,16 @@ public:
     bool IsCompound() const { return compound_; }
     const BString& Name() const { return name_; }
 
+    /// Of the horizontal part: version 1, or 2 where 1 cannot describe it; and ESRI's.
     BString Wkt() const;
     BString Prj() const;
+    /// Of the whole system, with vertical part and epoch: version 1 where that describes it.
+    BString WholeWkt() const;
+    BString Wkt2() const;
+    BString ProjJson() const;
+    BString ProjString() const;
+    /// The epoch of the coordinates as a year; 0 when the text states none.
+    double Epoch() const { return epoch_; }
     /// The number that the text states, or that of the one same system; 0 without.
     int EpsgNumber() const;
     /// The number of the datum of the horizontal part, stated or identified; 0 without.
@@ -45,6 +55,8 @@ public:
     /// The horizontal part of a compound system, the geodetic system of a projected
     /// one; null for any other.
     Ptr Base() const;
+    /// The vertical part of a compound system; null without one.
+    Ptr Vertical() const;
     /// The number of the geodetic system of the horizontal part; 0 without.
     int GeodeticEpsgNumber() const;
 
@@ -59,6 +71,10 @@ public:
 
     /// A copy of the horizontal part, without a shift to another datum.
     Proj::Object CloneHorizontal() const;
+    /// The same with that shift, where the text states one.
+    Proj::Object CloneShifted() const;
+    /// A copy of the whole system, of two axes unless it has heights, without a shift.
+    Proj::Object CloneUnshifted() const;
     /// A copy of the vertical part of a compound system; null without one.
     Proj::Object CloneVertical() const;
 
@@ -80,7 +96,7 @@ private:
     };
     static Parts Split(Proj::Object crs);
 
-    explicit CoordSysDefinition(Parts parts);
+    CoordSysDefinition(Parts parts, double epoch);
     CoordSysDefinition(const CoordSysDefinition&) = delete;
     CoordSysDefinition& operator=(const CoordSysDefinition&) = delete;
 
@@ -97,6 +113,7 @@ private:
 
     Kind kind_ = Kind::Other;
     bool compound_ = false;
+    double epoch_ = 0.0;
     BString name_;
 
     /// Guards all that follows: PROJ's objects, also where they only answer. One face
@@ -106,6 +123,7 @@ private:
     struct Faces {
         std::optional<BString> wkt;
         std::optional<BString> prj;
+        std::optional<BString> whole_wkt;
         std::optional<int> epsg;
         std::optional<int> horizontal_epsg;
         std::optional<int> datum_epsg;

@@ -3,6 +3,8 @@
 #include "coordsys/Identification.h"
 #include "coordsys/Names.h"
 
+#include <Tellurion/Numbers.h>
+
 #include <string_view>
 
 namespace Tellurion {
@@ -46,6 +48,25 @@ bool MayBeSystem(std::string_view text) {
            (text.find(kTypographicQuote) != std::string_view::npos || Closes(text));
 }
 
+constexpr std::string_view kMetadata = "COORDINATEMETADATA[";
+
+/// The system inside the metadata, which end with EPOCH[number]]; empty when they do not.
+std::string TakeEpoch(const std::string& text, double& epoch) {
+    constexpr std::string_view kEpoch = "EPOCH[";
+    constexpr double kLastYear = 10'000.0;
+    const std::string upper = UpperAscii(text);
+    const std::size_t at = upper.rfind(kEpoch);
+    if (at == std::string::npos) return {};
+    std::string_view rest = std::string_view(text).substr(at + kEpoch.size());
+    const std::size_t comma = text.rfind(',', at);
+    if (comma == std::string::npos || comma < kMetadata.size() || !ScanDouble(rest, epoch) ||
+        LettersAndDigits(rest) != "" || !(epoch > 0.0 && epoch < kLastYear)) {
+        epoch = 0.0;
+        return {};
+    }
+    return BString(text.substr(kMetadata.size(), comma - kMetadata.size())).Trim().StdStr();
+}
+
 BString Export(PJ* crs, PJ_WKT_TYPE flavour, const char* axes = "OUTPUT_AXIS=AUTO") {
     const char* const options[] = {"MULTILINE=NO", axes, nullptr};
     return BString(proj_as_wkt(Proj::ThreadContext(), crs, flavour, options));
@@ -71,17 +92,25 @@ bool HasOddAxes(PJ* crs) {
 
 }  // namespace
 
-std::string CleanWkt(const BString& text) {
+std::string CleanWkt(const BString& text, double& epoch) {
+    epoch = 0.0;
     if (text.GetLength() > kLongestText) return {};
     BString trimmed = text;
     if (trimmed.StartsWith(BString(std::u16string(u"\uFEFF"))))
         trimmed = trimmed.Right(trimmed.GetLength() - 1);
     std::string cleaned = trimmed.Trim().StdStr();
+    if (UpperAscii(std::string_view(cleaned).substr(0, kMetadata.size())) == kMetadata)
+        cleaned = TakeEpoch(cleaned, epoch);
     if (!MayBeSystem(cleaned)) return {};
     // Sidecars with heights of an unknown datum have this word outside the quotes.
     constexpr std::string_view kWithWord = "COMPD_CS[Vertical \"";
     if (cleaned.starts_with(kWithWord)) cleaned.replace(0, kWithWord.size(), "COMPD_CS[\"");
     return cleaned;
+}
+
+BString WithEpoch(const BString& wkt, double epoch) {
+    if (wkt.IsEmpty() || epoch == 0.0) return wkt;
+    return BString(std::string(kMetadata)) + wkt + BString(",EPOCH[" + PrintShortest(epoch) + "]]");
 }
 
 BString ExportWkt(PJ* crs) {

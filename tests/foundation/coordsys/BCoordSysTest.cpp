@@ -79,6 +79,20 @@ TEST(BCoordSys, RejectsOtherTexts) {
         EXPECT_FALSE(FromEpsg(code)) << code;
 }
 
+TEST(BCoordSys, KeepsHeightsAndEpochInItsWholeText) {
+    for (const char* code : {"7405", "4979", "8857", "5482"}) {
+        const std::string text =
+            "COORDINATEMETADATA[" + FromEpsg(code)->ToWholeWKT().StdStr() + ",EPOCH[2021.25]]";
+        const Ptr back = FromWkt(text);
+        ASSERT_TRUE(back) << text;
+        EXPECT_EQ(back->ToEPSGCode().StdStr(), std::string("EPSG:") + code);
+        EXPECT_EQ(back->GetCoordinateEpoch(), 2021.25);
+        EXPECT_EQ(FromWkt(back->ToWholeWKT().StdStr())->GetCoordinateEpoch(), 2021.25);
+    }
+    const Ptr vertical(FromEpsg("7405")->GetVerticalCoordSys());
+    EXPECT_EQ(vertical->ToEPSGCode(), BString("EPSG:5701"));
+}
+
 TEST(BCoordSys, WritesTextsThatGdalReadsAlike) {
     for (const char* code : {"4326", "32633", "27700", "2193", "26912", "2230", "3035", "31467", "4807"}) {
         const Ptr system = FromEpsg(code);
