@@ -3,6 +3,7 @@
 #include "coordsys/Identification.h"
 #include "coordsys/NamedFiles.h"
 #include "coordsys/UnitTable.h"
+#include "coordsys/WebMercatorText.h"
 #include "coordsys/WktTexts.h"
 
 #include <Tellurion/BCoordSysException.h>
@@ -38,6 +39,15 @@ Proj::Object WithoutShift(PJ* crs) {
 
 Proj::Object Clone(PJ* object) {
     return Proj::Object(proj_clone(Proj::ThreadContext(), object));
+}
+
+Proj::Object ReadWkt(std::string text) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const std::string misleading(MisleadingName(text));
+    if (!misleading.empty()) text.replace(text.find(misleading), misleading.size(), "unknown");
+    Proj::Object read(proj_create_from_wkt(context, text.c_str(), nullptr, nullptr, nullptr));
+    if (read && !misleading.empty()) read.reset(proj_alter_name(context, read.get(), misleading.c_str()));
+    return read;
 }
 
 /// The number that the text states, else that of the one same system.
@@ -84,9 +94,11 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
     const std::string cleaned = CleanWkt(text, epoch);
     if (cleaned.empty()) return nullptr;
     RequireNoFile(cleaned);
-    return Make(Proj::Object(proj_create_from_wkt(Proj::ThreadContext(), cleaned.c_str(), nullptr, nullptr,
-                                                  nullptr)),
-                epoch);
+    if (IsWebMercatorText(cleaned)) {
+        Ptr standard = FromEpsg(kWebMercator);
+        return standard && epoch != 0.0 ? Make(standard->CloneUnshifted(), epoch) : standard;
+    }
+    return Make(ReadWkt(cleaned), epoch);
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::FromEpsg(int number) {

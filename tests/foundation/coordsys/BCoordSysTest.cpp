@@ -79,6 +79,38 @@ TEST(BCoordSys, RejectsOtherTexts) {
         EXPECT_FALSE(FromEpsg(code)) << code;
 }
 
+/// Each is one that PROJ reads differently from version to version, or by its name alone.
+TEST(BCoordSys, KnowsTheSpellingsOfWebMercator) {
+    const std::string ours = FromEpsg("3857")->ToPRJ().StdStr();
+    const auto with = [&](std::initializer_list<std::pair<std::string, std::string>> changes) {
+        std::string text = ours;
+        for (const auto& [from, to] : changes) {
+            const std::size_t at = text.find(from);
+            if (at == std::string::npos) ADD_FAILURE() << from;
+            text.replace(at, from.size(), to);
+        }
+        return text;
+    };
+    const std::string type = "PARAMETER[\"Auxiliary_Sphere_Type\",0],";
+    const std::string method = "\"Mercator_Auxiliary_Sphere\"";
+    for (const std::string& text :
+         {ours, with({{"WGS_84_Pseudo_Mercator", "no name known"}}),
+          with({{type, ""}, {method, "\"Mercator\""}, {"WGS_84_Pseudo_Mercator", "WGS_1984_Web_Mercator"}}),
+          with({{type, ""},
+                {method, "\"Mercator\""},
+                {"SPHEROID[\"WGS_1984\"", "SPHEROID[\"WGS_1984_Major_Auxiliary_Sphere\""}})}) {
+        const Ptr system = FromWkt(text);
+        ASSERT_TRUE(system) << text;
+        EXPECT_EQ(system->ToEPSGCode(), BString("EPSG:3857")) << text;
+        EXPECT_NEAR(system->ConvertFromGeodetic({10, 45, 0}).y, 5621521.49, 0.01) << text;
+    }
+    // Another origin, and a plain Mercator on the ellipsoid.
+    for (const std::string& text :
+         {with({{"\"Central_Meridian\",0", "\"Central_Meridian\",9"}}),
+          with({{type, ""}, {method, "\"Mercator\""}, {"WGS_84_Pseudo_Mercator", "x"}})})
+        EXPECT_NE(FromWkt(text)->ToEPSGCode(), BString("EPSG:3857")) << text;
+}
+
 TEST(BCoordSys, KeepsHeightsAndEpochInItsWholeText) {
     for (const char* code : {"7405", "4979", "8857", "5482"}) {
         const std::string text =
