@@ -54,6 +54,14 @@ public:
     /// A number, or "EPSG:" and a number.
     static BCoordSys* FromEPSGCode(const BString& code);
 
+    /// The system that a person names, in whatever words: "EPSG:25832" or a bare number, a
+    /// code of another issuer such as "ESRI:102100", a pair such as "EPSG:25832+7837", a URN or
+    /// URL of OGC, well-known text of any kind, PROJJSON, a PROJ string, a MapInfo clause, ER
+    /// Mapper names, the path of a PRJ file, or the name of a system, such as "ETRS89 / UTM
+    /// zone 32N". Null when nothing is known by it; throws a BCoordSysException for a MapInfo
+    /// clause that cannot be understood. `understoodAs`, where given, becomes the kind of text.
+    static BCoordSys* FromText(const BString& text, BString* understoodAs = nullptr);
+
     /// Replaces a file by ToPRJ(), as BFileReplacement does; true on success. A failure
     /// is logged, and the old file then stays.
     bool ToFile(const BString& path) const;

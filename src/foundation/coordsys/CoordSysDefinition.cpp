@@ -101,6 +101,11 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
     return Make(ReadWkt(cleaned), epoch);
 }
 
+CoordSysDefinition::Ptr CoordSysDefinition::FromProjText(const std::string& text) {
+    RequireNoFile(text);
+    return Make(Proj::Object(proj_create(Proj::ThreadContext(), text.c_str())));
+}
+
 CoordSysDefinition::Ptr CoordSysDefinition::FromEpsg(int number) {
     const std::string code = std::to_string(number);
     const Ptr made = Make(Proj::Object(

@@ -28,6 +28,8 @@ public:
     /// be understood. Nothing is cached here. A text that names a file by its path is a
     /// BCoordSysException: PROJ would open it.
     static Ptr FromWkt(const BString& text);
+    /// The same of any other text that PROJ understands: PROJJSON, a PROJ string, an identifier.
+    static Ptr FromProjText(const std::string& text);
     /// Of a geodetic or projected EPSG system, or a compound one of these; else null.
     static Ptr FromEpsg(int number);
 

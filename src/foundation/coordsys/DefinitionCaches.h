@@ -18,6 +18,7 @@ struct DefinitionCaches {
     Cache codes{kMostEntries};
     Cache plain_names{kMostEntries};
     Cache er_mapper_names{kMostEntries};
+    Cache proj_texts{kMostEntries};
 
     static DefinitionCaches& Instance();
 };

@@ -79,6 +79,43 @@ TEST(BCoordSys, RejectsOtherTexts) {
         EXPECT_FALSE(FromEpsg(code)) << code;
 }
 
+TEST(BCoordSys, UnderstandsWhatPeopleWrite) {
+    const TempFolder folder;
+    folder.Write("map.prj", FromEpsg("26912")->ToPRJ().StdStr());
+    struct Case {
+        std::string text;
+        const char* understood_as;
+        const char* epsg;  ///< empty without one
+    };
+    const Case kCases[] = {
+        {"EPSG:25832", "EPSG code", "EPSG:25832"},
+        {" epsg::25832\n", "EPSG code", "EPSG:25832"},
+        {"EPSG:27700+5701", "EPSG code", "EPSG:7405"},
+        {"ESRI:102100", "code", "EPSG:3857"},
+        {"urn:ogc:def:crs:EPSG::4979", "identifier", "EPSG:4979"},
+        {"http://www.opengis.net/def/crs/EPSG/0/27700", "identifier", "EPSG:27700"},
+        {"ETRS89 / UTM zone 32N", "names", "EPSG:25832"},
+        {"NUTM12 NAD27", "names", "EPSG:26712"},
+        {"+proj=utm +zone=32 +datum=WGS84", "PROJ string", "EPSG:32632"},
+        {"+init=epsg:4326 +over", "PROJ string", "EPSG:4326"},
+        {FromEpsg("7405")->ToPROJJSON().StdStr(), "PROJJSON", "EPSG:7405"},
+        {FromEpsg("8857")->ToWKT().StdStr(), "well-known text", "EPSG:8857"},
+        {"CoordSys Earth Projection 8, 104, \"m\", -111, 0, 0.9996, 500000, 0", "MapInfo clause",
+         "EPSG:32612"},
+        {folder / "map.prj", "PRJ file", "EPSG:26912"},
+    };
+    for (const Case& c : kCases) {
+        BString understood_as;
+        const Ptr system(BCoordSys::FromText(BString(c.text), &understood_as));
+        ASSERT_TRUE(system) << c.text;
+        EXPECT_EQ(understood_as, BString(c.understood_as)) << c.text;
+        EXPECT_EQ(system->ToEPSGCode(), BString(c.epsg)) << c.text;
+    }
+    for (const char* text : {"", "EPSG:1", "EPSG:5703", "+proj=nowhere", "+init=other.txt:1", "{}", "urn:x",
+                             "UTM zone", "none.prj", "http://example.com/crs"})
+        EXPECT_FALSE(Ptr(BCoordSys::FromText(BString(text)))) << text;
+}
+
 /// Each is one that PROJ reads differently from version to version, or by its name alone.
 TEST(BCoordSys, KnowsTheSpellingsOfWebMercator) {
     const std::string ours = FromEpsg("3857")->ToPRJ().StdStr();
