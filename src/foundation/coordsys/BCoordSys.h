@@ -105,6 +105,20 @@ public:
     BPoint ConvertToGeodetic(const BPoint& point) const;
     BPoint ConvertFromGeodetic(const BPoint& point) const;  ///< the way back
 
+    /// True when both are the same system by what they are: kind, datum, projection and
+    /// heights, or by the same EPSG code. Names and the order of axes do not count.
+    bool IsSame(const BCoordSys& other) const;
+    /// True when both place the same coordinates within that many metres of each other on the
+    /// Earth, all over the area of `other`. Heights do not count.
+    bool IsSame(const BCoordSys& other, double toleranceMetres) const;
+    /// That distance in metres, the largest found; infinite when there is no way to compare.
+    double DistanceTo(const BCoordSys& other) const;
+    /// True when there is a way from this system to `other`.
+    bool CanConvertTo(const BCoordSys& other) const;
+    /// The coordinates in `other` of a position in this system, across datums, horizontally; z
+    /// is kept. Throws a BCoordSysException where there is no value or no way.
+    BPoint ConvertTo(const BCoordSys& other, const BPoint& point) const;
+
     /// The database's object behind the system; this one's own, and lives as long.
     /// Changing it changes the system.
     GeoCalc::CS::CCoordSys* GetGCCoordSys() const;

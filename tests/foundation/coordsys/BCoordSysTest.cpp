@@ -148,6 +148,33 @@ TEST(BCoordSys, KnowsTheSpellingsOfWebMercator) {
         EXPECT_NE(FromWkt(text)->ToEPSGCode(), BString("EPSG:3857")) << text;
 }
 
+TEST(BCoordSys, ComparesItselfWithOthers) {
+    struct Case {
+        const char* a;
+        const char* b;
+        bool same;
+        double metres;  ///< the distance at most; it is at least nine tenths of that
+    };
+    const Case kCases[] = {
+        {"EPSG:32632", "+proj=utm +zone=32 +datum=WGS84", true, 1e-6},
+        {"EPSG:25832", "EPSG:32632", false, 1e-3},
+        {"EPSG:4979", "EPSG:4326", false, 1e-6},
+        {"EPSG:7405", "EPSG:27700", false, 1e-6},
+        {"+proj=utm +zone=32 +ellps=bessel +towgs84=600,0,0", "+proj=utm +zone=32 +ellps=bessel", false, 620},
+    };
+    for (const Case& c : kCases) {
+        const Ptr a(BCoordSys::FromText(BString(c.a)));
+        const Ptr b(BCoordSys::FromText(BString(c.b)));
+        EXPECT_EQ(a->IsSame(*b), c.same) << c.a << c.b;
+        EXPECT_TRUE(a->IsSame(*b, c.metres)) << c.a << c.b << a->DistanceTo(*b);
+        EXPECT_EQ(a->IsSame(*b, c.metres * 0.9), c.metres < 1) << a->DistanceTo(*b);
+    }
+    const BPoint moved = FromEpsg("32632")->ConvertTo(*FromEpsg("4326"), {500000, 0, 5});
+    EXPECT_NEAR(moved.x, 9.0, 1e-9);
+    EXPECT_EQ(moved.z, 5.0);
+    EXPECT_THROW(FromEpsg("32632")->ConvertTo(*FromWkt("LOCAL_CS[]"), {0, 0, 0}), BCoordSysException);
+}
+
 TEST(BCoordSys, KeepsHeightsAndEpochInItsWholeText) {
     for (const char* code : {"7405", "4979", "8857", "5482"}) {
         const std::string text =
