@@ -20,17 +20,23 @@ Hush& TheHush() {
 }
 
 /// GDAL's own context of a thread starts as a copy of the default one, and reports PROJ's
-/// failures to the host for the rest of the thread's life: it is made before the hush.
+/// failures to the host for the rest of the thread's life: it is made before the hush of this
+/// thread, and outside that of another. Under the lock.
 void MakeContextOfGdal() {
-    thread_local const bool made = (OSRGetPROJEnableNetwork(), true);
-    static_cast<void>(made);
+    thread_local bool made = false;
+    if (made) return;
+    made = true;
+    const bool hushed = TheHush().count > 0;
+    if (hushed) proj_log_level(nullptr, TheHush().before);
+    static_cast<void>(OSRGetPROJEnableNetwork());
+    if (hushed) proj_log_level(nullptr, PJ_LOG_NONE);
 }
 
 }  // namespace
 
 QuietProj::QuietProj() {
-    MakeContextOfGdal();
     const std::lock_guard lock(TheHush().mutex);
+    MakeContextOfGdal();
     if (TheHush().count++ == 0) TheHush().before = proj_log_level(nullptr, PJ_LOG_NONE);
 }
 
