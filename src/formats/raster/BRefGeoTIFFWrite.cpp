@@ -1,5 +1,6 @@
 #include "common/Strictness.h"
 #include "raster/BRefGeoTIFF.h"
+#include "raster/CoordEpoch.h"
 #include "raster/GdalUpdate.h"
 #include "raster/VerticalUnit.h"
 
@@ -45,8 +46,17 @@ void Require(bool taken, const Refusal& refusal) {
     if (!taken) throw BException(refusal.heading, kSource, refusal.detail);
 }
 
+/// The whole system, with its vertical part.
 BString TextOfCoordSys(const BGeoReference& reference) {
-    return reference.HasCoordSys() ? reference.CoordSys->ToWKT() : BString();
+    return reference.HasCoordSys() ? reference.CoordSys->ToWholeWKT() : BString();
+}
+
+/// GDAL takes a system with the epoch of its coordinates as an object only.
+bool PutSystem(GDALDataset& raster, const BGeoReference& reference, const BString& text) {
+    const double epoch = reference.CoordSys->GetCoordinateEpoch();
+    if (epoch == 0.0) return raster.SetProjection(text.Ascii()) == CE_None;
+    const std::unique_ptr<OGRSpatialReference> system = SystemAtEpoch(text, epoch);
+    return system && raster.SetSpatialRef(system.get()) == CE_None;
 }
 
 /// What the file says already stays; area registration is never written.
@@ -72,8 +82,12 @@ std::vector<GDAL_GCP> RecordsOf(const std::vector<BPointPair>& pairs, std::deque
 bool PutPoints(GDALDataset& raster, const BGeoReference& reference, const BString& text) {
     std::deque<std::string> names;
     const std::vector<GDAL_GCP> records = RecordsOf(reference.PointPairVector, names);
-    const char* system = text.IsEmpty() ? nullptr : text.Ascii();
-    return raster.SetGCPs(static_cast<int>(records.size()), records.data(), system) == CE_None;
+    const int count = static_cast<int>(records.size());
+    const double epoch = text.IsEmpty() ? 0.0 : reference.CoordSys->GetCoordinateEpoch();
+    if (epoch == 0.0)
+        return raster.SetGCPs(count, records.data(), text.IsEmpty() ? nullptr : text.Ascii()) == CE_None;
+    const std::unique_ptr<OGRSpatialReference> system = SystemAtEpoch(text, epoch);
+    return system && raster.SetGCPs(count, records.data(), system.get()) == CE_None;
 }
 
 bool PutTransform(GDALDataset& raster, const BGeoReference& reference) {
@@ -100,7 +114,7 @@ bool Put(GDALDataset& raster, const BGeoReference& reference, const BString& tex
             kPointsRefused);
     else if (reference.HasMathTransform())
         Require(PutTransform(raster, reference), kTransformRefused);
-    if (!text.IsEmpty()) Require(raster.SetProjection(text.Ascii()) == CE_None, kSystemRefused);
+    if (!text.IsEmpty()) Require(PutSystem(raster, reference, text), kSystemRefused);
     return has_points || reference.HasMathTransform() || !text.IsEmpty();
 }
 
@@ -123,7 +137,7 @@ std::unique_ptr<BCoordSys> CoordSysWritten(const BString& file, bool with_points
     {
         const Tellurion::QuietGdal quiet;
         const GdalRaster raster = OpenRaster(file);
-        if (raster) text = with_points ? raster->GetGCPProjection() : raster->GetProjectionRef();
+        if (raster) text = TextOf(with_points ? raster->GetGCPSpatialRef() : raster->GetSpatialRef());
     }
     return std::unique_ptr<BCoordSys>(text.IsEmpty() ? nullptr : BCoordSys::FromWKT(text));
 }

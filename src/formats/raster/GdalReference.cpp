@@ -1,5 +1,6 @@
 #include "raster/GdalReference.h"
 
+#include "raster/CoordEpoch.h"
 #include "raster/GdalRaster.h"
 
 #include "raster/VerticalUnit.h"
@@ -66,19 +67,13 @@ std::optional<AffineTerms> ReadTerms(GDALDataset& raster, GDALDataset* auxiliary
 }
 
 /// An empty text of the raster's own is an answer, which the auxiliary file does not
-/// overrule; that is asked where the raster has no text or perhaps a bad one.
+/// overrule; that is asked where the raster has a text, which may be a bad one.
 void ReadTexts(GDALDataset& raster, GDALDataset* auxiliary, GdalReference& out) {
-    const char* text = nullptr;
-    if (out.point_count > 0) {
-        text = raster.GetGCPProjection();
-        if (!text && auxiliary) text = auxiliary->GetGCPProjection();
-    }
-    if (!text) text = raster.GetProjectionRef();
-    if (text && !*text) return;
-    if (text) out.well_known_texts.emplace_back(text);
-    if (!auxiliary) return;
-    const char* second = auxiliary->GetProjectionRef();
-    if (second && *second) out.well_known_texts.emplace_back(second);
+    const BString own = TextOf(out.point_count > 0 ? raster.GetGCPSpatialRef() : raster.GetSpatialRef());
+    if (own.IsEmpty()) return;
+    out.well_known_texts.push_back(own);
+    const BString second = auxiliary ? TextOf(auxiliary->GetSpatialRef()) : BString();
+    if (!second.IsEmpty()) out.well_known_texts.push_back(second);
 }
 
 }  // namespace

@@ -2,11 +2,13 @@
 
 #include <Tellurion/BIdentifier.h>
 #include <Tellurion/BLinearUnit.h>
+#include <Tellurion/QuietProj.h>
 
 #include "GeoTiffRoads.h"
 #include "SmallDisk.h"
 
 #include <filesystem>
+#include <thread>
 
 namespace MapAnchor {
 namespace {
@@ -25,7 +27,8 @@ std::string RegistrationOf(const std::string& file) {
     return word ? word : "";
 }
 
-// Rotated, a quarter turn, feet, degrees, large numbers and rows to the north.
+// Rotated, a quarter turn, feet, degrees, large numbers, rows to the north, heights above the
+// ellipsoid, and both axes to the south.
 const std::pair<const char*, Six> kPlaces[] = {
     {"32633", {9.5, 2.25, 500000.1, 2.125, -9.75, 4100000.7}},
     {"32633", {0, 0.3, 500000.1, -0.3, 0, 4100000.7}},
@@ -33,6 +36,8 @@ const std::pair<const char*, Six> kPlaces[] = {
     {"4326", {1.0 / 3600, 0, -122.123456789012, 0, -1.0 / 3600, 45.3}},
     {"3857", {152.8740565703525, 0, -20037508.342789244, 0, -152.8740565703525, 20037508.342789244}},
     {"32733", {10, 0, 500000, 0, 10, 4100000}},
+    {"4979", {0.1, 0, 9, 0, -0.1, 48}},
+    {"32661", {10, 0, 2000000, 0, -10, 2000000}},
     {"", {0.1, 0, 0.7, 0, -0.1, 0.9}}};
 
 TEST_F(GeoTiff, IsSavedToTheLastBit) {
@@ -63,6 +68,36 @@ TEST_F(GeoTiff, IsSavedToTheLastBit) {
         folder.Write("area.tif", Vrt("<Metadata><MDI key=\"AREA_OR_POINT\">Area</MDI></Metadata>"));
     ASSERT_EQ(Roads::Save(kTiff, file, point).type, "");
     EXPECT_EQ(RegistrationOf(file), "Area");
+}
+
+// With heights, an epoch, and beyond version 1 of well-known text; for the first time in a thread
+// while PROJ is silenced in another.
+TEST_F(GeoTiff, SavesTheWholeSystem) {
+    const std::string unit = ",ANGLEUNIT[\"degree\",0.0174532925199433]";
+    const std::string pole =
+        "GEOGCRS[\"turned pole\",BASEGEOGCRS[\"WGS 84\",DATUM[\"World Geodetic System 1984\","
+        "ELLIPSOID[\"WGS 84\",6378137,298.257223563]]],DERIVINGCONVERSION[\"turned pole\","
+        "METHOD[\"PROJ ob_tran o_proj=longlat\"],PARAMETER[\"o_lat_p\",52" +
+        unit + "],PARAMETER[\"o_lon_p\",-30" + unit + "],PARAMETER[\"lon_0\",-25" + unit +
+        "]],CS[ellipsoidal,2],AXIS[\"latitude\",north],AXIS[\"longitude\",east]" + unit + "]";
+    const std::unique_ptr<BCoordSys> itrf(BCoordSys::FromText("EPSG:9000"));
+    const std::string epoch = "COORDINATEMETADATA[" + itrf->ToWKT2().StdStr() + ",EPOCH[2021.25]]";
+    const QuietProj quiet;
+    for (const std::string& text : {std::string("EPSG:7415"), std::string("EPSG:8857"), epoch, pole})
+        for (const bool by_name : kBothRoads) {
+            SCOPED_TRACE(text);
+            const std::string file = MakeTiff(folder / "map.tif");
+            BGeoReference reference = plain;
+            reference.SetCoordSys(BSharedPtr<BCoordSys>(BCoordSys::FromText(BString(text))));
+            std::thread([&] {
+                EXPECT_EQ(Save(by_name, file, reference).type, "");
+                const BGeoReference back = Good(kTiff, file);
+                ASSERT_TRUE(back.HasCoordSys());
+                EXPECT_TRUE(back.CoordSys->IsSame(*reference.CoordSys)) << back.CoordSys->ToWKT2().StdStr();
+                EXPECT_EQ(back.CoordSys->GetCoordinateEpoch(), reference.CoordSys->GetCoordinateEpoch());
+            }).join();
+            std::filesystem::remove(file + ".aux.xml");
+        }
 }
 
 BGeoReference WithPoints(bool with_transform = false) {
@@ -169,18 +204,6 @@ TEST_F(GeoTiff, ReportsASystemThatCannotBeSavedWhenStrict) {
         reference.SetCoordSys(BSharedPtr<BCoordSys>(BCoordSys::FromWKT(BString(wkt))));
         return Roads::Save(kTiff, file, reference, BMapAnchor::kStrictCoordSys);
     };
-    // No text of the older kind describes a derived geographic system.
-    const std::string unit = ",ANGLEUNIT[\"degree\",0.0174532925199433]";
-    ExpectThrown(
-        strict("GEOGCRS[\"turned pole\",BASEGEOGCRS[\"WGS 84\",DATUM[\"World Geodetic System 1984\","
-               "ELLIPSOID[\"WGS 84\",6378137,298.257223563]]],DERIVINGCONVERSION[\"turned pole\","
-               "METHOD[\"PROJ ob_tran o_proj=longlat\"],PARAMETER[\"o_lat_p\",52" +
-               unit + "],PARAMETER[\"o_lon_p\",-30" + unit + "],PARAMETER[\"lon_0\",-25" + unit +
-               "]],CS[ellipsoidal,2],AXIS[\"latitude\",north],AXIS[\"longitude\",east]" + unit + "]"),
-        kInvalidSystem, "BRefGeoTIFF::Write",
-        "Couldn't generate a valid WKT string from CoordSys <turned pole>");
-    EXPECT_EQ(Roads::Save(kTiff, file, reference, BMapAnchor::kStrictTransform).type, "");
-    EXPECT_EQ(Roads::Save(file, reference).type, "");
     // A local system is saved, and still does not place the raster on the Earth.
     ExpectThrown(strict("LOCAL_CS[\"the yard\",UNIT[\"metre\",1]]"), kInvalidSystem, "BRefGeoTIFF::Write",
                  "Unable to save Coordinate System <the yard> to GeoTIFF file <" + file + ">");
