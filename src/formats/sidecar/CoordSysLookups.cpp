@@ -83,6 +83,38 @@ BString WithUnknownVertical(const BString& wkt, const BString& name, const BLine
            BString(",AXIS[\"Up\",UP]]]");
 }
 
+/// Version 2 names its systems so; the texts above are of version 1 and go together with that.
+bool IsVersion2(const BString& wkt) {
+    const std::string text = wkt.StdStr();
+    return text.substr(0, text.find('[')).ends_with("CRS");
+}
+
+BString WithUnknownVertical2(const BString& wkt, const BString& name, const BLinearUnit& unit) {
+    BIdentifier identifier;
+    BString length = BString("LENGTHUNIT[\"") + unit.GetName() + BString("\",") +
+                     BString(Tellurion::PrintShortest(1.0 / unit.GetUnitsPerMeter()));
+    if (unit.GetIdentifier("EPSG", identifier))
+        length += BString(",ID[\"EPSG\",") + identifier.Code + BString("]");
+    return BString("COMPOUNDCRS[\"") + name + BString("\",") + wkt +
+           BString(",VERTCRS[\"unknown\",VDATUM[\"unknown\"],CS[vertical,1],AXIS[\"up\",up],") + length +
+           BString("]]]");
+}
+
+BString CompoundText(const BGeoReference& reference) {
+    const BCoordSys& system = *reference.CoordSys;
+    BString wkt = system.ToWKT();
+    if (wkt.IsEmpty()) return wkt;
+    const CGeodeticCoordSys* geodetic = GeodeticOf(system);
+    if (!geodetic) return wkt;
+    const CVerticalReference* vertical = geodetic->GetVerticalReference();
+    if (vertical) return IsVersion2(wkt) ? system.ToWKT2() : WithVertical(wkt, system, *vertical);
+    if (system.GetVerticalUnits()) return system.ToWholeWKT();  // heights above the ellipsoid
+    if (!reference.HasVerticalUnit()) return wkt;
+    const BLinearUnit& unit = *reference.GetVerticalUnit();
+    return IsVersion2(wkt) ? WithUnknownVertical2(wkt, system.GetName(), unit)
+                           : WithUnknownVertical(wkt, system.GetName(), unit);
+}
+
 }  // namespace
 
 bool FormatERSTimeStamp(const std::tm* time, char* out, int limit) {
@@ -106,16 +138,12 @@ int CompareNoCase(const char* a, const char* b, std::size_t count) {
 }
 
 BString BuildCompoundWKT(const BGeoReference& reference) {
+    constexpr const char* kMetadata = "COORDINATEMETADATA[";
     if (!reference.HasCoordSys()) return {};
-    const BCoordSys& system = *reference.CoordSys;
-    BString wkt = system.ToWKT();
-    if (wkt.IsEmpty()) return wkt;
-    const CGeodeticCoordSys* geodetic = GeodeticOf(system);
-    if (!geodetic) return wkt;
-    if (const CVerticalReference* vertical = geodetic->GetVerticalReference())
-        return WithVertical(wkt, system, *vertical);
-    if (!reference.HasVerticalUnit()) return wkt;
-    return WithUnknownVertical(wkt, system.GetName(), *reference.GetVerticalUnit());
+    const BString text = CompoundText(reference);
+    const double epoch = reference.CoordSys->GetCoordinateEpoch();
+    if (epoch == 0.0 || text.IsEmpty() || text.StartsWith(kMetadata)) return text;
+    return BString(kMetadata) + text + BString(",EPOCH[" + Tellurion::PrintShortest(epoch) + "]]");
 }
 
 }  // namespace MapAnchor
