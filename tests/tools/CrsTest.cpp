@@ -53,10 +53,28 @@ TEST(Crs, PrintsTheTextsThatFilesHold) {
     folder.ExpectRun(
         "crs EPSG:26712", 0, "",
         {"EPSG:26712, NAD27 / UTM zone 12N", "NUTM12 NAD27", "metre, 1 to a metre", "projected"});
+    folder.ExpectRun("crs none.prj", 2, "", {"none.prj: error: No such file or directory"});
     EXPECT_EQ(RunTool({"crs", "LOCAL_CS[]"}).out.find("without a name\n"), 0U);
     for (const char* unknown : {"EPSG:999999", "NOWHERE", "NUTM12~NOWHERE", "GEOGCS[\"broken", "a~b~c~d",
                                 "CoordSys~Earth~Projection~999,~104"})
         folder.ExpectRun(std::string("crs --json ") + unknown, 2, R"("ok":false)", {"error: "});
+}
+
+TEST(Crs, PrintsOneNotationAlone) {
+    const std::pair<const char*, const char*> kStarts[] = {
+        {"wkt1", "COMPD_CS["},  {"wkt2", "COMPOUNDCRS["}, {"esri", "PROJCS[\"British_National_Grid\""},
+        {"projjson", "{"},      {"proj", "+proj=tmerc"},  {"mif", "CoordSys Earth Projection 8, 79"},
+        {"epsg", "EPSG:7405\n"}};
+    for (const auto& [notation, start] : kStarts) {
+        const ToolRun run = RunTool({"crs", "--to", notation, "EPSG:27700+5701"});
+        EXPECT_EQ(run.out.find(start), 0U) << notation << run.out;
+        const std::string name = notation;
+        const bool keeps_heights = name == "wkt1" || name == "wkt2" || name == "projjson" || name == "epsg";
+        EXPECT_EQ(run.status, keeps_heights ? 0 : 3) << notation << run.err;
+        EXPECT_EQ(run.err.empty(), keeps_heights) << notation << run.err;
+    }
+    EXPECT_EQ(RunTool({"crs", "--to", "ersmapper", "EPSG:26712"}).out, "NUTM12 NAD27\n");
+    EXPECT_EQ(RunTool({"crs", "--to", "wkt1", "EPSG:8857"}).status, 2);
 }
 
 // One row per kind, with the library that serves those of closed SDKs.

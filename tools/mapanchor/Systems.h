@@ -8,14 +8,14 @@
 /// A coordinate system and what its text was taken for.
 struct SystemAnswer {
     std::unique_ptr<Tellurion::BCoordSys> system;  ///< null when nothing is known by the text
-    const char* understood_as = "names";
+    std::string understood_as;
 };
 
-/// The system that a person names: an EPSG code, well-known text, a MapInfo CoordSys
-/// clause, or the names of a projection and a datum. May throw a BException.
+/// The system that a person names, see BCoordSys::FromText. May throw a BException.
 SystemAnswer SystemFromText(const std::string& text);
 
-/// True when both place positions the same way; names do not count.
+/// True when both are the same system. One without heights is compared with the horizontal
+/// part of one with heights.
 bool IsSameSystem(const Tellurion::BCoordSys& a, const Tellurion::BCoordSys& b);
 
 /// The name of a system, or words for one that has none.

@@ -33,7 +33,7 @@ void PutProjection(const ReadResult& result, Json& properties) {
         constexpr std::size_t kPrefix = sizeof("EPSG:") - 1;
         const std::string code = system.ToEPSGCode().StdStr();
         if (code.size() > kPrefix) properties["proj:epsg"] = Tellurion::ParseLong(code.substr(kPrefix));
-        if (const std::string text = WellKnownText2(system); !text.empty()) properties["proj:wkt2"] = text;
+        if (const std::string text = system.ToWKT2().StdStr(); !text.empty()) properties["proj:wkt2"] = text;
     }
     if (result.width) properties["proj:shape"] = {*result.height, *result.width};
     if (row.contains("geoTransform")) properties["proj:transform"] = MatrixOf(row["geoTransform"]);
