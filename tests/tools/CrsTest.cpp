@@ -75,6 +75,9 @@ TEST(Crs, PrintsOneNotationAlone) {
     }
     EXPECT_EQ(RunTool({"crs", "--to", "ersmapper", "EPSG:26712"}).out, "NUTM12 NAD27\n");
     EXPECT_EQ(RunTool({"crs", "--to", "wkt1", "EPSG:8857"}).status, 2);
+    const json parts = RunTool({"crs", "--json", "EPSG:25832+7837"}).Ours()["coordSys"];
+    EXPECT_EQ(parts["horizontal"]["epsg"], "EPSG:25832");
+    EXPECT_EQ(parts["vertical"]["epsg"], "EPSG:7837");
 }
 
 // One row per kind, with the library that serves those of closed SDKs.

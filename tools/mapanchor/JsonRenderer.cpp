@@ -10,6 +10,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <memory>
 #include <string_view>
 
 using namespace Tellurion;
@@ -79,7 +80,7 @@ void PutReference(Json& top, Json& ours, const ReadResult& result) {
     }
     if (reference.HasMathTransform()) ours["transform"] = Transform(*reference.MathTransform, residuals);
     if (reference.HasCoordSys()) {
-        const BString wkt = reference.CoordSys->ToWKT();
+        const BString wkt = reference.CoordSys->ToWholeWKT();
         if (!wkt.IsEmpty()) top["coordinateSystem"] = {{"wkt", wkt.StdStr()}};
         ours["coordSys"] = RenderJson(*reference.CoordSys);
     }
@@ -144,11 +145,33 @@ std::optional<std::string> NameIn(const Json& row) {
     return std::nullopt;
 }
 
+namespace {
+
+Json PartJson(const BCoordSys& part) {
+    Json json = Json::object();
+    PutText(json, "name", part.GetName());
+    PutText(json, "epsg", part.ToEPSGCode());
+    return json;
+}
+
+/// The two parts of a compound system.
+void PutParts(Json& json, const BCoordSys& system) {
+    const std::unique_ptr<BCoordSys> vertical(system.GetVerticalCoordSys());
+    const std::unique_ptr<BCoordSys> horizontal(vertical ? system.GetBaseCoordSys() : nullptr);
+    if (!horizontal) return;
+    json["horizontal"] = PartJson(*horizontal);
+    json["vertical"] = PartJson(*vertical);
+}
+
+}  // namespace
+
 Json RenderJson(const BCoordSys& system) {
     Json json = Json::object();
     PutText(json, "name", system.GetName());
     json["kind"] = WordForKind(system);
     PutText(json, "epsg", system.ToEPSGCode());
+    PutParts(json, system);
+    if (const double epoch = system.GetCoordinateEpoch(); epoch != 0.0) PutNumber(json, "epoch", epoch);
     const BSharedPtr<BUnit> unit = system.GetUnits();
     if (!unit) return json;
     PutText(json, "units", unit->GetName());
