@@ -12,6 +12,7 @@
 #include <Tellurion/Printable.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -179,20 +180,39 @@ BGeoReference SaveSystemInErs(const ConvertOptions& options, const BGeoReference
     return Saved(EReferenceType::ERS, options.target);
 }
 
-/// ERS and TAB name systems in a language of their own, which lacks words.
+/// Names may be lost and systems may be written as another one of the same place: what counts
+/// is where positions come to be on the Earth.
+void WarnOfDistance(const BCoordSys& system, const BCoordSys& back, Outcome& outcome) {
+    constexpr double kSameDatum = 10.0;  // metres between ways to shift one datum
+    if (IsSameSystem(system, back) && back.IsSame(system, kSameDatum)) return;
+    const double metres = back.DistanceTo(system);
+    if (metres <= kSameDatum && (system.ToEPSGCode().IsEmpty() || back.ToEPSGCode().IsEmpty())) return;
+    outcome.Warn(
+        "this kind of file has no name for " + NameOf(system) + ": it is read back as " + NameOf(back) +
+        (std::isfinite(metres) ? ", up to " + Tellurion::PrintFixed(metres, 1) + " m away" : std::string()));
+}
+
+/// The text that goes into a prj file and into a PDF.
+void WarnOfEsriText(const BCoordSys& system, Outcome& outcome) {
+    const std::unique_ptr<BCoordSys> back(BCoordSys::FromWKT(system.ToPRJ()));
+    if (back)
+        WarnOfDistance(system, *back, outcome);
+    else if (system.IsValid())
+        outcome.Warn("the coordinate system " + NameOf(system) +
+                     " is not saved: ESRI's well-known text cannot describe it");
+}
+
+/// ERS and TAB name systems in a language of their own; a prj file has no shifts of datums.
 void WarnOfOtherSystem(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
     const bool ers = outcome.plan.kind == "ERS";
-    if (!reference.HasCoordSys() || (!ers && outcome.plan.kind != "TAB")) return;
+    if (!reference.HasCoordSys()) return;
+    if (outcome.plan.writes_prj || outcome.plan.IsPdf()) return WarnOfEsriText(*reference.CoordSys, outcome);
+    if (!ers && outcome.plan.kind != "TAB") return;
     const BGeoReference back =
         ers ? SaveSystemInErs(options, reference) : Saved(EReferenceType::TAB, options.target);
     if (!back.HasCoordSys())
         return outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
-    const BCoordSys& system = *reference.CoordSys;
-    if (system.ToEPSGCode().IsEmpty() || back.CoordSys->ToEPSGCode().IsEmpty() ||
-        IsSameSystem(system, *back.CoordSys))
-        return;
-    outcome.Warn("this kind of file has no name for " + NameOf(system) + ": it is read back as " +
-                 NameOf(*back.CoordSys));
+    WarnOfDistance(*reference.CoordSys, *back.CoordSys, outcome);
 }
 
 void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {

@@ -1,4 +1,7 @@
 #include "Convert.h"
+#include "Systems.h"
+
+#include <Tellurion/Numbers.h>
 
 #include <algorithm>
 
@@ -68,6 +71,17 @@ void WarnOfPointLosses(const Capacity& capacity, const BGeoReference& reference,
                                             "file has no mark for them");
 }
 
+/// RSF and GeoTIFF hold a whole system, the others its horizontal part.
+void WarnOfVerticalPart(const Capacity& capacity, const BCoordSys& system, Outcome& outcome) {
+    if (capacity.vertical_unit) return;
+    if (system.GetVerticalUnits())
+        outcome.Warn("the vertical part of " + NameOf(system) +
+                     " is not saved: this kind of file has no place for it");
+    if (const double epoch = system.GetCoordinateEpoch(); epoch != 0.0)
+        outcome.Warn("the coordinate epoch " + PrintShortest(epoch) +
+                     " is not saved: this kind of file has no place for it");
+}
+
 }  // namespace
 
 void WarnOfLosses(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
@@ -79,6 +93,7 @@ void WarnOfLosses(const ConvertOptions& options, const BGeoReference& reference,
             options.to
                 ? "the coordinate system is not saved: a world file saved by type has no prj file beside it"
                 : "the coordinate system is not saved: this kind of file has no place for it");
+    if (reference.HasCoordSys() && keeps_system) WarnOfVerticalPart(*capacity, *reference.CoordSys, outcome);
     if (!reference.HasCoordSys() && capacity->needs_system)
         outcome.Warn("there is no coordinate system: longitude and latitude without a datum are written");
     WarnOfPointLosses(*capacity, reference, outcome);
