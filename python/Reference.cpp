@@ -45,14 +45,24 @@ Position Convert(bool (BMathTransform::*convert)(double&, double&) const, const 
 }
 
 BCoordSys MakeSystem(const BString& text) {
-    std::unique_ptr<BCoordSys> made(BCoordSys::FromEPSGCode(text));
-    if (!made) made.reset(BCoordSys::FromWKT(text));
+    const std::unique_ptr<BCoordSys> made(BCoordSys::FromText(text));
     if (!made) throw py::value_error("the coordinate system is not understood");
     return *made;
 }
 
 std::optional<BString> NotEmpty(const BString& text) {
     return text.IsEmpty() ? std::nullopt : std::optional<BString>(text);
+}
+
+std::optional<BCoordSys> Optional(BCoordSys* made) {
+    const std::unique_ptr<BCoordSys> owner(made);
+    return owner ? std::optional<BCoordSys>(*owner) : std::nullopt;
+}
+
+/// The system itself unless it is a compound.
+BCoordSys HorizontalOf(const BCoordSys& system) {
+    const std::unique_ptr<BCoordSys> vertical(system.GetVerticalCoordSys());
+    return vertical ? Optional(system.GetBaseCoordSys()).value_or(system) : system;
 }
 
 Position Geodetic(BPoint (BCoordSys::*convert)(const BPoint&) const, const BCoordSys& system, double x,
@@ -156,16 +166,39 @@ void DefineSystem(py::module_& module) {
         const BSharedPtr<BUnit> found = self.GetUnits();
         return found ? NotEmpty(found->GetName()) : std::nullopt;
     };
+    const auto epoch = [](const BCoordSys& self) {
+        const double year = self.GetCoordinateEpoch();
+        return year == 0.0 ? std::nullopt : std::optional<double>(year);
+    };
+    const auto is_same = [](const BCoordSys& self, const BCoordSys& other, std::optional<double> tolerance) {
+        return tolerance ? self.IsSame(other, *tolerance) : self.IsSame(other);
+    };
+    const auto convert_to = [](const BCoordSys& self, const BCoordSys& other, double x, double y) {
+        const BPoint point = self.ConvertTo(other, BPoint(x, y, 0.0));
+        return Position(point.x, point.y);
+    };
     py::class_<BCoordSys>(module, "CoordSys")
         .def(py::init(&MakeSystem), py::arg("text"))
         .def_property_readonly("name", &BCoordSys::GetName)
         .def_property_readonly("epsg", [](const BCoordSys& self) { return NotEmpty(self.ToEPSGCode()); })
         .def_property_readonly("wkt", &BCoordSys::ToWKT)
+        .def_property_readonly("whole_wkt", &BCoordSys::ToWholeWKT)
+        .def_property_readonly("wkt2", &BCoordSys::ToWKT2)
+        .def_property_readonly("esri", [](const BCoordSys& self) { return NotEmpty(self.ToPRJ()); })
+        .def_property_readonly("projjson", [](const BCoordSys& self) { return NotEmpty(self.ToPROJJSON()); })
+        .def_property_readonly("proj", [](const BCoordSys& self) { return NotEmpty(self.ToPROJString()); })
+        .def_property_readonly("horizontal", [](const BCoordSys& self) { return HorizontalOf(self); })
+        .def_property_readonly("vertical",
+                               [](const BCoordSys& self) { return Optional(self.GetVerticalCoordSys()); })
+        .def_property_readonly("epoch", epoch)
         .def_property_readonly(
             "geodetic", [](const BCoordSys& self) { return self.GetKind() == BCoordSys::kKindGeodetic; })
         .def_property_readonly("unit", unit)
         .def("to_geodetic", to_geodetic, py::arg("x"), py::arg("y"))
         .def("from_geodetic", from_geodetic, py::arg("longitude"), py::arg("latitude"))
+        .def("is_same", is_same, py::arg("other"), py::arg("tolerance") = py::none())
+        .def("distance_to", &BCoordSys::DistanceTo, py::arg("other"))
+        .def("convert_to", convert_to, py::arg("other"), py::arg("x"), py::arg("y"))
         .def("__repr__",
              [](const BCoordSys& self) { return "<mapanchor.CoordSys " + self.GetName().StdStr() + ">"; });
 }

@@ -99,7 +99,8 @@ class CoordSys:
     """A coordinate system."""
 
     def __init__(self, text: str) -> None:
-        """Of "EPSG:n" or well-known text 1 or 2; ValueError when it is not understood."""
+        """Of a code, a URN, well-known text, PROJJSON, a PROJ string, a MapInfo clause, ER
+        Mapper names, a name or the path of a PRJ file; ValueError when it is not understood."""
     @property
     def name(self) -> str: ...
     @property
@@ -107,7 +108,30 @@ class CoordSys:
         """Such as "EPSG:32632"; None when no system of EPSG is the same."""
     @property
     def wkt(self) -> str:
-        """Well-known text 1, the horizontal part."""
+        """Well-known text 1, the horizontal part; version 2 where 1 cannot describe it."""
+    @property
+    def whole_wkt(self) -> str:
+        """The same with the vertical part and the epoch."""
+    @property
+    def wkt2(self) -> str:
+        """Well-known text 2 of 2019, of the whole system."""
+    @property
+    def esri(self) -> Optional[str]:
+        """ESRI's well-known text, as in a PRJ file; None when it cannot describe the system."""
+    @property
+    def projjson(self) -> Optional[str]: ...
+    @property
+    def proj(self) -> Optional[str]:
+        """A PROJ string, which does not name the datum."""
+    @property
+    def horizontal(self) -> CoordSys:
+        """The horizontal part of a compound system; any other system itself."""
+    @property
+    def vertical(self) -> Optional[CoordSys]:
+        """The vertical part of a compound system."""
+    @property
+    def epoch(self) -> Optional[float]:
+        """The epoch of the coordinates as a decimal year."""
     @property
     def geodetic(self) -> bool:
         """True when x and y are longitude and latitude."""
@@ -116,6 +140,12 @@ class CoordSys:
     def to_geodetic(self, x: float, y: float) -> Tuple[float, float]:
         """Longitude and latitude in degrees, on the system's own datum."""
     def from_geodetic(self, longitude: float, latitude: float) -> Tuple[float, float]: ...
+    def is_same(self, other: CoordSys, tolerance: Optional[float] = ...) -> bool:
+        """By what they are; with a tolerance by place, in metres on the Earth."""
+    def distance_to(self, other: CoordSys) -> float:
+        """How far apart the two place the same coordinates, in metres; inf without a way."""
+    def convert_to(self, other: CoordSys, x: float, y: float) -> Tuple[float, float]:
+        """The position in the other system, across datums."""
 
 class Reference:
     """The georeferencing of one raster or page. Any part may be missing."""
