@@ -8,7 +8,7 @@ export CCACHE_BASEDIR := $(CURDIR)
 export CCACHE_NOHASHDIR := 1
 export CCACHE_SLOPPINESS := pch_defines,time_macros,include_file_mtime,include_file_ctime
 
-.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare format format-check tidy conformance consumer package docs abi abi-update hard-places fault-sweep clean
+.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare crs-sweep format format-check tidy conformance consumer package docs abi abi-update hard-places fault-sweep clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -44,6 +44,9 @@ bench: setup ## run the benchmarks, into docs/performance.md
 
 bench-compare: setup ## tell which operation got slower than docs/performance.md says
 	@scripts/bench.sh $(JOBS) --compare
+
+crs-sweep: build ## pass every EPSG system through every notation, into docs/conformance.md
+	@build/release/bin/crs_sweep --into docs/conformance.md --list build/release/crs-sweep.tsv
 
 CORPUS ?= ../shared/corpus
 conformance: build ## hold the tool against GDAL on the files of CORPUS, into docs/conformance.md
