@@ -3,6 +3,7 @@
 #include "coordsys/DefinitionCaches.h"
 #include "coordsys/MapInfoClause.h"
 #include "coordsys/MapInfoSystem.h"
+#include "coordsys/MapInfoWriter.h"
 #include "coordsys/Names.h"
 #include "coordsys/PlainNames.h"
 #include "geocalc/CDataSource.h"
@@ -20,6 +21,17 @@ namespace {
 
 BCoordSys* Wrap(CoordSysDefinition::Ptr definition) {
     return definition ? new BCoordSys(std::move(definition)) : nullptr;
+}
+
+/// The system of a clause; throws for one without a system, after `place`.
+BCoordSys* WrapClause(const MapInfoClause& clause, const char* source, const BString& place) {
+    const CoordSysDefinition::Ptr definition =
+        clause.fault.empty() ? FindByMapInfo(clause.terms) : CoordSysDefinition::Ptr();
+    if (definition) return Wrap(definition);
+    throw BCoordSysException(
+        "The coordinate system cannot be read.", source,
+        BString::Format("%sCoordSys clause: %s", place,
+                        clause.fault.empty() ? "the system cannot be made" : clause.fault.c_str()));
 }
 
 }  // namespace
@@ -46,11 +58,7 @@ BCoordSys* BCoordSysRepository::ReadCoordSysFromFile(const BString& path) {
     if (!file.Open(EFileMode::Read, EFileMode::Text)) return nullptr;
     const MapInfoClause clause = ReadMapInfoClause(file);
     if (!clause.found) return nullptr;
-    const CoordSysDefinition::Ptr definition = clause.fault.empty() ? FindByMapInfo(clause.text) : nullptr;
-    if (definition) return Wrap(definition);
-    throw BCoordSysException("The coordinate system cannot be read.",
-                             "BCoordSysRepository::ReadCoordSysFromFile",
-                             BString::Format("%s: CoordSys clause: %s", path, clause.fault));
+    return WrapClause(clause, "BCoordSysRepository::ReadCoordSysFromFile", path + BString(": "));
 }
 
 BCoordSys* BCoordSysRepository::ReadCoordSysFromMIFString(const BString& clause) {
@@ -58,12 +66,7 @@ BCoordSys* BCoordSysRepository::ReadCoordSysFromMIFString(const BString& clause)
     std::string text = clause.StdStr();
     text.erase(0, text.find_first_not_of(" \t\r\n"));
     if (LowerAscii(text).starts_with(kStart)) text.erase(0, kStart.size());
-    const MapInfoClause read = ParseMapInfoClause(text);
-    const CoordSysDefinition::Ptr definition = read.fault.empty() ? FindByMapInfo(read.text) : nullptr;
-    if (definition) return Wrap(definition);
-    throw BCoordSysException("The coordinate system cannot be read.",
-                             "BCoordSysRepository::ReadCoordSysFromMIFString",
-                             BString::Format("CoordSys clause: %s", read.fault));
+    return WrapClause(ParseMapInfoClause(text), "BCoordSysRepository::ReadCoordSysFromMIFString", BString());
 }
 
 bool BCoordSysRepository::WriteCoordSysToERMapperNames(const BCoordSys& coordSys, BString& projection,

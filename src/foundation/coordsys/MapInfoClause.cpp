@@ -1,11 +1,14 @@
 #include "coordsys/MapInfoClause.h"
 
+#include "coordsys/MapInfoDatums.h"
 #include "coordsys/Names.h"
 
 #include <Tellurion/BFile.h>
 #include <Tellurion/Numbers.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <iterator>
 #include <vector>
@@ -93,32 +96,31 @@ private:
 
 /// How many parameters each type of projection needs behind its unit, from type 0 on;
 /// the range of the azimuthal ones (4, 5, 28, 29) may be left out.
-constexpr int kNeeded[] = {-1, 0, 2, 6, 2, 2, 6, 6, 5, 6, 1, 1, 1, 1, 1, 1, 1,
-                           1,  4, 6, 5, 5, 5, 5, 5, 4, 2, 4, 2, 2, 4, 5, 6, 2};
+constexpr int kNeeded[] = {-1, 0, 2, 6, 2, 2, 6, 6, 5, 6, 1, 1, 1, 1, 1, 1, 1, 1,
+                           4,  6, 5, 5, 5, 5, 5, 4, 2, 4, 2, 2, 4, 5, 6, 2, 5};
 constexpr int kTypes = static_cast<int>(std::size(kNeeded));
 
-/// The datums that OGR knows: it takes any other number for WGS 84.
-constexpr std::pair<int, int> kDatums[] = {{0, 159},     {161, 161},   {999, 999},  {1000, 1025},
-                                           {1028, 1028}, {1031, 1031}, {9999, 9999}};
-
-struct UnitName {
-    int code;
-    std::string_view name;
+constexpr MapInfoUnit kUnits[] = {
+    {0, "mi", "mile", 1609.344},
+    {1, "km", "kilometre", 1000.0},
+    {2, "in", "inch", 0.0254},
+    {3, "ft", "foot", 0.3048},
+    {4, "yd", "yard", 0.9144},
+    {5, "mm", "millimetre", 0.001},
+    {6, "cm", "centimetre", 0.01},
+    {7, "m", "metre", 1.0},
+    {8, "survey ft", "US survey foot", 1200.0 / 3937.0},
+    {9, "nmi", "nautical mile", 1852.0},
+    {30, "li", "US survey link", 792.0 / 3937.0},
+    {31, "ch", "US survey chain", 79200.0 / 3937.0},
+    {32, "rd", "US survey rod", 19800.0 / 3937.0},
 };
-constexpr UnitName kUnits[] = {{0, "mi"},  {1, "km"},  {2, "in"}, {3, "ft"},        {4, "yd"},
-                               {5, "mm"},  {6, "cm"},  {7, "m"},  {8, "survey ft"}, {9, "nmi"},
-                               {30, "li"}, {31, "ch"}, {32, "rd"}};
 
-bool IsKnownDatum(int number) {
-    return std::ranges::any_of(
-        kDatums, [number](const auto& range) { return number >= range.first && number <= range.second; });
-}
-
-/// The name of a unit that is told by name or number; empty for an unknown one.
+/// The name of a unit that is given by name or number; empty for an unknown unit.
 std::string_view FindUnit(const Token& token) {
     const std::string name = LowerAscii(token.text);
-    for (const UnitName& unit : kUnits)
-        if (token.kind == Token::Kind::Text ? unit.name == name : unit.code == token.number) return unit.name;
+    for (const MapInfoUnit& unit : kUnits)
+        if (token.kind == Token::Kind::Text ? name == unit.name : unit.code == token.number) return unit.name;
     return {};
 }
 
@@ -133,14 +135,15 @@ bool ReadItems(Tokens& tokens, std::vector<Token>& items) {
     return true;
 }
 
-/// Takes items off the front and puts them into the text that OGR reads.
-class ClauseWriter {
+/// Consumes items from the front.
+class Items {
 public:
-    explicit ClauseWriter(std::vector<Token> items) : items_(std::move(items)) {}
+    explicit Items(std::vector<Token> items) : items_(std::move(items)) {}
 
     std::size_t Left() const { return items_.size() - next_; }
     const Token& Peek() const { return items_[next_]; }
-    bool TakeWhole(int& number) {
+    void Skip() { ++next_; }
+    bool ReadWhole(int& number) {
         if (Left() == 0 || !IsNumber(Peek()) || std::abs(Peek().number) > 1e6 ||
             std::trunc(Peek().number) != Peek().number)
             return false;
@@ -148,19 +151,13 @@ public:
         return true;
     }
     /// False when fewer finite numbers are left.
-    bool CopyNumbers(int count) {
+    bool ReadNumbers(int count, std::vector<double>& numbers) {
         for (; count > 0; --count) {
             if (Left() == 0 || !IsNumber(Peek())) return false;
-            Append(PrintShortest(items_[next_++].number));
+            numbers.push_back(items_[next_++].number);
         }
         return true;
     }
-    void Skip() { ++next_; }
-    void Append(std::string_view item) {
-        if (!text_.ends_with(' ')) text_ += ", ";
-        text_ += item;
-    }
-    const std::string& Text() const { return text_; }
 
 private:
     static bool IsNumber(const Token& token) {
@@ -169,55 +166,72 @@ private:
 
     std::vector<Token> items_;
     std::size_t next_ = 0;
-    std::string text_ = "Earth Projection ";
 };
 
+/// The datum with its parameters: empty on success, else what is wrong.
+std::string ReadDatum(Items& items, MapInfoTerms& terms) {
+    MapInfoDatum asked;
+    asked.number = terms.datum;
+    if (!items.ReadNumbers(asked.CountParameters(), terms.datum_parameters))
+        return "the datum lacks parameters";
+    if (ReadMapInfoDatum(terms.datum, terms.datum_parameters).ellipsoid >= 0) return {};
+    return asked.IsSpelledOut() ? "the ellipsoid is not known" : "the datum is not known";
+}
+
 /// Behind the word Projection: empty on success, else what is wrong.
-std::string ReadProjection(ClauseWriter& writer) {
+std::string ReadProjection(Items& items, MapInfoTerms& terms) {
     int type = 0;
-    int datum = 0;
-    if (!writer.TakeWhole(type) || !writer.TakeWhole(datum)) return "projection or datum is no number";
+    if (!items.ReadWhole(type) || !items.ReadWhole(terms.datum)) return "projection or datum is no number";
     // Thousands tell of an affine part (1000) and of bounds (2000) behind the parameters.
     if (type / 1000 == 1 || type / 1000 == 3) return "affine transforms are not supported";
-    const int method = type - type / 1000 * 1000;
-    if (type < 0 || type >= 4000 || method < 1 || method >= kTypes) return "the projection is not known";
-    if (!IsKnownDatum(datum)) return "the datum is not known";
-    writer.Append(std::to_string(method));
-    writer.Append(std::to_string(datum));
-    const int datum_parameters = datum == 999 ? 4 : datum == 9999 ? 9 : 0;
-    if (!writer.CopyNumbers(datum_parameters)) return "the datum lacks parameters";
-    if (method == 1) return {};
-    const std::string_view unit = writer.Left() != 0 ? FindUnit(writer.Peek()) : std::string_view();
-    if (unit.empty()) return "the unit is not known";
-    writer.Skip();
-    writer.Append('"' + std::string(unit) + '"');
-    if (!writer.CopyNumbers(kNeeded[method])) return "the projection lacks parameters";
-    if (writer.Left() != 0) writer.CopyNumbers(1);  // the range of an azimuthal projection
+    terms.type = type - type / 1000 * 1000;
+    if (type < 0 || type >= 4000 || terms.type < 1 || terms.type >= kTypes)
+        return "the projection is not known";
+    if (std::string fault = ReadDatum(items, terms); !fault.empty()) return fault;
+    if (terms.type == 1) return {};
+    terms.unit = items.Left() != 0 ? FindUnit(items.Peek()) : std::string_view();
+    if (terms.unit.empty()) return "the unit is not known";
+    items.Skip();
+    if (!items.ReadNumbers(kNeeded[terms.type], terms.parameters)) return "the projection lacks parameters";
+    if (items.Left() != 0) items.ReadNumbers(1, terms.parameters);  // the range of an azimuthal projection
     return {};
 }
 
-std::string ReadEarth(Tokens& tokens, std::string& text) {
+constexpr const char* kNoAffine = "this affine transform is not supported";
+
+/// Behind the word Affine: empty on success, else what is wrong. Rotated and skewed
+/// grids, and such in another unit, have no system.
+std::string ReadAffine(Tokens& tokens, MapInfoTerms& terms) {
+    std::vector<Token> list;
+    if (!tokens.AcceptWord("units") || !ReadItems(tokens, list)) return kNoAffine;
+    Items items(std::move(list));
+    std::vector<double> terms_of_six;
+    if (items.Left() == 0 || FindUnit(items.Peek()) != terms.unit || terms.type <= 1) return kNoAffine;
+    items.Skip();
+    if (!items.ReadNumbers(6, terms_of_six) || terms_of_six[1] != 0.0 || terms_of_six[3] != 0.0)
+        return kNoAffine;
+    terms.affine = {terms_of_six[0], terms_of_six[4], terms_of_six[2], terms_of_six[5]};
+    return terms.affine.scale_x == 0.0 || terms.affine.scale_y != terms.affine.scale_x ? kNoAffine : "";
+}
+
+std::string ReadEarth(Tokens& tokens, MapInfoTerms& terms) {
     if (!tokens.AcceptWord("projection")) {
-        text = "Earth Projection 1, 0";
+        terms.type = 1;
     } else {
-        std::vector<Token> items;
-        if (!ReadItems(tokens, items)) return "a parameter is missing";
-        ClauseWriter writer(std::move(items));
-        std::string fault = ReadProjection(writer);
-        if (!fault.empty()) return fault;
-        text = writer.Text();
+        std::vector<Token> list;
+        if (!ReadItems(tokens, list)) return "a parameter is missing";
+        Items items(std::move(list));
+        if (std::string fault = ReadProjection(items, terms); !fault.empty()) return fault;
     }
     if (tokens.AcceptWord("units")) tokens.Accept(Token::Kind::Text);
-    return tokens.Now().IsWord("affine") ? "affine transforms are not supported" : "";
+    return tokens.AcceptWord("affine") ? ReadAffine(tokens, terms) : "";
 }
 
-std::string ReadNonEarth(Tokens& tokens, std::string& text) {
+std::string ReadNonEarth(Tokens& tokens, MapInfoTerms& terms) {
     if (tokens.Now().IsWord("affine")) return "affine transforms are not supported";
-    std::string_view unit = "m";
-    if (tokens.AcceptWord("units")) unit = FindUnit(tokens.Now());
-    if (unit.empty()) return "the unit is not known";
-    text = "NonEarth Units \"" + std::string(unit) + '"';
-    return {};
+    terms.unit = "m";
+    if (tokens.AcceptWord("units")) terms.unit = FindUnit(tokens.Now());
+    return terms.unit.empty() ? "the unit is not known" : "";
 }
 
 /// Where the text behind the word CoordSys begins; npos without the word. Quoted
@@ -240,16 +254,56 @@ std::size_t FindKeyword(std::string_view line) {
     return std::string_view::npos;
 }
 
+/// Without an exponent, which not all readers of clauses accept.
+std::string FormatNumber(double value) {
+    // The widest double has 1,077 characters.
+    std::array<char, 1100> buffer;
+    const auto [end, error] =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed);
+    return error == std::errc() ? std::string(buffer.data(), end) : std::string("0");
+}
+
+void AppendNumbers(std::string& text, const std::vector<double>& numbers) {
+    for (const double number : numbers)
+        text += ", " + FormatNumber(number);
+}
+
 }  // namespace
+
+const MapInfoUnit* FindMapInfoUnit(std::string_view name) {
+    const auto* found = std::ranges::find(kUnits, name, &MapInfoUnit::name);
+    return found == std::end(kUnits) ? nullptr : found;
+}
+
+const MapInfoUnit* FindMapInfoUnit(double metres) {
+    constexpr double kSameLength = 1e-12;  // of the unit's own
+    const auto* found = std::ranges::find_if(kUnits, [metres](const MapInfoUnit& unit) {
+        return std::abs(unit.metres - metres) <= kSameLength * metres;
+    });
+    return found == std::end(kUnits) ? nullptr : found;
+}
+
+std::string FormatMapInfo(const MapInfoTerms& terms) {
+    if (terms.type == 0) return "NonEarth Units \"" + std::string(terms.unit) + '"';
+    std::string text = "Earth Projection " + std::to_string(terms.type) + ", " + std::to_string(terms.datum);
+    AppendNumbers(text, terms.datum_parameters);
+    if (!terms.unit.empty()) text += ", \"" + std::string(terms.unit) + '"';
+    AppendNumbers(text, terms.parameters);
+    if (const MapInfoAffine& affine = terms.affine; affine != MapInfoAffine()) {
+        text += " Affine Units \"" + std::string(terms.unit) + '"';
+        AppendNumbers(text, {affine.scale_x, 0.0, affine.shift_x, 0.0, affine.scale_y, affine.shift_y});
+    }
+    return text;
+}
 
 MapInfoClause ParseMapInfoClause(std::string_view text) {
     Tokens tokens(text);
     MapInfoClause clause;
     clause.found = true;
     if (tokens.AcceptWord("earth"))
-        clause.fault = ReadEarth(tokens, clause.text);
+        clause.fault = ReadEarth(tokens, clause.terms);
     else if (tokens.AcceptWord("nonearth"))
-        clause.fault = ReadNonEarth(tokens, clause.text);
+        clause.fault = ReadNonEarth(tokens, clause.terms);
     else
         clause.fault = "neither Earth nor NonEarth";
     return clause;

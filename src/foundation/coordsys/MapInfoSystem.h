@@ -1,17 +1,11 @@
 #pragma once
 
 #include "coordsys/CoordSysDefinition.h"
-
-#include <string>
+#include "coordsys/MapInfoClause.h"
 
 namespace Tellurion {
 
-/// The system of a clause as ParseMapInfoClause gives it; null when it cannot be made.
-/// Cached.
-CoordSysDefinition::Ptr FindByMapInfo(const std::string& clause);
-
-/// The clause of a system, without the word CoordSys; empty when no clause says the
-/// same: a clause that is read back as something else is not given out.
-std::string MapInfoTextOf(const CoordSysDefinition& system);
+/// The system of a clause; null when it cannot be made. Cached.
+CoordSysDefinition::Ptr FindByMapInfo(const MapInfoTerms& terms);
 
 }  // namespace Tellurion

@@ -11,13 +11,6 @@ namespace Tellurion {
 /// say no system.
 std::string WktOfArcInfo(const std::vector<std::string>& lines);
 
-/// Well-known text 2 of a MapInfo clause, with or without the word CoordSys; empty
-/// when it cannot be understood.
-std::string WktOfMapInfo(const std::string& clause);
-
-/// The MapInfo clause of a well-known text, without the word CoordSys; empty on failure.
-std::string MapInfoOfWkt(const std::string& wkt);
-
 /// Well-known text 2 of an entry in the dictionary of ER Mapper names that GDAL's data
 /// folder may have; empty without one.
 std::string WktOfErMapperName(const std::string& name);

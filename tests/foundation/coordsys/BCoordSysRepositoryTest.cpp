@@ -55,6 +55,11 @@ TEST(MapInfoClause, IsReadFromAFile) {
         {"CoordSys Earth Projection 999, 104\n", "thrown"},
         {"CoordSys Earth Projection 1, 998\n", "thrown"},
         {"CoordSys Earth Projection 8, 104, \"m\", 15\n", "thrown"},
+        {"CoordSys Earth Projection 8, 74, \"m\", -177, 0, 1, 0, 0 Affine Units \"m\", .5, -.8, 0, .8, .5, "
+         "0\n",
+         "thrown"},
+        {"CoordSys Earth Projection 1, 999, 99, 0, 0, 0\n", "thrown"},
+        {"CoordSys Earth Projection 1, -1\n", "thrown"},
         {"CoordSys Layout Units \"in\"\n", "thrown"},
         {"!table\nno clause\n", ""}};
     const TempFolder folder;
@@ -70,19 +75,58 @@ TEST(MapInfoClause, IsReadFromAFile) {
 }
 
 TEST(MapInfoClause, IsReadFromATextAndWritten) {
+    const std::string nad83 =
+        "0, -1.0037, 1.91111, 0.54397, -0.0267814, 0.0004203, -0.0109321, -0.000389, 0, ";
     for (const char* text :
          {"CoordSys Earth Projection 1, 104", "Earth Projection 1, 104", " coordsys earth projection 1,104"})
         EXPECT_EQ(CodeOf(Repository().ReadCoordSysFromMIFString(text)), "4326");
     for (const char* text : {"", "CoordSys", "Earth Projection", "4326"})
         EXPECT_THROW(Repository().ReadCoordSysFromMIFString(text), BCoordSysException) << text;
-    for (const char* code : {"4326", "32633", "26712", "27700", "2193", "3395", "2407"}) {
-        const Ptr system(BCoordSys::FromEPSGCode(code));
-        const BString clause = Repository().WriteCoordSysToMIFString(*system);
-        ASSERT_TRUE(clause.StartsWith("CoordSys Earth")) << code << clause;
-        EXPECT_EQ(Ptr(Repository().ReadCoordSysFromMIFString(clause))->GetKind(), system->GetKind()) << code;
+    // "" for systems that no clause states.
+    const std::pair<const char*, std::string> cases[] = {
+        {"4326", "1, 104"},
+        {"2391", "24, 1016, \"m\", 21, 0, 1, 1500000, 0"},
+        {"2193", "8, 117, \"m\", 173, 0, 0.9996, 1600000, 10000000"},
+        {"3857", "10, 157, \"m\", 0"},
+        {"2056", "25, 158, \"m\", 7.43958333333333, 46.9524055555556, 2600000, 1200000"},
+        {"28992", "31, 109, \"m\", 5.38763888888889, 52.1561605555556, 0.9999079, 155000, 463000"},
+        {"2277",
+         "3, 74, \"survey ft\", -100.333333333333, 29.6666666666667, 31.8833333333333, "
+         "30.1166666666667, 2296583.333, 9842500"},
+        {"26931", "7, 74, \"m\", -133.666666666667, 57, 323.130102361111, 0.9999, 5000000, -5000000"},
+        // By ellipsoid and shift.
+        {"6339", "8, 9999, " + nad83 + "\"m\", -123, 0, 0.9996, 500000, 0"},
+        {"22234", "8, 999, 15, -136, -108, -292, \"m\", 21, 0, 0.9996, 500000, 10000000"},
+        // With parallels or a scale that follow from the others.
+        {"26191",
+         "3, 999, 30, 31, 146, 47, \"m\", -5.4, 33.3, 31.7239256472708, 34.866457655941, 500000, "
+         "300000"},
+        {"3031", "20, 104, \"m\", 0, -90, 0.972769012891797, 0, 0"},
+        // By an affine transform: a false origin, a scale above 1, westings and southings.
+        {"3035", "29, 115, \"m\", 10, 52, 90 Affine Units \"m\", 1, 0, 4321000, 0, 1, 3210000"},
+        {"6799",
+         "3, 9999, " + nad83 +
+             "\"ft\", -119.75, 43.6666666666667, 43.6666666666667, "
+             "43.6666666666667, 0, 0 Affine Units \"ft\", 1.0002, 0, 393700.7874, 0, 1.0002, 196850.3937"},
+        {"2048", "8, 150, \"m\", 19, 0, 1, 0, 0 Affine Units \"m\", -1, 0, 0, 0, -1, 0"},
+        {"5514", ""},
+        {"4807", ""},
+        {"2314", ""},
+        {"4120", ""}};
+    for (const auto& [code, clause] : cases) {
+        const BString written = Repository().WriteCoordSysToMIFString(*Ptr(BCoordSys::FromEPSGCode(code)));
+        EXPECT_EQ(written.StdStr(), clause.empty() ? "" : "CoordSys Earth Projection " + clause) << code;
+        EXPECT_EQ(clause.empty() ? code : CodeOf(Repository().ReadCoordSysFromMIFString(written)), code);
     }
-    // Krovak has no number there.
-    EXPECT_TRUE(Repository().WriteCoordSysToMIFString(*Ptr(BCoordSys::FromEPSGCode("5514"))).IsEmpty());
+}
+
+TEST(MapInfoClause, KeepsAShiftThatNoNumberHas) {
+    const char* const clause =
+        "CoordSys Earth Projection 8, 9999, 10, 600, 70, 430, -0.5, 0.25, 2, 6, 0, \"m\", 9, 0, "
+        "1, 3500000, 0";
+    const Ptr system(Repository().ReadCoordSysFromMIFString(clause));
+    EXPECT_EQ(Repository().WriteCoordSysToMIFString(*system), BString(clause));
+    EXPECT_NE(system->ToWKT().StdStr().find("TOWGS84[600,70,430,0.5,-0.25,-2,"), std::string::npos);
 }
 
 TEST(GetCoordSys, LooksUpTheCodeOfEachIssuer) {
