@@ -162,8 +162,11 @@ BString ErMapperNameOf(const CoordSysDefinition& system) {
     const int number = system.GeodeticEpsgNumber();
     if (system.GetKind() != CoordSysDefinition::Kind::Projected || number == 0) return {};
     const PJ::CProjection projection = PJ::ReadProjection(system);
+    // A name that is the datum's as well means longitude and latitude beside it.
+    const BString datum = ErMapperDatumNameOf(system);
     for (const auto* entry : ErMapperProjections::Instance().FindNearlyEqual(projection))
-        if (entry->own_datum == number) return BString(std::string(entry->row->name));
+        if (const BString name(std::string(entry->row->name)); entry->own_datum == number && name != datum)
+            return name;
     return {};
 }
 

@@ -252,7 +252,8 @@ TEST(BCoordSys, StatesTheCodeOfEachIssuer) {
         {"32612", "EPSG", "32612", "6326"},       {"32612", "GC", "EPSG:32612", "-"},
         {"32612", "ERMapper", "NUTM12", "WGS84"}, {"26912", "ERMapper", "-", "NAD83"},
         {"28355", "ERMapper", "MGA55", "GDA94"},  {"4267", "ERMapper", "NAD27", "NAD27"},
-        {"2056", "ERMapper", "-", "-"},           {"32612", "ESRI", "-", "-"}};
+        {"2056", "ERMapper", "-", "-"},           {"32612", "ESRI", "-", "-"},
+        {"2100", "ERMapper", "HGRS87", "EGSA87"}, {"4683", "ERMapper", "PRS92", "PRS92"}};
     for (const auto& [epsg, issuer, system, datum] : cases) {
         BIdentifier out("x", "-"), of_datum("x", "-");
         EXPECT_EQ(FromEpsg(epsg)->GetIdentifier(issuer, out), *system != '-') << epsg << issuer;
