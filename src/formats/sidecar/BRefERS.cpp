@@ -8,6 +8,7 @@
 #include "sidecar/ErsHeader.h"
 
 #include <GeoCalc/CCoordSys.h>
+#include <GeoCalc/CDataSource.h>
 #include <GeoCalc/CHorizontalDatum.h>
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
@@ -57,11 +58,13 @@ bool NamesSystem(const ErsHeader& header) {
     return !IsNone(header.projection) || !IsNone(header.datum);
 }
 
-BSharedPtr<BCoordSys> LookUpSystem(const ErsHeader& header) {
+BSharedPtr<BCoordSys> LookUpSystem(const BString& projection, const BString& datum) {
     constexpr int kNoChangeOfUnit = 4;
-    const bool geodetic = IsNone(header.projection) || header.projection == header.datum;
-    return FindERMapperCoordSys(geodetic ? BString("GEODETIC") : header.projection, header.datum,
-                                kNoChangeOfUnit);
+    const bool geodetic = IsNone(projection) || projection == datum;
+    return FindERMapperCoordSys(geodetic ? BString("GEODETIC") : projection, datum, kNoChangeOfUnit);
+}
+BSharedPtr<BCoordSys> LookUpSystem(const ErsHeader& header) {
+    return LookUpSystem(header.projection, header.datum);
 }
 
 BSharedPtr<BCoordSys> FindSystem(const ErsHeader& header, OnFailure on_failure) {
@@ -144,7 +147,15 @@ struct Names {
     BString datum;
 };
 
-/// Both or none: what cannot be told is the whole.
+/// Whether the names are read back as another system than that of the EPSG code. Names
+/// that the database does not have are the host's own.
+bool MeanAnother(const Names& names, const BString& code) {
+    const BSharedPtr<BCoordSys> read = LookUpSystem(names.projection, names.datum);
+    return read && read->ToEPSGCode() != code;
+}
+
+/// Both or none. Without a datum the projection is read on the one of its own, which must
+/// be the same place.
 Names NamesByName(const BGeoReference& reference) {
     if (!reference.HasCoordSys() || !reference.CoordSys->IsValid()) return {};
     BIdentifier projection;
@@ -155,6 +166,9 @@ Names NamesByName(const BGeoReference& reference) {
         return {};
     if (!reference.CoordSys->GetDatumIdentifier(kErMapper, datum)) datum.Code = kRaw;
     if (datum.Code.IsEmpty()) return {};
+    if (datum.Code == BString(kRaw) && !GeoCalc::DB::CDataSource::Instance().IsERMapperNameFor(
+                                           projection.Code, *reference.CoordSys->GetGCCoordSys()))
+        return {};
     return {projection.Code, datum.Code};
 }
 
@@ -164,21 +178,26 @@ Names NamesByName(const BGeoReference& reference) {
                                         file, of, name));
 }
 
-/// One by one: a projection may go without its datum.
+/// One by one: a projection may go without its datum. An EPSG system for which there are
+/// no names has its code for both.
 Names NamesByType(const BString& file, const BGeoReference& reference, OnFailure on_failure) {
     if (!reference.HasCoordSys()) return {};
     GeoCalc::CS::CCoordSys& object = *reference.CoordSys->GetGCCoordSys();
     const GeoCalc::CS::CHorizontalDatum* datum = object.GetHorizontalDatum();
+    const bool found = datum && datum->GetIdentifiers().Exists(kErMapper);
     BIdentifier projection;
     reference.CoordSys->GetIdentifier(kErMapper, projection);
-    if (projection.Code.IsEmpty()) {
+    const Names names = {projection.Code, found ? datum->GetIdentifiers().GetCode(kErMapper) : BString()};
+    const BString code = reference.CoordSys->ToEPSGCode();
+    if (!code.IsEmpty() && (names.projection.IsEmpty() || !found || MeanAnother(names, code)))
+        return {code, code};
+    if (names.projection.IsEmpty()) {
         if (on_failure == OnFailure::Throw) ThrowNoCode(file, "Projection", object.GetName());
         return {};
     }
-    const bool found = datum && datum->GetIdentifiers().Exists(kErMapper);
     if (!found && on_failure == OnFailure::Throw)
         ThrowNoCode(file, "Datum", datum ? datum->GetName() : BString());
-    return {projection.Code, found ? datum->GetIdentifiers().GetCode(kErMapper) : BString()};
+    return names;
 }
 
 /// What a save is asked to write.

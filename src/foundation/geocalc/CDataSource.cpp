@@ -2,11 +2,13 @@
 
 #include "coordsys/CoordSysDefinition.h"
 #include "coordsys/DefinitionCaches.h"
+#include "coordsys/Identification.h"
 #include "geocalc/EquivalentSearch.h"
 #include "geocalc/ErMapperProjections.h"
 #include "geocalc/ErMapperSystems.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 namespace GeoCalc::DB {
@@ -45,6 +47,37 @@ CEquivalent StoredEntry(const CProjectedCoordSys& object) {
     return {object.GetIdentifiers(), 0};
 }
 
+/// Longitude and latitude on WGS 84 of the same on the datum of a system; unchanged where no
+/// way is known.
+PJ_COORD OnWgs84(::PJ* crs, PJ_COORD place) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const CoordSysDefinition::Ptr target = FindByEpsg(4326);
+    const Proj::Object datum(proj_crs_get_geodetic_crs(context, crs));
+    const Proj::Object wgs84 = target ? target->CloneHorizontal() : nullptr;
+    if (!datum || !wgs84) return place;
+    const Proj::Object made(
+        proj_create_crs_to_crs_from_pj(context, datum.get(), wgs84.get(), nullptr, nullptr));
+    const Proj::Object way(made ? proj_normalize_for_visualization(context, made.get()) : nullptr);
+    return way ? proj_trans(way.get(), PJ_FWD, place) : place;
+}
+
+/// Whether two systems place the same coordinates alike, in the middle of the second one's
+/// area with their datums as well.
+bool IsSameOnTheEarth(::PJ* first, ::PJ* second) {
+    constexpr double kSameOrigin = 1e-5;  // degrees, a metre: what two ways to shift one datum differ by
+    if (!Tellurion::IsSamePlacement(first, second)) return false;
+    double west = 0.0, south = 0.0, east = 0.0, north = 0.0;
+    const auto has_area = [&](::PJ* crs) {
+        return proj_get_area_of_use(Proj::ThreadContext(), crs, &west, &south, &east, &north, nullptr) != 0;
+    };
+    if (!has_area(second) && !has_area(first)) return false;
+    if (east < west) east += 360.0;
+    const PJ_COORD middle = proj_coord((west + east) / 2.0, (south + north) / 2.0, 0.0, HUGE_VAL);
+    const PJ_COORD a = OnWgs84(first, middle);
+    const PJ_COORD b = OnWgs84(second, middle);
+    return std::hypot(std::remainder(a.xy.x - b.xy.x, 360.0), a.xy.y - b.xy.y) < kSameOrigin;
+}
+
 }  // namespace
 
 CDataSource& CDataSource::Instance() {
@@ -71,6 +104,15 @@ BString CDataSource::FindERMapperName(const PJ::CProjection& projection) const {
         if (stored->GetIdentifiers().Exists(kErMapper) && stored->GetProjection().IsNearlyEqual(projection))
             return stored->GetIdentifiers().GetCode(kErMapper);
     return {};
+}
+
+bool CDataSource::IsERMapperNameFor(const BString& name, const CS::CCoordSys& system) const {
+    const CS::CCoordSys::Definition named = Find(kErMapper, name);
+    const CS::CCoordSys::Definition wanted = system.GetDefinition();
+    if (!named || named->GetKind() != wanted->GetKind()) return false;
+    const int number = wanted->EpsgNumber();
+    return (number != 0 && number == named->EpsgNumber()) ||
+           IsSameOnTheEarth(named->CloneHorizontal().get(), wanted->CloneHorizontal().get());
 }
 
 std::unique_ptr<ML::CProjectedPoint> CDataSource::GetProjectedPoint(const BString& issuer,

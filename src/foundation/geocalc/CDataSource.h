@@ -63,6 +63,9 @@ public:
     /// finds first, at the cost of a look-up; empty without one.
     Tellurion::BString FindERMapperName(const PJ::CProjection& projection) const;
 
+    /// Whether that name, without a datum beside it, is read as the same place.
+    bool IsERMapperNameFor(const Tellurion::BString& name, const CS::CCoordSys& system) const;
+
     /// The names of the ER Mapper family; read on first need.
     const ErMapperNames& GetERMapperNames() const { return ErMapperNames::Instance(); }
 
