@@ -50,7 +50,7 @@ public:
         std::ifstream in(made, std::ios::binary);
         raster_.assign(std::istreambuf_iterator<char>(in), {});
         for (const auto& format : MapAnchor::BReferenceFormats::List())
-            for (const auto& extension : format.ReadExtensions)
+            for (const auto& extension : format.GetReadExtensions())
                 if (std::ranges::count(kExtensions, extension.StdStr().substr(1)) == 0) std::abort();
     }
     ~Folder() { fs::remove_all(path_); }

@@ -36,17 +36,18 @@ unsigned int Flags(bool strict_transform, bool strict_crs) {
 }
 
 std::optional<EReferenceType> TypeOf(const BString& file, std::optional<EReferenceType> type) {
-    // A PDF is read and saved by type alone.
-    if (!type && BFileUtilities::GetExtension(file).ToLower() == BString(".pdf"))
-        return EReferenceType::GeoPDF;
+    const BString extension = BFileUtilities::GetExtension(file).ToLower();
+    for (const MapAnchor::BReferenceFormat& format : MapAnchor::BReferenceFormats::List())
+        for (const BString& typed : format.GetTypedExtensions())
+            if (!type && typed == extension) return format.GetType();
     return type;
 }
 
 void SetKind(PyReference& result, std::optional<EReferenceType> type) {
     for (const MapAnchor::BReferenceFormat& format : MapAnchor::BReferenceFormats::List()) {
-        if (type ? !format.HasType || format.Type != *type : format.Name != result.kind) continue;
-        result.kind = format.Name;
-        result.centre_anchored = format.CentreAnchored;
+        if (type ? !format.HasType() || format.GetType() != *type : format.GetName() != result.kind) continue;
+        result.kind = format.GetName();
+        result.centre_anchored = format.IsCentreAnchored();
         return;
     }
 }

@@ -41,11 +41,6 @@ constexpr const char* kSaveSource = "BMapAnchor::Save";
 /// First line of a settings file that six numbers might follow.
 const BString kTransformSettings("[Transform Settings]");
 
-bool IsTypeNumber(EReferenceType type) {
-    const int number = static_cast<int>(type);
-    return number >= 1 && number <= 11 && type != EReferenceType::Reserved;
-}
-
 void RequireName(const BString& file, const char* source) {
     if (file.IsEmpty()) throw BFileNotFoundException(source, "No file specified.");
 }
@@ -107,7 +102,7 @@ void BMapAnchor::Read(const EReferenceType& type, const BString& file, BGeoRefer
     RequireName(file, kReadSource);
     if (!BFileUtilities::Exists(file))
         throw BFileNotFoundException(kReadSource, BString::Format("File <%ls> does NOT exist.", file));
-    const ReferenceFormat* format = IsTypeNumber(type) ? FindFormatByType(type) : nullptr;
+    const ReferenceFormat* format = FindFormatByType(type);
     if (!format || !format->typed_read) ThrowUnsupported(file, kReadSource);
     const GdalDrivers::Scope allowed(params);
     BGeoReference local;
@@ -149,8 +144,9 @@ const char* BMapAnchor::TryOpeningForRead(const BString& file, BGeoReference& re
     return Guarded(kProbeLog, file, [&]() -> const char* {
         if (IsSettingsFile(file)) return nullptr;
         const ReadCall call{file, reference, width, height, mathType, kNoFlags, nullptr, &usedFile};
-        for (const ReferenceProbe& probe : ReferenceProbeTable())
-            if ((!probe.may_be || probe.may_be(file)) && probe.read(call)) return probe.name;
+        for (const ReferenceFormat* format : ProbedFormats())
+            if ((!format->probe.may_be || format->probe.may_be(file)) && format->probe.read(call))
+                return format->name;
         return nullptr;
     });
 }
@@ -160,12 +156,11 @@ void BMapAnchor::Save(const EReferenceType& type, const BString& file, const BGe
                       const BParamList* params) {
     RequireName(file, kSaveSource);
     // Numbers that are no type are let pass without a word; hosts rely on it.
-    if (!IsTypeNumber(type)) return;
     const ReferenceFormat* format = FindFormatByType(type);
-    if (!format || (!format->typed_save && !format->refusal.source)) ThrowUnsupported(file, kSaveSource);
+    if (!format) return;
+    if (!format->typed_save) ThrowUnsupported(file, kSaveSource);
     const GdalDrivers::Scope allowed(params);
     Guarded(kSaveLog, file, [&] {
-        if (format->refusal.source) Refuse(format->refusal);
         format->typed_save({file, reference, width, height, imageName, flags, params});
     });
 }

@@ -7,6 +7,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// Geospatial PDF: the first page of a document, shown by a raster of one of its boxes.
 class BRefGeoPDF {
 public:
@@ -32,6 +34,8 @@ public:
     static bool Write(const Tellurion::BString* file, unsigned char flags,
                       const Tellurion::BGeoReference& reference, long width, long height,
                       const Tellurion::BKeyValuePairs* params);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

@@ -125,11 +125,12 @@ TEST(GenerateWorldFileExt, FollowsTheRastersExtension) {
 
 TEST(ReferenceFormats, StateWhatTheEntryPointDoes) {
     for (const BReferenceFormat& format : BReferenceFormats::List()) {
-        EXPECT_EQ(format.ReadsByType, format.HasType && format.Name != BString("DOQ")) << format.Name;
-        if (format.Type != EReferenceType::WLD) continue;
-        EXPECT_TRUE(format.SavesByType && format.Probed);
-        EXPECT_EQ(format.ReadExtensions.size(), 11U);
-        EXPECT_EQ(format.SaveExtensions.size(), 13U);
+        EXPECT_EQ(format.ReadsByType(), format.HasType() && format.GetName() != BString("DOQ"))
+            << format.GetName();
+        if (format.GetType() != EReferenceType::WLD) continue;
+        EXPECT_TRUE(format.SavesByType() && format.IsProbed());
+        EXPECT_EQ(format.GetReadExtensions().size(), 11U);
+        EXPECT_EQ(format.GetSaveExtensions().size(), 13U);
     }
 }
 

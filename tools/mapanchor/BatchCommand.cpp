@@ -65,10 +65,11 @@ std::uint64_t HashOf(const std::string& name) {
 }
 
 std::set<std::string> KnownExtensions() {
-    std::set<std::string> known = {".pdf"};
+    std::set<std::string> known;
     for (const auto& format : MapAnchor::BReferenceFormats::List())
-        for (const BString& extension : format.ReadExtensions)
-            known.insert(extension.StdStr());
+        for (const auto& extensions : {format.GetReadExtensions(), format.GetTypedExtensions()})
+            for (const BString& extension : extensions)
+                known.insert(extension.StdStr());
     return known;
 }
 

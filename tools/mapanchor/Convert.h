@@ -7,6 +7,7 @@
 #include "ReadFile.h"
 #include "ReadOptions.h"
 
+#include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/EReferenceType.h>
 
 #include <optional>
@@ -28,11 +29,12 @@ struct ConvertOptions {
 
 /// A save that is about to happen, or would.
 struct Plan {
-    std::string kind;  ///< empty when the target's extension names none
-    bool IsPdf() const { return kind == "PDF"; }
-    /// The target is a raster or a page that takes the reference in; all other kinds are
-    /// made anew.
-    bool IsInPlace() const { return kind == "TIF" || IsPdf(); }
+    std::optional<MapAnchor::BReferenceFormat> format;  ///< empty when the target's name says none
+    std::string Kind() const { return format ? format->GetName().StdStr() : ""; }
+    bool Is(Tellurion::EReferenceType type) const { return format && format->GetType() == type; }
+    bool IsPdf() const { return Is(Tellurion::EReferenceType::GeoPDF); }
+    /// The target is a raster or a page that takes the reference in; other kinds are written whole.
+    bool IsInPlace() const { return format && format->SavesInPlace(); }
     bool writes_prj = false;
     std::vector<std::string> files;
 };

@@ -33,23 +33,18 @@ constexpr const char* kDescription =
     "  mapanchor convert --overwrite --backup --verify --size 3000x1500 map.tfw map.pdf\n"
     "  mapanchor convert --to wld --overwrite map.pgw map.txt";
 
-bool IsWorldFileByName(const ConvertOptions& options, const Plan& plan) {
-    return !options.to && plan.kind == "WLD";
-}
-
 Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
     Plan plan;
     const BString extension = BFileUtilities::GetExtension(BString(options.target)).ToLower();
-    for (const BReferenceFormat& format : BReferenceFormats::List()) {
-        const auto& extensions = format.SaveExtensions;
-        const bool by_name = std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
-        if (options.to ? format.HasType && format.Type == *options.to : by_name)
-            plan.kind = format.Name.StdStr();
-    }
-    // A PDF is saved by type alone; here its name says the type.
-    if (!options.to && extension == BString(".pdf")) plan.kind = "PDF";
+    const auto holds = [&extension](const std::vector<BString>& extensions) {
+        return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+    };
+    for (const BReferenceFormat& format : BReferenceFormats::List())
+        if (options.to ? format.HasType() && format.GetType() == *options.to
+                       : holds(format.GetSaveExtensions()) || holds(format.GetTypedExtensions()))
+            plan.format = format;
     plan.files.push_back(options.target);
-    plan.writes_prj = IsWorldFileByName(options, plan) && reference.HasCoordSys();
+    plan.writes_prj = !options.to && plan.Is(EReferenceType::WLD) && reference.HasCoordSys();
     if (plan.writes_prj)
         plan.files.push_back(BFileUtilities::ChangeExtension(BString(options.target), "prj").StdStr());
     return plan;
@@ -204,12 +199,12 @@ void WarnOfEsriText(const BCoordSys& system, Outcome& outcome) {
 
 /// ERS and TAB name systems in a language of their own; a prj file has no shifts of datums.
 void WarnOfOtherSystem(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    const bool ers = outcome.plan.kind == "ERS";
+    const bool ers = outcome.plan.Is(EReferenceType::ERS);
     if (!reference.HasCoordSys()) return;
     if (outcome.plan.writes_prj || outcome.plan.IsPdf()) return WarnOfEsriText(*reference.CoordSys, outcome);
-    if (!ers && outcome.plan.kind != "TAB") return;
+    if (!outcome.plan.format->HasOwnSystemNames()) return;
     const BGeoReference back =
-        ers ? SaveSystemInErs(options, reference) : Saved(EReferenceType::TAB, options.target);
+        ers ? SaveSystemInErs(options, reference) : Saved(outcome.plan.format->GetType(), options.target);
     if (!back.HasCoordSys())
         return outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
     WarnOfDistance(*reference.CoordSys, *back.CoordSys, outcome);
@@ -234,7 +229,7 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
 
 /// False, with a failure, for a plan that cannot be.
 bool IsPossible(ConvertOptions& options, const ReadResult& source, bool has_size, Outcome& outcome) {
-    if (outcome.plan.kind.empty())
+    if (!outcome.plan.format)
         outcome.Fail(
             ExitStatus::Refused, "BUnsupportedFileTypeException",
             "File <" + options.target + "> is not of a kind that can be saved here; see mapanchor formats.");
@@ -288,7 +283,7 @@ Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
     if (outcome.failure) {
         ours["error"] = ::RenderJson(*outcome.failure);
     } else {
-        ours["referenceType"] = outcome.plan.kind;
+        ours["referenceType"] = outcome.plan.Kind();
         ours["dryRun"] = options.dry_run;
         ours["written"] = outcome.plan.files;
         PutSaved(top, ours, outcome);

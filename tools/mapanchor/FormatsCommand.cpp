@@ -34,28 +34,35 @@ Json List(const std::vector<BString>& texts) {
 }
 
 Json RenderJson(const BReferenceFormat& format) {
-    Json json = {{"name", format.Name.StdStr()}, {"title", format.Title.StdStr()}};
-    if (format.HasType) json["type"] = static_cast<int>(format.Type);
-    json["readsByType"] = format.ReadsByType;
-    json["savesByType"] = format.SavesByType;
-    json["readExtensions"] = List(format.ReadExtensions);
-    json["saveExtensions"] = List(format.SaveExtensions);
-    json["probed"] = format.Probed;
-    if (!format.ServedBy.IsEmpty()) json["servedBy"] = format.ServedBy.StdStr();
-    if (!format.Missing.IsEmpty()) json["missing"] = format.Missing.StdStr();
+    Json json = {{"name", format.GetName().StdStr()}, {"title", format.GetTitle().StdStr()}};
+    if (format.HasType()) json["type"] = static_cast<int>(format.GetType());
+    json["readsByType"] = format.ReadsByType();
+    json["savesByType"] = format.SavesByType();
+    json["readExtensions"] = List(format.GetReadExtensions());
+    json["saveExtensions"] = List(format.GetSaveExtensions());
+    json["probed"] = format.IsProbed();
+    json["sidecar"] = format.IsSidecar();
+    if (format.SavesByType())
+        json["saves"] = {{"inPlace", format.SavesInPlace()},
+                         {"points", format.HoldsPoints()},
+                         {"rotation", format.HoldsRotation()},
+                         {"coordinateSystem", format.HoldsCoordSys(true) || format.HoldsCoordSys(false)},
+                         {"verticalUnit", format.HoldsVerticalUnit(true) || format.HoldsVerticalUnit(false)}};
+    if (!format.GetServedBy().IsEmpty()) json["servedBy"] = format.GetServedBy().StdStr();
+    if (!format.GetMissing().IsEmpty()) json["missing"] = format.GetMissing().StdStr();
     return json;
 }
 
 std::string TypeRoads(const BReferenceFormat& format) {
-    if (!format.ReadsByType && !format.SavesByType) return "-";
-    const std::string number = std::to_string(static_cast<int>(format.Type));
-    return number + (format.ReadsByType ? " read" : "") + (format.SavesByType ? " save" : "");
+    if (!format.ReadsByType() && !format.SavesByType()) return "-";
+    const std::string number = std::to_string(static_cast<int>(format.GetType()));
+    return number + (format.ReadsByType() ? " read" : "") + (format.SavesByType() ? " save" : "");
 }
 
 std::string Described(const BReferenceFormat& format) {
-    std::string text = format.Title.StdStr();
-    if (!format.ServedBy.IsEmpty()) text += ", by " + format.ServedBy.StdStr();
-    if (!format.Missing.IsEmpty()) text += " (missing: " + format.Missing.StdStr() + ")";
+    std::string text = format.GetTitle().StdStr();
+    if (!format.GetServedBy().IsEmpty()) text += ", by " + format.GetServedBy().StdStr();
+    if (!format.GetMissing().IsEmpty()) text += " (missing: " + format.GetMissing().StdStr() + ")";
     return text;
 }
 
@@ -67,9 +74,9 @@ ExitStatus Run(const CommonOptions& common) {
             console.Print(ToText(RenderJson(format), common));
             continue;
         }
-        rows.push_back({format.Name.StdStr(), TypeRoads(format),
-                        Joined(format.ReadExtensions) + (format.Probed ? " and by content" : ""),
-                        Joined(format.SaveExtensions), Described(format)});
+        rows.push_back({format.GetName().StdStr(), TypeRoads(format),
+                        Joined(format.GetReadExtensions()) + (format.IsProbed() ? " and by content" : ""),
+                        Joined(format.GetSaveExtensions()), Described(format)});
     }
     if (!common.json) console.Print(RenderTable(rows, console));
     return ExitStatus::Done;

@@ -5,6 +5,7 @@
 #include "ReferenceFacts.h"
 #include "Residuals.h"
 
+#include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/Printable.h>
 
@@ -127,6 +128,15 @@ std::string PercentText(const std::string& name) {
             StaysInUri(c) ? std::string(1, c) : std::string{'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
     }
     return text;
+}
+
+std::string JsonSchema() {
+    const std::string field = R"("referenceType": {"enum": [)";
+    std::string kinds;
+    for (const auto& format : MapAnchor::BReferenceFormats::List())
+        kinds += (kinds.empty() ? "\"" : ", \"") + format.GetName().StdStr() + "\"";
+    std::string schema = kJsonSchema;
+    return schema.insert(schema.find(field) + field.size(), kinds);
 }
 
 Json JsonAbout(const std::string& name) {

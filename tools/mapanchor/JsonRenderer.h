@@ -9,8 +9,10 @@
 
 using Json = nlohmann::ordered_json;
 
-/// The published schema, as text.
+/// The published schema, with an empty list of kinds.
 extern const char* const kJsonSchema;
+/// The published schema of this build.
+std::string JsonSchema();
 
 constexpr int kSchemaVersion = 1;
 

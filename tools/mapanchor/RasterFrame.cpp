@@ -32,8 +32,7 @@ bool HasRasterExtension(const std::string& file) {
 }
 
 bool IsSidecar(const ReadResult& result) {
-    return !HasRasterExtension(result.used_file) &&
-           (result.kind == "WLD" || result.kind == "RSF" || result.kind == "TAB" || result.kind == "ERS");
+    return result.is_sidecar && !HasRasterExtension(result.used_file);
 }
 
 template <class Visit>

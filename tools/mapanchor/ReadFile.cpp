@@ -44,16 +44,24 @@ const BReferenceFormat* FindFormat(Matches matches) {
 }
 
 const BReferenceFormat* FormatNamed(const BString& name) {
-    return FindFormat([&](const auto& format) { return format.Name == name; });
+    return FindFormat([&](const auto& format) { return format.GetName() == name; });
+}
+
+/// The kind that a name says, though only a read by type takes it.
+std::optional<EReferenceType> TypeByExtension(const BString& file) {
+    const BReferenceFormat* format = FindFormat([extension = LowerExtension(file)](const auto& known) {
+        return Holds(known.GetTypedExtensions(), extension);
+    });
+    return format ? std::optional(format->GetType()) : std::nullopt;
 }
 
 const BReferenceFormat* KindByType(EReferenceType type) {
-    return FindFormat([type](const auto& format) { return format.HasType && format.Type == type; });
+    return FindFormat([type](const auto& format) { return format.HasType() && format.GetType() == type; });
 }
 
 bool HasWorldFileExtension(const BString& file) {
-    const BReferenceFormat* world_file = FormatNamed("WLD");
-    return world_file && Holds(world_file->SaveExtensions, LowerExtension(file));
+    const BReferenceFormat* world_file = KindByType(EReferenceType::WLD);
+    return world_file && Holds(world_file->GetSaveExtensions(), LowerExtension(file));
 }
 
 bool IsEmpty(const BGeoReference& reference) {
@@ -62,8 +70,9 @@ bool IsEmpty(const BGeoReference& reference) {
 
 void SetKind(ReadResult& result, const BReferenceFormat* format) {
     if (!format) return;
-    result.kind = format->Name.StdStr();
-    result.centre_anchored = format->CentreAnchored;
+    result.kind = format->GetName().StdStr();
+    result.centre_anchored = format->IsCentreAnchored();
+    result.is_sidecar = format->IsSidecar();
 }
 
 void ReadByName(const BString& file, const ReadOptions& options, ReadResult& result) {
@@ -143,9 +152,9 @@ void ReadPdf(const BString& file, const ReadOptions& options, ReadResult& result
 }
 
 void Dispatch(const BString& file, const ReadOptions& options, ReadResult& result) {
-    if (options.type == EReferenceType::GeoPDF || (!options.type && LowerExtension(file) == BString(".pdf")))
-        return ReadPdf(file, options, result);
-    if (options.type) return ReadByType(file, *options.type, options, result);
+    const std::optional<EReferenceType> type = options.type ? options.type : TypeByExtension(file);
+    if (type == EReferenceType::GeoPDF) return ReadPdf(file, options, result);
+    if (type) return ReadByType(file, *type, options, result);
     ReadByName(file, options, result);
 }
 

@@ -37,6 +37,7 @@ struct ReadResult {
     std::string kind;       ///< short name of the kind that was read, such as "WLD"; empty when unknown
     std::string used_file;  ///< the file that was actually read
     bool centre_anchored = false;
+    bool is_sidecar = false;    ///< its kind lies beside a raster
     std::optional<long> width;  ///< of the raster, as given or as the file implies
     std::optional<long> height;
     std::optional<MapAnchor::BGeoPDFPage> page;  ///< of a PDF

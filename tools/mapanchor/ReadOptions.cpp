@@ -4,6 +4,7 @@
 
 #include <MapAnchor/BGdalAccess.h>
 #include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BException.h>
 
 #include <CLI/CLI.hpp>
@@ -14,14 +15,10 @@
 namespace {
 
 using MapAnchor::BMapAnchor;
+using MapAnchor::BReferenceFormat;
+using MapAnchor::BReferenceFormats;
 using Tellurion::EMathTransformType;
 using Tellurion::EReferenceType;
-
-const std::map<std::string, EReferenceType> kKinds = {
-    {"wld", EReferenceType::WLD},   {"rsf", EReferenceType::RSF},     {"tab", EReferenceType::TAB},
-    {"ers", EReferenceType::ERS},   {"tif", EReferenceType::GeoTIFF}, {"sid", EReferenceType::MrSID},
-    {"ecw", EReferenceType::ECW},   {"doq", EReferenceType::DOQQ},    {"kap", EReferenceType::KAP},
-    {"pdf", EReferenceType::GeoPDF}};
 
 const std::map<std::string, EMathTransformType> kFits = {
     {"affine", EMathTransformType::Affine},         {"conformal", EMathTransformType::Conformal},
@@ -53,6 +50,11 @@ void ParseSize(const std::string& text, ReadOptions& options) {
     options.height = height;
 }
 
+/// How options name a kind.
+std::string WordOf(const BReferenceFormat& format) {
+    return CLI::detail::to_lower(format.GetName().StdStr());
+}
+
 void AllowDrivers(const std::string& names) {
     try {
         MapAnchor::BGdalAccess::SetDrivers(Tellurion::BString(names));
@@ -63,16 +65,23 @@ void AllowDrivers(const std::string& names) {
 
 }  // namespace
 
+std::string KindWords() {
+    std::string words;
+    for (const BReferenceFormat& format : BReferenceFormats::List())
+        if (format.HasType()) words += (words.empty() ? "" : ", ") + WordOf(format);
+    return words;
+}
+
 EReferenceType KindFromWord(const std::string& option, const std::string& word) {
-    const auto found = kKinds.find(CLI::detail::to_lower(word));
-    if (found != kKinds.end()) return found->second;
-    throw CLI::ValidationError(option, word + " is none of wld, rsf, tab, ers, tif, sid, ecw, doq, kap, pdf");
+    for (const BReferenceFormat& format : BReferenceFormats::List())
+        if (format.HasType() && WordOf(format) == CLI::detail::to_lower(word)) return format.GetType();
+    throw CLI::ValidationError(option, word + " is none of " + KindWords());
 }
 
 void ReadOptions::AddTo(CLI::App& app) {
     app.add_option_function<std::string>(
            "--type", [this](const std::string& word) { type = KindFromWord("--type", word); },
-           "Read as this kind, whatever the name: wld, rsf, tab, ers, tif, sid, ecw, doq, kap, pdf")
+           "Read as this kind, whatever the name: " + KindWords())
         ->type_name("KIND");
     app.add_option_function<std::vector<std::string>>(
            "--strict",

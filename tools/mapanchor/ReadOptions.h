@@ -30,3 +30,6 @@ struct ReadOptions {
 
 /// The kind that an option's word names; throws CLI::ValidationError for none.
 Tellurion::EReferenceType KindFromWord(const std::string& option, const std::string& word);
+
+/// All these words, for descriptions.
+std::string KindWords();

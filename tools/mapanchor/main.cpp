@@ -116,7 +116,7 @@ ExitStatus RunProgram(int argc, char** argv) {
         return ExitStatus::Done;
     }
     if (schema) {
-        Console(ColorMode::Never, false).Print(kJsonSchema);
+        Console(ColorMode::Never, false).Print(JsonSchema());
         return ExitStatus::Done;
     }
     if (!app.get_subcommands().empty()) return status;

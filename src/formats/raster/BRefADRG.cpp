@@ -1,5 +1,7 @@
 #include "raster/BRefADRG.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/FileHead.h"
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
@@ -9,6 +11,7 @@
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BImage.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -117,6 +120,21 @@ void BRefADRG::Write(const BString&, const BGeoReference&) {
 
 void BRefADRG::Write(const BString&, const unsigned int&, const BGeoReference&) {
     Refuse(kSaveRefusal);
+}
+
+ReferenceFormat BRefADRG::Format() {
+    // The name of the file beside counts only when that file answered.
+    const NamedRead read = [](const ReadCall& call) {
+        BString used = *call.used_file;
+        if (!Read(call.file, call.reference, used)) return false;
+        *call.used_file = used;
+        return true;
+    };
+    return {.name = "ADRG",
+            .title = "ADRG distribution rectangle",
+            .type = Tellurion::EReferenceType::Reserved,
+            .probe = {.rank = 2, .may_be = Tellurion::BImage::CheckIfADRGReader, .read = read},
+            .centre_anchored = true};
 }
 
 }  // namespace MapAnchor

@@ -7,6 +7,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// ADRG distribution rectangles: an image and, beside it, a general information file
 /// that places it on WGS 84. The affine starts at the centre of the top left pixel.
 /// Read only.
@@ -29,6 +31,8 @@ public:
     [[noreturn]] static void Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     [[noreturn]] static void Write(const Tellurion::BString& file, const unsigned int& flags,
                                    const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

@@ -1,5 +1,7 @@
 #include "raster/BRefCADRG.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
 #include "common/PlainNames.h"
@@ -7,6 +9,7 @@
 #include "raster/CadrgFrame.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
+#include <Tellurion/BImage.h>
 
 namespace MapAnchor {
 
@@ -90,6 +93,16 @@ void BRefCADRG::Write(const BString&, const BGeoReference&) {
 
 void BRefCADRG::Write(const BString&, const unsigned int&, const BGeoReference&) {
     Refuse(kSaveRefusal);
+}
+
+ReferenceFormat BRefCADRG::Format() {
+    return {.name = "CADRG",
+            .title = "CADRG frame",
+            .type = Tellurion::EReferenceType::Reserved,
+            .probe = {.rank = 1,
+                      .may_be = Tellurion::BImage::CheckIfCADRGReader,
+                      .read = [](const ReadCall& call) { return Read(call.file, call.reference); }},
+            .centre_anchored = true};
 }
 
 }  // namespace MapAnchor

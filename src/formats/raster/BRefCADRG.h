@@ -7,6 +7,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// CADRG frames: RPF files, usually wrapped in NITF, whose coverage section gives the
 /// corners on WGS 84 in degrees. The affine starts at the centre of the top left
 /// pixel. Read only.
@@ -24,6 +26,8 @@ public:
     [[noreturn]] static void Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     [[noreturn]] static void Write(const Tellurion::BString& file, const unsigned int& flags,
                                    const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

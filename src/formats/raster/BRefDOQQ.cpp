@@ -1,7 +1,11 @@
 #include "raster/BRefDOQQ.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/PlainNames.h"
 #include "raster/DoqHeader.h"
+
+#include <Tellurion/ReferenceTags.h>
 
 namespace MapAnchor {
 
@@ -27,6 +31,18 @@ void BRefDOQQ::Write(const BString&, const BGeoReference&) {
 
 void BRefDOQQ::Write(const BString&, const unsigned int&, const BGeoReference&) {
     Refuse(kSaveRefusal);
+}
+
+ReferenceFormat BRefDOQQ::Format() {
+    return {.name = "DOQ",
+            .title = "Digital orthophoto quadrangle header",
+            .type = Tellurion::EReferenceType::DOQQ,
+            .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
+            .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference); },
+            .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+            .refuses_typed_read = true,
+            .refuses_save = true,
+            .read_extensions = {Tellurion::REFERENCE_DOQ_TAG.GetUnits()}};
 }
 
 }  // namespace MapAnchor

@@ -7,6 +7,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// Digital orthophoto quarter quadrangles with the old fixed-position header: an
 /// affine and a UTM zone north on NAD27 in metres, also for a file that states
 /// another datum. Read only, and only by name.
@@ -25,6 +27,8 @@ public:
     [[noreturn]] static void Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     [[noreturn]] static void Write(const Tellurion::BString& file, const unsigned int& flags,
                                    const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

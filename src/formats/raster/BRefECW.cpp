@@ -1,5 +1,8 @@
 #include "raster/BRefECW.h"
 
+#include "common/ReferenceFormat.h"
+#include "raster/HeaderReaders.h"
+
 #include "common/InputFile.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
@@ -10,6 +13,7 @@
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <MapAnchor/BGeoReferenceNotSupportedException.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/ReferenceTags.h>
 
 #include <cmath>
 #include <memory>
@@ -186,6 +190,32 @@ void BRefECW::Write(const BString&, const BGeoReference&) {
 
 void BRefECW::Write(const BString&, const unsigned int&, const BGeoReference&) {
     throw BGeoReferenceNotSupportedException(kWriteSource, kWriteRefusal);
+}
+
+ReferenceFormat BRefECW::Format() {
+    return {.name = "ECW",
+            .title = "ECW",
+            .type = Tellurion::EReferenceType::ECW,
+            .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
+            .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference); },
+            .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+            .refuses_save = true,
+            .served_by = HeaderReaders::Ecw(),
+            .read_extensions = {Tellurion::REFERENCE_ECW_TAG.GetUnits()}};
+}
+
+/// The ECW reader states the corner of the first pixel, so that is this kind's anchor;
+/// what only the MrSID reader can read, such as a rotated image, starts at its centre
+/// and is named as of that kind.
+ReferenceFormat BRefECW::Jpeg2000Format() {
+    return {.name = "JP2",
+            .title = "JPEG 2000",
+            .type = Tellurion::EReferenceType::Reserved,
+            .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+            .second_reader = "SID",
+            .served_by = HeaderReaders::Jpeg2000(),
+            .missing = HeaderReaders::MissingForJpeg2000,
+            .read_extensions = {Tellurion::REFERENCE_JP2_TAG.GetUnits()}};
 }
 
 }  // namespace MapAnchor

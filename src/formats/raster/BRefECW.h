@@ -5,6 +5,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// ECW, and JPEG 2000 as far as the ECW kit can tell it: not rotated, rows going
 /// south. The affine is anchored at the outer corner of the top left pixel. There are
 /// never control points.
@@ -19,6 +21,9 @@ public:
     [[noreturn]] static void Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     [[noreturn]] static void Write(const Tellurion::BString& file, const unsigned int& flags,
                                    const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
+    static ReferenceFormat Jpeg2000Format();
 };
 
 }  // namespace MapAnchor

@@ -5,6 +5,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// GeoTIFF and what else GDAL opens. The affine is GDAL's geotransform, anchored at the
 /// outer corner of the top left pixel, also where the file states its positions as
 /// those of pixel centres. A file with control points has no other transform than the
@@ -19,6 +21,8 @@ public:
     static bool Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     static void Write(const Tellurion::BString& file, const unsigned int& flags,
                       const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

@@ -1,5 +1,7 @@
 #include "raster/BRefKAP.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/FileHead.h"
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
@@ -8,6 +10,7 @@
 #include "raster/KapHeader.h"
 
 #include <Tellurion/BLogger.h>
+#include <Tellurion/ReferenceTags.h>
 
 namespace MapAnchor {
 
@@ -116,6 +119,19 @@ void BRefKAP::Write(const BString&, const BGeoReference&) {
 
 void BRefKAP::Write(const BString&, const unsigned int&, const BGeoReference&) {
     Refuse(kSaveRefusal);
+}
+
+ReferenceFormat BRefKAP::Format() {
+    return {
+        .name = "KAP",
+        .title = "BSB nautical chart header",
+        .type = Tellurion::EReferenceType::KAP,
+        .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
+        .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference); },
+        .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+        .refuses_save = true,
+        .read_extensions = {Tellurion::REFERENCE_KAP_TAG.GetUnits()},
+        .probe = {.rank = 4, .read = [](const ReadCall& call) { return Read(call.file, call.reference); }}};
 }
 
 }  // namespace MapAnchor

@@ -7,6 +7,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// BSB nautical charts: a text header, ended by Ctrl-Z, in front of the pixels. It
 /// gives control points in degrees and a datum; an affine is fitted through the
 /// points. A datum that nobody knows counts as NAD83. Read only.
@@ -25,6 +27,8 @@ public:
     [[noreturn]] static void Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     [[noreturn]] static void Write(const Tellurion::BString& file, const unsigned int& flags,
                                    const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

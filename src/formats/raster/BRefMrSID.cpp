@@ -1,5 +1,8 @@
 #include "raster/BRefMrSID.h"
 
+#include "common/ReferenceFormat.h"
+#include "raster/HeaderReaders.h"
+
 #include "common/InputFile.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
@@ -15,6 +18,7 @@
 #include <Tellurion/BFile.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/ReferenceTags.h>
 
 #include <cstdint>
 #include <memory>
@@ -229,6 +233,20 @@ void BRefMrSID::Write(const BString&, const BGeoReference&) {
 
 void BRefMrSID::Write(const BString&, const unsigned int&, const BGeoReference&) {
     throw BGeoReferenceNotSupportedException(kWriteSource, kWriteRefusal);
+}
+
+ReferenceFormat BRefMrSID::Format() {
+    return {.name = "SID",
+            .title = "MrSID",
+            .type = Tellurion::EReferenceType::MrSID,
+            .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
+            .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference); },
+            .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+            .refuses_save = true,
+            .served_by = HeaderReaders::MrSid(),
+            .missing = HeaderReaders::MissingForMrSid,
+            .read_extensions = {Tellurion::REFERENCE_SID_TAG.GetUnits()},
+            .centre_anchored = true};
 }
 
 }  // namespace MapAnchor

@@ -5,6 +5,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// MrSID, and by name JPEG 2000 as well, as the MrSID kit reads them. The affine is
 /// anchored at the centre of the top left pixel, as the kit states it; one that only
 /// GDAL finds is anchored at the corner. There are never control points.
@@ -19,6 +21,8 @@ public:
     [[noreturn]] static void Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     [[noreturn]] static void Write(const Tellurion::BString& file, const unsigned int& flags,
                                    const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

@@ -1,5 +1,7 @@
 #include "sidecar/BRefERS.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
@@ -18,6 +20,7 @@
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
 #include <Tellurion/BUnit.h>
+#include <Tellurion/ReferenceTags.h>
 
 #include <array>
 #include <cmath>
@@ -297,6 +300,29 @@ void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoRe
         out.Write(HeaderText({file, reference, width, height, imageName}, *stamp, terms, names));
         return true;
     });
+}
+
+ReferenceFormat BRefERS::Format() {
+    return {.name = "ERS",
+            .title = "ER Mapper header",
+            .type = Tellurion::EReferenceType::ERS,
+            .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
+            .typed_save =
+                [](const SaveCall& call) {
+                    Write(call.file, call.flags, call.reference, call.width, call.height, call.image_name);
+                },
+            .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+            .named_save =
+                [](const SaveCall& call) {
+                    return Write(call.file, call.reference, call.width, call.height, call.image_name);
+                },
+            .read_extensions = {Tellurion::REFERENCE_ERS_TAG.GetUnits()},
+            .save_extensions = {Tellurion::REFERENCE_ERS_TAG.GetUnits()},
+            .sidecar = true,
+            .coord_sys = Keeps::Always,
+            .own_system_names = true,
+            .states_size = true,
+            .names_image = true};
 }
 
 }  // namespace MapAnchor

@@ -5,6 +5,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// ER Mapper ERS headers: cell sizes, a registered position, and a coordinate system by
 /// ER Mapper's names of its datum and projection. They know no rotation and hold no
 /// control points. Cell sizes are in metres, or degrees; the position is in the
@@ -25,6 +27,8 @@ public:
     static void Write(const Tellurion::BString& file, const unsigned int& flags,
                       const Tellurion::BGeoReference& reference, long width, long height,
                       const Tellurion::BString& imageName);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

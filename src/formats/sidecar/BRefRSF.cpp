@@ -1,5 +1,7 @@
 #include "sidecar/BRefRSF.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
@@ -12,6 +14,7 @@
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <Tellurion/BCoordSysRepository.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/ReferenceTags.h>
 
 #include <utility>
 
@@ -200,6 +203,36 @@ void BRefRSF::Write(const BString& file, const unsigned int& flags, const BGeoRe
         out.Write(FormatRsfBlock(wkt));
         return true;
     });
+}
+
+ReferenceFormat BRefRSF::Format() {
+    return {
+        .name = "RSF",
+        .title = "Control point sidecar",
+        .type = Tellurion::EReferenceType::RSF,
+        .typed_read =
+            [](const ReadCall& call) {
+                Read(call.file, call.flags, call.reference, call.math_type, call.width, call.height);
+            },
+        .typed_save =
+            [](const SaveCall& call) {
+                Write(call.file, call.flags, call.reference, call.width, call.height);
+            },
+        .named_read =
+            [](const ReadCall& call) {
+                return Read(call.file, call.reference, call.math_type, call.width, call.height);
+            },
+        .named_save =
+            [](const SaveCall& call) { return Write(call.file, call.reference, call.width, call.height); },
+        .read_extensions = {Tellurion::REFERENCE_RSF_TAG.GetUnits()},
+        .save_extensions = {Tellurion::REFERENCE_RSF_TAG.GetUnits()},
+        .sidecar = true,
+        .coord_sys = Keeps::Always,
+        .vertical_unit = Keeps::Always,
+        .rotation = true,
+        .points = true,
+        .disabled_points = true,
+        .needs_size = true};
 }
 
 }  // namespace MapAnchor

@@ -6,6 +6,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// RSF files: named control points and, from version 3 on, a coordinate system.
 /// Versions 1 to 4 are read, 4 is written. `width` and `height` are the raster's size
 /// in pixels. The overloads without flags answer by bool; those with flags report by
@@ -26,6 +28,8 @@ public:
                       long height);
     static void Write(const Tellurion::BString& file, const unsigned int& flags,
                       const Tellurion::BGeoReference& reference, long width, long height);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

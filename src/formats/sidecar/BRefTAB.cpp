@@ -1,5 +1,7 @@
 #include "sidecar/BRefTAB.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
@@ -11,6 +13,7 @@
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <Tellurion/BCoordSysRepository.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/ReferenceTags.h>
 
 #include <utility>
 
@@ -149,6 +152,38 @@ void BRefTAB::Write(const BString& file, const unsigned int& flags, const BGeoRe
         out.Write(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
         return true;
     });
+}
+
+ReferenceFormat BRefTAB::Format() {
+    return {.name = "TAB",
+            .title = "MapInfo TAB raster registration",
+            .type = Tellurion::EReferenceType::TAB,
+            .typed_read =
+                [](const ReadCall& call) {
+                    Read(call.file, call.flags, call.reference, call.math_type, call.width, call.height);
+                },
+            .typed_save =
+                [](const SaveCall& call) {
+                    Write(call.file, call.flags, call.reference, call.width, call.height, call.image_name);
+                },
+            .named_read =
+                [](const ReadCall& call) {
+                    return Read(call.file, call.reference, call.math_type, call.width, call.height);
+                },
+            .named_save =
+                [](const SaveCall& call) {
+                    return Write(call.file, call.reference, call.width, call.height, call.image_name);
+                },
+            .read_extensions = {Tellurion::REFERENCE_TAB_TAG.GetUnits()},
+            .save_extensions = {Tellurion::REFERENCE_TAB_TAG.GetUnits()},
+            .sidecar = true,
+            .coord_sys = Keeps::Always,
+            .rotation = true,
+            .points = true,
+            .own_system_names = true,
+            .needs_coord_sys = true,
+            .needs_size = true,
+            .names_image = true};
 }
 
 }  // namespace MapAnchor

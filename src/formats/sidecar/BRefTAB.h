@@ -6,6 +6,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// MapInfo TAB files that register a raster: control points and a CoordSys clause.
 /// `width` and `height` are the raster's size in pixels, `imageName` its file name. The
 /// overloads without flags answer by bool; those with flags report by exception.
@@ -27,6 +29,8 @@ public:
     static void Write(const Tellurion::BString& file, const unsigned int& flags,
                       const Tellurion::BGeoReference& reference, long width, long height,
                       const Tellurion::BString& imageName);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

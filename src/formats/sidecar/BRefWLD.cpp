@@ -1,5 +1,7 @@
 #include "sidecar/BRefWLD.h"
 
+#include "common/ReferenceFormat.h"
+
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
 #include "common/StoreTransform.h"
@@ -12,6 +14,7 @@
 #include <Tellurion/BFile.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/ReferenceTags.h>
 
 #include <cmath>
 
@@ -164,6 +167,28 @@ void BRefWLD::Write(const BString& file, const unsigned int& flags, const BGeoRe
     OutputFile out(file, kOutput);
     out.OpenOrThrow(BString::Format("Couldn't open WLD file <%ls> for writing.", file));
     out.Save([&] { return WriteLines(out, GetAffine(reference, file, Strictness(flags).Transform())); });
+}
+
+ReferenceFormat BRefWLD::Format() {
+    ReferenceFormat format{
+        .name = "WLD",
+        .title = "World file",
+        .type = Tellurion::EReferenceType::WLD,
+        .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
+        .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference); },
+        .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+        .named_save = [](const SaveCall& call) { return Write(call.file, call.reference); },
+        .read_extensions = {Tellurion::REFERENCE_WLD_TAG.GetUnits(), u".tifw", u".jgw", u".jpgw", u".pgw",
+                            u".bpw", u".eww", u".sdw", u".wld", u".blw", u".gfw"},
+        .probe = {.rank = 3, .read = [](const ReadCall& call) { return Read(call.file, call.reference); }},
+        .sidecar = true,
+        // In a prj file, which is not written by type.
+        .coord_sys = Keeps::ByName,
+        .rotation = true};
+    format.save_extensions = format.read_extensions;
+    // Saved like the others, but not read by name: there the content decides.
+    format.save_extensions.insert(format.save_extensions.end(), {u".j2w", u".kpw"});
+    return format;
 }
 
 }  // namespace MapAnchor

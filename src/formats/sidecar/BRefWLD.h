@@ -5,6 +5,8 @@
 
 namespace MapAnchor {
 
+struct ReferenceFormat;
+
 /// World files: six lines of text beside a raster that state an affine transform.
 /// `file` is the world file itself. The overloads without flags answer by bool,
 /// tolerate nearly everything, and carry the coordinate system in a prj file beside
@@ -21,6 +23,8 @@ public:
     static bool Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
     static void Write(const Tellurion::BString& file, const unsigned int& flags,
                       const Tellurion::BGeoReference& reference);
+
+    static ReferenceFormat Format();
 };
 
 }  // namespace MapAnchor

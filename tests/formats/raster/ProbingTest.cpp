@@ -34,8 +34,8 @@ TEST(Probing, TheFirstThatAnswersWins) {
         EXPECT_EQ(ReadByName(file).used, file) << name;
     }
     for (const BReferenceFormat& format : BReferenceFormats::List()) {
-        const std::string name = format.Name.StdStr();
-        EXPECT_EQ(format.CentreAnchored, name == "CADRG" || name == "ADRG" || name == "SID") << name;
+        const std::string name = format.GetName().StdStr();
+        EXPECT_EQ(format.IsCentreAnchored(), name == "CADRG" || name == "ADRG" || name == "SID") << name;
     }
 }
 
