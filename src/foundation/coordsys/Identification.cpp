@@ -92,15 +92,16 @@ double MetresPerGridUnit(PJ* crs) {
 }
 
 /// Projects the same positions with both, spread over the area of `second`, and answers the
-/// largest distance in metres. Positions count wherever the grids have a meaning: within an
-/// Earth's width. Infinite when they cannot be compared, or as soon as it is over `limit`.
+/// largest distance in metres. Positions count wherever projected grids have a meaning: within
+/// an Earth's width. Infinite when they cannot be compared, or as soon as it is over `limit`.
 double LargestDistance(PJ* first, PJ* second, double limit) {
     constexpr double kEarth = 2e7;
     constexpr double kInfinite = std::numeric_limits<double>::infinity();
     const GeodeticConversion one(first);
     const GeodeticConversion other(second);
     const double metres = MetresPerGridUnit(second);
-    const BPoint origin = IsProjected(second) ? FalseOrigin(second) : BPoint();
+    const bool projected = IsProjected(second);
+    const BPoint origin = projected ? FalseOrigin(second) : BPoint();
     double largest = 0.0;
     int compared = 0;
     for (const BPoint& place : PlacesOf(second)) {
@@ -108,7 +109,8 @@ double LargestDistance(PJ* first, PJ* second, double limit) {
         BPoint b = place;
         const bool has_a = one.FromGeodetic(a);
         if (has_a != other.FromGeodetic(b)) return kInfinite;
-        if (!has_a || std::hypot(b.x * metres - origin.x, b.y * metres - origin.y) > kEarth) continue;
+        if (!has_a || (projected && std::hypot(b.x * metres - origin.x, b.y * metres - origin.y) > kEarth))
+            continue;
         largest = std::max(largest, std::hypot(a.x - b.x, a.y - b.y) * metres);
         if (!(largest < limit)) return kInfinite;
         ++compared;
