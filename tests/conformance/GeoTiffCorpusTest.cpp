@@ -15,7 +15,8 @@ const Texts kCodes = {{"projection_3856.tif", "EPSG:3857"}, {"WGS_1984_Web_Merca
                       {"image5.tif", "EPSG:3395"},          {"image1.tif", "EPSG:3395"},
                       {"image7.tif", "EPSG:3395"},          {"image2.tif", "EPSG:3395"},
                       {"spaf27_correct.tif", "EPSG:26746"}, {"image4.tif", "EPSG:3395"},
-                      {"pixel_per_line.asc", "EPSG:3578"}};
+                      {"pixel_per_line.asc", "EPSG:3578"},  {"citation_mixedcase.tif", "EPSG:2913"},
+                      {"stereo_up.tif", "EPSG:5041"}};
 
 std::string ExpectedCode(const std::string& name, const Json& answer) {
     if (const auto found = kCodes.find(name); found != kCodes.end()) return found->second;
