@@ -42,10 +42,10 @@ public:
     /// for world files, whose prj file is written by name alone, and for the vertical unit of
     /// a GeoTIFF.
     bool HoldsCoordSys(bool byType) const;
-    bool HoldsVerticalUnit(bool byType) const;
-    bool HoldsRotation() const;        ///< an affine whose axes are turned or sheared
-    bool HoldsPoints() const;          ///< control points, and so a transform beyond affine
-    bool HoldsDisabledPoints() const;  ///< with the mark that they are disabled
+    bool HoldsVerticalUnit(bool byType) const;  ///< as above
+    bool HoldsRotation() const;                 ///< an affine whose axes are turned or sheared
+    bool HoldsPoints() const;                   ///< control points, and so a transform beyond affine
+    bool HoldsDisabledPoints() const;           ///< with the mark that they are disabled
 
     /// Coordinate systems are saved by names or numbers of the kind's own, which some systems lack.
     bool HasOwnSystemNames() const;

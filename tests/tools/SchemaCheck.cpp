@@ -1,7 +1,8 @@
 #include "SchemaCheck.h"
 
 #include <algorithm>
-#include <fstream>
+#include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -41,6 +42,10 @@ std::string Check(const json& value, const json& schema, const std::string& at) 
 }  // namespace
 
 std::string SchemaFault(const json& value, const char* schema_text) {
-    static const json published = json::parse(std::ifstream(MAPANCHOR_SCHEMA_FILE));
+    static const json published = [] {
+        const std::unique_ptr<FILE, int (*)(FILE*)> tool(popen("'" MAPANCHOR_TOOL "' --json-schema", "r"),
+                                                         pclose);
+        return json::parse(tool.get());
+    }();
     return Check(value, schema_text ? json::parse(schema_text) : published, "$");
 }
