@@ -94,6 +94,7 @@ void Write(const PyReference& reference, const py::object& path, std::optional<E
     const BString image = PathOf(image_name);
     type = TypeOf(file, type);
     BParamList params;
+    params.SetInteger(BMapAnchor::kValErsCodes, 1);
     if (dpi) params.SetDouble(BMapAnchor::kValPDFResolution, *dpi);
     // Another thread may change the object meanwhile; a copy shares what nobody changes.
     const BGeoReference copy = reference.reference;

@@ -3,6 +3,7 @@
 #include "PdfParameters.h"
 #include "ReferenceFormats.h"
 #include "raster/GdalDrivers.h"
+#include "sidecar/BRefERS.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BFile.h>
@@ -32,6 +33,7 @@ using Tellurion::EReferenceType;
 const BString BMapAnchor::kValPDFCropType(PdfParameters::kCropType);
 const BString BMapAnchor::kValPDFResolution(PdfParameters::kResolution);
 const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
+const BString BMapAnchor::kValErsCodes(BRefERS::kCodesKey);
 
 namespace {
 

@@ -24,7 +24,7 @@ class BReferenceFormats;
 /// different files and records may run in different threads.
 ///
 /// Affines that are read begin at the outer corner of the top left pixel, but for the
-/// kinds that BReferenceFormat::CentreAnchored names; saving takes them likewise.
+/// kinds that BReferenceFormat::IsCentreAnchored() names; saving takes them likewise.
 class MAPANCHOR_EXPORT BMapAnchor {
 public:
     /// Key of a BParamList: the box of a PDF page that the raster shows, a whole number.
@@ -39,6 +39,11 @@ public:
     /// commas between them; for reads by type. See BGdalAccess, which also says why GDAL's
     /// drivers are not all allowed, and serves reads by name.
     static const Tellurion::BString kValGdalDrivers;
+
+    /// Key of a BParamList, a whole number: when it is not 0, an ERS header is saved with
+    /// names of a system only where they are read back as the same place. By type it gets the
+    /// EPSG code, such as "EPSG:2056", in place of names that are missing or mean another system.
+    static const Tellurion::BString kValErsCodes;
 
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system

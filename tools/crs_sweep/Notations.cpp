@@ -73,10 +73,12 @@ BGeoReference ReferenceOn(const BCoordSys& system) {
 enum class Overload { ByType, ByName };
 
 void Save(const BString& path, EReferenceType type, const BGeoReference& reference, Overload overload) {
+    Tellurion::BParamList params;
+    params.SetInteger(BMapAnchor::kValErsCodes, 1);
     if (overload == Overload::ByName)
-        BMapAnchor::Save(path, reference, kSide, kSide, "map.tif", nullptr);
+        BMapAnchor::Save(path, reference, kSide, kSide, "map.tif", &params);
     else
-        BMapAnchor::Save(type, path, reference, kSide, kSide, "map.tif", kStrictCoordSys, nullptr);
+        BMapAnchor::Save(type, path, reference, kSide, kSide, "map.tif", kStrictCoordSys, &params);
 }
 
 BGeoReference Read(const BString& path, EReferenceType type, Overload overload) {

@@ -78,6 +78,10 @@ EReferenceType KindFromWord(const std::string& option, const std::string& word) 
     throw CLI::ValidationError(option, word + " is none of " + KindWords());
 }
 
+ReadOptions::ReadOptions() {
+    params.SetInteger(BMapAnchor::kValErsCodes, 1);
+}
+
 void ReadOptions::AddTo(CLI::App& app) {
     app.add_option_function<std::string>(
            "--type", [this](const std::string& word) { type = KindFromWord("--type", word); },

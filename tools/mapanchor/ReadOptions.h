@@ -13,6 +13,8 @@ class App;
 
 /// How a reference is to be read: the arguments of the library, by option.
 struct ReadOptions {
+    ReadOptions();
+
     std::optional<Tellurion::EReferenceType> type;
     unsigned int flags = 0;
     std::optional<long> width;

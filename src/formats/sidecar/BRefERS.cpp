@@ -36,6 +36,7 @@ using Tellurion::BFileUtilities;
 using Tellurion::BGeoReference;
 using Tellurion::BIdentifier;
 using Tellurion::BLogger;
+using Tellurion::BParamList;
 using Tellurion::BSharedPtr;
 using Tellurion::BString;
 using Tellurion::EFileMode;
@@ -157,9 +158,15 @@ bool MeanAnother(const Names& names, const BString& code) {
     return read && read->ToEPSGCode() != code;
 }
 
-/// Both or none. Without a datum the projection is read on the one of its own, which must
-/// be the same place.
-Names NamesByName(const BGeoReference& reference) {
+/// Whether only names that are read back as the same place may be written, and codes in
+/// place of others.
+bool AsksForCodes(const BParamList* params) {
+    static const BString kKey(BRefERS::kCodesKey);
+    return params && params->HasProperty(kKey) && params->GetInteger(kKey, 0) != 0;
+}
+
+/// Both or none. Without a datum the projection is read on the one of its own.
+Names NamesByName(const BGeoReference& reference, bool same_place) {
     if (!reference.HasCoordSys() || !reference.CoordSys->IsValid()) return {};
     BIdentifier projection;
     BIdentifier datum;
@@ -169,8 +176,9 @@ Names NamesByName(const BGeoReference& reference) {
         return {};
     if (!reference.CoordSys->GetDatumIdentifier(kErMapper, datum)) datum.Code = kRaw;
     if (datum.Code.IsEmpty()) return {};
-    if (datum.Code == BString(kRaw) && !GeoCalc::DB::CDataSource::Instance().IsERMapperNameFor(
-                                           projection.Code, *reference.CoordSys->GetGCCoordSys()))
+    if (same_place && datum.Code == BString(kRaw) &&
+        !GeoCalc::DB::CDataSource::Instance().IsERMapperNameFor(projection.Code,
+                                                                *reference.CoordSys->GetGCCoordSys()))
         return {};
     return {projection.Code, datum.Code};
 }
@@ -181,9 +189,9 @@ Names NamesByName(const BGeoReference& reference) {
                                         file, of, name));
 }
 
-/// One by one: a projection may go without its datum. An EPSG system for which there are
-/// no names has its code for both.
-Names NamesByType(const BString& file, const BGeoReference& reference, OnFailure on_failure) {
+/// One by one: a projection may go without its datum. Where codes are asked for, an EPSG
+/// system that lacks a name has its code for both.
+Names NamesByType(const BString& file, const BGeoReference& reference, OnFailure on_failure, bool codes) {
     if (!reference.HasCoordSys()) return {};
     GeoCalc::CS::CCoordSys& object = *reference.CoordSys->GetGCCoordSys();
     const GeoCalc::CS::CHorizontalDatum* datum = object.GetHorizontalDatum();
@@ -191,7 +199,7 @@ Names NamesByType(const BString& file, const BGeoReference& reference, OnFailure
     BIdentifier projection;
     reference.CoordSys->GetIdentifier(kErMapper, projection);
     const Names names = {projection.Code, found ? datum->GetIdentifiers().GetCode(kErMapper) : BString()};
-    const BString code = reference.CoordSys->ToEPSGCode();
+    const BString code = codes ? reference.CoordSys->ToEPSGCode() : BString();
     if (!code.IsEmpty() && (names.projection.IsEmpty() || !found || MeanAnother(names, code)))
         return {code, code};
     if (names.projection.IsEmpty()) {
@@ -257,7 +265,7 @@ void BRefERS::Read(const BString& file, const unsigned int& flags, BGeoReference
 }
 
 bool BRefERS::Write(const BString& file, const BGeoReference& reference, long width, long height,
-                    const BString& imageName) {
+                    const BString& imageName, const BParamList* params) {
     const auto stamp = TimeStamp();
     if (!stamp) return false;
     const AffineTerms terms = TermsOf(reference);
@@ -269,7 +277,7 @@ bool BRefERS::Write(const BString& file, const BGeoReference& reference, long wi
     return out.Save([&] {
         try {
             out.Write(HeaderText({file, reference, width, height, imageName}, *stamp, terms,
-                                 NamesByName(reference)));
+                                 NamesByName(reference, AsksForCodes(params))));
             return true;
         } catch (const BException& error) {
             BLogger::Instance()->WriteLine(ELogSeverity::Error,
@@ -281,7 +289,7 @@ bool BRefERS::Write(const BString& file, const BGeoReference& reference, long wi
 }
 
 void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
-                    long width, long height, const BString& imageName) {
+                    long width, long height, const BString& imageName, const BParamList* params) {
     OutputFile out(file, kOutput);
     if (!out.Open())
         throw Tellurion::BFileAccessException(
@@ -296,7 +304,7 @@ void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoRe
                 kOutput.source, BString::Format("Can't write ERS file <%ls>, ERS referencing format does not "
                                                 "support rotation in X (%f) or Y (%f).",
                                                 file, terms.b, terms.d));
-        const Names names = NamesByType(file, reference, Strictness(flags).CoordSys());
+        const Names names = NamesByType(file, reference, Strictness(flags).CoordSys(), AsksForCodes(params));
         out.Write(HeaderText({file, reference, width, height, imageName}, *stamp, terms, names));
         return true;
     });
@@ -309,12 +317,14 @@ ReferenceFormat BRefERS::Format() {
             .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
             .typed_save =
                 [](const SaveCall& call) {
-                    Write(call.file, call.flags, call.reference, call.width, call.height, call.image_name);
+                    Write(call.file, call.flags, call.reference, call.width, call.height, call.image_name,
+                          call.params);
                 },
             .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
             .named_save =
                 [](const SaveCall& call) {
-                    return Write(call.file, call.reference, call.width, call.height, call.image_name);
+                    return Write(call.file, call.reference, call.width, call.height, call.image_name,
+                                 call.params);
                 },
             .read_extensions = {Tellurion::REFERENCE_ERS_TAG.GetUnits()},
             .save_extensions = {Tellurion::REFERENCE_ERS_TAG.GetUnits()},

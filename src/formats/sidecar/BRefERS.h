@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Tellurion/BGeoReference.h>
+#include <Tellurion/BParamList.h>
 #include <Tellurion/BString.h>
 
 namespace MapAnchor {
@@ -21,12 +22,17 @@ public:
 
     /// Writes the header of a raster of `width` by `height` pixels in the file
     /// `imageName`. A system that has an ER Mapper name of its own is written without
-    /// names here, and only such a system with names by the overload with flags.
+    /// names here, and only such a system with names by the overload with flags. With
+    /// kCodesKey in `params`, names that would be read back as another place are not written
+    /// in either; the overload with flags then writes the EPSG code for both names.
     static bool Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference, long width,
-                      long height, const Tellurion::BString& imageName);
+                      long height, const Tellurion::BString& imageName,
+                      const Tellurion::BParamList* params = nullptr);
     static void Write(const Tellurion::BString& file, const unsigned int& flags,
                       const Tellurion::BGeoReference& reference, long width, long height,
-                      const Tellurion::BString& imageName);
+                      const Tellurion::BString& imageName, const Tellurion::BParamList* params = nullptr);
+
+    static constexpr const char* kCodesKey = "MAP_ANCHOR_ERS_CODES";
 
     static ReferenceFormat Format();
 };

@@ -130,20 +130,24 @@ public:
 TEST(Ers, WritesTheWholeHeader) {
     const TempFolder folder;
     BGeoReference reference = References::WithAffine(0.25, 5e-8, 1234.5, -5e-8, -0.5, 99.125);
-    const auto expect = [&](const char* names_by_name, const char* datum, const char* names_by_type,
-                            const char* datum_by_type) {
+    const auto expect = [&](const char* names_by_name, const char* datum, const char* names_by_type) {
         EXPECT_EQ(WithoutStamp(Written(folder / "name.ers", reference, "/a/b/image.tif")),
                   Expected("name.ers", datum, names_by_name));
         EXPECT_EQ(WithoutStamp(Written(kErs, folder / "type.ers", reference, 0)),
-                  Expected("type.ers", datum_by_type, names_by_type));
+                  Expected("type.ers", names_by_type == std::string("RAW") ? "RAW" : "WGS84", names_by_type));
     };
-    expect("RAW", "RAW", "RAW", "RAW");
+    expect("RAW", "RAW", "RAW");
     // A system with a name of its own, here the datum's, is written by type alone.
     References::SetSystem(reference, "4326");
-    expect("RAW", "RAW", "WGS84", "WGS84");
+    expect("RAW", "RAW", "WGS84");
     reference.SetCoordSys(BSharedPtr<BCoordSys>(new NamedSystem(*reference.CoordSys)));
-    expect("RAW", "RAW", "OWNNAME", "WGS84");
-    // One that has no name of its own is written by its code by type.
+    expect("RAW", "RAW", "OWNNAME");
+    // One on another datum than its projection's own is written by name alone.
+    References::SetSystem(reference, "26711");
+    expect("NUTM11", "NAD27", "RAW");
+    // Asked for codes, it is written by its code by type.
+    Tellurion::BParamList codes;
+    codes.SetInteger(BMapAnchor::kValErsCodes, 1);
     const std::tuple<const char*, const char*, const char*> cases[] = {
         {"26711", "NUTM11", "NAD27"},
         {"2056", "RAW", "RAW"},
@@ -151,9 +155,13 @@ TEST(Ers, WritesTheWholeHeader) {
         {"2012", "RAW", "RAW"},     // its ellipsoid is not the one that the name stands for
         {"3405", "RAW", "RAW"}};    // its datum is 200 m from the one that the name stands for
     for (const auto& [epsg, projection, datum] : cases) {
-        const std::string code = std::string("EPSG:") + epsg;
         References::SetSystem(reference, epsg);
-        expect(projection, datum, code.c_str(), code.c_str());
+        const std::string file = folder / "codes.ers";
+        BMapAnchor::Save(BString(file), reference, 200, 100, "image.tif", &codes);
+        EXPECT_EQ(WithoutStamp(TempFolder::Slurp(file)), Expected("codes.ers", datum, projection));
+        BMapAnchor::Save(kErs, BString(file), reference, 200, 100, "image.tif", 0, &codes);
+        const std::string code = std::string("EPSG:") + epsg;
+        EXPECT_EQ(WithoutStamp(TempFolder::Slurp(file)), Expected("codes.ers", code, code));
     }
     // No transform: zeros.
     EXPECT_NE(Written(folder / "name.ers", BGeoReference()).find("Eastings\t= 0.000000000000\n"),
