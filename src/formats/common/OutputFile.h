@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/TextPieces.h"
+
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BString.h>
@@ -24,6 +26,10 @@ public:
     void OpenOrThrow(const Tellurion::BString& detail);
 
     void Write(const Tellurion::BString& text) { file_.Write(text.StdStr()); }
+    /// For a text that is made piece by piece.
+    TextPieces Pieces() {
+        return TextPieces([this](std::string_view piece) { file_.Write(piece); });
+    }
 
     /// Runs `work`, which writes and answers whether it saves; a BException and false are
     /// refusals. What does not reach the disk ends as a BGeoReferenceWriteException.

@@ -11,26 +11,27 @@ using Tellurion::BGeoReference;
 using Tellurion::BPointPair;
 using Tellurion::BString;
 
-std::vector<BPointPair> PointsToWrite(const BGeoReference& reference, RasterExtent extent) {
-    std::vector<BPointPair> points = reference.PointPairVector;
-    if (points.empty() && reference.HasMathTransform())
-        AppendCornerPoints(*reference.MathTransform, extent.width, extent.height, points);
-    return points;
+const std::vector<BPointPair>& PointsToWrite(const BGeoReference& reference, RasterExtent extent,
+                                             std::vector<BPointPair>& corners) {
+    if (!reference.PointPairVector.empty()) return reference.PointPairVector;
+    if (reference.HasMathTransform())
+        AppendCornerPoints(*reference.MathTransform, extent.width, extent.height, corners);
+    return corners;
 }
 
-std::vector<BPointPair> PointsToWrite(const BGeoReference& reference, RasterExtent extent,
-                                      OnFailure on_failure, const BString& file, const CornerVoice& voice) {
-    std::vector<BPointPair> points = reference.PointPairVector;
-    if (!points.empty() || !reference.HasMathTransform() || extent.width < 1 || extent.height < 1)
-        return points;
+const std::vector<BPointPair>& PointsToWrite(const BGeoReference& reference, RasterExtent extent,
+                                             OnFailure on_failure, const BString& file,
+                                             const CornerVoice& voice, std::vector<BPointPair>& corners) {
+    if (!reference.PointPairVector.empty()) return reference.PointPairVector;
+    if (!reference.HasMathTransform() || extent.width < 1 || extent.height < 1) return corners;
     try {
-        AppendCornerPoints(*reference.MathTransform, extent.width, extent.height, points);
+        AppendCornerPoints(*reference.MathTransform, extent.width, extent.height, corners);
     } catch (const Tellurion::BGeoCalcException& error) {
         if (on_failure == OnFailure::Throw)
             throw BGeoReferenceInvalidTransformException(
                 voice.source, BString::Format(voice.detail_format, file, error.GetDetailedMessage()));
     }
-    return points;
+    return corners;
 }
 
 }  // namespace MapAnchor

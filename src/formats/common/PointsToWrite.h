@@ -12,9 +12,10 @@
 namespace MapAnchor {
 
 /// The reference's control points or, where it has none, the corners of its
-/// transform. What the transform throws passes through.
-std::vector<Tellurion::BPointPair> PointsToWrite(const Tellurion::BGeoReference& reference,
-                                                 RasterExtent extent);
+/// transform, which go into `corners`. What the transform throws passes through.
+const std::vector<Tellurion::BPointPair>& PointsToWrite(const Tellurion::BGeoReference& reference,
+                                                        RasterExtent extent,
+                                                        std::vector<Tellurion::BPointPair>& corners);
 
 /// How a format speaks when corners cannot be made.
 struct CornerVoice {
@@ -25,8 +26,10 @@ struct CornerVoice {
 /// The same for the typed road: corners only of a raster with a size, and a transform
 /// that the coordinate system database fails on gives as many as it can, or a
 /// BGeoReferenceInvalidTransformException.
-std::vector<Tellurion::BPointPair> PointsToWrite(const Tellurion::BGeoReference& reference,
-                                                 RasterExtent extent, OnFailure on_failure,
-                                                 const Tellurion::BString& file, const CornerVoice& voice);
+const std::vector<Tellurion::BPointPair>& PointsToWrite(const Tellurion::BGeoReference& reference,
+                                                        RasterExtent extent, OnFailure on_failure,
+                                                        const Tellurion::BString& file,
+                                                        const CornerVoice& voice,
+                                                        std::vector<Tellurion::BPointPair>& corners);
 
 }  // namespace MapAnchor

@@ -25,6 +25,7 @@ using Tellurion::BCoordSysRepository;
 using Tellurion::BFile;
 using Tellurion::BGeoReference;
 using Tellurion::BLogger;
+using Tellurion::BPointPair;
 using Tellurion::BSharedPtr;
 using Tellurion::BString;
 using Tellurion::EFileMode;
@@ -178,9 +179,10 @@ bool BRefRSF::Write(const BString& file, const BGeoReference& reference, long wi
     OutputFile out(file, kOutput);
     out.OpenOrThrow(BString::Format("Couldn't open RSF file <%ls> for writing.", file));
     return out.Save([&] {
-        const auto points = PointsToWrite(reference, {width, height});
+        std::vector<BPointPair> corners;
+        const auto& points = PointsToWrite(reference, {width, height}, corners);
         if (!HasPointsOrTransform(points)) return false;
-        out.Write(FormatRsfPoints(points));
+        FormatRsfPoints(points, out.Pieces());
         out.Write(FormatRsfBlock(WktOf(reference)));
         return true;
     });
@@ -193,8 +195,10 @@ void BRefRSF::Write(const BString& file, const unsigned int& flags, const BGeoRe
     out.OpenOrThrow(BString::Format("Couldn't open RSF file <%ls> for writing.", file));
     out.Save([&] {
         // Without points the file is written all the same, with none.
-        out.Write(FormatRsfPoints(
-            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice)));
+        std::vector<BPointPair> corners;
+        FormatRsfPoints(
+            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice, corners),
+            out.Pieces());
         const BString wkt = WktOf(reference);
         if (reference.HasCoordSys() && wkt.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
             throw BGeoReferenceInvalidCoordSysException(

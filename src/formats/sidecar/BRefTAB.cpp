@@ -24,6 +24,7 @@ using Tellurion::BCoordSysRepository;
 using Tellurion::BFile;
 using Tellurion::BGeoReference;
 using Tellurion::BLogger;
+using Tellurion::BPointPair;
 using Tellurion::BSharedPtr;
 using Tellurion::BString;
 using Tellurion::EFileMode;
@@ -115,9 +116,10 @@ bool BRefTAB::Write(const BString& file, const BGeoReference& reference, long wi
     OutputFile out(file, kOutput);
     out.OpenOrThrow("TAB write could not open file");
     return out.Save([&] {
-        const auto points = PointsToWrite(reference, {width, height});
+        std::vector<BPointPair> corners;
+        const auto& points = PointsToWrite(reference, {width, height}, corners);
         if (!HasPointsOrTransform(points)) return false;
-        out.Write(FormatTab(points, imageName));
+        FormatTab(points, imageName, out.Pieces());
         const BString clause = ClauseOf(reference);
         if (clause.IsEmpty())
             BLogger::Instance()->WriteLine(
@@ -134,8 +136,9 @@ void BRefTAB::Write(const BString& file, const unsigned int& flags, const BGeoRe
     OutputFile out(file, kOutput);
     out.OpenOrThrow(BString::Format("Couldn't open TAB file <%ls> for writing.", file));
     out.Save([&] {
-        const auto points =
-            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice);
+        std::vector<BPointPair> corners;
+        const auto& points =
+            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice, corners);
         if (points.empty())
             // This one has always named the other format as its source.
             throw BGeoReferenceInvalidReferenceFileException(
@@ -143,7 +146,7 @@ void BRefTAB::Write(const BString& file, const unsigned int& flags, const BGeoRe
                 BString::Format("Can't generate a valid TAB file <%ls>.  We require at least 1 point, this "
                                 "reference only has (%d).",
                                 file, points.size()));
-        out.Write(FormatTab(points, imageName));
+        FormatTab(points, imageName, out.Pieces());
         const BString clause = ClauseOf(reference);
         if (clause.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
             throw BGeoReferenceInvalidCoordSysException(

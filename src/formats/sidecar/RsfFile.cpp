@@ -21,8 +21,9 @@ namespace {
 
 /// No well-known text is near this; what follows is not kept.
 constexpr std::size_t kLongestWkt = std::size_t{1} << 20;
-/// A name of one letter and seven numbers of one digit.
-constexpr std::int64_t kShortestRow = 16;
+/// Room for as many rows is made at once; more grow with the rows that are really there,
+/// since neither the header's count nor the length of a sparse file costs its writer anything.
+constexpr std::int32_t kRowsAhead = 1024;
 
 struct RsfRow {
     std::string_view name;
@@ -106,9 +107,7 @@ void ParseHeader(BFile& file, RsfFile& rsf) {
 void ParseRows(BFile& file, RsfPixels pixels, RsfFile& rsf) {
     TextLines lines(file);
     std::string_view line;
-    if (rsf.count > 0)
-        rsf.points.reserve(
-            static_cast<std::size_t>(std::min<std::int64_t>(rsf.count, file.GetLength() / kShortestRow)));
+    rsf.points.reserve(static_cast<std::size_t>(std::clamp(rsf.count, 0, kRowsAhead)));
     for (std::int32_t row = 0; row < rsf.count; ++row) {
         if (!lines.Next(line)) {
             rsf.fault = RsfFile::Fault::NoRow;
@@ -150,11 +149,13 @@ RsfFile ParseRsf(BFile& file, RsfPixels pixels) {
     return rsf;
 }
 
-BString FormatRsfPoints(const std::vector<BPointPair>& points) {
-    std::string text = "4 " + std::to_string(points.size()) + '\n';
-    for (const BPointPair& point : points)
-        AppendRow(text, point);
-    return BString(text);
+void FormatRsfPoints(const std::vector<BPointPair>& points, TextPieces out) {
+    out.Text() += "4 " + std::to_string(points.size()) + '\n';
+    for (const BPointPair& point : points) {
+        AppendRow(out.Text(), point);
+        out.PassOn();
+    }
+    out.Finish();
 }
 
 BString FormatRsfBlock(const BString& wkt) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/TextPieces.h"
+
 #include <Tellurion/BFile.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BString.h>
@@ -53,7 +55,7 @@ enum class RsfPixels {
 RsfFile ParseRsf(Tellurion::BFile& file, RsfPixels pixels);
 
 /// The header and the rows of a version 4 file.
-Tellurion::BString FormatRsfPoints(const std::vector<Tellurion::BPointPair>& points);
+void FormatRsfPoints(const std::vector<Tellurion::BPointPair>& points, TextPieces out);
 /// The block behind them; ends without a line end.
 Tellurion::BString FormatRsfBlock(const Tellurion::BString& wkt);
 

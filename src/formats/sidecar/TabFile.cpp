@@ -33,10 +33,12 @@ namespace {
 
 constexpr const char* kWriteSource = "BRefTAB::Write";
 constexpr std::size_t kMostTokens = 32;
+/// Four delimiters and the word Label.
+constexpr std::size_t kShortestPoint = 9;
 
 /// World x and y, column and row, the word Label, the name. Cuts the line up.
 void ParsePoint(std::string& line, std::vector<BPointPair>& points) {
-    std::array<char*, kMostTokens> tokens{};
+    std::array<char*, kMostTokens> tokens;
     const std::size_t count = SplitTokens(line.data(), "( ,)", tokens.data(), tokens.size());
     constexpr char kLabel[] = "label";
     if (count < 5 || CompareNoCase(tokens[4], kLabel, sizeof kLabel) != 0) return;
@@ -75,22 +77,23 @@ TabFile ParseTab(BFile& file) {
     while (lines.Next(line)) {
         if (!tab.has_table_mark) tab.has_table_mark = ContainsInAnyCase(line, "!table");
         if (!tab.has_raster_mark) tab.has_raster_mark = line.find("RASTER") != std::string_view::npos;
+        if (line.size() < kShortestPoint) continue;
         cut.assign(line);
         ParsePoint(cut, tab.points);
     }
     return tab;
 }
 
-BString FormatTab(const std::vector<BPointPair>& points, const BString& image_name) {
-    std::string text = "!table\n!version 300\n!charset WindowsLatin1\n\nDefinition Table\n  File \"";
-    text += EncodeQuoted(Tellurion::BFileUtilities::GetFileName(image_name));
-    text += "\"\n  Type \"RASTER\"\n";
+void FormatTab(const std::vector<BPointPair>& points, const BString& image_name, TextPieces out) {
+    out.Text() += "!table\n!version 300\n!charset WindowsLatin1\n\nDefinition Table\n  File \"";
+    out.Text() += EncodeQuoted(Tellurion::BFileUtilities::GetFileName(image_name));
+    out.Text() += "\"\n  Type \"RASTER\"\n";
     for (const BPointPair& point : points) {
-        AppendPoint(text, point);
-        text += &point == &points.back() ? "\n" : ",\n";
+        AppendPoint(out.Text(), point);
+        out.Text() += &point == &points.back() ? "\n" : ",\n";
+        out.PassOn();
     }
-    // The bytes pass through BString unchanged, whether they are UTF-8 or not.
-    return BString(text);
+    out.Finish();
 }
 
 }  // namespace MapAnchor

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/TextPieces.h"
+
 #include <Tellurion/BFile.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BString.h>
@@ -22,8 +24,8 @@ TabFile ParseTab(Tellurion::BFile& file);
 
 /// The lines of a TAB file up to its clause, in the charset that they state,
 /// Windows-1252. What that cannot hold is written as "?" and logged.
-Tellurion::BString FormatTab(const std::vector<Tellurion::BPointPair>& points,
-                             const Tellurion::BString& image_name);
+void FormatTab(const std::vector<Tellurion::BPointPair>& points, const Tellurion::BString& image_name,
+               TextPieces out);
 
 /// The clause of a reference without a system; has no line end.
 extern const char kDefaultTabClause[];

@@ -124,6 +124,13 @@ bool BString::EndsWith(const BString& suffix) const {
            units_.compare(units_.size() - suffix.units_.size(), std::u16string::npos, suffix.units_) == 0;
 }
 
+/// Of a text that was never asked for its narrow form no second one is kept: there may be
+/// millions of them.
+std::string BString::StdStr() const {
+    const std::string* made = narrow_.load(std::memory_order_acquire);
+    return made ? *made : Unicode::ToUtf8(units_);
+}
+
 std::wstring BString::WideStr() const {
     return Unicode::ToWide(units_);
 }

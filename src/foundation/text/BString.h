@@ -75,7 +75,7 @@ public:
     const char* Ascii() const { return Narrow().c_str(); }
     const char* Utf8() const { return Narrow().c_str(); }  ///< the same
     /// The UTF-8 form; keeps NUL characters.
-    std::string StdStr() const { return Narrow(); }
+    std::string StdStr() const;
     /// The platform's wide form.
     std::wstring WideStr() const;
 

@@ -102,25 +102,33 @@ FitRule RuleOf(EMathTransformType type) {
     RefuseFit("There is no fit of type %d", static_cast<int>(type));
 }
 
-ControlPoints::ControlPoints(const std::vector<BPointPair>& pairs, const FitRule& rule) {
-    for (std::size_t i = 0; i < pairs.size(); ++i)
-        if (pairs[i].Enabled) numbers.push_back(static_cast<long>(i) + 1);
-    const auto count = static_cast<Eigen::Index>(numbers.size());
+ControlPoints::ControlPoints(const std::vector<BPointPair>& pairs, const FitRule& rule) : pairs_(pairs) {
+    const Eigen::Index count = std::ranges::count_if(pairs, &BPointPair::Enabled);
     if (count < rule.points)
         RefuseFit("The %s fit needs %td points, %td of %zu are enabled", rule.name, rule.points, count,
                   pairs.size());
     pixels.resize(count, 2);
     world.resize(count, 2);
-    for (Eigen::Index i = 0; i < count; ++i) {
-        const BPointPair& pair = pairs[static_cast<std::size_t>(Number(i) - 1)];
+    Eigen::Index i = 0;
+    for (const BPointPair& pair : pairs) {
+        if (!pair.Enabled) continue;
         pixels.row(i) << pair.Column, pair.Row;
-        world.row(i) << pair.World.x, pair.World.y;
+        world.row(i++) << pair.World.x, pair.World.y;
     }
     RequireFinite(*this);
     const Eigen::Index different = DifferentPixels(pixels, rule.points);
     if (different < rule.points)
         RefuseFit("The %s fit needs points at %td different pixels, the %td enabled ones coincide at %td",
                   rule.name, rule.points, count, different);
+}
+
+long ControlPoints::Number(Eigen::Index point) const {
+    long number = 0;
+    for (const BPointPair& pair : pairs_) {
+        ++number;
+        if (pair.Enabled && point-- == 0) break;
+    }
+    return number;
 }
 
 void RequireArea(const ControlPoints& points, const FitRule& rule) {

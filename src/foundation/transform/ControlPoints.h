@@ -30,16 +30,18 @@ template <class... Args>
 /// The enabled points of a fit: as many as it takes, at as many different pixels,
 /// with finite positions in the world.
 struct ControlPoints {
-    /// Throws a BException when the pairs are not that.
+    /// Throws a BException when the pairs, which must outlive this, are not that.
     ControlPoints(const std::vector<BPointPair>& pairs, const FitRule& rule);
 
     Eigen::Index Count() const { return pixels.rows(); }
-    /// How a failure names the point: its place among all pairs, from 1.
-    long Number(Eigen::Index point) const { return numbers[static_cast<std::size_t>(point)]; }
+    /// How a failure names the point: its place among all pairs, from 1. Counts from the first.
+    long Number(Eigen::Index point) const;
 
     Positions pixels;
     Positions world;
-    std::vector<long> numbers;
+
+private:
+    const std::vector<BPointPair>& pairs_;
 };
 
 /// Throws a BException when the pixels or the positions in the world lie on a line,

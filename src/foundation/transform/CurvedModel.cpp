@@ -39,9 +39,11 @@ bool IsFlat(const Eigen::Matrix2d& slope) {
 
 CurvedModel::CurvedModel(EMathTransformType type, const FitSpace& space, RasterSize raster)
     : TransformModel(type), source_(space.source), target_(space.target), raster_(UnitRaster(space, raster)) {
-    Eigen::MatrixXd design(space.from.rows(), 3);
-    design << space.from, Eigen::VectorXd::Ones(space.from.rows());
-    const Eigen::Matrix<double, 3, 2> terms = LeastSquares(design, space.to).Solve();
+    const auto rows = [&](Eigen::Index first, auto design, auto observed) {
+        design << space.from.middleRows(first, design.rows()), Eigen::VectorXd::Ones(design.rows());
+        observed = space.to.middleRows(first, design.rows());
+    };
+    const Eigen::Matrix<double, 3, 2> terms = LeastSquares({space.from.rows(), 3, 2}, rows).Solve();
     const Eigen::Matrix2d matrix = terms.topRows<2>().transpose();
     mirrored_ = matrix.determinant() < 0;
     guess_.setZero();

@@ -34,15 +34,17 @@ PlaneFrame::PlaneFrame(const Positions& positions, Scaling scaling) {
     if (scaling == Scaling::Common) scale.setConstant(scale.maxCoeff());
 }
 
-Positions PlaneFrame::AllToUnit(const Positions& positions) const {
+Positions PlaneFrame::AllToUnit(const Eigen::Ref<const Positions>& positions) const {
     Positions unit = positions.rowwise() - centre.transpose();
     unit.array().rowwise() /= scale.transpose().array();
     return unit;
 }
 
+FitFrames::FitFrames(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling)
+    : source(points.pixels, source_scaling), target(points.world, target_scaling) {}
+
 FitSpace::FitSpace(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling)
-    : source(points.pixels, source_scaling),
-      target(points.world, target_scaling),
+    : FitFrames(points, source_scaling, target_scaling),
       from(source.AllToUnit(points.pixels)),
       to(target.AllToUnit(points.world)) {}
 

@@ -21,18 +21,24 @@ struct PlaneFrame {
         return (position - centre).cwiseQuotient(scale);
     }
     Eigen::Vector2d FromUnit(const Eigen::Vector2d& unit) const { return centre + scale.cwiseProduct(unit); }
-    Positions AllToUnit(const Positions& positions) const;
+    Positions AllToUnit(const Eigen::Ref<const Positions>& positions) const;
 
     Eigen::Vector2d centre;
     Eigen::Vector2d scale;
 };
 
-/// The spaces in which a fit computes: both sides of the points near the unit square.
-struct FitSpace {
-    FitSpace(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling);
+/// The frames in which a fit computes: both sides of the points near the unit square.
+struct FitFrames {
+    FitFrames(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling);
 
     PlaneFrame source;
     PlaneFrame target;
+};
+
+/// The frames and the points in them.
+struct FitSpace : FitFrames {
+    FitSpace(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling);
+
     Positions from;  ///< pixels, in source units
     Positions to;    ///< world, in target units
 };

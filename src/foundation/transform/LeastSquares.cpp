@@ -1,6 +1,7 @@
 #include "LeastSquares.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Tellurion {
 namespace {
@@ -11,23 +12,33 @@ constexpr Eigen::Index kBlock = 128;
 
 }  // namespace
 
-LeastSquares::LeastSquares(const Matrix& design, const Matrix& observed)
-    : design_(design), observed_(observed), triangle_(Fold()) {
+LeastSquares::LeastSquares(const Size& size, Rows rows)
+    : size_(size), rows_(std::move(rows)), triangle_(Fold()) {
     factors_.setThreshold(kRankTolerance);
-    factors_.compute(triangle_.leftCols(design.cols()));
+    factors_.compute(triangle_.leftCols(size_.unknowns));
+}
+
+template <class Visit>
+void LeastSquares::ForEachBlock(Visit visit) const {
+    const Eigen::Index most = std::min(kBlock, size_.rows);
+    Eigen::MatrixXd design(most, size_.unknowns);
+    Eigen::MatrixXd observed(most, size_.observed);
+    for (Eigen::Index row = 0; row < size_.rows; row += kBlock) {
+        const Eigen::Index count = std::min(kBlock, size_.rows - row);
+        rows_(row, design.topRows(count), observed.topRows(count));
+        visit(design.topRows(count), observed.topRows(count));
+    }
 }
 
 Eigen::MatrixXd LeastSquares::Fold() const {
-    const Eigen::Index unknowns = design_.cols();
-    const Eigen::Index columns = unknowns + observed_.cols();
-    Eigen::MatrixXd triangle = Eigen::MatrixXd::Zero(unknowns, columns);
-    for (Eigen::Index row = 0; row < design_.rows(); row += kBlock) {
-        const Eigen::Index count = std::min(kBlock, design_.rows() - row);
-        Eigen::MatrixXd block(unknowns + count, columns);
-        block << triangle, design_.middleRows(row, count), observed_.middleRows(row, count);
+    const Eigen::Index columns = size_.unknowns + size_.observed;
+    Eigen::MatrixXd triangle = Eigen::MatrixXd::Zero(size_.unknowns, columns);
+    ForEachBlock([&](const auto& design, const auto& observed) {
+        Eigen::MatrixXd block(size_.unknowns + design.rows(), columns);
+        block << triangle, design, observed;
         const Eigen::HouseholderQR<Eigen::Ref<Eigen::MatrixXd>> folded(block);
-        triangle = block.topRows(unknowns).triangularView<Eigen::Upper>();
-    }
+        triangle = block.topRows(size_.unknowns).template triangularView<Eigen::Upper>();
+    });
     return triangle;
 }
 
@@ -35,25 +46,26 @@ Eigen::MatrixXd LeastSquares::Fold() const {
 /// digits than double has. Zero at the least squares.
 Eigen::MatrixXd LeastSquares::Slope(const Eigen::MatrixXd& unknowns) const {
     using Long = long double;
-    Eigen::MatrixXd slope(unknowns.rows(), unknowns.cols());
-    for (Eigen::Index column = 0; column < observed_.cols(); ++column) {
-        Eigen::Matrix<Long, Eigen::Dynamic, 1> sum = decltype(sum)::Zero(unknowns.rows());
-        for (Eigen::Index row = 0; row < observed_.rows(); ++row) {
-            Long left = observed_(row, column);
-            for (Eigen::Index term = 0; term < unknowns.rows(); ++term)
-                left -= Long{design_(row, term)} * unknowns(term, column);
-            for (Eigen::Index term = 0; term < unknowns.rows(); ++term)
-                sum[term] += design_(row, term) * left;
+    Eigen::Matrix<Long, Eigen::Dynamic, Eigen::Dynamic> sum =
+        decltype(sum)::Zero(unknowns.rows(), unknowns.cols());
+    ForEachBlock([&](const auto& design, const auto& observed) {
+        for (Eigen::Index column = 0; column < observed.cols(); ++column) {
+            for (Eigen::Index row = 0; row < observed.rows(); ++row) {
+                Long left = observed(row, column);
+                for (Eigen::Index term = 0; term < unknowns.rows(); ++term)
+                    left -= Long{design(row, term)} * unknowns(term, column);
+                for (Eigen::Index term = 0; term < unknowns.rows(); ++term)
+                    sum(term, column) += design(row, term) * left;
+            }
         }
-        slope.col(column) = sum.cast<double>();
-    }
-    return slope;
+    });
+    return sum.cast<double>();
 }
 
 Eigen::MatrixXd LeastSquares::Solve() const {
-    Eigen::MatrixXd unknowns = factors_.solve(triangle_.rightCols(observed_.cols()));
+    Eigen::MatrixXd unknowns = factors_.solve(triangle_.rightCols(size_.observed));
     if (!Determined()) return unknowns;
-    const auto upper = triangle_.leftCols(design_.cols()).triangularView<Eigen::Upper>();
+    const auto upper = triangle_.leftCols(size_.unknowns).triangularView<Eigen::Upper>();
     for (int round = 0; round < kRefinements; ++round)
         unknowns += upper.solve(upper.transpose().solve(Slope(unknowns)));
     return unknowns;

@@ -3,6 +3,8 @@
 #include <Eigen/Core>
 #include <Eigen/QR>
 
+#include <functional>
+
 namespace Tellurion {
 
 /// A part of the largest pivot that counts as zero. Pixels are whole numbers below
@@ -10,27 +12,35 @@ namespace Tellurion {
 constexpr double kRankTolerance = 1e-10;
 
 /// An overdetermined (or square) system with one design and several right sides. The
-/// rows are folded into a triangle block by block, so that a row costs the same
-/// however many there are.
+/// rows are made and folded into a triangle block by block, so that a row costs the same
+/// however many there are, and only one block of them is kept.
 class LeastSquares {
 public:
-    using Matrix = Eigen::Ref<const Eigen::MatrixXd>;
+    using Block = Eigen::Ref<Eigen::MatrixXd>;
+    /// Fills both blocks with as many rows as they have, the first of them row `first`.
+    using Rows = std::function<void(Eigen::Index first, Block design, Block observed)>;
+    struct Size {
+        Eigen::Index rows;
+        Eigen::Index unknowns;  ///< columns of the design, which should be of similar size
+        Eigen::Index observed;  ///< right sides
+    };
 
-    /// The columns of `design` should be of similar size. Both must outlive this.
-    LeastSquares(const Matrix& design, const Matrix& observed);
+    LeastSquares(const Size& size, Rows rows);
 
     /// False when the design leaves a combination of the unknowns open.
-    bool Determined() const { return factors_.rank() == design_.cols(); }
+    bool Determined() const { return factors_.rank() == size_.unknowns; }
     /// One column of unknowns for each column of what was observed; exact data give the
     /// unknowns to the last digits.
     Eigen::MatrixXd Solve() const;
 
 private:
+    template <class Visit>
+    void ForEachBlock(Visit visit) const;
     Eigen::MatrixXd Fold() const;
     Eigen::MatrixXd Slope(const Eigen::MatrixXd& unknowns) const;
 
-    Matrix design_;
-    Matrix observed_;
+    Size size_;
+    Rows rows_;
     Eigen::MatrixXd triangle_;  ///< the design's, then what it turns the observed into
     Eigen::ColPivHouseholderQR<Eigen::MatrixXd> factors_;  ///< of the triangle
 };

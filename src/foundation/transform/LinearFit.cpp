@@ -19,7 +19,7 @@ struct UnitAffine {
 };
 
 /// In unit space, the last digit of the largest coordinate of each axis.
-Eigen::Vector2d LastDigits(const ControlPoints& points, const FitSpace& space) {
+Eigen::Vector2d LastDigits(const ControlPoints& points, const FitFrames& space) {
     const Eigen::Vector2d reach = points.world.cwiseAbs().colwise().maxCoeff();
     return std::numeric_limits<double>::epsilon() * reach.cwiseQuotient(space.target.scale);
 }
@@ -32,7 +32,7 @@ void DropRounding(Eigen::Matrix2d& matrix, const Eigen::Vector2d& digits) {
             if (std::abs(term) <= digits[axis]) term = 0.0;
 }
 
-AffineTerms FromUnit(const UnitAffine& fit, const FitSpace& space) {
+AffineTerms FromUnit(const UnitAffine& fit, const FitFrames& space) {
     const Eigen::Vector2d& source = space.source.scale;
     const Eigen::Vector2d& target = space.target.scale;
     const Eigen::Vector2d& centre = space.source.centre;
@@ -47,7 +47,7 @@ AffineTerms FromUnit(const UnitAffine& fit, const FitSpace& space) {
     return {term(0, 0), term(0, 1), shift(0), term(1, 0), term(1, 1), shift(1)};
 }
 
-ModelPointer MakeModel(const UnitAffine& fit, const ControlPoints& points, const FitSpace& space,
+ModelPointer MakeModel(const UnitAffine& fit, const ControlPoints& points, const FitFrames& space,
                        const FitRule& rule, EMathTransformType type) {
     const double size = fit.matrix.squaredNorm();
     if (size <= kSingular || std::abs(fit.matrix.determinant()) <= kSingular * size)
@@ -63,21 +63,33 @@ ModelPointer MakeModel(const UnitAffine& fit, const ControlPoints& points, const
 /// mirrored for sign 1, a rotation for -1.
 struct ConformalFit {
     ConformalFit(const FitSpace& space, double sign) : count(space.from.rows()) {
-        Eigen::MatrixXd design = Eigen::MatrixXd::Zero(2 * count, 4);
-        design.col(0) << space.from.col(0), -sign * space.from.col(1);
-        design.col(1) << space.from.col(1), sign * space.from.col(0);
-        design.col(2).head(count).setOnes();
-        design.col(3).tail(count).setOnes();
-        const Eigen::VectorXd observed = space.to.reshaped();
-        const Eigen::Vector4d terms = LeastSquares(design, observed).Solve();
+        const Eigen::Vector4d terms =
+            LeastSquares({2 * count, 4, 1}, [&](Eigen::Index first, auto design, auto observed) {
+                for (Eigen::Index i = 0; i < design.rows(); ++i)
+                    FillRow(space, sign, first + i, design.row(i), observed(i, 0));
+            }).Solve();
         unit.matrix << terms[0], terms[1], sign * terms[1], -sign * terms[0];
         unit.shift = terms.tail<2>();
-        residual = (observed - design * terms).norm();
+        residual =
+            (space.to - ((space.from * unit.matrix.transpose()).rowwise() + unit.shift.transpose())).norm();
     }
 
     Eigen::Index count;
     UnitAffine unit;
     double residual;
+
+private:
+    /// All x' come before all y'.
+    template <class DesignRow>
+    void FillRow(const FitSpace& space, double sign, Eigen::Index row, DesignRow design, double& observed) {
+        const Eigen::Index point = row % count;
+        const auto from = space.from.row(point);
+        if (row < count)
+            design << from[0], from[1], 1, 0;
+        else
+            design << -sign * from[1], sign * from[0], 0, 1;
+        observed = space.to(point, row / count);
+    }
 };
 
 /// True when the rotation fits better by more than rounding.
@@ -91,10 +103,13 @@ bool IsRotation(const ConformalFit& mirrored, const ConformalFit& rotated, doubl
 
 ModelPointer FitAffine(const ControlPoints& points, const FitRule& rule) {
     RequireArea(points, rule);
-    const FitSpace space(points, Scaling::PerAxis, Scaling::PerAxis);
-    Eigen::MatrixXd design(points.Count(), 3);
-    design << space.from, Eigen::VectorXd::Ones(points.Count());
-    const Eigen::Matrix<double, 3, 2> terms = LeastSquares(design, space.to).Solve();
+    const FitFrames space(points, Scaling::PerAxis, Scaling::PerAxis);
+    const auto rows = [&](Eigen::Index first, auto design, auto observed) {
+        design << space.source.AllToUnit(points.pixels.middleRows(first, design.rows())),
+            Eigen::VectorXd::Ones(design.rows());
+        observed = space.target.AllToUnit(points.world.middleRows(first, design.rows()));
+    };
+    const Eigen::Matrix<double, 3, 2> terms = LeastSquares({points.Count(), 3, 2}, rows).Solve();
     UnitAffine fit{terms.topRows<2>().transpose(), terms.row(2).transpose()};
     DropRounding(fit.matrix, LastDigits(points, space));
     return MakeModel(fit, points, space, rule, EMathTransformType::Affine);

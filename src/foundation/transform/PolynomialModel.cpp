@@ -3,6 +3,7 @@
 #include "LeastSquares.h"
 
 #include <array>
+#include <iterator>
 #include <vector>
 
 namespace Tellurion {
@@ -30,23 +31,25 @@ struct Powers {
     std::array<double, 4> value, slope;
 };
 
-Eigen::MatrixXd DesignOf(const Positions& from, const std::vector<Monomial>& monomials) {
-    Eigen::MatrixXd design(from.rows(), static_cast<Eigen::Index>(monomials.size()));
-    for (Eigen::Index i = 0; i < from.rows(); ++i) {
-        const Powers x(from(i, 0)), y(from(i, 1));
+void FillDesign(const Positions& from, Eigen::Index first, const std::vector<Monomial>& monomials,
+                LeastSquares::Block design) {
+    for (Eigen::Index i = 0; i < design.rows(); ++i) {
+        const Powers x(from(first + i, 0)), y(from(first + i, 1));
         for (std::size_t k = 0; k < monomials.size(); ++k)
             design(i, static_cast<Eigen::Index>(k)) =
                 x.value[monomials[k].x_power] * y.value[monomials[k].y_power];
     }
-    return design;
 }
 
 class PolynomialModel : public CurvedModel {
 public:
     PolynomialModel(const FitSpace& space, const FitRule& rule, EMathTransformType type, RasterSize raster)
         : CurvedModel(type, space, raster), monomials_(MonomialsOf(type)) {
-        const Eigen::MatrixXd design = DesignOf(space.from, monomials_);
-        const LeastSquares squares(design, space.to);
+        const LeastSquares squares({space.from.rows(), std::ssize(monomials_), 2},
+                                   [&](Eigen::Index first, auto design, auto observed) {
+                                       FillDesign(space.from, first, monomials_, design);
+                                       observed = space.to.middleRows(first, design.rows());
+                                   });
         if (!squares.Determined())
             RefuseFit(
                 "The %s fit is left open, the pixels of the %td enabled points lie on one curve of its order",
