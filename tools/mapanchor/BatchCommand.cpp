@@ -81,7 +81,7 @@ public:
 private:
     NameSource::Settings SourceSettings();
     void Deal();
-    void Finish(const JobOutcome& outcome);
+    void Finish(JobOutcome outcome);
     void Write(const Row& row);
     void WriteInOrder();
     std::optional<std::size_t> Left() const;
@@ -157,9 +157,9 @@ void Batch::WriteInOrder() {
     }
 }
 
-void Batch::Finish(const JobOutcome& outcome) {
+void Batch::Finish(JobOutcome outcome) {
     Row row = outcome.loss.empty()
-                  ? Unpack(outcome.answer)
+                  ? Unpack(std::move(outcome.answer))
                   : MakeLostRow(outcome.job.name, outcome.loss, outcome.loss_detail, settings_);
     tally_.Count(row.status);
     progress_.Count(row.status != ExitStatus::Done && row.status != ExitStatus::Warnings);
@@ -182,8 +182,8 @@ ExitStatus Batch::Run() {
         if (pool_.IsIdle() && source_.IsAtEnd()) break;
         const bool can_wait =
             !pool_.HasFree() || source_.Pending() > 0 || source_.Descriptor() >= 0 || source_.IsListed();
-        for (const JobOutcome& outcome : pool_.Wait(source_.Descriptor(), can_wait ? kTick : kTick * 0))
-            Finish(outcome);
+        for (JobOutcome& outcome : pool_.Wait(source_.Descriptor(), can_wait ? kTick : kTick * 0))
+            Finish(std::move(outcome));
         progress_.Tell(Left());
     }
     if (index_) index_->Close();

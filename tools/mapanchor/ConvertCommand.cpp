@@ -271,9 +271,10 @@ Outcome Convert(ConvertOptions options, LogCollector& log) {
 /// What a PDF says now, or would say.
 void PutSaved(Json& top, Json& ours, const Outcome& outcome) {
     if (!outcome.saved) return;
-    Json saved = ::RenderJson(*outcome.saved);
+    Json saved = JsonWithoutPoints(*outcome.saved);
     top["size"] = saved["size"];
-    for (const char* key : {"points", "coordSys", "pdfPage"})
+    if (saved["mapanchor"].contains("points")) ours["points"] = PointsJson(*outcome.saved);
+    for (const char* key : {"coordSys", "pdfPage"})
         if (saved["mapanchor"].contains(key)) ours[key] = saved["mapanchor"][key];
 }
 
@@ -302,7 +303,7 @@ void PrintText(const ConvertOptions& options, const Outcome& outcome, const Cons
     if (outcome.failure) return;
     for (const std::string& file : outcome.plan.files)
         console.Print((options.dry_run ? "would write " : "wrote ") + Printable(file) + "\n");
-    if (outcome.saved && options.dry_run) console.Print(RenderText(*outcome.saved, options.common, console));
+    if (outcome.saved && options.dry_run) PrintReference(*outcome.saved, options.common, console);
     if (outcome.closeness)
         console.Print("read back: at most " + PrintFixed(outcome.closeness->pixels, 6) + " pixels, " +
                       PrintFixed(outcome.closeness->metres, 6) + " metres off at the corners\n");

@@ -33,8 +33,10 @@ ExitStatus Run(const InfoOptions& options) {
     ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
         const ReadResult result = ReadFile(file, options.read, log);
         tally.Count(result.Status());
-        if (options.common.json) return console.Print(ToText(RenderJson(result), options.common));
-        if (result.Ok()) console.Print(RenderText(result, options.common, console));
+        if (options.common.json)
+            return WriteJson(result, options.common,
+                             [&console](std::string_view piece) { console.Print(piece); });
+        if (result.Ok()) PrintReference(result, options.common, console);
         TalkAbout(file, result.diagnostics, result.failure ? &*result.failure : nullptr, console);
     });
     return tally.Status();

@@ -4,41 +4,35 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <stdexcept>
 
 namespace {
 
-/// A line of stdin, of any length.
-class Line {
-public:
-    ~Line() { std::free(text_); }
-    Line() = default;
-    Line(const Line&) = delete;
-    Line& operator=(const Line&) = delete;
-
-    /// False at the end; throws std::runtime_error when stdin cannot be read.
-    bool Read(char mark) {
-        errno = 0;
-        length_ = getdelim(&text_, &room_, mark, stdin);
-        if (length_ < 0 && !std::feof(stdin)) throw std::runtime_error(UnreadableNames(errno));
-        if (length_ > 0 && text_[length_ - 1] == mark) --length_;
-        return length_ >= 0;
+/// The next name on stdin; false at the end. Throws std::runtime_error when stdin cannot be
+/// read or holds no names.
+bool ReadName(char mark, std::string& name) {
+    name.clear();
+    errno = 0;
+    int c = 0;
+    while ((c = getc_unlocked(stdin)) != EOF && c != mark) {
+        if (name.size() == kMaxNameLength) throw std::runtime_error(TooLongName());
+        name += static_cast<char>(c);
     }
-    std::string Text() const { return {text_, static_cast<std::size_t>(length_)}; }
-
-private:
-    char* text_ = nullptr;
-    std::size_t room_ = 0;
-    ssize_t length_ = 0;
-};
+    if (c == EOF && !std::feof(stdin)) throw std::runtime_error(UnreadableNames(errno));
+    return c != EOF || !name.empty();
+}
 
 }  // namespace
 
 std::string UnreadableNames(int error) {
     return "the names on standard input cannot be read: " +
            (error == EBADF ? std::string("it is closed") : ReasonOf(error));
+}
+
+std::string TooLongName() {
+    return "the names on standard input cannot be read: one is longer than " +
+           std::to_string(kMaxNameLength) +
+           " bytes; end each name with a line end, or with NUL and give --null";
 }
 
 void ForEachInput(const std::vector<std::string>& names, bool nul_separated,
@@ -48,8 +42,7 @@ void ForEachInput(const std::vector<std::string>& names, bool nul_separated,
             visit(name);
             continue;
         }
-        for (Line line; line.Read(nul_separated ? '\0' : '\n');) {
-            std::string listed = line.Text();
+        for (std::string listed; ReadName(nul_separated ? '\0' : '\n', listed);) {
             if (!nul_separated && listed.ends_with('\r')) listed.pop_back();
             if (!listed.empty()) visit(listed);
         }

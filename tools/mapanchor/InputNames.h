@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,3 +13,8 @@ void ForEachInput(const std::vector<std::string>& names, bool nul_separated,
 
 /// The failure of reading names on stdin, by the number of the error.
 std::string UnreadableNames(int error);
+
+/// In bytes. What is longer is no list of names, and is not collected in memory.
+constexpr std::size_t kMaxNameLength = std::size_t{64} << 10;
+/// The failure of reading a longer one.
+std::string TooLongName();

@@ -35,31 +35,22 @@ Json GeoTransform(const std::array<double, 6>& t, bool centre_anchored) {
     return Json::array({c, t[0], t[1], f, t[3], t[4]});
 }
 
-Json Gcps(const std::vector<BPointPair>& pairs) {
-    Json list = Json::array();
-    for (const BPointPair& pair : pairs) {
-        Json gcp = {{"id", pair.Name.StdStr()}, {"pixel", pair.Column}, {"line", pair.Row}};
-        PutNumber(gcp, "x", pair.World.x);
-        PutNumber(gcp, "y", pair.World.y);
-        PutNumber(gcp, "z", pair.World.z);
-        list.push_back(std::move(gcp));
-    }
-    return {{"gcpList", std::move(list)}};
+Json GcpJson(const BPointPair& pair) {
+    Json gcp = {{"id", pair.Name.StdStr()}, {"pixel", pair.Column}, {"line", pair.Row}};
+    PutNumber(gcp, "x", pair.World.x);
+    PutNumber(gcp, "y", pair.World.y);
+    PutNumber(gcp, "z", pair.World.z);
+    return gcp;
 }
 
-Json Points(const std::vector<BPointPair>& pairs, const Residuals& residuals) {
-    Json list = Json::array();
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        const BPointPair& pair = pairs[i];
-        Json point = {{"name", pair.Name.StdStr()}, {"column", pair.Column}, {"row", pair.Row}};
-        PutNumber(point, "x", pair.World.x);
-        PutNumber(point, "y", pair.World.y);
-        PutNumber(point, "z", pair.World.z);
-        point["enabled"] = pair.Enabled;
-        if (residuals.pixels[i]) PutNumber(point, "residualPixels", *residuals.pixels[i]);
-        list.push_back(std::move(point));
-    }
-    return list;
+Json PointJson(const BPointPair& pair, const std::optional<double>& residual) {
+    Json point = {{"name", pair.Name.StdStr()}, {"column", pair.Column}, {"row", pair.Row}};
+    PutNumber(point, "x", pair.World.x);
+    PutNumber(point, "y", pair.World.y);
+    PutNumber(point, "z", pair.World.z);
+    point["enabled"] = pair.Enabled;
+    if (residual) PutNumber(point, "residualPixels", *residual);
+    return point;
 }
 
 Json Transform(const BMathTransform& transform, const Residuals& residuals) {
@@ -70,9 +61,9 @@ Json Transform(const BMathTransform& transform, const Residuals& residuals) {
     return json;
 }
 
-void PutReference(Json& top, Json& ours, const ReadResult& result) {
+/// The lists of control points stay empty.
+void PutReference(Json& top, Json& ours, const ReadResult& result, const Residuals& residuals) {
     const BGeoReference& reference = result.reference;
-    const Residuals residuals = ComputeResiduals(reference);
     if (const auto affine = AffineOf(reference)) {
         const auto& t = *affine;
         top["geoTransform"] = GeoTransform(t, result.centre_anchored);
@@ -86,14 +77,88 @@ void PutReference(Json& top, Json& ours, const ReadResult& result) {
         ours["coordSys"] = RenderJson(*reference.CoordSys);
     }
     if (!reference.PointPairVector.empty()) {
-        top["gcps"] = Gcps(reference.PointPairVector);
-        ours["points"] = Points(reference.PointPairVector, residuals);
+        top["gcps"] = {{"gcpList", Json::array()}};
+        ours["points"] = Json::array();
     }
     if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
         ours["verticalUnit"] = {{"name", unit->GetName().StdStr()},
                                 {"unitsPerMetre", unit->GetUnitsPerMeter()}};
     ours["pixelIsPoint"] = reference.IsPixelAsPointRegistered();
 }
+
+Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals) {
+    Json top = JsonAbout(result.file);
+    Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
+    if (result.failure) {
+        ours["error"] = RenderJson(*result.failure);
+    } else {
+        if (result.width) top["size"] = {*result.width, *result.height};
+        if (!result.kind.empty()) ours["referenceType"] = result.kind;
+        ours["road"] = result.road == Road::Name ? "name" : "type";
+        ours["usedFile"] = result.used_file;
+        PutReference(top, ours, result, residuals);
+    }
+    if (result.page) ours["pdfPage"] = PdfPageJson(*result.page);
+    ours["diagnostics"] = RenderJson(result.diagnostics);
+    top["mapanchor"] = std::move(ours);
+    return top;
+}
+
+std::string DumpedJson(const Json& json, const CommonOptions& options) {
+    return PrintableJson(json.dump(options.indent, ' ', false, Json::error_handler_t::replace));
+}
+
+/// Passes a text of JSON on and fills the empty lists in it, entry by entry: as one tree
+/// they would need a hundred times the memory of the points.
+class ListFiller {
+public:
+    ListFiller(std::string_view text, const CommonOptions& options, const TextPieces::Write& write)
+        : rest_(text), options_(options), out_(write) {}
+
+    /// The next list of that name, which is two levels below the top.
+    template <class EntryOf>
+    void Fill(const std::string& name, std::size_t count, EntryOf entry_of) {
+        constexpr int kListLevel = 2;
+        // A quote within a text has a backslash before it, so that this is no text.
+        const std::string list = '"' + name + (options_.indent < 0 ? "\":[]" : "\": []");
+        const std::size_t end = rest_.find(list) + list.size() - 1;
+        out_.Text() += rest_.substr(0, end);
+        rest_.remove_prefix(end);
+        const std::string line = LineEnd(kListLevel + 1);
+        for (std::size_t i = 0; i < count; ++i) {
+            out_.Text() += i == 0 ? line : ',' + line;
+            AppendWithLineEnds(DumpedJson(entry_of(i), options_), line);
+            out_.PassOn();
+        }
+        out_.Text() += LineEnd(kListLevel);
+    }
+    void Finish() {
+        out_.Text() += rest_;
+        out_.Finish();
+    }
+
+private:
+    std::string LineEnd(int level) const {
+        return options_.indent < 0
+                   ? ""
+                   : '\n' + std::string(static_cast<std::size_t>(level * options_.indent), ' ');
+    }
+    void AppendWithLineEnds(const std::string& entry, const std::string& line) {
+        if (line.empty()) {
+            out_.Text() += entry;
+            return;
+        }
+        for (const char c : entry)
+            if (c == '\n')
+                out_.Text() += line;
+            else
+                out_.Text() += c;
+    }
+
+    std::string_view rest_;
+    const CommonOptions& options_;
+    TextPieces out_;
+};
 
 constexpr const char* kDescription = "description";
 constexpr const char* kDescriptionBytes = "descriptionBytes";
@@ -208,24 +273,31 @@ Json RenderJson(const Diagnostics& diagnostics) {
     return list;
 }
 
-Json RenderJson(const ReadResult& result) {
-    Json top = JsonAbout(result.file);
-    Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
-    if (result.failure) {
-        ours["error"] = RenderJson(*result.failure);
-    } else {
-        if (result.width) top["size"] = {*result.width, *result.height};
-        if (!result.kind.empty()) ours["referenceType"] = result.kind;
-        ours["road"] = result.road == Road::Name ? "name" : "type";
-        ours["usedFile"] = result.used_file;
-        PutReference(top, ours, result);
+Json JsonWithoutPoints(const ReadResult& result) {
+    return JsonWithoutPoints(result, ComputeResiduals(result.reference));
+}
+
+Json PointsJson(const ReadResult& result) {
+    const Residuals residuals = ComputeResiduals(result.reference);
+    Json list = Json::array();
+    for (std::size_t i = 0; i < residuals.pixels.size(); ++i)
+        list.push_back(PointJson(result.reference.PointPairVector[i], residuals.pixels[i]));
+    return list;
+}
+
+void WriteJson(const ReadResult& result, const CommonOptions& options, const TextPieces::Write& write) {
+    const Residuals residuals = ComputeResiduals(result.reference);
+    const std::vector<BPointPair>& pairs = result.reference.PointPairVector;
+    const std::string text = ToText(JsonWithoutPoints(result, residuals), options);
+    ListFiller filler(text, options, write);
+    if (result.Ok() && !pairs.empty()) {
+        filler.Fill("gcpList", pairs.size(), [&](std::size_t i) { return GcpJson(pairs[i]); });
+        filler.Fill("points", pairs.size(),
+                    [&](std::size_t i) { return PointJson(pairs[i], residuals.pixels[i]); });
     }
-    if (result.page) ours["pdfPage"] = PdfPageJson(*result.page);
-    ours["diagnostics"] = RenderJson(result.diagnostics);
-    top["mapanchor"] = std::move(ours);
-    return top;
+    filler.Finish();
 }
 
 std::string ToText(const Json& json, const CommonOptions& options) {
-    return PrintableJson(json.dump(options.indent, ' ', false, Json::error_handler_t::replace)) + "\n";
+    return DumpedJson(json, options) + "\n";
 }

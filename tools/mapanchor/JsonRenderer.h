@@ -3,6 +3,8 @@
 #include "CommonOptions.h"
 #include "ReadFile.h"
 
+#include <Tellurion/TextPieces.h>
+
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -24,10 +26,17 @@ std::optional<std::string> NameIn(const Json& row);
 /// The bytes of a name as in a URI: all but ASCII letters, digits and "/-._~" as "%E9".
 std::string PercentText(const std::string& name);
 
-Json RenderJson(const ReadResult& result);
+/// All that is known of an input but its control points, whose lists are empty.
+Json JsonWithoutPoints(const ReadResult& result);
+/// The control points. Takes a hundred times their memory.
+Json PointsJson(const ReadResult& result);
 Json RenderJson(const Failure& failure);
 Json RenderJson(const Tellurion::BCoordSys& system);
 Json RenderJson(const Diagnostics& diagnostics);
+
+/// All that is known of an input, as ToText() of it, piece by piece.
+void WriteJson(const ReadResult& result, const CommonOptions& options,
+               const Tellurion::TextPieces::Write& write);
 
 /// One line, or spread over lines when an indent is asked for, with escapes for all that is
 /// not Printable(). Bytes that are not UTF-8 become U+FFFD.

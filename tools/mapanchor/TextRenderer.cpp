@@ -10,6 +10,7 @@
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/Numbers.h>
 #include <Tellurion/Printable.h>
+#include <Tellurion/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>
@@ -93,18 +94,46 @@ std::string TransformText(const ReadResult& result, const Residuals& residuals, 
     return text + CornersText(transform, result, console);
 }
 
-std::string PointsText(const std::vector<BPointPair>& pairs, const Residuals& residuals,
-                       const Console& console) {
-    std::vector<std::vector<std::string>> rows = {
-        {"point", "column", "row", "x", "y", "z", "residual", "used"}};
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        const BPointPair& pair = pairs[i];
-        rows.push_back({pair.Name.StdStr(), std::to_string(pair.Column), std::to_string(pair.Row),
-                        Number(pair.World.x), Number(pair.World.y), Number(pair.World.z),
-                        residuals.pixels[i] ? PrintFixed(*residuals.pixels[i], 3) : "-",
-                        pair.Enabled ? "yes" : "no"});
+using TableRow = std::vector<std::string>;
+
+/// The rows are made twice, the first time for the widths of the columns, since millions of
+/// them need many times the memory of what they show.
+template <class RowAt>
+void WriteTable(std::size_t count, RowAt row_at, const Console& console, TextPieces& out) {
+    std::vector<std::size_t> widths(row_at(0).size(), 0);
+    for (std::size_t i = 0; i < count; ++i) {
+        const TableRow row = row_at(i);
+        for (std::size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], Width(Printable(row[column])));
     }
-    return RenderTable(rows, console);
+    for (std::size_t i = 0; i < count; ++i) {
+        const TableRow row = row_at(i);
+        std::string line = " ";
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            const std::string cell = Printable(row[column]);
+            line += " " + (column + 1 < row.size() ? Padded(cell, widths[column]) : cell);
+        }
+        out.Text() += (i == 0 ? console.Bold(line) : line) + "\n";
+        out.PassOn();
+    }
+}
+
+void WritePoints(const std::vector<BPointPair>& pairs, const Residuals& residuals, const Console& console,
+                 TextPieces& out) {
+    const auto row_at = [&](std::size_t i) -> TableRow {
+        if (i == 0) return {"point", "column", "row", "x", "y", "z", "residual", "used"};
+        const BPointPair& pair = pairs[i - 1];
+        const std::optional<double>& residual = residuals.pixels[i - 1];
+        return {pair.Name.StdStr(),
+                std::to_string(pair.Column),
+                std::to_string(pair.Row),
+                Number(pair.World.x),
+                Number(pair.World.y),
+                Number(pair.World.z),
+                residual ? PrintFixed(*residual, 3) : "-",
+                pair.Enabled ? "yes" : "no"};
+    };
+    WriteTable(pairs.size() + 1, row_at, console, out);
 }
 
 const char* RoadText(Road road) {
@@ -118,28 +147,21 @@ std::string RenderLine(const char* label, const std::string& text, const Console
     return "  " + console.Dim(Padded(label, kLabelWidth)) + " " + Printable(text) + "\n";
 }
 
-std::string RenderTable(std::vector<std::vector<std::string>> rows, const Console& console) {
-    for (auto& row : rows)
-        for (std::string& cell : row)
-            cell = Printable(cell);
-    std::vector<std::size_t> widths(rows.front().size(), 0);
-    for (const auto& row : rows)
-        for (std::size_t column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], Width(row[column]));
+std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console) {
     std::string text;
-    for (const auto& row : rows) {
-        std::string line = " ";
-        for (std::size_t column = 0; column < row.size(); ++column)
-            line += " " + (column + 1 < row.size() ? Padded(row[column], widths[column]) : row[column]);
-        text += (&row == &rows.front() ? console.Bold(line) : line) + "\n";
-    }
+    TextPieces out([&text](std::string_view piece) { text += piece; });
+    WriteTable(
+        rows.size(), [&rows](std::size_t i) { return rows[i]; }, console, out);
+    out.Finish();
     return text;
 }
 
-std::string RenderText(const ReadResult& result, const CommonOptions& common, const Console& console) {
+void PrintReference(const ReadResult& result, const CommonOptions& common, const Console& console) {
     const BGeoReference& reference = result.reference;
     const Residuals residuals = ComputeResiduals(reference);
-    std::string text = console.Bold(result.file) + "\n";
+    TextPieces out([&console](std::string_view piece) { console.Print(piece); });
+    std::string& text = out.Text();
+    text += console.Bold(result.file) + "\n";
     text += Line(console, "read as",
                  result.kind + ", " + RoadText(result.road) +
                      (result.used_file == result.file ? "" : ", from " + result.used_file));
@@ -148,11 +170,11 @@ std::string RenderText(const ReadResult& result, const CommonOptions& common, co
     if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
         text += Line(console, "heights", "in " + unit->GetName().StdStr());
     if (reference.IsPixelAsPointRegistered()) text += Line(console, "pixels", "stand for points");
-    if (!reference.PointPairVector.empty()) text += PointsText(reference.PointPairVector, residuals, console);
+    if (!reference.PointPairVector.empty()) WritePoints(reference.PointPairVector, residuals, console, out);
     if (result.page) text += RenderPdfPage(*result.page, console);
     if (common.verbose && reference.HasCoordSys())
         text += Line(console, "text", reference.CoordSys->ToWKT().StdStr());
-    return text;
+    out.Finish();
 }
 
 void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,

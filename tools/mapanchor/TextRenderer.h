@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// What a person sees of one input; ends in a line end.
-std::string RenderText(const ReadResult& result, const CommonOptions& common, const Console& console);
+/// Prints what a person sees of one input.
+void PrintReference(const ReadResult& result, const CommonOptions& common, const Console& console);
 
 /// A label and what it labels.
 std::string RenderLine(const char* label, const std::string& text, const Console& console);
@@ -17,4 +17,4 @@ void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Fa
                const Console& console);
 
 /// Rows of equal length as columns; the first row is the heading.
-std::string RenderTable(std::vector<std::vector<std::string>> rows, const Console& console);
+std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "common/TextPieces.h"
-
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BString.h>
+#include <Tellurion/TextPieces.h>
 
 namespace MapAnchor {
 
@@ -27,8 +26,8 @@ public:
 
     void Write(const Tellurion::BString& text) { file_.Write(text.StdStr()); }
     /// For a text that is made piece by piece.
-    TextPieces Pieces() {
-        return TextPieces([this](std::string_view piece) { file_.Write(piece); });
+    Tellurion::TextPieces Pieces() {
+        return Tellurion::TextPieces([this](std::string_view piece) { file_.Write(piece); });
     }
 
     /// Runs `work`, which writes and answers whether it saves; a BException and false are

@@ -16,6 +16,7 @@ using Tellurion::BFile;
 using Tellurion::BPointPair;
 using Tellurion::BString;
 using Tellurion::PrintFixed;
+using Tellurion::TextPieces;
 
 namespace {
 

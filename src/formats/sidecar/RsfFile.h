@@ -1,10 +1,9 @@
 #pragma once
 
-#include "common/TextPieces.h"
-
 #include <Tellurion/BFile.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BString.h>
+#include <Tellurion/TextPieces.h>
 
 #include <array>
 #include <cstddef>
@@ -55,7 +54,7 @@ enum class RsfPixels {
 RsfFile ParseRsf(Tellurion::BFile& file, RsfPixels pixels);
 
 /// The header and the rows of a version 4 file.
-void FormatRsfPoints(const std::vector<Tellurion::BPointPair>& points, TextPieces out);
+void FormatRsfPoints(const std::vector<Tellurion::BPointPair>& points, Tellurion::TextPieces out);
 /// The block behind them; ends without a line end.
 Tellurion::BString FormatRsfBlock(const Tellurion::BString& wkt);
 

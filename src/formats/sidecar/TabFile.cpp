@@ -26,6 +26,7 @@ using Tellurion::ELogSeverity;
 using Tellurion::ParseDouble;
 using Tellurion::ParseLong;
 using Tellurion::PrintFixed;
+using Tellurion::TextPieces;
 
 const char kDefaultTabClause[] = "CoordSys Earth Projection 1, 0\nUnits \"Degree\"";
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "common/TextPieces.h"
-
 #include <Tellurion/BFile.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BString.h>
+#include <Tellurion/TextPieces.h>
 
 #include <vector>
 
@@ -25,7 +24,7 @@ TabFile ParseTab(Tellurion::BFile& file);
 /// The lines of a TAB file up to its clause, in the charset that they state,
 /// Windows-1252. What that cannot hold is written as "?" and logged.
 void FormatTab(const std::vector<Tellurion::BPointPair>& points, const Tellurion::BString& image_name,
-               TextPieces out);
+               Tellurion::TextPieces out);
 
 /// The clause of a reference without a system; has no line end.
 extern const char kDefaultTabClause[];

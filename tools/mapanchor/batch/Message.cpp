@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -26,7 +27,11 @@ bool SendText(int descriptor, std::string_view text) {
     const std::uint64_t length = text.size();
     std::string bytes(kLengthSize, '\0');
     std::memcpy(bytes.data(), &length, kLengthSize);
-    return WriteAll(descriptor, bytes.append(text));
+    // In one call as a rule; a long text is not copied for that.
+    constexpr std::size_t kShort = 4096;
+    const std::size_t with_length = text.size() <= kShort ? text.size() : 0;
+    return WriteAll(descriptor, bytes.append(text, 0, with_length)) &&
+           WriteAll(descriptor, text.substr(with_length));
 }
 
 std::optional<std::string> ReceiveText(int descriptor) {
@@ -58,7 +63,7 @@ TextReceiver::State TextReceiver::Receive(int descriptor) {
 }
 
 std::string TextReceiver::Take() {
-    std::string text = bytes_.substr(kLengthSize);
+    std::string text = std::move(bytes_.erase(0, kLengthSize));
     bytes_.clear();
     return text;
 }

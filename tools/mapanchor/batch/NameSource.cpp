@@ -102,27 +102,32 @@ void NameSource::ReadSome() {
     std::array<char, kPiece> piece;
     const ssize_t count = read(STDIN_FILENO, piece.data(), piece.size());
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
-    if (count < 0) {
-        fault_ = UnreadableNames(errno);
-        root_ = settings_.roots.size();
-        return;
-    }
+    if (count < 0) return Fail(UnreadableNames(errno));
     if (count > 0) {
+        const std::size_t searched = unsplit_.size();
         unsplit_.append(piece.data(), static_cast<std::size_t>(count));
-        return SplitNames();
+        return SplitNames(searched);
     }
     Add(unsplit_);  // the last one may have no end mark
     unsplit_.clear();
     ++root_;
 }
 
-void NameSource::SplitNames() {
+void NameSource::Fail(const std::string& why) {
+    fault_ = why;
+    root_ = settings_.roots.size();
+}
+
+/// No mark is in the first `searched` bytes.
+void NameSource::SplitNames(std::size_t searched) {
     const char mark = settings_.nul_separated ? '\0' : '\n';
     std::size_t begin = 0;
-    for (std::size_t end = 0; (end = unsplit_.find(mark, begin)) != std::string::npos; begin = end + 1) {
+    for (std::size_t end = 0; (end = unsplit_.find(mark, std::max(begin, searched))) != std::string::npos;
+         begin = end + 1) {
         std::string name = unsplit_.substr(begin, end - begin);
         if (!settings_.nul_separated && name.ends_with('\r')) name.pop_back();
         Add(name);
     }
     unsplit_.erase(0, begin);
+    if (unsplit_.size() > kMaxNameLength) Fail(TooLongName());
 }

@@ -38,7 +38,8 @@ private:
     void BeginRoot();
     void WalkOn();
     void ReadSome();
-    void SplitNames();
+    void SplitNames(std::size_t searched);
+    void Fail(const std::string& why);
 
     Settings settings_;
     std::size_t root_ = 0;

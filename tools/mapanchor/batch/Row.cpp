@@ -7,8 +7,8 @@
 
 #include <Tellurion/Numbers.h>
 
-#include <iterator>
-#include <sstream>
+#include <algorithm>
+#include <utility>
 
 using Tellurion::PrintShortest;
 
@@ -54,7 +54,9 @@ std::string TextOf(const ReadResult& result, const std::optional<Footprint>& foo
         case RowFormat::JsonLines:
             break;
     }
-    return Line(RenderJson(result));
+    std::string text;
+    WriteJson(result, CommonOptions(), [&text](std::string_view piece) { text += piece; });
+    return text;
 }
 
 }  // namespace
@@ -68,11 +70,13 @@ Row MakeRow(ReadResult& result, const RowSettings& settings) {
     Row row;
     if (result.failure && result.failure->type == "std::bad_alloc") result.failure->type = "OutOfMemory";
     row.status = result.Status();
-    const bool has_place = settings.format != RowFormat::JsonLines || settings.with_feature;
-    ReadResult placed = has_place ? result : ReadResult();
-    const auto footprint = has_place ? FootprintOf(placed) : std::nullopt;
-    row.text = TextOf(settings.format == RowFormat::JsonLines ? result : placed, footprint, settings.format);
-    if (settings.with_feature) row.feature = Line(FeatureJson(placed, footprint));
+    // Only the formats with a place show what is found out about it.
+    const bool has_place = settings.format != RowFormat::JsonLines;
+    if (!has_place) row.text = TextOf(result, std::nullopt, settings.format);
+    const auto footprint =
+        has_place || settings.with_feature ? FootprintOf(result) : std::optional<Footprint>();
+    if (has_place) row.text = TextOf(result, footprint, settings.format);
+    if (settings.with_feature) row.feature = Line(FeatureJson(result, footprint));
     return row;
 }
 
@@ -85,21 +89,24 @@ Row MakeLostRow(const std::string& name, const std::string& type, const std::str
 }
 
 std::string Pack(const Row& row) {
-    std::ostringstream out;
-    out << static_cast<int>(row.status) << ' ' << row.text.size() << '\n' << row.text << row.feature;
-    return out.str();
+    std::string bytes = std::to_string(static_cast<int>(row.status)) + ' ' + std::to_string(row.text.size());
+    return bytes.append("\n").append(row.text).append(row.feature);
 }
 
-Row Unpack(const std::string& bytes) {
-    std::istringstream in(bytes);
-    int status = 0;
-    std::size_t length = 0;
-    in >> status >> length;
-    in.get();
+Row Unpack(std::string bytes) {
+    std::string_view rest = bytes;
+    const auto take_number = [&rest] {
+        long number = 0;
+        Tellurion::ScanLong(rest, number);
+        return number;
+    };
     Row row;
-    row.status = static_cast<ExitStatus>(status);
-    const std::string rest(std::istreambuf_iterator<char>(in), {});
-    row.text = rest.substr(0, length);
-    row.feature = rest.substr(row.text.size());
+    row.status = static_cast<ExitStatus>(take_number());
+    const auto length = static_cast<std::size_t>(take_number());
+    rest.remove_prefix(std::min<std::size_t>(1, rest.size()));
+    row.feature = rest.substr(std::min(length, rest.size()));
+    bytes.resize(bytes.size() - row.feature.size());
+    bytes.erase(0, bytes.size() - std::min(length, bytes.size()));
+    row.text = std::move(bytes);
     return row;
 }

@@ -29,4 +29,4 @@ std::string HeadingOf(RowFormat format);
 
 /// A row on its way between processes.
 std::string Pack(const Row& row);
-Row Unpack(const std::string& bytes);
+Row Unpack(std::string bytes);

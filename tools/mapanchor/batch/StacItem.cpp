@@ -26,7 +26,7 @@ Json MatrixOf(const Json& geo_transform) {
 }
 
 void PutProjection(const ReadResult& result, Json& properties) {
-    const Json row = RenderJson(result);
+    const Json row = JsonWithoutPoints(result);
     properties["proj:epsg"] = nullptr;  // the extension wants it said
     if (result.reference.HasCoordSys()) {
         const Tellurion::BCoordSys& system = *result.reference.CoordSys;

@@ -6,14 +6,15 @@
 #include <string_view>
 #include <utility>
 
-namespace MapAnchor {
+namespace Tellurion {
 
 /// A long text that is passed on piece by piece while it is made, so that only one piece of
 /// it is in memory.
 class TextPieces {
 public:
-    using Write = std::function<void(std::string_view piece)>;
+    using Write = std::function<void(std::string_view piece)>;  ///< what takes a piece
 
+    /// `write` gets some tens of KiB at a time.
     explicit TextPieces(Write write) : write_(std::move(write)) {}
 
     /// What comes next is appended here.
@@ -34,4 +35,4 @@ private:
     std::string text_;
 };
 
-}  // namespace MapAnchor
+}  // namespace Tellurion
