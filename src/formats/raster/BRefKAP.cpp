@@ -36,6 +36,12 @@ KapHeader ReadHeader(BFile& in) {
     KapHeader header;
     while (!header.ended && head.Grow())
         header = ParseKapHeader(head.Bytes());
+    const bool is_cut = !header.ended && head.Bytes().size() == kLongestKapHeader;
+    if (is_cut && (header.has_data || !header.points.empty()))
+        BLogger::Instance()->WriteLine(
+            ELogSeverity::Error,
+            "BRefKAP::Read The header of <%ls> does not end within %zu bytes, the rest of it is not read",
+            in.GetPath(), kLongestKapHeader);
     return header;
 }
 

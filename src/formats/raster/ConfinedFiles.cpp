@@ -120,19 +120,25 @@ struct OpenFile {
     std::string tail{};  ///< what was read last
 
     bool IsRaster() const { return path == owner.Path(); }
+    bool IsAccepted(std::string_view text);
     void Inspect(const char* bytes, std::size_t count);
 };
+
+/// Refuses a text that names a file.
+bool OpenFile::IsAccepted(std::string_view text) {
+    const std::string named = Tellurion::FileNamedIn(text);
+    if (named.empty()) return true;
+    owner.Refuse(path, "names the file " + named);
+    is_refused = true;
+    return false;
+}
 
 /// A path may begin in one piece and end in the next.
 void OpenFile::Inspect(const char* bytes, std::size_t count) {
     constexpr std::size_t kTail = 4096;
     if (tail_end != position) tail.clear();
     tail.append(bytes, count);
-    const std::string named = Tellurion::FileNamedIn(tail);
-    if (!named.empty()) {
-        owner.Refuse(path, "names the file " + named);
-        is_refused = true;
-    }
+    IsAccepted(tail);
     if (tail.size() > kTail) tail.erase(0, tail.size() - kTail);
     tail_end = position + count;
 }
@@ -158,8 +164,7 @@ bool IsInnocent(OpenFile& file) {
     }
     std::string text(static_cast<std::size_t>(file.size), '\0');
     text.resize(ReadAt(file.descriptor, text.data(), text.size(), 0));
-    file.Inspect(text.data(), text.size());
-    return !file.is_refused;
+    return file.IsAccepted(text);
 }
 
 int Stat(void*, const char* name, VSIStatBufL* status, int) {

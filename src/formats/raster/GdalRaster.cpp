@@ -2,13 +2,17 @@
 
 #include "common/RandomAccessFile.h"
 #include "raster/GdalDrivers.h"
+#include "raster/KapHeader.h"
 #include "raster/SelfContainedVrt.h"
 
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace MapAnchor {
@@ -44,13 +48,37 @@ bool IsVrtText(const BString& file) {
     return IsSelfContainedVrt(in.Window(0, kLongest));
 }
 
+/// GDAL's reader of charts takes time by the square of the lines in the header, and reads a
+/// header without an end to the end of the file.
+bool IsLongChart(const BString& file) {
+    constexpr std::size_t kMaxLines = 10'000;
+    constexpr char kEndOfHeader = '\x1A';
+    RandomAccessFile in(file);
+    const std::string_view head = in.Read(0, 1024);
+    const auto begins = [head](std::string_view mark) { return head.find(mark) != std::string_view::npos; };
+    if (!begins("BSB/") && !begins("NOS/") && !begins("WX\\")) return false;
+    const std::string header = in.Window(0, kLongestKapHeader);
+    const std::size_t end = header.find(kEndOfHeader);
+    return (end == std::string::npos && header.size() == kLongestKapHeader) ||
+           std::count(header.begin(),
+                      header.begin() + static_cast<std::ptrdiff_t>(std::min(end, header.size())),
+                      '\n') > static_cast<std::ptrdiff_t>(kMaxLines);
+}
+
+GdalDrivers::Names DriversFor(const BString& file, RasterKinds kinds) {
+    GdalDrivers::Names drivers =
+        kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain();
+    const auto chart = std::ranges::find_if(
+        drivers, [](const char* name) { return name && std::string_view(name) == "BSB"; });
+    if (chart != drivers.end() && IsLongChart(file)) drivers.erase(chart);
+    return drivers;
+}
+
 /// The parts of other drivers in a file are left alone: GDAL would have any driver read them.
 GdalRaster OpenConfined(const BString& file, RasterKinds kinds) {
     auto files = std::make_shared<ConfinedFiles>(file);
     const CPLConfigOptionSetter alone("NITF_OPEN_UNDERLYING_DS", "NO", false);
-    GDALDataset* raster =
-        Open(files->Name().c_str(),
-             kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain());
+    GDALDataset* raster = Open(files->Name().c_str(), DriversFor(file, kinds));
     if (!raster && !files->IsRefused() && IsVrtText(file))
         raster = Open(files->Name().c_str(), {"VRT", nullptr});
     GdalRaster opened(raster, GdalCloser{std::move(files)});
