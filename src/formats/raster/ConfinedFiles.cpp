@@ -111,13 +111,20 @@ bool IsSidecar(const std::string& raster, const std::string& other) {
 struct OpenFile {
     ConfinedFiles& owner;
     std::string path;
-    int descriptor;
-    vsi_l_offset size;
+    int descriptor = -1;
+    vsi_l_offset size = 0;
     vsi_l_offset position = 0;
     bool at_end = false;
     bool is_refused = false;
     vsi_l_offset tail_end = 0;
     std::string tail{};  ///< what was read last
+
+    OpenFile(ConfinedFiles& of, std::string named) : owner(of), path(std::move(named)) {}
+    ~OpenFile() {
+        if (descriptor >= 0) ::close(descriptor);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
 
     bool IsRaster() const { return path == owner.Path(); }
     bool IsAccepted(std::string_view text);
@@ -185,15 +192,14 @@ void* Open(void*, const char* name, const char* access) {
     errno = EACCES;
     if (!files || !files->Shows(path) || access[0] != 'r' || std::strchr(access, '+')) return nullptr;
     struct stat status;
-    const int descriptor = Tellurion::OpenRegularFile(path.c_str(), &status);
-    if (descriptor < 0) {
+    auto file = std::make_unique<OpenFile>(*files, path);
+    file->descriptor = Tellurion::OpenRegularFile(path.c_str(), &status);
+    if (file->descriptor < 0) {
         if (errno == EINVAL || errno == EISDIR) files->Refuse(path, "is not a regular file");
         return nullptr;
     }
-    std::unique_ptr<OpenFile> file(
-        new OpenFile{*files, path, descriptor, static_cast<vsi_l_offset>(status.st_size)});
+    file->size = static_cast<vsi_l_offset>(status.st_size);
     if (IsInnocent(*file)) return file.release();
-    ::close(descriptor);
     errno = EACCES;
     return nullptr;
 }
@@ -228,7 +234,7 @@ int Eof(void* handle) {
 
 int Close(void* handle) {
     const std::unique_ptr<OpenFile> file(static_cast<OpenFile*>(handle));
-    return ::close(file->descriptor);
+    return ::close(std::exchange(file->descriptor, -1));
 }
 
 struct FolderCloser {
