@@ -5,7 +5,7 @@
 //                               under a reader
 //   fault_sweep corpus FOLDER   the TIFFs below a folder, whole and cut short, with a few faults each
 // Prints a table, and up to three cases of each row. The exit status is 1 when a file was
-// destroyed, a process crashed or hung, or a caller was told something wrong.
+// destroyed, a process crashed or hung, or a caller got a wrong answer.
 
 #include "Trial.h"
 

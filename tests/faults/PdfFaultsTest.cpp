@@ -1,4 +1,4 @@
-// Where the user's PDF is when georeferencing it fails, and what the caller is told.
+// Where the user's PDF is when georeferencing it fails, and what the caller hears of it.
 
 #include "LogCapture.h"
 #include "PagePdf.h"
@@ -27,7 +27,7 @@ bool IsWholeResult(const std::string& file) {
     return page.Dialect == BGeoPDFPage::EDialect::Measure && page.Fault.IsEmpty();
 }
 
-/// What the caller is told, the log included.
+/// What the caller hears, the log included.
 std::string Save(const std::string& target, const std::string& temporaries) {
     const LogCapture log;
     const std::string before = fs::temp_directory_path();
@@ -35,11 +35,11 @@ std::string Save(const std::string& target, const std::string& temporaries) {
     const Thrown thrown = Roads::Save(Tellurion::EReferenceType::GeoPDF, target,
                                       References::WithCorners(676000, 5242000), Roads::kStrict);
     setenv("TMPDIR", before.c_str(), 1);
-    std::string told =
+    std::string heard =
         thrown.type.empty() ? "saved" : thrown.type + " | " + thrown.source + " | " + thrown.detail;
     for (const std::string& line : log.lines)
-        told += "\n" + line;
-    return told;
+        heard += "\n" + line;
+    return heard;
 }
 
 /// A PDF and the folder for temporary files.
@@ -87,7 +87,7 @@ struct Circumstance {
     const char* name;
     std::string content;
     std::function<void(const Scene&)> prepare;
-    const char* told;      ///< the start of what the caller is told
+    const char* heard;     ///< the start of what the caller hears
     const char* in_words;  ///< and what it holds besides
     char stands;           ///< t: at the target, a: aside, r: the result is there
 };
@@ -129,14 +129,15 @@ TEST(PdfFaultsOfFiles, WhereThePdfStandsAndWhatIsTold) {
         const Scene scene(test.content);
         test.prepare(scene);
         if (!scene.usable) continue;  // only root can mount
-        const std::string told = Save(scene.target, scene.temporaries);
-        EXPECT_TRUE(told.starts_with(test.told)) << told;
-        EXPECT_NE(told.find(test.in_words), std::string::npos) << told;
+        const std::string heard = Save(scene.target, scene.temporaries);
+        EXPECT_TRUE(heard.starts_with(test.heard)) << heard;
+        EXPECT_NE(heard.find(test.in_words), std::string::npos) << heard;
         EXPECT_EQ(IsWholeResult(scene.target), test.stands == 'r');
         EXPECT_TRUE(scene.StandsAtTarget() || test.stands != 't');
         if (test.stands != 'a') continue;
         EXPECT_FALSE(scene.HasTarget());
-        EXPECT_NE(told.find("stands under the name <" + scene.NameAside() + ">"), std::string::npos) << told;
+        EXPECT_NE(heard.find("stands under the name <" + scene.NameAside() + ">"), std::string::npos)
+            << heard;
     }
 }
 
@@ -154,15 +155,15 @@ TEST(PdfFaultsOfFiles, TheTargetsDisk) {
         const std::string target = own.Write("map.pdf", good);
         if (!read_only) own.Write("other", std::string(12288, 'x'));
         ASSERT_TRUE(!read_only || disk.MakeReadOnly());
-        const std::string told = Save(target, temporaries / "");
+        const std::string heard = Save(target, temporaries / "");
         if (read_only) {
-            EXPECT_TRUE(told.starts_with("BFileAccessException")) << told;
+            EXPECT_TRUE(heard.starts_with("BFileAccessException")) << heard;
             EXPECT_EQ(TempFolder::Slurp(target), good);
             continue;
         }
-        EXPECT_TRUE(told.starts_with("BGeoReferenceWriteException")) << told;
-        EXPECT_NE(told.find(target), std::string::npos);
-        EXPECT_NE(told.find("stands under the name <"), std::string::npos);
+        EXPECT_TRUE(heard.starts_with("BGeoReferenceWriteException")) << heard;
+        EXPECT_NE(heard.find(target), std::string::npos);
+        EXPECT_NE(heard.find("stands under the name <"), std::string::npos);
         EXPECT_FALSE(fs::exists(target));
     }
 }

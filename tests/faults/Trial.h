@@ -85,7 +85,7 @@ int InChild(Work work) {
     return state;
 }
 
-/// What the caller is told, and after it the log, goes to the shared text.
+/// What the caller hears, and after it the log, goes to the shared text.
 int Save(EReferenceType type, const std::string& target) {
     static const Tellurion::BGeoReference reference = References::WithCorners(676000, 5242000);
     std::string message = "another exception";

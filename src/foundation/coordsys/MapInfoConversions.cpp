@@ -199,7 +199,7 @@ MapInfoAffine ExtractOffsets(MapInfoConversion& conversion, double unit) {
     return affine;
 }
 
-/// What only an affine transform tells of a conversion goes there: a scale of more than 1
+/// What only an affine transform can state of a conversion goes there: a scale of more than 1
 /// on the parallel of a Lambert conic, and westings and southings. The false origin goes
 /// with it, so that a reader that ignores the transform is far off, not by a little.
 MapInfoAffine SplitAffine(MapInfoConversion& conversion, double unit) {
