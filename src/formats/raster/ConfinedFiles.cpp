@@ -127,8 +127,12 @@ struct OpenFile {
     OpenFile& operator=(const OpenFile&) = delete;
 
     bool IsRaster() const { return path == owner.Path(); }
+    vsi_l_offset window_start = 0;
+    std::string window{};  ///< the file's bytes from there, so that small reads cost no system call
+
     bool IsAccepted(std::string_view text);
     void Inspect(const char* bytes, std::size_t count);
+    std::size_t Fetch(char* out, std::size_t count);
 };
 
 /// Refuses a text that names a file.
@@ -160,6 +164,18 @@ std::size_t ReadAt(int descriptor, char* out, std::size_t count, off_t position)
         done += static_cast<std::size_t>(got);
     }
     return done;
+}
+
+/// The bytes at the position; how many there were.
+std::size_t OpenFile::Fetch(char* out, std::size_t count) {
+    constexpr std::size_t kWindow = 4096;
+    if (count >= kWindow) return ReadAt(descriptor, out, count, static_cast<off_t>(position));
+    if (position < window_start || position + count > window_start + window.size()) {
+        window.resize(kWindow);
+        window.resize(ReadAt(descriptor, window.data(), kWindow, static_cast<off_t>(position)));
+        window_start = position;
+    }
+    return window.copy(out, count, static_cast<std::size_t>(position - window_start));
 }
 
 /// A sidecar is looked at as a whole, before GDAL sees any of it.
@@ -207,8 +223,7 @@ void* Open(void*, const char* name, const char* access) {
 size_t Read(void* handle, void* buffer, size_t size, size_t count) {
     auto& file = *static_cast<OpenFile*>(handle);
     if (size == 0 || count == 0 || file.is_refused) return 0;
-    const std::size_t got =
-        ReadAt(file.descriptor, static_cast<char*>(buffer), size * count, static_cast<off_t>(file.position));
+    const std::size_t got = file.Fetch(static_cast<char*>(buffer), size * count);
     if (file.IsRaster()) file.Inspect(static_cast<const char*>(buffer), got);
     file.at_end = got < size * count || file.is_refused;
     if (file.is_refused) return 0;

@@ -95,10 +95,11 @@ bool HasGdalDriver(const char* name) {
 
 GdalRaster OpenRaster(const BString& file, RasterKinds kinds) {
     RegisterDrivers();
-    if (!BFileUtilities::Exists(file))
+    if (!BFileUtilities::IsRegularFile(file)) {
+        if (BFileUtilities::Exists(file)) return nullptr;
         return GdalRaster(Open(
             file.Utf8(), kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain()));
-    if (!BFileUtilities::IsRegularFile(file)) return nullptr;
+    }
     GdalRaster raster = OpenConfined(file, kinds);
     if (raster) return raster;
     const GdalDrivers::Names allowed = GdalDrivers::Allowed();

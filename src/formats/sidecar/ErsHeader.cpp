@@ -61,7 +61,8 @@ bool ScanNumber(std::string_view text, const TagRule& rule, ErsHeader& header) {
 void ReadName(std::string_view text, const TagRule& rule, ErsHeader& header) {
     std::string cut(text);
     std::array<char*, 32> tokens{};
-    if (SplitTokens(cut.data(), "( ,)=", tokens.data(), tokens.size()) < 2) {
+    static constexpr Delimiters kDelimiters("( ,)=");
+    if (SplitTokens(cut.data(), kDelimiters, tokens.data(), tokens.size()) < 2) {
         if (!header.empty_tag) header.empty_tag = rule.tag;
         return;
     }

@@ -1,35 +1,20 @@
 #include "sidecar/SplitTokens.h"
 
-#include <array>
-
 namespace MapAnchor {
 namespace {
 
-/// Looked up by character; the end of the text is no member.
-class Delimiters {
-public:
-    explicit Delimiters(const char* characters) {
-        for (; *characters != '\0'; ++characters)
-            member_[static_cast<unsigned char>(*characters)] = true;
-    }
-    bool Hold(char c) const { return member_[static_cast<unsigned char>(c)]; }
-    char* Skip(char* text) const {
-        while (Hold(*text))
-            ++text;
-        return text;
-    }
-
-private:
-    std::array<bool, 256> member_{};
-};
+char* Skip(char* text, const Delimiters& delimiters) {
+    while (delimiters.Hold(*text))
+        ++text;
+    return text;
+}
 
 }  // namespace
 
-std::size_t SplitTokens(char* text, const char* characters, char** tokens, std::size_t most) {
+std::size_t SplitTokens(char* text, const Delimiters& delimiters, char** tokens, std::size_t most) {
     if (most == 0) return 0;
-    const Delimiters delimiters(characters);
     std::size_t count = 0;
-    char* at = delimiters.Skip(text);
+    char* at = Skip(text, delimiters);
     bool quoted = *at == '"';
     if (quoted) ++at;
     tokens[0] = at;
@@ -46,7 +31,7 @@ std::size_t SplitTokens(char* text, const char* characters, char** tokens, std::
         } else if (delimiters.Hold(*at)) {
             *at = '\0';
             if (++count == most) return count;
-            at = delimiters.Skip(at + 1);
+            at = Skip(at + 1, delimiters);
             if (*at == '\0') return count;
             tokens[count] = at;
         } else {

@@ -39,8 +39,9 @@ constexpr std::size_t kShortestPoint = 9;
 
 /// World x and y, column and row, the word Label, the name. Cuts the line up.
 void ParsePoint(std::string& line, std::vector<BPointPair>& points) {
+    static constexpr Delimiters kDelimiters("( ,)");
     std::array<char*, kMostTokens> tokens;
-    const std::size_t count = SplitTokens(line.data(), "( ,)", tokens.data(), tokens.size());
+    const std::size_t count = SplitTokens(line.data(), kDelimiters, tokens.data(), tokens.size());
     constexpr char kLabel[] = "label";
     if (count < 5 || CompareNoCase(tokens[4], kLabel, sizeof kLabel) != 0) return;
     points.emplace_back(ParseLong(tokens[2]), ParseLong(tokens[3]), ParseDouble(tokens[0]),

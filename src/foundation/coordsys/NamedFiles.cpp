@@ -167,7 +167,10 @@ std::string Find(string_view text) {
 
 std::string FileNamedIn(string_view text) {
     if (text.find('&') != kNone && text.find(';') != kNone) return Find(WithoutReferences(text));
-    return text.find_first_of("/\\~") == kNone ? std::string() : Find(text);
+    // One character at a time, which is many times as fast as a search for any of them.
+    for (const char c : {'/', '\\', '~'})
+        if (text.find(c) != kNone) return Find(text);
+    return {};
 }
 
 }  // namespace Tellurion

@@ -34,18 +34,19 @@ PlaneFrame::PlaneFrame(const Positions& positions, Scaling scaling) {
     if (scaling == Scaling::Common) scale.setConstant(scale.maxCoeff());
 }
 
-Positions PlaneFrame::AllToUnit(const Eigen::Ref<const Positions>& positions) const {
-    Positions unit = positions.rowwise() - centre.transpose();
-    unit.array().rowwise() /= scale.transpose().array();
-    return unit;
+void PlaneFrame::AllToUnit(const Eigen::Ref<const Positions>& positions,
+                           Eigen::Ref<Eigen::MatrixXd> unit) const {
+    for (Eigen::Index axis = 0; axis < 2; ++axis)
+        unit.col(axis) = (positions.col(axis).array() - centre[axis]) / scale[axis];
 }
 
 FitFrames::FitFrames(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling)
     : source(points.pixels, source_scaling), target(points.world, target_scaling) {}
 
 FitSpace::FitSpace(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling)
-    : FitFrames(points, source_scaling, target_scaling),
-      from(source.AllToUnit(points.pixels)),
-      to(target.AllToUnit(points.world)) {}
+    : FitFrames(points, source_scaling, target_scaling), from(points.Count(), 2), to(points.Count(), 2) {
+    source.AllToUnit(points.pixels, from);
+    target.AllToUnit(points.world, to);
+}
 
 }  // namespace Tellurion

@@ -21,7 +21,7 @@ struct PlaneFrame {
         return (position - centre).cwiseQuotient(scale);
     }
     Eigen::Vector2d FromUnit(const Eigen::Vector2d& unit) const { return centre + scale.cwiseProduct(unit); }
-    Positions AllToUnit(const Eigen::Ref<const Positions>& positions) const;
+    void AllToUnit(const Eigen::Ref<const Positions>& positions, Eigen::Ref<Eigen::MatrixXd> unit) const;
 
     Eigen::Vector2d centre;
     Eigen::Vector2d scale;

@@ -105,9 +105,9 @@ ModelPointer FitAffine(const ControlPoints& points, const FitRule& rule) {
     RequireArea(points, rule);
     const FitFrames space(points, Scaling::PerAxis, Scaling::PerAxis);
     const auto rows = [&](Eigen::Index first, auto design, auto observed) {
-        design << space.source.AllToUnit(points.pixels.middleRows(first, design.rows())),
-            Eigen::VectorXd::Ones(design.rows());
-        observed = space.target.AllToUnit(points.world.middleRows(first, design.rows()));
+        space.source.AllToUnit(points.pixels.middleRows(first, design.rows()), design.leftCols(2));
+        design.col(2).setOnes();
+        space.target.AllToUnit(points.world.middleRows(first, design.rows()), observed);
     };
     const Eigen::Matrix<double, 3, 2> terms = LeastSquares({points.Count(), 3, 2}, rows).Solve();
     UnitAffine fit{terms.topRows<2>().transpose(), terms.row(2).transpose()};

@@ -13,7 +13,7 @@ using Tokens = std::vector<std::string>;
 
 Tokens Split(std::string text, std::size_t limit = 32) {
     std::array<char*, 32> tokens{};
-    const std::size_t count = SplitTokens(text.data(), "( ,)", tokens.data(), limit);
+    const std::size_t count = SplitTokens(text.data(), Delimiters("( ,)"), tokens.data(), limit);
     return {tokens.begin(), tokens.begin() + static_cast<std::ptrdiff_t>(count)};
 }
 
