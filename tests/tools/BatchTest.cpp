@@ -211,6 +211,8 @@ TEST_F(BatchRun, StreamsThatAreClosedOrNoList) {
                 {"$0 info - <.", 2, "", "Is a directory"},
                 {"$0 batch <&-", 2, "", "it is closed"},
                 {"$0 ext - <&-", 2, "", "it is closed"},
+                {"head -c 70000 /dev/zero | $0 batch", 2, "", "longer than 65536 bytes; end each"},
+                {"head -c 70000 /dev/zero | $0 info -", 2, "", "longer than 65536 bytes; end each"},
                 {"$0 info a.tfw >&-", 2, "", "Bad file descriptor"},
                 {"$0 batch -j2 deep <&- 2>&- | grep -c true", 0, "2\n", ""},
                 {"$0 batch --resume r deep <&- >&- 2>&-; grep -c true r", 0, "2\n", ""},

@@ -50,4 +50,25 @@ TEST(ChartTool, InfoNamesTheKindOrRefuses) {
         folder.ExpectRun(words, 5);
 }
 
+// GDAL knows the size, but not of a chart whose header it would read for minutes.
+TEST(ChartTool, AHeaderOfAnyLengthIsReadInLittleTime) {
+    const ToolFolder folder;
+    for (const auto& [lines, known] : {std::pair{500U, true}, {10500U, false}}) {
+        std::string chart = "VER/2.0\nBSB/NA=x,RA=4,3\nKNP/GD=WGS84\nRGB/1,0,0,0\nREF/1,0,0,1,1\n"
+                            "REF/2,9,0,1,2\nREF/3,9,9,2,2\n";
+        for (unsigned line = 0; line < lines; ++line)
+            chart += "P/1\n";
+        chart.append("\x1A\0\7", 3);
+        std::string rows;
+        for (char row = 1; row < 4; ++row) {
+            rows += Number(chart.size(), 4, true);
+            chart += {row, '\3', '\0'};
+        }
+        chart.append(2000, '\0');
+        rows += Number(chart.size(), 4, true);
+        folder.Write("long.kap", chart + rows);
+        folder.ExpectRun("preview %long.kap", known ? 0 : 3, "", {known ? "4 by 3 pixels" : "see --size"});
+    }
+}
+
 }  // namespace

@@ -112,6 +112,23 @@ TEST(Info, ManyInputsGiveOneObjectEachInTheirOrder) {
     EXPECT_NE(full.err.find("standard output"), std::string::npos);
 }
 
+// The lists of points are printed entry by entry, and look like the rest.
+TEST(Info, PrintsPointsAsPartsOfOneObject) {
+    const ToolFolder folder;
+    const std::string file = folder.Write("map.tab", "!table\nType \"RASTER\"\n(1,2) (0,0) Label \"P\"\n"
+                                                     "(3,2) (2,0) Label \"\"\n(1,4) (0,2) Label \"Q\"\n");
+    const std::string odd = folder.Write("\"gcpList\":[]\"points\":[].rsf", "1 1\nP 1 2 0 4 5 6 1\n");
+    for (const std::string& map : {file, odd}) {
+        const ToolRun run = RunTool({"info", "--json", map});
+        ASSERT_EQ(run.Objects().size(), 1U);
+        const auto all = nlohmann::ordered_json::parse(run.out);
+        EXPECT_EQ(run.out, all.dump() + "\n");
+        EXPECT_EQ(RunTool({"info", "--json", "--indent", "3", map}).out, all.dump(3) + "\n");
+        EXPECT_EQ(all["gcps"]["gcpList"].size(), map == file ? 3U : 1U);
+        EXPECT_EQ(all["mapanchor"]["points"].size(), map == file ? 3U : 1U);
+    }
+}
+
 TEST(Info, NumbersReadBackExactly) {
     const TempFolder folder;
     const std::string file =

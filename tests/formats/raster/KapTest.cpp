@@ -78,6 +78,13 @@ TEST(Kap, ReadsHeadersInAllTheirForms) {
     ExpectHeader("KNP/" + std::string(130, 'x') + ",GD=NAD27\n" + datum, "EPSG:4326", 0);
     ExpectHeader("", "none", 0, false, kUnsupported);
     ExpectHeader("BSB/NA=Bay,RA=200,100\n", "none", 0, false, kNoReference);
+    const TempFolder folder;
+    LogCapture log;
+    const std::string file = folder.Write("long.kap", kPoints + std::string(1 << 20, '!') + kPoints);
+    Good(file);
+    ASSERT_EQ(log.lines.size(), 1U);
+    EXPECT_EQ(log.lines[0], "BRefKAP::Read The header of <" + file +
+                                "> does not end within 1048576 bytes, the rest of it is not read");
 }
 
 TEST(Kap, CutsPointsToPixelsAndSkipsIncompleteOnes) {

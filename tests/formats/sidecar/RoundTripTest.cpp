@@ -21,7 +21,8 @@ TEST(RoundTrip, KeepsAffinesAndPoints) {
     for (int round = 0; round < 60; ++round) {
         const auto& [epsg, x, y, pixel] = places[round % 3];
         std::vector<BPointPair> pairs;
-        for (std::size_t count = 1 + random() % 200; pairs.size() < count;)
+        // The first are written in several pieces.
+        for (std::size_t count = round == 0 ? 2000 : 1 + random() % 200; pairs.size() < count;)
             pairs.emplace_back(std::lround(4000 * part()), std::lround(4000 * part()), x * (1 + 0.1 * part()),
                                y * (1 + 0.1 * part()), 0.0, "\xC3\x85, (2)", true);
         BGeoReference points = References::WithPoints(pairs);

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "TempFolder.h"
+#include "sidecar/RsfFile.h"
 #include "sidecar/SplitTokens.h"
 
 #include <array>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -37,6 +40,19 @@ TEST(SplitTokens, CutsAtDelimitersAndQuotes) {
     EXPECT_EQ(Split("a b c d", 2), (Tokens{"a", "b"}));
     EXPECT_EQ(Split("a \"b", 1), (Tokens{"a"}));
     EXPECT_EQ(Split("a", 0), Tokens{});
+}
+
+// Neither the header's count nor the length of a sparse file makes room for points.
+TEST(RsfFile, GrowsWithThePointsThatAreThere) {
+    const TempFolder folder;
+    const std::string file = folder.Write("sparse.rsf", "1 2000000000\nP 1 2 0 4 5 6 1\n");
+    std::filesystem::resize_file(file, std::uintmax_t{3} << 30U);
+    Tellurion::BFile in{Tellurion::BString(file)};
+    ASSERT_TRUE(in.Open(Tellurion::EFileMode::Read, Tellurion::EFileMode::Text));
+    const RsfFile rsf = ParseRsf(in, RsfPixels::Whole);
+    EXPECT_EQ(rsf.points.size(), 1U);
+    EXPECT_LT(rsf.points.capacity(), 10'000U);
+    EXPECT_EQ(rsf.fault, RsfFile::Fault::BadRow);
 }
 
 }  // namespace
