@@ -54,8 +54,9 @@ TEST(ChartTool, InfoNamesTheKindOrRefuses) {
 TEST(ChartTool, AHeaderOfAnyLengthIsReadInLittleTime) {
     const ToolFolder folder;
     for (const auto& [lines, known] : {std::pair{500U, true}, {10500U, false}}) {
-        std::string chart = "VER/2.0\nBSB/NA=x,RA=4,3\nKNP/GD=WGS84\nRGB/1,0,0,0\nREF/1,0,0,1,1\n"
-                            "REF/2,9,0,1,2\nREF/3,9,9,2,2\n";
+        std::string chart =
+            "VER/2.0\nBSB/NA=x,RA=4,3\nKNP/GD=WGS84\nRGB/1,0,0,0\nREF/1,0,0,1,1\n"
+            "REF/2,9,0,1,2\nREF/3,9,9,2,2\n";
         for (unsigned line = 0; line < lines; ++line)
             chart += "P/1\n";
         chart.append("\x1A\0\7", 3);

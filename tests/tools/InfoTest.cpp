@@ -115,8 +115,9 @@ TEST(Info, ManyInputsGiveOneObjectEachInTheirOrder) {
 // The lists of points are printed entry by entry, and look like the rest.
 TEST(Info, PrintsPointsAsPartsOfOneObject) {
     const ToolFolder folder;
-    const std::string file = folder.Write("map.tab", "!table\nType \"RASTER\"\n(1,2) (0,0) Label \"P\"\n"
-                                                     "(3,2) (2,0) Label \"\"\n(1,4) (0,2) Label \"Q\"\n");
+    const std::string file = folder.Write("map.tab",
+                                          "!table\nType \"RASTER\"\n(1,2) (0,0) Label \"P\"\n"
+                                          "(3,2) (2,0) Label \"\"\n(1,4) (0,2) Label \"Q\"\n");
     const std::string odd = folder.Write("\"gcpList\":[]\"points\":[].rsf", "1 1\nP 1 2 0 4 5 6 1\n");
     for (const std::string& map : {file, odd}) {
         const ToolRun run = RunTool({"info", "--json", map});

@@ -42,6 +42,13 @@ Eigen::MatrixXd LeastSquares::Fold() const {
     return triangle;
 }
 
+Eigen::MatrixXd LeastSquares::FoldRows(Eigen::Index count, Eigen::Index columns,
+                                       const std::function<void(Eigen::Index, Block)>& fill) {
+    return LeastSquares({count, columns, 0},
+                        [&](Eigen::Index first, Block rows, Block) { fill(first, rows); })
+        .triangle_;
+}
+
 /// The design's transpose times what the unknowns leave of the observed, summed in more
 /// digits than double has. Zero at the least squares.
 Eigen::MatrixXd LeastSquares::Slope(const Eigen::MatrixXd& unknowns) const {

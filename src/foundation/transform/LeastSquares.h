@@ -27,6 +27,10 @@ public:
 
     LeastSquares(const Size& size, Rows rows);
 
+    /// Any number of rows as a triangle with the same least squares, block by block.
+    static Eigen::MatrixXd FoldRows(Eigen::Index count, Eigen::Index columns,
+                                    const std::function<void(Eigen::Index first, Block rows)>& fill);
+
     /// False when the design leaves a combination of the unknowns open.
     bool Determined() const { return factors_.rank() == size_.unknowns; }
     /// One column of unknowns for each column of what was observed; exact data give the

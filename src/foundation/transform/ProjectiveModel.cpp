@@ -36,16 +36,36 @@ Positions Apply(const Homography& homography, const Positions& from) {
     return (from.rowwise().homogeneous() * homography.transpose()).rowwise().hnormalized();
 }
 
+/// The two rows that each point has in a system. Of many points they are folded into a
+/// triangle with the same least squares; `rows_of` makes those of a run of points.
+template <class RowsOf>
+Eigen::MatrixXd AllRows(Eigen::Index count, Eigen::Index columns, RowsOf rows_of) {
+    constexpr Eigen::Index kMaxAtOnce = 4096;
+    if (count <= kMaxAtOnce) return rows_of(Eigen::Index{0}, count);
+    return LeastSquares::FoldRows(2 * count, columns, [&](Eigen::Index first, LeastSquares::Block rows) {
+        rows = rows_of(first / 2, rows.rows() / 2);
+    });
+}
+
+/// The nine factors of the terms for all x', then for all y'.
+Eigen::MatrixXd DesignOf(const Eigen::MatrixXd& from, const Positions& to) {
+    const Eigen::Index count = from.rows();
+    Eigen::MatrixXd design = Eigen::MatrixXd::Zero(2 * count, 9);
+    design.topLeftCorner(count, 3) = from;
+    design.block(count, 3, count, 3) = from;
+    design.topRightCorner(count, 3) = -(from.array().colwise() * to.col(0).array());
+    design.bottomRightCorner(count, 3) = -(from.array().colwise() * to.col(1).array());
+    return design;
+}
+
 /// The homography with the least algebraic residual; exact data give the exact one.
 /// The depths are scaled to 1 at most and have the sign of their sum.
 Homography DirectFit(const FitSpace& space, const FitRule& rule) {
     const Eigen::Index count = space.from.rows();
-    const Eigen::MatrixXd from = space.from.rowwise().homogeneous();
-    Eigen::MatrixXd design = Eigen::MatrixXd::Zero(2 * count, 9);
-    design.topLeftCorner(count, 3) = from;
-    design.block(count, 3, count, 3) = from;
-    design.topRightCorner(count, 3) = -(from.array().colwise() * space.to.col(0).array());
-    design.bottomRightCorner(count, 3) = -(from.array().colwise() * space.to.col(1).array());
+    const Eigen::MatrixXd design = AllRows(count, 9, [&](Eigen::Index first, Eigen::Index some) {
+        return DesignOf(space.from.middleRows(first, some).rowwise().homogeneous(),
+                        space.to.middleRows(first, some));
+    });
     const Eigen::JacobiSVD<Eigen::MatrixXd> factors(design, Eigen::ComputeFullV);
     if (factors.singularValues()[7] <= kRankTolerance * factors.singularValues()[0])
         RefuseFit("The %s fit is left open, too many of the %td enabled points lie on a line", rule.name,
@@ -58,16 +78,10 @@ Homography DirectFit(const FitSpace& space, const FitRule& rule) {
 
 /// The slopes of all x', then of all y', by the nine terms, row after row.
 Eigen::MatrixXd SlopesOf(const Homography& homography, const Positions& from) {
-    const Eigen::Index count = from.rows();
     const Positions to = Apply(homography, from);
     const Eigen::MatrixXd near =
         from.rowwise().homogeneous().array().colwise() / Depths(homography, from).array();
-    Eigen::MatrixXd slopes = Eigen::MatrixXd::Zero(2 * count, 9);
-    slopes.topLeftCorner(count, 3) = near;
-    slopes.block(count, 3, count, 3) = near;
-    slopes.topRightCorner(count, 3) = -(near.array().colwise() * to.col(0).array());
-    slopes.bottomRightCorner(count, 3) = -(near.array().colwise() * to.col(1).array());
-    return slopes;
+    return DesignOf(near, to);
 }
 
 /// Takes the largest part of `step` that lessens the residual; false when none does.
@@ -89,11 +103,18 @@ bool Improve(Homography& homography, const Homography& step, const FitSpace& spa
 /// of all equal steps the shortest leaves it alone.
 void Refine(Homography& homography, const FitSpace& space) {
     for (int i = 0; i < kIterations; ++i) {
-        const Eigen::VectorXd left = (space.to - Apply(homography, space.from)).reshaped();
+        const Eigen::MatrixXd rows =
+            AllRows(space.from.rows(), 10, [&](Eigen::Index first, Eigen::Index some) {
+                const Positions from = space.from.middleRows(first, some);
+                Eigen::MatrixXd slopes_and_left(2 * some, 10);
+                slopes_and_left << SlopesOf(homography, from),
+                    (space.to.middleRows(first, some) - Apply(homography, from)).reshaped();
+                return slopes_and_left;
+            });
         Eigen::CompleteOrthogonalDecomposition<Eigen::MatrixXd> factors;
         factors.setThreshold(kSingular);
-        factors.compute(SlopesOf(homography, space.from));
-        const Eigen::VectorXd step = factors.solve(left);
+        factors.compute(rows.leftCols(9));
+        const Eigen::VectorXd step = factors.solve(rows.col(9));
         if (!Improve(homography, step.reshaped(3, 3).transpose(), space)) return;
     }
 }
