@@ -3,7 +3,7 @@
 // starts are a program's first call; run with --benchmark_filter=Cold in a program of
 // their own.
 
-#include "sidecar/CoordSysLookups.h"
+#include "lookups/CoordSysLookups.h"
 
 #include <GeoCalc/CDataSource.h>
 #include <Tellurion/BCoordSys.h>

@@ -24,12 +24,24 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
 endif()
 add_compile_options(-fstack-protector-strong)
 
+# Installed headers are seen by everybody; the others only by the libraries of the tree
+# and by tests of their parts.
 set(MAPANCHOR_STAGE ${PROJECT_BINARY_DIR}/include)
+set(MAPANCHOR_PRIVATE_STAGE ${PROJECT_BINARY_DIR}/private-include)
+
+function(mapanchor_link_headers stage folder)
+    file(MAKE_DIRECTORY ${stage}/${folder})
+    foreach(header IN LISTS ARGN)
+        get_filename_component(name ${header} NAME)
+        get_filename_component(path ${header} ABSOLUTE)
+        file(CREATE_LINK ${path} ${stage}/${folder}/${name} SYMBOLIC)
+    endforeach()
+endfunction()
 
 # mapanchor_public_headers(<Folder> <header>...): stages and installs headers of the
 # current folder as <Folder/header>.
 function(mapanchor_public_headers folder)
-    mapanchor_stage_headers(${folder} ${ARGN})
+    mapanchor_link_headers(${MAPANCHOR_STAGE} ${folder} ${ARGN})
     install(FILES ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder} COMPONENT dev)
     foreach(header IN LISTS ARGN)
         get_filename_component(name ${header} NAME)
@@ -39,10 +51,5 @@ endfunction()
 
 # The same for headers that other libraries of the tree see and nobody else.
 function(mapanchor_stage_headers folder)
-    file(MAKE_DIRECTORY ${MAPANCHOR_STAGE}/${folder})
-    foreach(header IN LISTS ARGN)
-        get_filename_component(name ${header} NAME)
-        get_filename_component(path ${header} ABSOLUTE)
-        file(CREATE_LINK ${path} ${MAPANCHOR_STAGE}/${folder}/${name} SYMBOLIC)
-    endforeach()
+    mapanchor_link_headers(${MAPANCHOR_PRIVATE_STAGE} ${folder} ${ARGN})
 endfunction()

@@ -2,8 +2,8 @@
 
 #include "ReferenceFuzz.h"
 
-#include "raster/AdrgInfo.h"
-#include "raster/BRefADRG.h"
+#include "raster/adrg/AdrgInfo.h"
+#include "raster/adrg/BRefADRG.h"
 
 #include <string_view>
 

@@ -2,7 +2,7 @@
 
 #include "ReferenceFuzz.h"
 
-#include "raster/BRefCADRG.h"
+#include "raster/cadrg/BRefCADRG.h"
 
 using namespace Tellurion;
 using MapAnchor::BRefCADRG;

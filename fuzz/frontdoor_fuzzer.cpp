@@ -6,8 +6,8 @@
 // of files beside, for each of these its extension and two bytes of length, then the
 // contents: the files beside first, the main file at the end.
 
-#include "Commands.h"
 #include "ReferenceFuzz.h"
+#include "commands/Commands.h"
 
 #include <MapAnchor/BReferenceFormats.h>
 

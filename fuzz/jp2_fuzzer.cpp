@@ -2,8 +2,8 @@
 // box. GDAL, which is asked where the boxes leave something open, is left out: it is
 // tested elsewhere, and slow.
 
-#include "headers/BoxFile.h"
-#include "headers/GeoTiffTags.h"
+#include "raster/geotiff/GeoTiffTags.h"
+#include "raster/jp2/BoxFile.h"
 
 #include "ReferenceFuzz.h"
 

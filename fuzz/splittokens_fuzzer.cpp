@@ -1,7 +1,7 @@
 // The tokeniser: the first byte is the limit, the rest the text. Every token must lie
 // inside the text, end there, and stand behind the one before it.
 
-#include "sidecar/SplitTokens.h"
+#include "sidecar/rsf/SplitTokens.h"
 
 #include <array>
 #include <cstdint>
@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::array<char*, kMost> tokens{};
     for (const char* delimiters : {"( ,)", "( ,)="}) {
         std::string copy = text.c_str();
-        const std::size_t count = MapAnchor::SplitTokens(copy.data(), delimiters, tokens.data(), most);
+        const std::size_t count =
+            MapAnchor::SplitTokens(copy.data(), MapAnchor::Delimiters(delimiters), tokens.data(), most);
         if (count > most) std::abort();
         const char* previous = copy.data();
         for (std::size_t i = 0; i < count; ++i) {

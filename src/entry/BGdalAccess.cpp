@@ -1,7 +1,7 @@
 #include <MapAnchor/BGdalAccess.h>
 
-#include "raster/GdalDrivers.h"
-#include "raster/GdalReference.h"
+#include "raster/gdal/GdalDrivers.h"
+#include "raster/gdal/GdalReference.h"
 
 namespace MapAnchor {
 

@@ -2,8 +2,8 @@
 
 #include "PdfParameters.h"
 #include "ReferenceFormats.h"
-#include "raster/GdalDrivers.h"
-#include "sidecar/BRefERS.h"
+#include "raster/gdal/GdalDrivers.h"
+#include "sidecar/ers/BRefERS.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BFile.h>

@@ -4,17 +4,17 @@
 #include <MapAnchor/BReferenceFormats.h>
 
 #include "BRefGeoPDF.h"
-#include "raster/BRefADRG.h"
-#include "raster/BRefCADRG.h"
-#include "raster/BRefDOQQ.h"
-#include "raster/BRefECW.h"
-#include "raster/BRefGeoTIFF.h"
-#include "raster/BRefKAP.h"
-#include "raster/BRefMrSID.h"
-#include "sidecar/BRefERS.h"
-#include "sidecar/BRefRSF.h"
-#include "sidecar/BRefTAB.h"
-#include "sidecar/BRefWLD.h"
+#include "raster/adrg/BRefADRG.h"
+#include "raster/cadrg/BRefCADRG.h"
+#include "raster/doqq/BRefDOQQ.h"
+#include "raster/ecw/BRefECW.h"
+#include "raster/geotiff/BRefGeoTIFF.h"
+#include "raster/kap/BRefKAP.h"
+#include "raster/mrsid/BRefMrSID.h"
+#include "sidecar/ers/BRefERS.h"
+#include "sidecar/rsf/BRefRSF.h"
+#include "sidecar/tab/BRefTAB.h"
+#include "sidecar/wld/BRefWLD.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Every MrSID, ECW and JPEG 2000 file of the corpus: what its own header states, and
 // for JPEG 2000 what GDAL's driver reports of the same file today.
 
-#include "raster/BRefMrSID.h"
+#include "raster/mrsid/BRefMrSID.h"
 
 #include <ogr_spatialref.h>
 

@@ -1,7 +1,7 @@
-#include "Commands.h"
-#include "Console.h"
-#include "Generate.h"
-#include "JsonRenderer.h"
+#include "commands/Commands.h"
+#include "commands/Generate.h"
+#include "render/JsonRenderer.h"
+#include "terminal/Console.h"
 
 #include <Tellurion/BFileUtilities.h>
 

@@ -1,12 +1,12 @@
 #include <Tellurion/BCoordSys.h>
 
-#include "coordsys/ArcInfoText.h"
-#include "coordsys/CoordSysDefinition.h"
-#include "coordsys/DefinitionCaches.h"
-#include "coordsys/NamedFiles.h"
-#include "coordsys/ProjObjects.h"
+#include "crs/ArcInfoText.h"
+#include "crs/CoordSysDefinition.h"
+#include "crs/DefinitionCaches.h"
+#include "crs/NamedFiles.h"
+#include "crs/ProjObjects.h"
 #include "geocalc/CCoordSys.h"
-#include "geocalc/ErMapperSystems.h"
+#include "names/ErMapperSystems.h"
 #include "text/Unicode.h"
 
 #include <Tellurion/BCoordSysException.h>

@@ -1,7 +1,7 @@
 #include <Tellurion/BCoordSys.h>
 
 #include "coordsys/SystemFromText.h"
-#include "coordsys/SystemTransformation.h"
+#include "crs/SystemTransformation.h"
 
 #include <Tellurion/BCoordSysException.h>
 

@@ -1,13 +1,13 @@
 #include <Tellurion/BCoordSysRepository.h>
 
-#include "coordsys/DefinitionCaches.h"
-#include "coordsys/MapInfoClause.h"
-#include "coordsys/MapInfoSystem.h"
-#include "coordsys/MapInfoWriter.h"
-#include "coordsys/Names.h"
 #include "coordsys/PlainNames.h"
+#include "crs/DefinitionCaches.h"
+#include "crs/Names.h"
 #include "geocalc/CDataSource.h"
-#include "geocalc/ErMapperSystems.h"
+#include "names/ErMapperSystems.h"
+#include "names/MapInfoClause.h"
+#include "names/MapInfoSystem.h"
+#include "names/MapInfoWriter.h"
 
 #include <Tellurion/BCoordSysException.h>
 #include <Tellurion/BFile.h>

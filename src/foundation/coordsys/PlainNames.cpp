@@ -1,12 +1,12 @@
 #include "coordsys/PlainNames.h"
 
-#include "coordsys/DatumNames.h"
-#include "coordsys/DefinitionCaches.h"
-#include "coordsys/Identification.h"
-#include "coordsys/Names.h"
-#include "coordsys/UnitTable.h"
+#include "crs/DefinitionCaches.h"
+#include "crs/Identification.h"
+#include "crs/Names.h"
+#include "crs/UnitTable.h"
 #include "geocalc/CDataSource.h"
-#include "geocalc/ErMapperSystems.h"
+#include "names/DatumNames.h"
+#include "names/ErMapperSystems.h"
 
 #include <proj_experimental.h>
 

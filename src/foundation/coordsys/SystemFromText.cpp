@@ -1,8 +1,8 @@
 #include "coordsys/SystemFromText.h"
 
-#include "coordsys/ArcInfoText.h"
-#include "coordsys/DefinitionCaches.h"
-#include "coordsys/Names.h"
+#include "crs/ArcInfoText.h"
+#include "crs/DefinitionCaches.h"
+#include "crs/Names.h"
 
 #include <Tellurion/BCoordSys.h>
 #include <Tellurion/BCoordSysRepository.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "coordsys/CoordSysDefinition.h"
+#include "crs/CoordSysDefinition.h"
 
 namespace Tellurion {
 

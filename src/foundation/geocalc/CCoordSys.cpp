@@ -1,9 +1,9 @@
 #include "geocalc/CCoordSys.h"
 
-#include "coordsys/CoordSysDefinition.h"
+#include "crs/CoordSysDefinition.h"
 #include "geocalc/CGeodeticCoordSys.h"
 #include "geocalc/CProjectedCoordSys.h"
-#include "geocalc/ErMapperSystems.h"
+#include "names/ErMapperSystems.h"
 
 namespace GeoCalc::CS {
 

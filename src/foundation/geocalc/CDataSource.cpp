@@ -1,11 +1,11 @@
 #include "geocalc/CDataSource.h"
 
-#include "coordsys/CoordSysDefinition.h"
-#include "coordsys/DefinitionCaches.h"
-#include "coordsys/Identification.h"
+#include "crs/CoordSysDefinition.h"
+#include "crs/DefinitionCaches.h"
+#include "crs/Identification.h"
 #include "geocalc/EquivalentSearch.h"
-#include "geocalc/ErMapperProjections.h"
-#include "geocalc/ErMapperSystems.h"
+#include "names/ErMapperProjections.h"
+#include "names/ErMapperSystems.h"
 
 #include <algorithm>
 #include <cmath>

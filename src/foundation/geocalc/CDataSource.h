@@ -6,7 +6,8 @@
 #include "CHorizontalDatum.h"
 #include "CProjectedCoordSys.h"
 #include "CProjectedPoint.h"
-#include "ErMapperNames.h"
+
+#include <GeoCalc/ErMapperNames.h>
 
 #include <Tellurion/BString.h>
 #include <Tellurion/Export.h>

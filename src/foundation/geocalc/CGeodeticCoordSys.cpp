@@ -1,6 +1,6 @@
 #include "geocalc/CGeodeticCoordSys.h"
 
-#include "coordsys/CoordSysDefinition.h"
+#include "crs/CoordSysDefinition.h"
 
 #include <utility>
 

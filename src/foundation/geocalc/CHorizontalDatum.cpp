@@ -1,7 +1,7 @@
 #include "geocalc/CHorizontalDatum.h"
 
-#include "coordsys/CoordSysDefinition.h"
-#include "geocalc/ErMapperSystems.h"
+#include "crs/CoordSysDefinition.h"
+#include "names/ErMapperSystems.h"
 
 namespace GeoCalc::CS {
 

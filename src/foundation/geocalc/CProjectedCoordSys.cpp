@@ -1,7 +1,7 @@
 #include "geocalc/CProjectedCoordSys.h"
 
-#include "coordsys/CoordSysDefinition.h"
-#include "geocalc/ProjectionSource.h"
+#include "crs/CoordSysDefinition.h"
+#include "names/ProjectionSource.h"
 
 #include <Tellurion/BIdentifier.h>
 

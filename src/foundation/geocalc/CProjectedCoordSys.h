@@ -3,7 +3,8 @@
 #include "CCoordSys.h"
 #include "CGeodeticCoordSys.h"
 #include "CProjectedPoint.h"
-#include "CProjection.h"
+
+#include <GeoCalc/CProjection.h>
 
 #include <Tellurion/BString.h>
 #include <Tellurion/Export.h>

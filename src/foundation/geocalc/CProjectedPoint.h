@@ -1,7 +1,8 @@
 #pragma once
 
-#include "CLinearValue.h"
 #include "CSerializable.h"
+
+#include <GeoCalc/CLinearValue.h>
 
 #include <Tellurion/BString.h>
 #include <Tellurion/Export.h>

@@ -1,7 +1,7 @@
 #include "geocalc/CVerticalReference.h"
 
-#include "coordsys/CoordSysDefinition.h"
-#include "coordsys/ProjObjects.h"
+#include "crs/CoordSysDefinition.h"
+#include "crs/ProjObjects.h"
 
 namespace GeoCalc::CS::VR {
 namespace {

@@ -1,9 +1,9 @@
 #include "geocalc/EquivalentSearch.h"
 
-#include "coordsys/CoordSysDefinition.h"
-#include "coordsys/LruCache.h"
-#include "geocalc/ErMapperProjections.h"
-#include "geocalc/ErMapperSystems.h"
+#include "crs/CoordSysDefinition.h"
+#include "crs/LruCache.h"
+#include "names/ErMapperProjections.h"
+#include "names/ErMapperSystems.h"
 
 #include <Tellurion/BString.h>
 #include <Tellurion/Numbers.h>

@@ -3,7 +3,7 @@
 #include "geocalc/CCoordSys.h"
 #include "geocalc/CEquivalent.h"
 #include "geocalc/CProjectedCoordSys.h"
-#include "geocalc/EpsgProjections.h"
+#include "names/EpsgProjections.h"
 
 #include <string>
 #include <vector>

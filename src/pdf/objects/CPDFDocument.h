@@ -1,8 +1,8 @@
 #pragma once
 
+#include "load/GuardedLoad.h"
 #include "objects/CPDFArray.h"
 #include "objects/CPDFDictionary.h"
-#include "objects/GuardedLoad.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 // The cursor over bytes and the file that is read in windows.
 
+#include "common/ByteReader.h"
 #include "common/RandomAccessFile.h"
-#include "headers/ByteReader.h"
 
 #include <gtest/gtest.h>
 

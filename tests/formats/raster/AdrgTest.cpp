@@ -1,7 +1,7 @@
 // ADRG: the general information file beside an image, and an overview file by itself.
 
-#include "raster/AdrgInfo.h"
-#include "raster/BRefADRG.h"
+#include "raster/adrg/AdrgInfo.h"
+#include "raster/adrg/BRefADRG.h"
 
 #include "ChartFiles.h"
 #include "Reading.h"

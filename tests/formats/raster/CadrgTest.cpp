@@ -1,6 +1,6 @@
 // CADRG frames: the walk to the coverage and what is made of it.
 
-#include "raster/BRefCADRG.h"
+#include "raster/cadrg/BRefCADRG.h"
 
 #include "ChartFiles.h"
 #include "Reading.h"

@@ -1,7 +1,7 @@
 // Files that are cut, spoiled or huge, of every kind that is read by its header: a result
 // comes, and it costs what was asked for.
 
-#include "raster/BRefCADRG.h"
+#include "raster/cadrg/BRefCADRG.h"
 
 #include "ChartFiles.h"
 #include "HeaderFiles.h"

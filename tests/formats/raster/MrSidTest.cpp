@@ -1,6 +1,6 @@
 // MrSID through the entry point, by name and by type, and JPEG 2000 as the class reads it.
 
-#include "raster/BRefMrSID.h"
+#include "raster/mrsid/BRefMrSID.h"
 
 #include "HeaderFiles.h"
 #include "Outcomes.h"

@@ -1,4 +1,4 @@
-#include "sidecar/CoordSysLookups.h"
+#include "lookups/CoordSysLookups.h"
 
 #include <GeoCalc/CDataSource.h>
 #include <GeoCalc/CProjectedCoordSys.h>

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "TempFolder.h"
-#include "sidecar/RsfFile.h"
-#include "sidecar/SplitTokens.h"
+#include "sidecar/rsf/RsfFile.h"
+#include "sidecar/rsf/SplitTokens.h"
 
 #include <array>
 #include <filesystem>

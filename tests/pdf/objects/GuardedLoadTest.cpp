@@ -1,4 +1,4 @@
-#include "objects/GuardedLoad.h"
+#include "load/GuardedLoad.h"
 
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"

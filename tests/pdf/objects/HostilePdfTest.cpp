@@ -1,7 +1,7 @@
 // Files that would keep the parser busy for ever, fill the memory or break the stack.
 // Each is loaded in a process of its own, which is measured from outside.
 
-#include "objects/GuardedLoad.h"
+#include "load/GuardedLoad.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-#include "objects/SyntaxTracker.h"
+#include "load/SyntaxTracker.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 #include "batch/Index.h"
 
-#include "JsonRenderer.h"
 #include "batch/Cell.h"
+#include "render/JsonRenderer.h"
 
+#include <MapAnchor/BQuietGdal.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BString.h>
-#include <Tellurion/QuietGdal.h>
 
 #include <ogrsf_frmts.h>
 
@@ -17,9 +17,9 @@
 #include <sstream>
 #include <stdexcept>
 
+using MapAnchor::BQuietGdal;
 using Tellurion::BFileUtilities;
 using Tellurion::BString;
-using Tellurion::QuietGdal;
 
 namespace {
 
@@ -95,7 +95,7 @@ void RemoveJournals(const std::string& file) {
 }  // namespace
 
 Index::Index(const std::string& file, bool overwrite) : file_(file), overwrite_(overwrite) {
-    const QuietGdal quiet;
+    const BQuietGdal quiet;
     std::error_code ignored;
     const bool exists = std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
     if (exists && !overwrite) throw std::runtime_error(ExistsText(file));
@@ -108,17 +108,18 @@ Index::Index(const std::string& file, bool overwrite) : file_(file), overwrite_(
     wgs84.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
     wgs84.importFromEPSG(4326);
     if (dataset_) layer_ = dataset_->CreateLayer("footprints", &wgs84, wkbMultiPolygon, nullptr);
-    if (!layer_) Fail(file, "cannot be made: " + quiet.FirstFailure());
+    if (!layer_) Fail(file, "cannot be made: " + quiet.FirstFailure().StdStr());
     for (const Column& column : kColumns) {
         OGRFieldDefn field(column.name, column.type);
-        if (layer_->CreateField(&field) != OGRERR_NONE) Fail(file, "cannot be made: " + quiet.FirstFailure());
+        if (layer_->CreateField(&field) != OGRERR_NONE)
+            Fail(file, "cannot be made: " + quiet.FirstFailure().StdStr());
     }
     has_transactions_ =
         dataset_->TestCapability(ODsCTransactions) && dataset_->StartTransaction() == OGRERR_NONE;
 }
 
 void Index::Add(const std::string& feature) {
-    const QuietGdal quiet;
+    const BQuietGdal quiet;
     const Json json = Json::parse(feature);
     const Json& properties = json["properties"];
     OGRFeature row(layer_->GetLayerDefn());
@@ -132,25 +133,27 @@ void Index::Add(const std::string& feature) {
     }
     if (properties.contains("error")) SetText(row, "error", properties["error"], "type");
     row.SetGeometryDirectly(AreaOf(json).release());
-    if (layer_->CreateFeature(&row) != OGRERR_NONE) Fail(file_, "cannot be written: " + quiet.FirstFailure());
+    if (layer_->CreateFeature(&row) != OGRERR_NONE)
+        Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
     constexpr int kRowsAtOnce = 1000;
     if (++uncommitted_ >= kRowsAtOnce) Commit();
 }
 
 void Index::Commit() {
-    const QuietGdal quiet;
+    const BQuietGdal quiet;
     uncommitted_ = 0;
     if (!has_transactions_) return;
     if (dataset_->CommitTransaction() != OGRERR_NONE || dataset_->StartTransaction() != OGRERR_NONE)
-        Fail(file_, "cannot be written: " + quiet.FirstFailure());
+        Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
 }
 
 void Index::Close() {
-    const QuietGdal quiet;
+    const BQuietGdal quiet;
     if (has_transactions_ && dataset_->CommitTransaction() != OGRERR_NONE)
-        Fail(file_, "cannot be written: " + quiet.FirstFailure());
+        Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
     dataset_.reset();
-    if (!quiet.FirstFailure().empty()) Fail(file_, "cannot be written: " + quiet.FirstFailure());
+    if (!quiet.FirstFailure().StdStr().empty())
+        Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
     if (overwrite_) RemoveJournals(file_);
     folder_->MoveOut(overwrite_);
 }

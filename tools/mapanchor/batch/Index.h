@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TargetFile.h"
+#include "terminal/TargetFile.h"
 
 #include <gdal_priv.h>
 

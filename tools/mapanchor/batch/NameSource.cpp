@@ -1,6 +1,6 @@
 #include "batch/NameSource.h"
 
-#include "InputNames.h"
+#include "read/InputNames.h"
 
 #include <poll.h>
 #include <unistd.h>

@@ -1,9 +1,9 @@
 #include "batch/Row.h"
 
-#include "Feature.h"
-#include "Residuals.h"
 #include "batch/Cell.h"
 #include "batch/StacItem.h"
+#include "read/Residuals.h"
+#include "render/Feature.h"
 
 #include <Tellurion/Numbers.h>
 

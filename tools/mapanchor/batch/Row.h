@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ReadFile.h"
+#include "read/ReadFile.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #include "batch/RowFile.h"
 
-#include "Console.h"
-#include "JsonRenderer.h"
-#include "TargetFile.h"
+#include "render/JsonRenderer.h"
+#include "terminal/Console.h"
+#include "terminal/TargetFile.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Feature.h"
+#include "render/Feature.h"
 
 /// One input as an item of a SpatioTemporal Asset Catalog, with the fields of its
 /// projection extension. The time is the file's, since a reference tells none.

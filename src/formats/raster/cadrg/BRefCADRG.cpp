@@ -1,0 +1,108 @@
+#include "raster/cadrg/BRefCADRG.h"
+
+#include "common/ReferenceFormat.h"
+
+#include "common/FindCoordSys.h"
+#include "common/InputFile.h"
+#include "common/PlainNames.h"
+#include "common/StoreTransform.h"
+#include "raster/cadrg/CadrgFrame.h"
+
+#include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
+#include <Tellurion/BImage.h>
+
+namespace MapAnchor {
+
+using Tellurion::BGeoReference;
+using Tellurion::BString;
+
+namespace {
+
+constexpr const char* kSource = "BRefCADRG::Read";
+
+BString AffineFailureLine(const AffineTerms& t, const BString& message) {
+    return BString::Format("BRefCADRG::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)", t.a, t.b,
+                           t.c, t.d, t.e, t.f, message);
+}
+
+constexpr AffineVoice kAffineVoice = {kSource, AffineFailureLine};
+
+CoordSysVoice GetCoordSysVoice() {
+    return {kSource, kSource,
+            [](const BString& message) {
+                return BString::Format("BRefCADRG::Read Failure setting the coordinate system ERROR (%ls)",
+                                       message);
+            },
+            [] { return BString("Failure setting the coordinate system."); }};
+}
+
+PlainNames Wgs84() {
+    return {"LAT-LONG", "WGS84", "METERS"};
+}
+
+/// What is wrong with the frame; null for nothing.
+const char* FaultOf(const CadrgFrame& frame) {
+    switch (frame.fault) {
+        case CadrgFrame::Fault::EndOfHeader:
+            return "Could not index to the end of the Header.";
+        case CadrgFrame::Fault::LocationSection:
+            return "Could not index to the File Location Section.";
+        case CadrgFrame::Fault::ComponentTable:
+            return "Could not index to the Component Location Section.";
+        case CadrgFrame::Fault::TableSize:
+            return "Could not read the entire Component section.";
+        case CadrgFrame::Fault::NoCoverage:
+            return "Coverage Section not found.";
+        case CadrgFrame::Fault::None:
+            break;
+    }
+    if (!frame.coverage.IsOnGlobe()) return "Coverage area in invalid (outside of +-90 +-180).";
+    if (!frame.coverage.HasExtent()) return "Invalid Coverage area.";
+    return nullptr;
+}
+
+}  // namespace
+
+bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
+    RandomAccessFile in(file);
+    if (!in.IsOpen()) return false;
+    const CadrgFrame frame = ParseCadrgFrame(in);
+    if (FaultOf(frame)) return false;
+    StoreWhatThereIs(reference, frame.coverage.ToAffine(), Wgs84(),
+                     "BRefCADRG::Read Failure setting the BGeoReference ERROR (%ls)");
+    return true;
+}
+
+void BRefCADRG::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
+    RandomAccessFile in(file);
+    if (!in.IsOpen()) ThrowUnreadable(kSource, file);
+    const CadrgFrame frame = ParseCadrgFrame(in);
+    if (const char* fault = FaultOf(frame))
+        throw BGeoReferenceInvalidReferenceFileException(
+            kSource, BString::Format("File <%ls> is an invalid CADRG file.  %s", file, fault));
+    const Strictness strictness(flags);
+    StoreAffine(reference, frame.coverage.ToAffine(), strictness.Transform(), kAffineVoice);
+    const auto system =
+        FindCoordSys([] { return LookUp(Wgs84()); }, strictness.CoordSys(), GetCoordSysVoice());
+    if (!system.IsEmpty()) reference.SetCoordSys(system);
+}
+
+void BRefCADRG::Write(const BString&, const BGeoReference&) {
+    Refuse(kSaveRefusal);
+}
+
+void BRefCADRG::Write(const BString&, const unsigned int&, const BGeoReference&) {
+    Refuse(kSaveRefusal);
+}
+
+ReferenceFormat BRefCADRG::Format() {
+    return {.name = "CADRG",
+            .title = "CADRG frame",
+            .type = Tellurion::EReferenceType::Reserved,
+            .probe = {.rank = 1,
+                      .may_be = Tellurion::BImage::CheckIfCADRGReader,
+                      .read = [](const ReadCall& call) { return Read(call.file, call.reference); }},
+            .centre_anchored = true};
+}
+
+}  // namespace MapAnchor

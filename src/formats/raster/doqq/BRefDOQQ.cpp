@@ -1,0 +1,48 @@
+#include "raster/doqq/BRefDOQQ.h"
+
+#include "common/ReferenceFormat.h"
+
+#include "common/PlainNames.h"
+#include "raster/doqq/DoqHeader.h"
+
+#include <Tellurion/ReferenceTags.h>
+
+namespace MapAnchor {
+
+using Tellurion::BGeoReference;
+using Tellurion::BString;
+
+bool BRefDOQQ::Read(const BString& file, BGeoReference& reference) {
+    RandomAccessFile in(file);
+    if (!in.IsOpen()) return false;
+    const DoqHeader header = ParseDoqHeader(in);
+    StoreWhatThereIs(reference, header.ToAffine(), {"UTM-" + header.zone + "N", "NAD27", "METERS"},
+                     "BRefDOQQ::Read Failure setting the BMathTransform or BCoordSys ERROR (%ls)");
+    return true;
+}
+
+void BRefDOQQ::Read(const BString&, const unsigned int&, BGeoReference&) {
+    throw BGeoReferenceNotSupportedException("BrefDOQQ::Read", "This version of Read is not yet supported");
+}
+
+void BRefDOQQ::Write(const BString&, const BGeoReference&) {
+    Refuse(kSaveRefusal);
+}
+
+void BRefDOQQ::Write(const BString&, const unsigned int&, const BGeoReference&) {
+    Refuse(kSaveRefusal);
+}
+
+ReferenceFormat BRefDOQQ::Format() {
+    return {.name = "DOQ",
+            .title = "Digital orthophoto quadrangle header",
+            .type = Tellurion::EReferenceType::DOQQ,
+            .typed_read = [](const ReadCall& call) { Read(call.file, call.flags, call.reference); },
+            .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference); },
+            .named_read = [](const ReadCall& call) { return Read(call.file, call.reference); },
+            .refuses_typed_read = true,
+            .refuses_save = true,
+            .read_extensions = {Tellurion::REFERENCE_DOQ_TAG.GetUnits()}};
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,51 @@
+#include "raster/doqq/DoqHeader.h"
+
+#include <Tellurion/Numbers.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+
+namespace MapAnchor {
+namespace {
+
+using Tellurion::ParseDouble;
+using Tellurion::ParseLong;
+
+/// The text of a field, which a NUL ends; empty outside the file.
+std::string Field(RandomAccessFile& file, std::int64_t position, std::size_t length) {
+    if (position < 0) return {};
+    const std::string_view bytes = file.Read(static_cast<std::uint64_t>(position), length);
+    return std::string(bytes.substr(0, bytes.find('\0')));
+}
+
+/// A number as Fortran prints it: the exponent's letter stands at a fixed place.
+double FortranNumber(std::string text) {
+    constexpr std::size_t kExponent = 20;
+    if (text.size() > kExponent) text[kExponent] = 'e';
+    return ParseDouble(text);
+}
+
+std::string Digits(const std::string& text) {
+    std::string digits;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
+                 [](char c) { return c >= '0' && c <= '9'; });
+    return digits;
+}
+
+}  // namespace
+
+DoqHeader ParseDoqHeader(RandomAccessFile& file) {
+    DoqHeader header;
+    header.line_length = ParseLong(Field(file, 150, 6));
+    header.zone = Digits(Field(file, 198, 6));
+    const std::int64_t third_line = 2 * std::int64_t{header.line_length};
+    const std::int64_t fourth_line = 3 * std::int64_t{header.line_length};
+    header.x = FortranNumber(Field(file, third_line + 336, 24));
+    header.y = FortranNumber(Field(file, third_line + 360, 24));
+    header.x_size = ParseDouble(Field(file, fourth_line + 59, 12));
+    header.y_size = ParseDouble(Field(file, fourth_line + 71, 12));
+    return header;
+}
+
+}  // namespace MapAnchor

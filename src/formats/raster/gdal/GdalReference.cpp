@@ -1,0 +1,105 @@
+#include "raster/gdal/GdalReference.h"
+
+#include "raster/gdal/CoordEpoch.h"
+#include "raster/gdal/GdalRaster.h"
+
+#include "raster/gdal/VerticalUnit.h"
+
+#include <Tellurion/QuietGdal.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+namespace MapAnchor {
+
+using Tellurion::BPointPair;
+using Tellurion::BString;
+
+namespace {
+
+const char* Registration(GDALDataset& dataset) {
+    return dataset.GetMetadataItem("AREA_OR_POINT", "");
+}
+
+bool IsPointRegistered(GDALDataset& raster, GDALDataset* auxiliary) {
+    const char* registration = Registration(raster);
+    if (!registration && auxiliary) registration = Registration(*auxiliary);
+    return registration && std::strcmp(registration, "Point") == 0;
+}
+
+/// A control point names a whole pixel: the fraction is dropped. What no pixel can be
+/// ends at the bounds of 32 bits, what is no number at 0.
+long WholePixel(double position) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    if (std::isnan(position)) return 0;
+    return static_cast<long>(std::clamp<double>(position, Limits::min(), Limits::max()));
+}
+
+std::vector<BPointPair> PairsOf(const GDAL_GCP* points, int count) {
+    std::vector<BPointPair> pairs;
+    pairs.reserve(static_cast<std::size_t>(count));
+    for (const GDAL_GCP* point = points; point != points + count; ++point)
+        pairs.emplace_back(WholePixel(point->dfGCPPixel), WholePixel(point->dfGCPLine), point->dfGCPX,
+                           point->dfGCPY, point->dfGCPZ, point->pszId, true);
+    return pairs;
+}
+
+/// Count and list may come from different files; no more is read than the list holds.
+void ReadPoints(GDALDataset& raster, GDALDataset* auxiliary, GdalReference& out) {
+    out.point_count = raster.GetGCPCount();
+    if (out.point_count == 0 && auxiliary) out.point_count = auxiliary->GetGCPCount();
+    if (out.point_count <= 0) return;
+    GDALDataset* owner = &raster;
+    if (!owner->GetGCPs() && auxiliary) owner = auxiliary;
+    const GDAL_GCP* list = owner->GetGCPs();
+    if (list) out.points = PairsOf(list, std::clamp(owner->GetGCPCount(), 0, out.point_count));
+}
+
+std::optional<AffineTerms> ReadTerms(GDALDataset& raster, GDALDataset* auxiliary) {
+    double gt[6] = {};
+    bool found = raster.GetGeoTransform(gt) != CE_Failure;
+    if (!found && auxiliary) found = auxiliary->GetGeoTransform(gt) != CE_Failure;
+    if (!found) return std::nullopt;
+    return AffineTerms{gt[1], gt[2], gt[0], gt[4], gt[5], gt[3]};
+}
+
+/// An empty text of the raster's own is an answer, which the auxiliary file does not
+/// overrule; that is asked where the raster has a text, which may be a bad one.
+void ReadTexts(GDALDataset& raster, GDALDataset* auxiliary, GdalReference& out) {
+    const BString own = TextOf(out.point_count > 0 ? raster.GetGCPSpatialRef() : raster.GetSpatialRef());
+    if (own.IsEmpty()) return;
+    out.well_known_texts.push_back(own);
+    const BString second = auxiliary ? TextOf(auxiliary->GetSpatialRef()) : BString();
+    if (!second.IsEmpty()) out.well_known_texts.push_back(second);
+}
+
+}  // namespace
+
+std::optional<GdalReference> ReadGdalReference(const BString& file, RasterKinds kinds) {
+    const Tellurion::QuietGdal quiet;
+    const GdalRaster raster = OpenRaster(file, kinds);
+    if (!raster) return std::nullopt;
+    const GdalRaster auxiliary = OpenAuxiliary(raster);
+    GdalReference out;
+    out.pixel_is_point = IsPointRegistered(*raster, auxiliary.get());
+    ReadPoints(*raster, auxiliary.get(), out);
+    if (out.point_count <= 0) out.terms = ReadTerms(*raster, auxiliary.get());
+    ReadTexts(*raster, auxiliary.get(), out);
+    out.vertical_unit = ReadVerticalUnit(*raster);
+    if (auxiliary) out.auxiliary_vertical_unit = ReadVerticalUnit(*auxiliary);
+    return IsUsable(raster) ? std::optional(std::move(out)) : std::nullopt;
+}
+
+bool ReadRasterSize(const BString& file, long& width, long& height) {
+    const Tellurion::QuietGdal quiet;
+    const GdalRaster raster = OpenRaster(file);
+    if (!raster || raster->GetRasterXSize() <= 0 || raster->GetRasterYSize() <= 0) return false;
+    width = raster->GetRasterXSize();
+    height = raster->GetRasterYSize();
+    return true;
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,298 @@
+#include "crs/CoordSysDefinition.h"
+
+#include "crs/Identification.h"
+#include "crs/NamedFiles.h"
+#include "crs/UnitTable.h"
+#include "crs/WebMercatorText.h"
+#include "crs/WktTexts.h"
+
+#include <Tellurion/BCoordSysException.h>
+
+#include <proj_experimental.h>
+
+#include <numbers>
+#include <string>
+#include <utility>
+
+namespace Tellurion {
+namespace {
+
+constexpr int kWebMercator = 3857;
+
+CoordSysDefinition::Kind KindOf(PJ* crs) {
+    switch (proj_get_type(crs)) {
+        case PJ_TYPE_GEOGRAPHIC_2D_CRS:
+        case PJ_TYPE_GEOGRAPHIC_3D_CRS:
+            return CoordSysDefinition::Kind::Geodetic;
+        case PJ_TYPE_PROJECTED_CRS:
+            return CoordSysDefinition::Kind::Projected;
+        default:
+            return CoordSysDefinition::Kind::Other;
+    }
+}
+
+/// Without a shift to another datum; null when there is no such shift to leave out.
+Proj::Object WithoutShift(PJ* crs) {
+    if (proj_get_type(crs) != PJ_TYPE_BOUND_CRS) return nullptr;
+    return Proj::Object(proj_get_source_crs(Proj::ThreadContext(), crs));
+}
+
+Proj::Object Clone(PJ* object) {
+    return Proj::Object(proj_clone(Proj::ThreadContext(), object));
+}
+
+Proj::Object ReadWkt(std::string text) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const std::string misleading(MisleadingName(text));
+    if (!misleading.empty()) text.replace(text.find(misleading), misleading.size(), "unknown");
+    Proj::Object read(proj_create_from_wkt(context, text.c_str(), nullptr, nullptr, nullptr));
+    if (read && !misleading.empty()) read.reset(proj_alter_name(context, read.get(), misleading.c_str()));
+    return read;
+}
+
+/// The number that the text states, else that of the one same system.
+int NumberOf(PJ* crs) {
+    const int stated = Proj::StatedEpsg(crs);
+    return stated != 0 ? stated : IdentifyEpsg(crs);
+}
+
+void RequireNoFile(const std::string& text) {
+    const std::string file = FileNamedIn(text);
+    if (!file.empty())
+        throw BCoordSysException(
+            "The coordinate system is not read.", "CoordSysDefinition::FromWkt",
+            BString::Format("It names the file <%s>. Name grids without a folder.", file));
+}
+
+}  // namespace
+
+CoordSysDefinition::Parts CoordSysDefinition::Split(Proj::Object crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    Parts parts;
+    parts.whole = std::move(crs);
+    const Proj::Object unshifted = WithoutShift(parts.whole.get());
+    if (unshifted && proj_get_type(unshifted.get()) == PJ_TYPE_COMPOUND_CRS)
+        parts.whole = Clone(unshifted.get());
+    if (proj_get_type(parts.whole.get()) == PJ_TYPE_COMPOUND_CRS) {
+        parts.horizontal.reset(proj_crs_get_sub_crs(context, parts.whole.get(), 0));
+        parts.vertical.reset(proj_crs_get_sub_crs(context, parts.whole.get(), 1));
+    }
+    parts.plain = WithoutShift(parts.Horizontal());
+    if (KindOf(parts.Plain()) == Kind::Other || Proj::CountAxes(parts.Plain()) != 3) return parts;
+    parts.horizontal.reset(proj_crs_demote_to_2D(context, nullptr, parts.Plain()));
+    parts.plain.reset();
+    return parts;
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::Make(Proj::Object crs, double epoch) {
+    if (!crs || !proj_is_crs(crs.get())) return nullptr;
+    return Ptr(new CoordSysDefinition(Split(std::move(crs)), epoch));
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
+    double epoch = 0.0;
+    const std::string cleaned = CleanWkt(text, epoch);
+    if (cleaned.empty()) return nullptr;
+    RequireNoFile(cleaned);
+    if (IsWebMercatorText(cleaned)) {
+        Ptr standard = FromEpsg(kWebMercator);
+        return standard && epoch != 0.0 ? Make(standard->CloneUnshifted(), epoch) : standard;
+    }
+    return Make(ReadWkt(cleaned), epoch);
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::FromProjText(const std::string& text) {
+    RequireNoFile(text);
+    return Make(Proj::Object(proj_create(Proj::ThreadContext(), text.c_str())));
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::FromEpsg(int number) {
+    const std::string code = std::to_string(number);
+    const Ptr made = Make(Proj::Object(
+        proj_create_from_database(Proj::ThreadContext(), "EPSG", code.c_str(), PJ_CATEGORY_CRS, 0, nullptr)));
+    return made && made->kind_ != Kind::Other ? made : nullptr;
+}
+
+CoordSysDefinition::CoordSysDefinition(Parts parts, double epoch) : epoch_(epoch), parts_(std::move(parts)) {
+    kind_ = KindOf(parts_.Plain());
+    compound_ = proj_get_type(parts_.whole.get()) == PJ_TYPE_COMPOUND_CRS;
+    name_ = BString(Proj::NameOf(parts_.whole.get()));
+}
+
+/// The face, made under the lock when it is asked for first.
+template <class T, class Maker>
+T CoordSysDefinition::Face(std::optional<T>& face, Maker make) const {
+    const std::lock_guard lock(mutex_);
+    if (!face) face = make();
+    return *face;
+}
+
+BString CoordSysDefinition::Wkt() const {
+    return Face(faces_.wkt, [this] { return ExportWkt(parts_.Horizontal()); });
+}
+
+BString CoordSysDefinition::Prj() const {
+    return Face(faces_.prj,
+                [this] { return IsWebMercator() ? WebMercatorPrj() : ExportPrj(parts_.Plain()); });
+}
+
+BString CoordSysDefinition::WholeWkt() const {
+    if (!parts_.horizontal && epoch_ == 0.0) return Wkt();
+    return Face(faces_.whole_wkt, [this] { return WithEpoch(ExportWkt(parts_.whole.get()), epoch_); });
+}
+
+BString CoordSysDefinition::Wkt2() const {
+    const std::lock_guard lock(mutex_);
+    return WithEpoch(ExportWkt2(parts_.whole.get()), epoch_);
+}
+
+BString CoordSysDefinition::ProjJson() const {
+    const std::lock_guard lock(mutex_);
+    return BString(proj_as_projjson(Proj::ThreadContext(), parts_.whole.get(), nullptr));
+}
+
+BString CoordSysDefinition::ProjString() const {
+    const std::lock_guard lock(mutex_);
+    return BString(proj_as_proj_string(Proj::ThreadContext(), parts_.whole.get(), PJ_PROJ_4, nullptr));
+}
+
+int CoordSysDefinition::EpsgNumber() const {
+    return Face(faces_.epsg, [this] {
+        // Of two axes and without a shift, unless the system has a vertical part.
+        return NumberOf(parts_.horizontal ? parts_.whole.get() : parts_.Plain());
+    });
+}
+
+int CoordSysDefinition::HorizontalEpsg() const {
+    return Face(faces_.horizontal_epsg,
+                [this] { return parts_.horizontal ? NumberOf(parts_.Plain()) : EpsgNumber(); });
+}
+
+int CoordSysDefinition::GeodeticEpsgNumber() const {
+    if (kind_ == Kind::Geodetic) return HorizontalEpsg();
+    const Ptr base = Base();
+    return base ? base->GeodeticEpsgNumber() : 0;
+}
+
+/// A text may state the number of Web Mercator and describe another system.
+bool CoordSysDefinition::IsWebMercator() const {
+    if (kind_ != Kind::Projected || HorizontalEpsg() != kWebMercator) return false;
+    const Ptr standard = FromEpsg(kWebMercator);
+    return standard && IsSameSystem(parts_.Plain(), standard->parts_.Plain());
+}
+
+int CoordSysDefinition::DatumEpsgNumber() const {
+    return Face(faces_.datum_epsg, [this] { return FindDatum(); });
+}
+
+int CoordSysDefinition::FindDatum() const {
+    const int stated = StatedDatum();
+    if (stated != 0) return stated;
+    const int number = GeodeticEpsgNumber();
+    const Ptr identified = number != 0 ? FromEpsg(number) : nullptr;
+    return identified ? identified->StatedDatum() : 0;
+}
+
+Proj::Object CoordSysDefinition::GetDatum() const {
+    if (kind_ == Kind::Other) return nullptr;
+    const std::lock_guard lock(mutex_);
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    Proj::Object datum(proj_crs_get_datum(context, parts_.Plain()));
+    if (!datum) datum.reset(proj_crs_get_datum_ensemble(context, parts_.Plain()));
+    return datum;
+}
+
+int CoordSysDefinition::StatedDatum() const {
+    const Proj::Object datum = GetDatum();
+    return datum ? Proj::StatedEpsg(datum.get()) : 0;
+}
+
+BString CoordSysDefinition::DatumName() const {
+    const Proj::Object datum = GetDatum();
+    return datum ? BString(Proj::NameOf(datum.get())) : BString();
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::Base() const {
+    return Face(faces_.base, [this] { return MakeBase(); });
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::MakeBase() const {
+    if (compound_) return Make(Clone(parts_.Horizontal()));
+    if (kind_ != Kind::Projected) return nullptr;
+    return Make(Proj::Object(proj_crs_get_geodetic_crs(Proj::ThreadContext(), parts_.Plain())));
+}
+
+Proj::Object CoordSysDefinition::CloneHorizontal() const {
+    const std::lock_guard lock(mutex_);
+    return Clone(parts_.Plain());
+}
+
+Proj::Object CoordSysDefinition::CloneShifted() const {
+    const std::lock_guard lock(mutex_);
+    return Clone(parts_.Horizontal());
+}
+
+Proj::Object CoordSysDefinition::CloneUnshifted() const {
+    const std::lock_guard lock(mutex_);
+    return Clone(parts_.horizontal ? parts_.whole.get() : parts_.Plain());
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::Vertical() const {
+    return Make(CloneVertical());
+}
+
+Proj::Object CoordSysDefinition::CloneVertical() const {
+    const std::lock_guard lock(mutex_);
+    return parts_.vertical ? Clone(parts_.vertical.get()) : nullptr;
+}
+
+CoordSysDefinition::Ptr CoordSysDefinition::Renamed(const BString& name) const {
+    const std::lock_guard lock(mutex_);
+    return Make(Proj::Object(proj_alter_name(Proj::ThreadContext(), parts_.whole.get(), name.Utf8())),
+                epoch_);
+}
+
+BSharedPtr<BUnit> CoordSysDefinition::HorizontalUnit() const {
+    return Face(faces_.horizontal_unit, [this] {
+        Proj::Axis axis;
+        Proj::Object owner;
+        if (!Proj::GetAxis(parts_.Plain(), 0, axis, owner)) return BSharedPtr<BUnit>();
+        const bool linear = kind_ != Kind::Geodetic;
+        const double size = linear ? axis.unit_factor : axis.unit_factor * 180.0 / std::numbers::pi;
+        return UnitTable::FromText(axis.unit_name, size, linear, axis.unit_epsg);
+    });
+}
+
+BSharedPtr<BLinearUnit> CoordSysDefinition::VerticalUnit() const {
+    return Face(faces_.vertical_unit, [this] { return FindVerticalUnit(); });
+}
+
+BSharedPtr<BLinearUnit> CoordSysDefinition::FindVerticalUnit() const {
+    if (!parts_.vertical && kind_ == Kind::Other) return {};
+    const Proj::Object unshifted = WithoutShift(parts_.vertical ? parts_.vertical.get() : parts_.whole.get());
+    PJ* bearer = unshifted ? unshifted.get() : parts_.vertical ? parts_.vertical.get() : parts_.whole.get();
+    Proj::Axis axis;
+    Proj::Object owner;
+    if (!Proj::GetAxis(bearer, parts_.vertical ? 0 : 2, axis, owner)) return {};
+    return UnitTable::LinearFromText(axis.unit_name, axis.unit_factor, axis.unit_epsg);
+}
+
+/// Under the lock.
+const GeodeticConversion& CoordSysDefinition::Conversion() const {
+    if (!faces_.conversion) faces_.conversion.emplace(parts_.Plain());
+    return *faces_.conversion;
+}
+
+bool CoordSysDefinition::ToGeodetic(BPoint& point) const {
+    if (kind_ == Kind::Other) return false;
+    const std::lock_guard lock(mutex_);
+    return Conversion().ToGeodetic(point);
+}
+
+bool CoordSysDefinition::FromGeodetic(BPoint& point) const {
+    if (kind_ == Kind::Other) return false;
+    const std::lock_guard lock(mutex_);
+    return Conversion().FromGeodetic(point);
+}
+
+}  // namespace Tellurion

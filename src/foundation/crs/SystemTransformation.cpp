@@ -1,0 +1,134 @@
+#include "crs/SystemTransformation.h"
+
+#include "crs/DefinitionCaches.h"
+#include "crs/Identification.h"
+#include "crs/LruCache.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <numbers>
+#include <string>
+
+namespace Tellurion {
+namespace {
+
+using Kind = CoordSysDefinition::Kind;
+
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
+constexpr double kEarthRadius = 6378137.0;
+
+struct Cached {
+    CoordSysDefinition::Ptr from;  ///< kept, so that no other takes their addresses
+    CoordSysDefinition::Ptr to;
+    std::shared_ptr<const SystemTransformation> made;
+};
+
+BString KeyOf(const CoordSysDefinition* from, const CoordSysDefinition* to) {
+    const auto number = [](const void* address) {
+        return std::to_string(reinterpret_cast<std::uintptr_t>(address));
+    };
+    return BString(number(from) + ' ' + number(to));
+}
+
+double MetresBetween(const BPoint& a, const BPoint& b) {
+    constexpr double kDegree = std::numbers::pi / 180.0;
+    const double east = std::remainder(a.x - b.x, 360.0) * std::cos(a.y * kDegree);
+    return std::hypot(east, a.y - b.y) * kDegree * kEarthRadius;
+}
+
+bool HasShift(const CoordSysDefinition& system) {
+    return proj_get_type(system.CloneShifted().get()) == PJ_TYPE_BOUND_CRS;
+}
+
+/// Coordinates all over the area of `second`, taken for those of either system and brought to
+/// longitude and latitude of `hub`.
+double DistanceOnTheEarth(const CoordSysDefinition::Ptr& first, const CoordSysDefinition::Ptr& second,
+                          const CoordSysDefinition::Ptr& hub) {
+    const auto one = SystemTransformation::Find(first, hub);
+    const auto other = SystemTransformation::Find(second, hub);
+    if (!one->IsPossible() || !other->IsPossible()) return kInfinite;
+    double largest = 0.0;
+    int compared = 0;
+    for (BPoint grid : PlacesOf(second->CloneHorizontal().get())) {
+        if (!second->FromGeodetic(grid)) continue;
+        BPoint a = grid;
+        BPoint b = grid;
+        const bool has_b = other->Apply(b);
+        if (one->Apply(a) != has_b) return kInfinite;
+        if (!has_b) continue;
+        largest = std::max(largest, MetresBetween(a, b));
+        ++compared;
+    }
+    return compared > 0 ? largest : kInfinite;
+}
+
+/// A shift that a text states counts on the way to WGS 84, which it leads to; otherwise the
+/// ways between the two datums are the exact ones.
+CoordSysDefinition::Ptr HubOf(const CoordSysDefinition& first, const CoordSysDefinition& second) {
+    constexpr int kWgs84 = 4326;
+    if (HasShift(first) || HasShift(second)) return FindByEpsg(kWgs84);
+    CoordSysDefinition::Ptr base = second.GetKind() == Kind::Projected ? second.Base() : nullptr;
+    if (base && base->GetKind() == Kind::Projected) base = base->Base();
+    return base ? base : FindByEpsg(kWgs84);
+}
+
+}  // namespace
+
+SystemTransformation::SystemTransformation(const CoordSysDefinition& from, const CoordSysDefinition& to) {
+    if (from.GetKind() == Kind::Other || to.GetKind() == Kind::Other) return;
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const Proj::Object source = from.CloneShifted();
+    const Proj::Object target = to.CloneShifted();
+    const Proj::Object way(
+        proj_create_crs_to_crs_from_pj(context, source.get(), target.get(), nullptr, nullptr));
+    if (way) operation_.reset(proj_normalize_for_visualization(context, way.get()));
+}
+
+std::shared_ptr<const SystemTransformation> SystemTransformation::Find(const CoordSysDefinition::Ptr& from,
+                                                                       const CoordSysDefinition::Ptr& to) {
+    constexpr std::size_t kMaxEntries = 16;
+    static auto* const cache = new LruCache<std::shared_ptr<const Cached>>(kMaxEntries);
+    return cache
+        ->Get(KeyOf(from.get(), to.get()).GetUnits(),
+              [&] {
+                  return std::make_shared<const Cached>(
+                      Cached{from, to, std::make_shared<const SystemTransformation>(*from, *to)});
+              })
+        ->made;
+}
+
+bool SystemTransformation::Apply(BPoint& point) const {
+    if (!operation_ || !std::isfinite(point.x) || !std::isfinite(point.y)) return false;
+    const std::lock_guard lock(mutex_);
+    PJ* operation = operation_.get();
+    proj_assign_context(operation, Proj::ThreadContext());
+    proj_errno_reset(operation);
+    const PJ_COORD to = proj_trans(operation, PJ_FWD, proj_coord(point.x, point.y, 0.0, HUGE_VAL));
+    if (!std::isfinite(to.xy.x) || !std::isfinite(to.xy.y)) return false;
+    point.x = to.xy.x;
+    point.y = to.xy.y;
+    return true;
+}
+
+double DistanceBetween(const CoordSysDefinition::Ptr& first, const CoordSysDefinition::Ptr& second) {
+    if (first == second) return first->GetKind() == Kind::Other ? kInfinite : 0.0;
+    if (first->GetKind() != second->GetKind() || first->GetKind() == Kind::Other) return kInfinite;
+    const Proj::Object one = first->CloneHorizontal();
+    const Proj::Object other = second->CloneHorizontal();
+    if (HasSameDatum(one.get(), other.get()) && !HasShift(*first) && !HasShift(*second))
+        return LargestDistance(one.get(), other.get());
+    const CoordSysDefinition::Ptr hub = HubOf(*first, *second);
+    return hub ? DistanceOnTheEarth(first, second, hub) : kInfinite;
+}
+
+bool IsIdentical(const CoordSysDefinition& first, const CoordSysDefinition& second) {
+    if (&first == &second) return true;
+    if (first.IsCompound() != second.IsCompound()) return false;
+    const int number = first.EpsgNumber();
+    if (number != 0 && number == second.EpsgNumber()) return true;
+    return IsSameSystem(first.CloneUnshifted().get(), second.CloneUnshifted().get());
+}
+
+}  // namespace Tellurion

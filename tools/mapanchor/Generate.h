@@ -1,8 +1,0 @@
-#pragma once
-
-#include "CommandTable.h"
-
-/// What the package installs beside the program.
-std::string ManPage(const CommandTable& table);
-std::string BashCompletion(const CommandTable& table);
-std::string ZshCompletion(const CommandTable& table);

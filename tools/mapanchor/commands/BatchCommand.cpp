@@ -1,0 +1,283 @@
+#include "batch/Index.h"
+#include "batch/NameSource.h"
+#include "batch/Progress.h"
+#include "batch/Row.h"
+#include "batch/RowFile.h"
+#include "batch/WorkerPool.h"
+#include "commands/Commands.h"
+#include "commands/Tally.h"
+#include "read/ReadOptions.h"
+#include "terminal/CommonOptions.h"
+
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/Numbers.h>
+
+#include <unistd.h>
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <set>
+#include <thread>
+
+namespace {
+
+using Tellurion::BFileUtilities;
+using Tellurion::BString;
+
+constexpr const char* kBatchDescription =
+    "Tell the references of many files, a row each\n\n"
+    "Names come from stdin, or from folders with all that lies below. Each file is read in a\n"
+    "worker process with a limit of time and memory: one that crashes, hangs or wants too much\n"
+    "costs its own row and nothing else. Rows come in the order of the inputs.\n\n"
+    "Examples:\n"
+    "  find . -name '*.tif' -print0 | mapanchor batch -0 > rows.jsonl\n"
+    "  mapanchor batch --jobs 8 --resume rows.jsonl /archive\n"
+    "  mapanchor batch --to geojsonseq --unordered /archive\n"
+    "  mapanchor batch --index footprints.gpkg /archive > rows.jsonl\n"
+    "  mapanchor batch --shard 2/5 /archive > rows-2.jsonl";
+
+struct BatchOptions {
+    CommonOptions common;
+    ReadOptions read;
+    std::vector<std::string> roots;
+    bool nul_separated = false;
+    bool every_file = false;
+    bool unordered = false;
+    bool progress = false;
+    bool overwrite = false;
+    RowFormat format = RowFormat::JsonLines;
+    std::string index;
+    std::string resume;
+    int jobs = 0;  ///< 0: one for each processor
+    double seconds = 60.0;
+    std::uint64_t megabytes = 2048;
+    std::uint64_t shard = 1;
+    std::uint64_t shards = 1;
+};
+
+/// The same shard for a name on every machine, whatever else is in the list.
+std::uint64_t HashOf(const std::string& name) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (const char c : name)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+    return hash;
+}
+
+std::set<std::string> KnownExtensions() {
+    std::set<std::string> known;
+    for (const auto& format : MapAnchor::BReferenceFormats::List())
+        for (const auto& extensions : {format.GetReadExtensions(), format.GetTypedExtensions()})
+            for (const BString& extension : extensions)
+                known.insert(extension.StdStr());
+    return known;
+}
+
+class Batch {
+public:
+    explicit Batch(const BatchOptions& options);
+    ExitStatus Run();
+
+private:
+    NameSource::Settings SourceSettings();
+    void Deal();
+    void Finish(JobOutcome outcome);
+    void Write(const Row& row);
+    void WriteInOrder();
+    std::optional<std::size_t> Left() const;
+
+    const BatchOptions& options_;
+    const RowSettings settings_;
+    RowFile out_;
+    std::unique_ptr<Index> index_;
+    NameSource source_;
+    LogCollector log_;
+    WorkerPool pool_;
+    Progress progress_;
+    Tally tally_;
+    std::map<std::uint64_t, Row> waiting_;  ///< rows whose turn has not come
+    std::uint64_t dealt_ = 0;
+    std::uint64_t written_ = 0;
+};
+
+int JobsOf(const BatchOptions& options) {
+    return options.jobs > 0 ? options.jobs
+                            : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+Batch::Batch(const BatchOptions& options)
+    : options_(options),
+      settings_{options.format, !options.index.empty()},
+      out_(options.resume.empty() ? RowFile() : RowFile(options.resume)),
+      source_(SourceSettings()),
+      pool_(JobsOf(options),
+            [this](const std::string& name) {
+                ReadResult result = ReadFile(name, options_.read, log_);
+                return Pack(MakeRow(result, settings_));
+            },
+            {options.seconds, options.megabytes * 1024 * 1024}, {out_.Descriptor()}),
+      progress_(!options.common.quiet && (options.progress || isatty(STDERR_FILENO)), isatty(STDERR_FILENO)) {
+    if (!options.index.empty()) index_ = std::make_unique<Index>(options.index, options.overwrite);
+}
+
+NameSource::Settings Batch::SourceSettings() {
+    NameSource::Settings settings;
+    settings.roots = options_.roots;
+    settings.nul_separated = options_.nul_separated;
+    settings.is_wanted = [this](const std::string& name) {
+        return HashOf(name) % options_.shards == options_.shard - 1 && !out_.Has(name);
+    };
+    settings.is_wanted_in_folder = [this, known = KnownExtensions()](const std::string& name) {
+        return options_.every_file ||
+               known.contains(BFileUtilities::GetExtension(BString(name)).ToLower().StdStr());
+    };
+    return settings;
+}
+
+/// One slow file holds up the rows behind it, but not without end the memory for them.
+void Batch::Deal() {
+    constexpr std::uint64_t kMostWaiting = 10'000;
+    while (pool_.HasFree() && dealt_ - written_ < kMostWaiting) {
+        auto name = source_.Next();
+        if (!name) return;
+        pool_.Give({dealt_++, std::move(*name)});
+    }
+}
+
+void Batch::Write(const Row& row) {
+    out_.Print(row.text);
+    if (index_) index_->Add(row.feature);
+    ++written_;
+}
+
+void Batch::WriteInOrder() {
+    while (!waiting_.empty() && (options_.unordered || waiting_.begin()->first == written_)) {
+        Write(waiting_.begin()->second);
+        waiting_.erase(waiting_.begin());
+    }
+}
+
+void Batch::Finish(JobOutcome outcome) {
+    Row row = outcome.loss.empty()
+                  ? Unpack(std::move(outcome.answer))
+                  : MakeLostRow(outcome.job.name, outcome.loss, outcome.loss_detail, settings_);
+    tally_.Count(row.status);
+    progress_.Count(row.status != ExitStatus::Done && row.status != ExitStatus::Warnings);
+    waiting_.emplace(outcome.job.number, std::move(row));
+    WriteInOrder();
+}
+
+std::optional<std::size_t> Batch::Left() const {
+    if (!source_.IsListed()) return std::nullopt;
+    return source_.Pending() + (dealt_ - written_ - waiting_.size());
+}
+
+ExitStatus Batch::Run() {
+    constexpr std::chrono::milliseconds kTick(200);
+    const std::string heading = HeadingOf(options_.format);
+    if (!heading.empty()) out_.Print(heading);
+    while (true) {
+        source_.ReadAhead();
+        Deal();
+        if (pool_.IsIdle() && source_.IsAtEnd()) break;
+        const bool can_wait =
+            !pool_.HasFree() || source_.Pending() > 0 || source_.Descriptor() >= 0 || source_.IsListed();
+        for (JobOutcome& outcome : pool_.Wait(source_.Descriptor(), can_wait ? kTick : kTick * 0))
+            Finish(std::move(outcome));
+        progress_.Tell(Left());
+    }
+    if (index_) index_->Close();
+    progress_.Tell(Left(), true);
+    if (!source_.Fault().empty()) throw std::runtime_error(source_.Fault());
+    return tally_.Status();
+}
+
+ExitStatus Run(const BatchOptions& options) {
+    return Batch(options).Run();
+}
+
+void ParseShard(const std::string& text, BatchOptions& options) {
+    std::string_view rest = text;
+    long shard = 0;
+    long shards = 0;
+    const bool is_whole = Tellurion::ScanLong(rest, shard) && rest.starts_with('/') &&
+                          (rest.remove_prefix(1), Tellurion::ScanLong(rest, shards)) && rest.empty();
+    if (!is_whole || shard < 1 || shard > shards)
+        throw CLI::ValidationError("--shard", "wants i/n with i from 1 to n, such as 2/5");
+    options.shard = static_cast<std::uint64_t>(shard);
+    options.shards = static_cast<std::uint64_t>(shards);
+}
+
+void AddInputs(CLI::App& batch, BatchOptions& options) {
+    batch.add_option("NAME", options.roots,
+                     "Files, folders, or - for names on stdin, which is what none means");
+    batch.add_flag("-0,--null", options.nul_separated, "Names on stdin end in NUL");
+    batch.add_flag("--all", options.every_file,
+                   "Every file of a folder, not only those of a known extension");
+    batch
+        .add_option_function<std::string>(
+            "--shard", [&options](const std::string& text) { ParseShard(text, options); },
+            "Part i of n of the inputs, told by their names alone")
+        ->type_name("i/n");
+}
+
+void AddOutputs(CLI::App& batch, BatchOptions& options) {
+    const std::map<std::string, RowFormat> formats = {{"jsonl", RowFormat::JsonLines},
+                                                      {"geojsonseq", RowFormat::GeoJsonSequence},
+                                                      {"csv", RowFormat::Csv},
+                                                      {"stac", RowFormat::Stac}};
+    CLI::Option* const to =
+        batch
+            .add_option(
+                "--to", options.format,
+                "Rows as jsonl, geojsonseq, csv (with an apostrophe before a text like a formula) or stac")
+            ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case))
+            ->type_name("KIND");
+    batch.add_flag("--unordered", options.unordered, "Each row as soon as it is there");
+    CLI::Option* const index =
+        batch.add_option("--index", options.index, "Footprints for a map: .gpkg or what else GDAL writes")
+            ->check(RefuseEmpty)
+            ->type_name("FILE");
+    batch.add_flag("--overwrite", options.overwrite, "Replace an index of an earlier run");
+    batch
+        .add_option(
+            "--resume", options.resume,
+            "Add rows to this file of jsonl, which an earlier run may have begun, and leave out the inputs "
+            "that have one in it")
+        ->check(RefuseEmpty)
+        ->type_name("FILE")
+        ->excludes(to)
+        ->excludes(index);
+    batch.add_flag("--progress", options.progress,
+                   "Tell on stderr how far it is, even if that is no terminal");
+}
+
+void AddLimits(CLI::App& batch, BatchOptions& options) {
+    constexpr int kMostJobs = 1024;
+    batch.add_option("-j,--jobs", options.jobs, "Worker processes; one for each processor without it")
+        ->check(CLI::Range(1, kMostJobs))
+        ->type_name("N");
+    AddNumber(
+        batch, "--timeout", [&options](double value) { options.seconds = value; }, {0.001, 1e6},
+        "The most seconds for a file; 60 without it")
+        ->type_name("S");
+    batch.add_option("--memory", options.megabytes, "The most megabytes for a file; 2048 without it")
+        ->check(CLI::Range(1, 1 << 20))
+        ->type_name("MB");
+}
+
+}  // namespace
+
+void AddBatchCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<BatchOptions>();
+    CLI::App* batch = app.add_subcommand("batch", kBatchDescription);
+    AddInputs(*batch, *options);
+    AddOutputs(*batch, *options);
+    AddLimits(*batch, *options);
+    options->read.AddTo(*batch);
+    options->common.AddTo(*batch);
+    batch->callback([options, &status] {
+        if (options->roots.empty()) options->roots.emplace_back("-");
+        status = Run(*options);
+    });
+}

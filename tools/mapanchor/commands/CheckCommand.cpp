@@ -1,0 +1,207 @@
+#include "commands/Commands.h"
+#include "commands/Tally.h"
+#include "read/InputNames.h"
+#include "read/ReadFile.h"
+#include "read/ReadOptions.h"
+#include "read/Residuals.h"
+#include "read/Systems.h"
+#include "render/Footprint.h"
+#include "render/JsonRenderer.h"
+#include "terminal/CommonOptions.h"
+
+#include <Tellurion/BException.h>
+#include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+namespace {
+
+using Tellurion::BCoordSys;
+using Tellurion::Printable;
+using Tellurion::PrintShortest;
+
+constexpr const char* kCheckDescription =
+    "Judge each file by what its reference should be\n\n"
+    "A file passes when it has a transform and all that the options ask. What is wrong is\n"
+    "told with an id that stays: transform-missing, crs-missing, crs-mismatch, outside,\n"
+    "extent-unknown, rmse-exceeded, rmse-unknown.\n\n"
+    "Examples:\n"
+    "  mapanchor check --expect-crs EPSG:25832 map.tif\n"
+    "  mapanchor check --within 5,47,16,55 --size 2000x1000 map.tfw\n"
+    "  mapanchor check --within country.tif --max-rmse 0.5 --json *.tab";
+
+struct CheckOptions {
+    CommonOptions common;
+    ReadOptions read;
+    std::vector<std::string> files;
+    bool nul_separated = false;
+    std::string crs;
+    std::string within;
+    std::optional<double> max_rmse;
+};
+
+/// What the options ask, made ready once for all files.
+struct Demands {
+    std::unique_ptr<BCoordSys> system;
+    std::optional<Footprint> area;
+    std::optional<double> max_rmse;
+};
+
+std::unique_ptr<BCoordSys> ExpectedSystem(const std::string& text) {
+    if (text.empty()) return nullptr;
+    SystemAnswer answer;
+    try {
+        answer = SystemFromText(text);
+    } catch (const Tellurion::BException&) {
+    }
+    if (!answer.system) throw CLI::ValidationError("--expect-crs", "nothing is known by the words " + text);
+    return std::move(answer.system);
+}
+
+/// The four numbers of a box; empty when the text is not just that.
+std::optional<std::vector<double>> ParseBox(std::string_view text) {
+    constexpr std::size_t kSides = 4;
+    std::vector<double> sides(1);
+    while (Tellurion::ScanDouble(text, sides.back()) && text.starts_with(',') && sides.size() < kSides) {
+        text.remove_prefix(1);
+        sides.push_back(0.0);
+    }
+    return text.empty() && sides.size() == kSides ? std::optional(sides) : std::nullopt;
+}
+
+std::optional<Footprint> ExpectedArea(const CheckOptions& options, LogCollector& log) {
+    if (options.within.empty()) return std::nullopt;
+    if (const auto sides = ParseBox(options.within)) {
+        const auto& s = *sides;
+        if (auto area = FootprintOfBox(s[0], s[1], s[2], s[3])) return area;
+        throw CLI::ValidationError("--within", "wants W,S,E,N in degrees, south below north");
+    }
+    ReadResult result = ReadFile(options.within, ReadOptions(), log);
+    if (auto area = FootprintOf(result)) return area;
+    const std::string why = result.failure ? result.failure->Text() : result.diagnostics.back().text;
+    throw CLI::ValidationError("--within",
+                               options.within + " is no box W,S,E,N and no file of an area: " + why);
+}
+
+class Judge {
+public:
+    Judge(const Demands& demands, ReadResult& result) : demands_(demands), result_(result) {}
+
+    void Run() {
+        for (Diagnostic& remark : result_.diagnostics)
+            if (remark.id.empty()) remark.id = "read-remark";
+        if (!result_.reference.HasMathTransform())
+            Complain("transform-missing", "there is no transform from pixels to positions");
+        if (demands_.system) CheckSystem();
+        if (demands_.area) CheckArea();
+        if (demands_.max_rmse) CheckResiduals();
+    }
+
+private:
+    void Complain(const char* id, const std::string& text) {
+        result_.diagnostics.push_back({true, text, id});
+    }
+
+    void CheckSystem() {
+        if (!result_.reference.HasCoordSys())
+            return Complain("crs-missing",
+                            "there is no coordinate system, " + NameOf(*demands_.system) + " is expected");
+        const BCoordSys& system = *result_.reference.CoordSys;
+        if (!IsSameSystem(system, *demands_.system))
+            Complain("crs-mismatch", "the coordinate system is " + NameOf(system) + ", " +
+                                         NameOf(*demands_.system) + " is expected");
+    }
+
+    void CheckArea() {
+        const auto footprint = FootprintOf(result_);
+        if (!footprint)
+            Complain("extent-unknown", "where the raster lies cannot be told");
+        else if (!Contains(*demands_.area, *footprint))
+            Complain("outside",
+                     "the raster is not wholly within the area: west " + PrintShortest(footprint->west) +
+                         ", south " + PrintShortest(footprint->south) + ", east " +
+                         PrintShortest(footprint->east) + ", north " + PrintShortest(footprint->north));
+    }
+
+    void CheckResiduals() {
+        const auto rmse = ComputeResiduals(result_.reference).root_mean_square;
+        if (!rmse)
+            Complain("rmse-unknown", "there are no control points to judge the transform by");
+        else if (*rmse > *demands_.max_rmse)
+            Complain("rmse-exceeded", "the root mean square of the residuals is " + PrintShortest(*rmse) +
+                                          " pixels, more than " + PrintShortest(*demands_.max_rmse));
+    }
+
+    const Demands& demands_;
+    ReadResult& result_;
+};
+
+bool Passes(const ReadResult& result) {
+    return result.Ok() && std::none_of(result.diagnostics.begin(), result.diagnostics.end(),
+                                       [](const Diagnostic& remark) { return remark.is_error; });
+}
+
+ExitStatus StatusOf(const ReadResult& result) {
+    return result.Ok() && !Passes(result) ? ExitStatus::Error : result.Status();
+}
+
+Json VerdictJson(const ReadResult& result) {
+    Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}, {"passed", Passes(result)}};
+    if (result.failure) ours["error"] = RenderJson(*result.failure);
+    ours["diagnostics"] = RenderJson(result.diagnostics);
+    Json top = JsonAbout(result.file);
+    top["mapanchor"] = std::move(ours);
+    return top;
+}
+
+std::string VerdictText(const ReadResult& result) {
+    std::string text = Printable(result.file) + ": " + (Passes(result) ? "passes" : "fails") + "\n";
+    if (result.failure) text += "  error: " + Printable(result.failure->Text()) + "\n";
+    for (const Diagnostic& remark : result.diagnostics)
+        text += std::string("  ") + remark.Severity() + ": " + Printable(remark.text) +
+                (remark.id.empty() ? "" : " [" + remark.id + "]") + "\n";
+    return text;
+}
+
+ExitStatus Run(const CheckOptions& options) {
+    const Console console = options.common.MakeConsole();
+    LogCollector log;
+    const Demands demands{ExpectedSystem(options.crs), ExpectedArea(options, log), options.max_rmse};
+    Tally tally;
+    ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
+        ReadResult result = ReadFile(file, options.read, log);
+        if (result.Ok()) Judge(demands, result).Run();
+        tally.Count(StatusOf(result));
+        console.Print(options.common.json ? ToText(VerdictJson(result), options.common)
+                                          : VerdictText(result));
+    });
+    return tally.Status();
+}
+
+}  // namespace
+
+void AddCheckCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<CheckOptions>();
+    CLI::App* check = app.add_subcommand("check", kCheckDescription);
+    check->add_option("FILE", options->files, "Files to judge; - reads names from stdin, one a line")
+        ->required();
+    check->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    check
+        ->add_option("--expect-crs", options->crs, "The coordinate system, in any words that crs understands")
+        ->type_name("CRS");
+    check
+        ->add_option(
+            "--within", options->within,
+            "The area on WGS 84 in degrees, or a file whose area it is; W above E crosses the antimeridian")
+        ->type_name("W,S,E,N");
+    AddNumber(
+        *check, "--max-rmse", [o = options.get()](double value) { o->max_rmse = value; }, {},
+        "The most that the residuals may be, in pixels")
+        ->type_name("PX");
+    options->read.AddTo(*check);
+    options->common.AddTo(*check);
+    check->callback([options, &status] { status = Run(*options); });
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "commands/Closeness.h"
+#include "read/Diagnostics.h"
+#include "read/ReadFile.h"
+#include "read/ReadOptions.h"
+#include "terminal/CommonOptions.h"
+#include "terminal/ExitStatus.h"
+
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/EReferenceType.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+struct ConvertOptions {
+    CommonOptions common;
+    ReadOptions read;
+    std::string source;
+    std::string target;
+    std::optional<Tellurion::EReferenceType> to;
+    std::string image;
+    bool overwrite = false;
+    bool dry_run = false;
+    bool backup = false;
+    bool verify = false;
+};
+
+/// A save that is about to happen, or would.
+struct Plan {
+    std::optional<MapAnchor::BReferenceFormat> format;  ///< empty when the target's name says none
+    std::string Kind() const { return format ? format->GetName().StdStr() : ""; }
+    bool Is(Tellurion::EReferenceType type) const { return format && format->GetType() == type; }
+    bool IsPdf() const { return Is(Tellurion::EReferenceType::GeoPDF); }
+    /// The target is a raster or a page that takes the reference in; other kinds are written whole.
+    bool IsInPlace() const { return format && format->SavesInPlace(); }
+    bool writes_prj = false;
+    std::vector<std::string> files;
+};
+
+struct Outcome {
+    std::optional<Failure> failure;
+    ExitStatus status = ExitStatus::Done;
+    Plan plan;
+    Diagnostics diagnostics;
+    std::vector<std::string> kept;       ///< copies of what was there before
+    std::optional<ReadResult> saved;     ///< a PDF as it is read back, when asked for
+    std::optional<Closeness> closeness;  ///< of what was read back to what was meant
+
+    void Fail(ExitStatus with, const char* type, const std::string& detail) {
+        failure = Failure{type, "", "mapanchor", detail};
+        status = with;
+    }
+    void Warn(const std::string& text) { diagnostics.push_back({false, text}); }
+};
+
+/// Says what of the reference this kind of target has no place for.
+void WarnOfLosses(const ConvertOptions& options, const Tellurion::BGeoReference& reference, Outcome& outcome);
+
+/// False, with a failure, for corners that would be made up.
+bool HasWhatItNeeds(const ConvertOptions& options, const Tellurion::BGeoReference& reference,
+                    Outcome& outcome);
+
+/// The library's save under the options' target and kind; it throws.
+void CallSave(const ConvertOptions& options, const Tellurion::BGeoReference& reference);
+
+/// The failure that is being handled, with its exit status. To be called in a
+/// catch (...) block.
+void FailByCurrent(Outcome& outcome);
+
+/// Copies the files that the plan writes over. False, with a failure, when that fails.
+bool KeepCopies(Outcome& outcome);
+
+/// Looks at the page that is to be georeferenced, and sets size and resolution where
+/// they are not given: the raster fills the page. False, with a failure, for a file
+/// that cannot be georeferenced.
+bool FitToPage(ConvertOptions& options, bool has_size, Outcome& outcome);
+
+/// Georeferences a PDF in place, or rehearses it on a copy. Until the end the target
+/// stands as it was.
+void SavePdf(const ConvertOptions& options, const Tellurion::BGeoReference& reference, LogCollector& log,
+             Outcome& outcome);

@@ -1,0 +1,348 @@
+#include "commands/Commands.h"
+#include "commands/Convert.h"
+#include "read/Systems.h"
+#include "render/JsonRenderer.h"
+#include "render/TextRenderer.h"
+#include "terminal/TargetFile.h"
+
+#include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+
+namespace {
+
+using namespace Tellurion;
+using MapAnchor::BMapAnchor;
+using MapAnchor::BReferenceFormat;
+using MapAnchor::BReferenceFormats;
+
+constexpr const char* kDescription =
+    "Read a reference and save it as the kind that the target's extension names\n\n"
+    "Examples:\n"
+    "  mapanchor convert map.tfw copy.jgw\n"
+    "  mapanchor convert --dry-run map.tfw other.wld\n"
+    "  mapanchor convert --overwrite map.tfw map.tif\n"
+    "  mapanchor convert --overwrite --backup --verify --size 3000x1500 map.tfw map.pdf\n"
+    "  mapanchor convert --to wld --overwrite map.pgw map.txt";
+
+Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
+    Plan plan;
+    const BString extension = BFileUtilities::GetExtension(BString(options.target)).ToLower();
+    const auto holds = [&extension](const std::vector<BString>& extensions) {
+        return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+    };
+    for (const BReferenceFormat& format : BReferenceFormats::List())
+        if (options.to ? format.HasType() && format.GetType() == *options.to
+                       : holds(format.GetSaveExtensions()) || holds(format.GetTypedExtensions()))
+            plan.format = format;
+    plan.files.push_back(options.target);
+    plan.writes_prj = !options.to && plan.Is(EReferenceType::WLD) && reference.HasCoordSys();
+    if (plan.writes_prj)
+        plan.files.push_back(BFileUtilities::ChangeExtension(BString(options.target), "prj").StdStr());
+    return plan;
+}
+
+/// True when nothing that the plan writes stands in the way.
+bool MayWrite(const ConvertOptions& options, const std::string& used_file, Outcome& outcome) {
+    for (const std::string& file : outcome.plan.files) {
+        if (IsSameFile(options.source, file) || IsSameFile(used_file, file)) {
+            outcome.Fail(ExitStatus::Error, "BFileAccessException",
+                         "Source and target are the same file <" + file + ">.");
+            return false;
+        }
+        if (options.overwrite || !BFileUtilities::Exists(BString(file))) continue;
+        outcome.Fail(ExitStatus::Error, "BFileAccessException",
+                     outcome.plan.IsInPlace()
+                         ? "File <" + file + "> exists; --overwrite georeferences it in place."
+                         : ExistsText(file));
+        return false;
+    }
+    if (!outcome.plan.IsInPlace() || BFileUtilities::Exists(BString(options.target))) return true;
+    outcome.Fail(ExitStatus::Error, "BFileAccessException",
+                 "File <" + options.target + "> does NOT exist; a reference is saved into a " +
+                     (outcome.plan.IsPdf() ? "PDF" : "raster") + " that is there.");
+    return false;
+}
+
+std::string FreeName(const std::string& stem) {
+    std::string name = stem;
+    for (int i = 1; BFileUtilities::Exists(BString(name)); ++i)
+        name = stem + "." + std::to_string(i);
+    return name;
+}
+
+ExitStatus StatusOf(const Failure& failure) {
+    const bool refused = failure.type == "BUnsupportedFileTypeException" ||
+                         failure.type == "BGeoReferenceNotSupportedException";
+    return refused ? ExitStatus::Refused : ExitStatus::Error;
+}
+
+}  // namespace
+
+void CallSave(const ConvertOptions& options, const BGeoReference& reference) {
+    const BString target(options.target);
+    const long width = options.read.width.value_or(0);
+    const long height = options.read.height.value_or(0);
+    const BString image(options.image);
+    if (options.to)
+        BMapAnchor::Save(*options.to, target, reference, width, height, image,
+                         options.read.flags | BMapAnchor::kStrictTransform, &options.read.params);
+    else
+        BMapAnchor::Save(target, reference, width, height, image, &options.read.params);
+}
+
+void FailByCurrent(Outcome& outcome) {
+    outcome.failure = CurrentFailure();
+    outcome.status = StatusOf(*outcome.failure);
+}
+
+bool KeepCopies(Outcome& outcome) {
+    for (const std::string& file : outcome.plan.files) {
+        if (!BFileUtilities::Exists(BString(file))) continue;
+        const std::string copy = FreeName(file + ".bak");
+        std::error_code error;
+        if (!std::filesystem::copy_file(file, copy, error)) {
+            outcome.Fail(ExitStatus::Error, "BFileAccessException",
+                         "No copy <" + copy + "> can be kept: " + error.message() + ".");
+            std::filesystem::remove(copy, error);
+            return false;
+        }
+        outcome.kept.push_back(copy);
+    }
+    return true;
+}
+
+namespace {
+
+/// The targets, each made sure of before the library writes it; empty, with a failure, when that
+/// cannot be. A raster is written by the library alone.
+std::vector<ReservedTarget> Reserve(const ConvertOptions& options, Outcome& outcome) {
+    std::vector<ReservedTarget> reserved;
+    if (outcome.plan.IsInPlace()) return reserved;
+    try {
+        for (const std::string& file : outcome.plan.files)
+            reserved.emplace_back(file, options.overwrite);
+    } catch (const std::runtime_error& error) {
+        outcome.Fail(ExitStatus::Error, "BFileAccessException", error.what());
+        reserved.clear();
+    }
+    return reserved;
+}
+
+bool IsEmptyFile(const std::string& file) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(file, error) && std::filesystem::file_size(file, error) == 0;
+}
+
+/// A file that the failed save made is no reference: away with it. One that was there
+/// before may have been cut; that cannot be undone, so it is said. A raster keeps its
+/// content.
+void CleanUp(const std::string& target, bool existed, Outcome& outcome) {
+    std::error_code error;
+    if (outcome.plan.IsInPlace()) return;
+    if (existed)
+        outcome.diagnostics.push_back({true, "the older content of <" + target + "> may be lost"});
+    else
+        std::filesystem::remove(target, error);
+}
+
+/// The reference as the file has it now, as far as it can be read.
+BGeoReference Saved(EReferenceType kind, const std::string& target) {
+    BGeoReference back;
+    try {
+        BMapAnchor::Read(kind, BString(target), back, 0, 0, EMathTransformType::Affine, 0, nullptr);
+    } catch (...) {
+    }
+    return back;
+}
+
+/// Each road of the library knows some systems in an ERS header that the other one
+/// leaves out without a word.
+BGeoReference SaveSystemInErs(const ConvertOptions& options, const BGeoReference& reference) {
+    BGeoReference back = Saved(EReferenceType::ERS, options.target);
+    if (back.HasCoordSys() || options.to) return back;
+    ConvertOptions by_type = options;
+    by_type.to = EReferenceType::ERS;
+    CallSave(by_type, reference);
+    return Saved(EReferenceType::ERS, options.target);
+}
+
+/// Names may be lost and systems may be written as another one of the same place: what counts
+/// is where positions come to be on the Earth.
+void WarnOfDistance(const BCoordSys& system, const BCoordSys& back, Outcome& outcome) {
+    constexpr double kSameDatum = 10.0;  // metres between ways to shift one datum
+    if (IsSameSystem(system, back) && back.IsSame(system, kSameDatum)) return;
+    const double metres = back.DistanceTo(system);
+    if (metres <= kSameDatum && (system.ToEPSGCode().IsEmpty() || back.ToEPSGCode().IsEmpty())) return;
+    outcome.Warn(
+        "this kind of file has no name for " + NameOf(system) + ": it is read back as " + NameOf(back) +
+        (std::isfinite(metres) ? ", up to " + Tellurion::PrintFixed(metres, 1) + " m away" : std::string()));
+}
+
+/// The text that goes into a prj file and into a PDF.
+void WarnOfEsriText(const BCoordSys& system, Outcome& outcome) {
+    const std::unique_ptr<BCoordSys> back(BCoordSys::FromWKT(system.ToPRJ()));
+    if (back)
+        WarnOfDistance(system, *back, outcome);
+    else if (system.IsValid())
+        outcome.Warn("the coordinate system " + NameOf(system) +
+                     " is not saved: ESRI's well-known text cannot describe it");
+}
+
+/// ERS and TAB name systems in a language of their own; a prj file has no shifts of datums.
+void WarnOfOtherSystem(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
+    const bool ers = outcome.plan.Is(EReferenceType::ERS);
+    if (!reference.HasCoordSys()) return;
+    if (outcome.plan.writes_prj || outcome.plan.IsPdf()) return WarnOfEsriText(*reference.CoordSys, outcome);
+    if (!outcome.plan.format->HasOwnSystemNames()) return;
+    const BGeoReference back =
+        ers ? SaveSystemInErs(options, reference) : Saved(outcome.plan.format->GetType(), options.target);
+    if (!back.HasCoordSys())
+        return outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
+    WarnOfDistance(*reference.CoordSys, *back.CoordSys, outcome);
+}
+
+void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
+    const std::vector<ReservedTarget> reserved = Reserve(options, outcome);
+    if (outcome.failure) return;
+    const bool existed = reserved.empty() || !reserved.front().IsNew();
+    try {
+        CallSave(options, reference);
+        WarnOfOtherSystem(options, reference, outcome);
+    } catch (...) {
+        FailByCurrent(outcome);
+    }
+    if (!outcome.failure && IsEmptyFile(options.target))
+        outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
+                     "Nothing was saved: the reference has no part that this kind of file holds.");
+    if (!outcome.failure) return;
+    if (outcome.status != ExitStatus::Refused) CleanUp(options.target, existed, outcome);
+}
+
+/// False, with a failure, for a plan that cannot be.
+bool IsPossible(ConvertOptions& options, const ReadResult& source, bool has_size, Outcome& outcome) {
+    if (!outcome.plan.format)
+        outcome.Fail(
+            ExitStatus::Refused, "BUnsupportedFileTypeException",
+            "File <" + options.target + "> is not of a kind that can be saved here; see mapanchor formats.");
+    else if (options.verify && !outcome.plan.IsPdf())
+        outcome.Fail(ExitStatus::Usage, "BReadParametersException",
+                     "--verify reads back a PDF; <" + options.target + "> is none.");
+    return !outcome.failure && HasWhatItNeeds(options, source.reference, outcome) &&
+           MayWrite(options, source.used_file, outcome) &&
+           (!outcome.plan.IsPdf() || FitToPage(options, has_size, outcome));
+}
+
+void CarryOut(const ConvertOptions& options, const BGeoReference& reference, LogCollector& log,
+              Outcome& outcome) {
+    if (outcome.plan.IsPdf()) return SavePdf(options, reference, log, outcome);
+    if (options.dry_run || (options.backup && !KeepCopies(outcome))) return;
+    Save(options, reference, outcome);
+}
+
+Outcome Convert(ConvertOptions options, LogCollector& log) {
+    const bool has_size = options.read.width.has_value();
+    ReadResult source = ReadFile(options.source, options.read, log);
+    options.read.width = source.width;
+    options.read.height = source.height;
+    Outcome outcome;
+    outcome.status = source.Status();
+    outcome.failure = source.failure;
+    outcome.diagnostics = std::move(source.diagnostics);
+    if (outcome.failure) return outcome;
+    outcome.plan = MakePlan(options, source.reference);
+    if (!IsPossible(options, source, has_size, outcome)) return outcome;
+    WarnOfLosses(options, source.reference, outcome);
+    CarryOut(options, source.reference, log, outcome);
+    log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
+    if (!outcome.failure)
+        outcome.status = outcome.diagnostics.empty() ? ExitStatus::Done : ExitStatus::Warnings;
+    return outcome;
+}
+
+/// What a PDF says now, or would say.
+void PutSaved(Json& top, Json& ours, const Outcome& outcome) {
+    if (!outcome.saved) return;
+    Json saved = JsonWithoutPoints(*outcome.saved);
+    top["size"] = saved["size"];
+    if (saved["mapanchor"].contains("points")) ours["points"] = PointsJson(*outcome.saved);
+    for (const char* key : {"coordSys", "pdfPage"})
+        if (saved["mapanchor"].contains(key)) ours[key] = saved["mapanchor"][key];
+}
+
+Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
+    Json top = JsonAbout(options.source);
+    Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", !outcome.failure}};
+    if (outcome.failure) {
+        ours["error"] = ::RenderJson(*outcome.failure);
+    } else {
+        ours["referenceType"] = outcome.plan.Kind();
+        ours["dryRun"] = options.dry_run;
+        ours["written"] = outcome.plan.files;
+        PutSaved(top, ours, outcome);
+    }
+    if (!outcome.kept.empty()) ours["kept"] = outcome.kept;
+    if (outcome.closeness)
+        ours["closeness"] = {{"pixels", outcome.closeness->pixels}, {"metres", outcome.closeness->metres}};
+    ours["diagnostics"] = ::RenderJson(outcome.diagnostics);
+    top["mapanchor"] = std::move(ours);
+    return top;
+}
+
+void PrintText(const ConvertOptions& options, const Outcome& outcome, const Console& console) {
+    for (const std::string& file : outcome.kept)
+        console.Print("kept " + Printable(file) + "\n");
+    if (outcome.failure) return;
+    for (const std::string& file : outcome.plan.files)
+        console.Print((options.dry_run ? "would write " : "wrote ") + Printable(file) + "\n");
+    if (outcome.saved && options.dry_run) PrintReference(*outcome.saved, options.common, console);
+    if (outcome.closeness)
+        console.Print("read back: at most " + PrintFixed(outcome.closeness->pixels, 6) + " pixels, " +
+                      PrintFixed(outcome.closeness->metres, 6) + " metres off at the corners\n");
+}
+
+ExitStatus Run(const ConvertOptions& options) {
+    const Console console = options.common.MakeConsole();
+    LogCollector log;
+    const Outcome outcome = Convert(options, log);
+    if (options.common.json) {
+        console.Print(ToText(RenderJson(options, outcome), options.common));
+        return outcome.status;
+    }
+    PrintText(options, outcome, console);
+    TalkAbout(options.source, outcome.diagnostics, outcome.failure ? &*outcome.failure : nullptr, console);
+    return outcome.status;
+}
+
+}  // namespace
+
+void AddConvertCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<ConvertOptions>();
+    CLI::App* convert = app.add_subcommand("convert", kDescription);
+    convert->add_option("SRC", options->source, "File to read")->required();
+    convert->add_option("DST", options->target, "File to save")->required();
+    convert
+        ->add_option_function<std::string>(
+            "--to", [options](const std::string& word) { options->to = KindFromWord("--to", word); },
+            "Save as this kind, by type, whatever the target's name")
+        ->type_name("KIND");
+    convert->add_option("--image", options->image, "The raster's file name, which some kinds write down")
+        ->type_name("NAME");
+    convert->add_flag("--overwrite", options->overwrite,
+                      "Replace files that exist; georeference a raster or a PDF in place");
+    convert->add_flag("--backup", options->backup, "Keep a copy, .bak, of each file that is written over");
+    convert->add_flag("--verify", options->verify,
+                      "Read a PDF back, and tell how far it lies from the reference at the corners");
+    convert->add_flag("--dry-run", options->dry_run, "Say what would be written and write nothing");
+    options->read.AddTo(*convert);
+    options->common.AddTo(*convert);
+    convert->callback([options, &status] { status = Run(*options); });
+}

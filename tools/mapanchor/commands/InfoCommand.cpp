@@ -1,0 +1,56 @@
+#include "commands/Commands.h"
+#include "commands/Tally.h"
+#include "read/InputNames.h"
+#include "read/ReadFile.h"
+#include "read/ReadOptions.h"
+#include "render/JsonRenderer.h"
+#include "render/TextRenderer.h"
+#include "terminal/CommonOptions.h"
+
+#include <memory>
+
+namespace {
+
+constexpr const char* kInfoDescription =
+    "Tell the reference of each file\n\n"
+    "Examples:\n"
+    "  mapanchor info map.tfw\n"
+    "  mapanchor info --size 2000x1000 --fit affine map.tab\n"
+    "  mapanchor info --pdf-box crop --dpi 150 map.pdf\n"
+    "  find . -name '*.tfw' -print0 | mapanchor info -0 --json -";
+
+struct InfoOptions {
+    CommonOptions common;
+    ReadOptions read;
+    std::vector<std::string> files;
+    bool nul_separated = false;
+};
+
+ExitStatus Run(const InfoOptions& options) {
+    const Console console = options.common.MakeConsole();
+    LogCollector log;
+    Tally tally;
+    ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
+        const ReadResult result = ReadFile(file, options.read, log);
+        tally.Count(result.Status());
+        if (options.common.json)
+            return WriteJson(result, options.common,
+                             [&console](std::string_view piece) { console.Print(piece); });
+        if (result.Ok()) PrintReference(result, options.common, console);
+        TalkAbout(file, result.diagnostics, result.failure ? &*result.failure : nullptr, console);
+    });
+    return tally.Status();
+}
+
+}  // namespace
+
+void AddInfoCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<InfoOptions>();
+    CLI::App* info = app.add_subcommand("info", kInfoDescription);
+    info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
+        ->required();
+    info->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    options->read.AddTo(*info);
+    options->common.AddTo(*info);
+    info->callback([options, &status] { status = Run(*options); });
+}

@@ -1,0 +1,24 @@
+#include "read/Diagnostics.h"
+
+#include <Tellurion/BLogger.h>
+
+#include <algorithm>
+#include <utility>
+
+LogCollector::LogCollector() {
+    Tellurion::BLogger::Instance()->SetSink([this](Tellurion::ELogSeverity, const Tellurion::BString& text) {
+        lines_.push_back(text.StdStr());
+        std::replace(lines_.back().begin(), lines_.back().end(), '\n',
+                     ' ');  // those of the library's formats
+    });
+}
+
+LogCollector::~LogCollector() {
+    Tellurion::BLogger::Instance()->SetSink({});
+}
+
+void LogCollector::MoveTo(Diagnostics& diagnostics, bool as_errors) {
+    for (std::string& line : lines_)
+        diagnostics.push_back({as_errors, std::move(line)});
+    lines_.clear();
+}

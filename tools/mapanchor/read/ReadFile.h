@@ -1,0 +1,53 @@
+#pragma once
+
+#include "read/Diagnostics.h"
+#include "read/ReadOptions.h"
+#include "terminal/ExitStatus.h"
+
+#include <MapAnchor/BGeoPDFPage.h>
+#include <Tellurion/BException.h>
+#include <Tellurion/BGeoReference.h>
+
+#include <optional>
+#include <string>
+
+/// A failure in parts; any of the texts but the type may be empty.
+struct Failure {
+    std::string type;
+    std::string message;
+    std::string source;
+    std::string detail;
+
+    std::string Text() const;
+};
+
+Failure FailureOf(const Tellurion::BException& error);
+
+/// The failure that is being handled, to be called in a catch (...) block.
+Failure CurrentFailure();
+
+enum class Road { Name, Type };
+
+/// What became of one input.
+struct ReadResult {
+    std::string file;
+    std::optional<Failure> failure;  ///< empty when there is a reference
+    Tellurion::BGeoReference reference;
+    Road road = Road::Name;
+    std::string kind;       ///< short name of the kind that was read, such as "WLD"; empty when unknown
+    std::string used_file;  ///< the file that was actually read
+    bool centre_anchored = false;
+    bool is_sidecar = false;    ///< its kind lies beside a raster
+    std::optional<long> width;  ///< of the raster, as given or as the file implies
+    std::optional<long> height;
+    std::optional<MapAnchor::BGeoPDFPage> page;  ///< of a PDF
+    Diagnostics diagnostics;
+
+    bool Ok() const { return !failure; }
+    ExitStatus Status() const;
+};
+
+/// Reads by name, or by the type that the options or a PDF's extension name. A world
+/// file that the named road refuses and the typed one takes is read by type, with
+/// its prj. Never throws for the file's sake.
+ReadResult ReadFile(const std::string& file, const ReadOptions& options, LogCollector& log);

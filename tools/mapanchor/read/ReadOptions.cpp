@@ -1,0 +1,130 @@
+#include "read/ReadOptions.h"
+
+#include "terminal/CommonOptions.h"
+
+#include <MapAnchor/BGdalAccess.h>
+#include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BException.h>
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <map>
+#include <vector>
+
+namespace {
+
+using MapAnchor::BMapAnchor;
+using MapAnchor::BReferenceFormat;
+using MapAnchor::BReferenceFormats;
+using Tellurion::EMathTransformType;
+using Tellurion::EReferenceType;
+
+const std::map<std::string, EMathTransformType> kFits = {
+    {"affine", EMathTransformType::Affine},         {"conformal", EMathTransformType::Conformal},
+    {"poly2", EMathTransformType::Polynomial2},     {"poly3", EMathTransformType::Polynomial3},
+    {"projective", EMathTransformType::Projective}, {"tps", EMathTransformType::ThinPlateSpline},
+    {"bilinear", EMathTransformType::Bilinear},     {"none", EMathTransformType::None}};
+
+const std::map<std::string, unsigned int> kStrictParts = {{"transform", BMapAnchor::kStrictTransform},
+                                                          {"crs", BMapAnchor::kStrictCoordSys}};
+
+// The numbers under which the library knows the boxes of a PDF page.
+const std::map<std::string, int> kPdfBoxes = {
+    {"art", 0}, {"trim", 2}, {"bleed", 3}, {"crop", 4}, {"media", 5}};
+
+bool ParseWhole(const std::string& text, long& value) {
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size() && value > 0 &&
+           value <= 0x7FFFFFFF;
+}
+
+void ParseSize(const std::string& text, ReadOptions& options) {
+    const std::size_t cross = text.find_first_of("xX");
+    long width = 0;
+    long height = 0;
+    if (cross == std::string::npos || !ParseWhole(text.substr(0, cross), width) ||
+        !ParseWhole(text.substr(cross + 1), height))
+        throw CLI::ValidationError("--size", "wants WxH in pixels, such as 2000x1000");
+    options.width = width;
+    options.height = height;
+}
+
+/// How options name a kind.
+std::string WordOf(const BReferenceFormat& format) {
+    return CLI::detail::to_lower(format.GetName().StdStr());
+}
+
+void AllowDrivers(const std::string& names) {
+    try {
+        MapAnchor::BGdalAccess::SetDrivers(Tellurion::BString(names));
+    } catch (const Tellurion::BException& error) {
+        throw CLI::ValidationError("--gdal-drivers", error.what());
+    }
+}
+
+}  // namespace
+
+std::string KindWords() {
+    std::string words;
+    for (const BReferenceFormat& format : BReferenceFormats::List())
+        if (format.HasType()) words += (words.empty() ? "" : ", ") + WordOf(format);
+    return words;
+}
+
+EReferenceType KindFromWord(const std::string& option, const std::string& word) {
+    for (const BReferenceFormat& format : BReferenceFormats::List())
+        if (format.HasType() && WordOf(format) == CLI::detail::to_lower(word)) return format.GetType();
+    throw CLI::ValidationError(option, word + " is none of " + KindWords());
+}
+
+ReadOptions::ReadOptions() {
+    params.SetInteger(BMapAnchor::kValErsCodes, 1);
+}
+
+void ReadOptions::AddTo(CLI::App& app) {
+    app.add_option_function<std::string>(
+           "--type", [this](const std::string& word) { type = KindFromWord("--type", word); },
+           "Read as this kind, whatever the name: " + KindWords())
+        ->type_name("KIND");
+    app.add_option_function<std::vector<std::string>>(
+           "--strict",
+           [this](const std::vector<std::string>& parts) {
+               for (const std::string& part : parts)
+                   flags |= kStrictParts.at(part);
+           },
+           "Fail when that part cannot be had (with --type): transform, crs")
+        ->delimiter(',')
+        ->check(CLI::IsMember({"transform", "crs"}))
+        ->type_name("PART,...");
+    app.add_option_function<std::string>(
+           "--size", [this](const std::string& text) { ParseSize(text, *this); },
+           "The raster's size in pixels; of a PDF without it: its box at the resolution")
+        ->type_name("WxH");
+    app.add_option(
+           "--fit", fit,
+           "Fit through control points: affine, conformal, poly2, poly3, projective, tps, bilinear, none")
+        ->transform(CLI::CheckedTransformer(kFits, CLI::ignore_case))
+        ->type_name("FIT");
+    app.add_option_function<std::string>(
+           "--pdf-box",
+           [this](const std::string& box) {
+               pdf_box = kPdfBoxes.at(box);
+               params.SetInteger(BMapAnchor::kValPDFCropType, pdf_box);
+           },
+           "The box of a PDF page that the raster shows: art, trim, bleed, crop, media")
+        ->check(CLI::IsMember({"art", "trim", "bleed", "crop", "media"}))
+        ->type_name("BOX");
+    AddNumber(
+        app, "--dpi",
+        [this](double value) {
+            dpi = value;
+            params.SetDouble(BMapAnchor::kValPDFResolution, value);
+        },
+        {1.0, 1e5}, "Resolution of a PDF page in dots per inch; 72 without it")
+        ->type_name("N");
+    app.add_option_function<std::string>(
+           "--gdal-drivers", AllowDrivers,
+           "Also let these GDAL drivers read, such as VRT; they open what a file names")
+        ->type_name("DRIVER,...");
+}

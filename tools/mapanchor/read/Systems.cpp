@@ -1,0 +1,35 @@
+#include "read/Systems.h"
+
+using Tellurion::BCoordSys;
+using Tellurion::BString;
+
+SystemAnswer SystemFromText(const std::string& text) {
+    SystemAnswer answer;
+    BString understood_as;
+    answer.system.reset(BCoordSys::FromText(BString(text), &understood_as));
+    answer.understood_as = understood_as.StdStr();
+    return answer;
+}
+
+bool IsSameSystem(const BCoordSys& a, const BCoordSys& b) {
+    if (a.IsSame(b)) return true;
+    // A system without heights is also that of the horizontal part of one with heights.
+    const std::unique_ptr<BCoordSys> vertical_a(a.GetVerticalCoordSys());
+    const std::unique_ptr<BCoordSys> vertical_b(b.GetVerticalCoordSys());
+    if (!vertical_a == !vertical_b) return false;
+    const BCoordSys& compound = vertical_a ? a : b;
+    const std::unique_ptr<BCoordSys> horizontal(compound.GetBaseCoordSys());
+    return horizontal && horizontal->IsSame(vertical_a ? b : a);
+}
+
+std::string TitleOf(const BCoordSys& system) {
+    const std::string name = system.GetName().StdStr();
+    return name.empty() ? "without a name" : name;
+}
+
+std::string NameOf(const BCoordSys& system) {
+    const std::string name = system.GetName().StdStr();
+    const std::string code = system.ToEPSGCode().StdStr();
+    if (name.empty() || code.empty()) return name.empty() && !code.empty() ? code : TitleOf(system);
+    return name + " (" + code + ")";
+}

@@ -1,0 +1,119 @@
+#include "render/AntimeridianCut.h"
+
+#include <MapAnchor/BQuietGdal.h>
+
+#include <ogr_geometry.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace {
+
+constexpr double kTurn = 360.0;
+constexpr double kHalfTurn = 180.0;
+
+/// A tenth of a millimetre; the noise of the conversion is not worth its digits.
+double Rounded(double degrees) {
+    constexpr double kPerDegree = 1e9;
+    return std::round(degrees * kPerDegree) / kPerDegree + 0.0;  // no negative zero
+}
+
+OGRPolygon ToPolygon(const std::vector<Position>& line) {
+    OGRLinearRing ring;
+    for (const Position& position : line)
+        ring.addPoint(position.x, position.y);
+    ring.closeRings();
+    OGRPolygon polygon;
+    polygon.addRing(&ring);
+    return polygon;
+}
+
+OGRPolygon Strip(double west, double east) {
+    constexpr double kBeyondPole = 100.0;
+    return ToPolygon({{west, -kBeyondPole}, {east, -kBeyondPole}, {east, kBeyondPole}, {west, kBeyondPole}});
+}
+
+void AddRing(const OGRPolygon& polygon, double shift, Footprint& footprint) {
+    std::unique_ptr<OGRLinearRing> ring(polygon.getExteriorRing()->clone());
+    if (ring->isClockwise()) ring->reverseWindingOrder();
+    std::vector<Position> positions;
+    for (const OGRPoint& point : *ring) {
+        const Position position{Rounded(point.getX() + shift), Rounded(point.getY())};
+        if (positions.empty() || positions.back().x != position.x || positions.back().y != position.y)
+            positions.push_back(position);
+    }
+    constexpr std::size_t kTriangle = 4;
+    if (positions.size() >= kTriangle) footprint.rings.push_back(std::move(positions));
+}
+
+void AddRings(const OGRGeometry& geometry, double shift, Footprint& footprint) {
+    const auto kind = wkbFlatten(geometry.getGeometryType());
+    if (kind == wkbPolygon && !geometry.IsEmpty()) return AddRing(*geometry.toPolygon(), shift, footprint);
+    if (!OGR_GT_IsSubClassOf(kind, wkbGeometryCollection)) return;
+    for (const OGRGeometry* part : *geometry.toGeometryCollection())
+        AddRings(*part, shift, footprint);
+}
+
+/// Parts that touch along a meridian become one.
+void AddUnion(const OGRMultiPolygon& parts, Footprint& footprint) {
+    const std::unique_ptr<OGRGeometry> whole(parts.UnionCascaded());
+    if (whole) AddRings(*whole, 0.0, footprint);
+}
+
+void Shift(OGRGeometry& geometry, double shift, OGRMultiPolygon& parts) {
+    Footprint moved;
+    AddRings(geometry, shift, moved);
+    for (const auto& ring : moved.rings) {
+        const OGRPolygon part = ToPolygon(ring);
+        parts.addGeometry(&part);
+    }
+}
+
+/// False when the outline crosses itself, so that nothing can be cut.
+bool Cut(const OGRPolygon& area, const OGREnvelope& extent, Footprint& footprint) {
+    const auto turn_of = [](double longitude) { return std::floor((longitude + kHalfTurn) / kTurn); };
+    const double most_east = std::min(extent.MaxX, extent.MinX + kTurn);  // nothing is told twice
+    OGRMultiPolygon parts;
+    // NOLINTNEXTLINE(clang-analyzer-security.FloatLoopCounter): whole numbers of any size
+    for (double turn = turn_of(extent.MinX); turn <= turn_of(extent.MaxX); ++turn) {
+        const double west = std::max(extent.MinX, turn * kTurn - kHalfTurn);
+        const double east = std::min(most_east, turn * kTurn + kHalfTurn);
+        if (west >= east) continue;
+        const OGRPolygon strip = Strip(west, east);
+        const std::unique_ptr<OGRGeometry> part(area.Intersection(&strip));
+        if (!part) return false;
+        Shift(*part, -turn * kTurn, parts);
+    }
+    AddUnion(parts, footprint);
+    return true;
+}
+
+void SetBox(const OGREnvelope& extent, Footprint& footprint) {
+    footprint.south = Rounded(extent.MinY);
+    footprint.north = Rounded(extent.MaxY);
+    footprint.west = -kHalfTurn;
+    footprint.east = kHalfTurn;
+    if (extent.MaxX - extent.MinX >= kTurn) return;
+    const double shift = -kTurn * std::floor((extent.MinX + kHalfTurn) / kTurn);
+    footprint.west = Rounded(extent.MinX + shift);
+    footprint.east = Rounded(extent.MaxX + shift);
+    if (footprint.east > kHalfTurn) footprint.east = Rounded(footprint.east - kTurn);
+}
+
+}  // namespace
+
+std::optional<Footprint> CutAtAntimeridian(const std::vector<Position>& line) {
+    const MapAnchor::BQuietGdal quiet;
+    const OGRPolygon area = ToPolygon(line);
+    OGREnvelope extent;
+    area.getEnvelope(&extent);
+    Footprint footprint;
+    SetBox(extent, footprint);
+    if (!area.IsValid()) return std::nullopt;
+    if (extent.MinX >= -kHalfTurn && extent.MaxX <= kHalfTurn)
+        AddRings(area, 0.0, footprint);
+    else if (!Cut(area, extent, footprint))
+        return std::nullopt;
+    return footprint.rings.empty() ? std::nullopt : std::optional(std::move(footprint));
+}

@@ -1,0 +1,303 @@
+#include "render/JsonRenderer.h"
+
+#include "read/AffineOf.h"
+#include "read/ReferenceFacts.h"
+#include "read/Residuals.h"
+#include "render/PdfPageRenderer.h"
+
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BLinearUnit.h>
+#include <Tellurion/Printable.h>
+
+#include <charconv>
+#include <cmath>
+#include <memory>
+#include <string_view>
+
+using namespace Tellurion;
+
+namespace {
+
+/// Absent means absent: what JSON cannot tell is left out.
+void PutNumber(Json& object, const char* key, double value) {
+    if (std::isfinite(value)) object[key] = value;
+}
+
+void PutText(Json& object, const char* key, const BString& text) {
+    if (!text.IsEmpty()) object[key] = text.StdStr();
+}
+
+/// GDAL's order, anchored at the outer corner of the top left pixel.
+Json GeoTransform(const std::array<double, 6>& t, bool centre_anchored) {
+    const double half = centre_anchored ? 0.5 : 0.0;
+    const double c = t[2] - half * t[0] - half * t[1];
+    const double f = t[5] - half * t[3] - half * t[4];
+    return Json::array({c, t[0], t[1], f, t[3], t[4]});
+}
+
+Json GcpJson(const BPointPair& pair) {
+    Json gcp = {{"id", pair.Name.StdStr()}, {"pixel", pair.Column}, {"line", pair.Row}};
+    PutNumber(gcp, "x", pair.World.x);
+    PutNumber(gcp, "y", pair.World.y);
+    PutNumber(gcp, "z", pair.World.z);
+    return gcp;
+}
+
+Json PointJson(const BPointPair& pair, const std::optional<double>& residual) {
+    Json point = {{"name", pair.Name.StdStr()}, {"column", pair.Column}, {"row", pair.Row}};
+    PutNumber(point, "x", pair.World.x);
+    PutNumber(point, "y", pair.World.y);
+    PutNumber(point, "z", pair.World.z);
+    point["enabled"] = pair.Enabled;
+    if (residual) PutNumber(point, "residualPixels", *residual);
+    return point;
+}
+
+Json Transform(const BMathTransform& transform, const Residuals& residuals) {
+    const EMathTransformType type = transform.GetMathTransformType();
+    Json json = {{"type", static_cast<int>(type)}, {"name", WordFor(type)}};
+    if (residuals.root_mean_square) PutNumber(json, "rmsePixels", *residuals.root_mean_square);
+    if (residuals.maximum) PutNumber(json, "maxPixels", *residuals.maximum);
+    return json;
+}
+
+/// The lists of control points stay empty.
+void PutReference(Json& top, Json& ours, const ReadResult& result, const Residuals& residuals) {
+    const BGeoReference& reference = result.reference;
+    if (const auto affine = AffineOf(reference)) {
+        const auto& t = *affine;
+        top["geoTransform"] = GeoTransform(t, result.centre_anchored);
+        ours["affine"] = {{"a", t[0]}, {"b", t[1]}, {"c", t[2]}, {"d", t[3]}, {"e", t[4]}, {"f", t[5]}};
+        ours["pixelAnchor"] = result.centre_anchored ? "centre" : "corner";
+    }
+    if (reference.HasMathTransform()) ours["transform"] = Transform(*reference.MathTransform, residuals);
+    if (reference.HasCoordSys()) {
+        const BString wkt = reference.CoordSys->ToWholeWKT();
+        if (!wkt.IsEmpty()) top["coordinateSystem"] = {{"wkt", wkt.StdStr()}};
+        ours["coordSys"] = RenderJson(*reference.CoordSys);
+    }
+    if (!reference.PointPairVector.empty()) {
+        top["gcps"] = {{"gcpList", Json::array()}};
+        ours["points"] = Json::array();
+    }
+    if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
+        ours["verticalUnit"] = {{"name", unit->GetName().StdStr()},
+                                {"unitsPerMetre", unit->GetUnitsPerMeter()}};
+    ours["pixelIsPoint"] = reference.IsPixelAsPointRegistered();
+}
+
+Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals) {
+    Json top = JsonAbout(result.file);
+    Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
+    if (result.failure) {
+        ours["error"] = RenderJson(*result.failure);
+    } else {
+        if (result.width) top["size"] = {*result.width, *result.height};
+        if (!result.kind.empty()) ours["referenceType"] = result.kind;
+        ours["road"] = result.road == Road::Name ? "name" : "type";
+        ours["usedFile"] = result.used_file;
+        PutReference(top, ours, result, residuals);
+    }
+    if (result.page) ours["pdfPage"] = PdfPageJson(*result.page);
+    ours["diagnostics"] = RenderJson(result.diagnostics);
+    top["mapanchor"] = std::move(ours);
+    return top;
+}
+
+std::string DumpedJson(const Json& json, const CommonOptions& options) {
+    return PrintableJson(json.dump(options.indent, ' ', false, Json::error_handler_t::replace));
+}
+
+/// Passes a text of JSON on and fills the empty lists in it, entry by entry: as one tree
+/// they would need a hundred times the memory of the points.
+class ListFiller {
+public:
+    ListFiller(std::string_view text, const CommonOptions& options, const TextPieces::Write& write)
+        : rest_(text), options_(options), out_(write) {}
+
+    /// The next list of that name, which is two levels below the top.
+    template <class EntryOf>
+    void Fill(const std::string& name, std::size_t count, EntryOf entry_of) {
+        constexpr int kListLevel = 2;
+        // A quote within a text has a backslash before it, so that this is no text.
+        const std::string list = '"' + name + (options_.indent < 0 ? "\":[]" : "\": []");
+        const std::size_t end = rest_.find(list) + list.size() - 1;
+        out_.Text() += rest_.substr(0, end);
+        rest_.remove_prefix(end);
+        const std::string line = LineEnd(kListLevel + 1);
+        for (std::size_t i = 0; i < count; ++i) {
+            out_.Text() += i == 0 ? line : ',' + line;
+            AppendWithLineEnds(DumpedJson(entry_of(i), options_), line);
+            out_.PassOn();
+        }
+        out_.Text() += LineEnd(kListLevel);
+    }
+    void Finish() {
+        out_.Text() += rest_;
+        out_.Finish();
+    }
+
+private:
+    std::string LineEnd(int level) const {
+        return options_.indent < 0
+                   ? ""
+                   : '\n' + std::string(static_cast<std::size_t>(level * options_.indent), ' ');
+    }
+    void AppendWithLineEnds(const std::string& entry, const std::string& line) {
+        if (line.empty()) {
+            out_.Text() += entry;
+            return;
+        }
+        for (const char c : entry)
+            if (c == '\n')
+                out_.Text() += line;
+            else
+                out_.Text() += c;
+    }
+
+    std::string_view rest_;
+    const CommonOptions& options_;
+    TextPieces out_;
+};
+
+constexpr const char* kDescription = "description";
+constexpr const char* kDescriptionBytes = "descriptionBytes";
+
+bool StaysInUri(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+           std::string_view("/-._~").find(c) != std::string_view::npos;
+}
+
+std::string FromPercent(const std::string& text) {
+    constexpr std::size_t kLength = 3;  // of "%E9"
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size();) {
+        unsigned char byte = 0;
+        const char* const digits = text.data() + i + 1;
+        const bool is_byte = text[i] == '%' && i + kLength <= text.size() &&
+                             std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2;
+        bytes += is_byte ? static_cast<char>(byte) : text[i];
+        i += is_byte ? kLength : 1;
+    }
+    return bytes;
+}
+
+}  // namespace
+
+std::string PercentText(const std::string& name) {
+    constexpr const char* kDigits = "0123456789ABCDEF";
+    std::string text;
+    for (const char c : name) {
+        const auto byte = static_cast<unsigned char>(c);
+        text +=
+            StaysInUri(c) ? std::string(1, c) : std::string{'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
+    }
+    return text;
+}
+
+std::string JsonSchema() {
+    const std::string field = R"("referenceType": {"enum": [)";
+    std::string kinds;
+    for (const auto& format : MapAnchor::BReferenceFormats::List())
+        kinds += (kinds.empty() ? "\"" : ", \"") + format.GetName().StdStr() + "\"";
+    std::string schema = kJsonSchema;
+    return schema.insert(schema.find(field) + field.size(), kinds);
+}
+
+Json JsonAbout(const std::string& name) {
+    Json json = {{kDescription, name}};
+    if (!IsUtf8(name)) json[kDescriptionBytes] = PercentText(name);
+    return json;
+}
+
+std::optional<std::string> NameIn(const Json& row) {
+    if (!row.is_object()) return std::nullopt;
+    for (const char* key : {kDescriptionBytes, kDescription})
+        if (row.contains(key) && row[key].is_string()) {
+            const std::string text = row[key].get<std::string>();
+            return key == kDescription ? text : FromPercent(text);
+        }
+    return std::nullopt;
+}
+
+namespace {
+
+Json PartJson(const BCoordSys& part) {
+    Json json = Json::object();
+    PutText(json, "name", part.GetName());
+    PutText(json, "epsg", part.ToEPSGCode());
+    return json;
+}
+
+/// The two parts of a compound system.
+void PutParts(Json& json, const BCoordSys& system) {
+    const std::unique_ptr<BCoordSys> vertical(system.GetVerticalCoordSys());
+    const std::unique_ptr<BCoordSys> horizontal(vertical ? system.GetBaseCoordSys() : nullptr);
+    if (!horizontal) return;
+    json["horizontal"] = PartJson(*horizontal);
+    json["vertical"] = PartJson(*vertical);
+}
+
+}  // namespace
+
+Json RenderJson(const BCoordSys& system) {
+    Json json = Json::object();
+    PutText(json, "name", system.GetName());
+    json["kind"] = WordForKind(system);
+    PutText(json, "epsg", system.ToEPSGCode());
+    PutParts(json, system);
+    if (const double epoch = system.GetCoordinateEpoch(); epoch != 0.0) PutNumber(json, "epoch", epoch);
+    const BSharedPtr<BUnit> unit = system.GetUnits();
+    if (!unit) return json;
+    PutText(json, "units", unit->GetName());
+    if (unit->IsLinear()) PutNumber(json, "unitsPerMetre", unit->GetUnitsPerBase());
+    return json;
+}
+
+Json RenderJson(const Failure& failure) {
+    Json json = {{"type", failure.type}};
+    for (const auto& [key, text] : {std::pair<const char*, const std::string&>{"message", failure.message},
+                                    {"source", failure.source},
+                                    {"detail", failure.detail}})
+        if (!text.empty()) json[key] = text;
+    return json;
+}
+
+Json RenderJson(const Diagnostics& diagnostics) {
+    Json list = Json::array();
+    for (const Diagnostic& diagnostic : diagnostics) {
+        Json remark = {{"severity", diagnostic.Severity()}, {"text", diagnostic.text}};
+        if (!diagnostic.id.empty()) remark["id"] = diagnostic.id;
+        list.push_back(std::move(remark));
+    }
+    return list;
+}
+
+Json JsonWithoutPoints(const ReadResult& result) {
+    return JsonWithoutPoints(result, ComputeResiduals(result.reference));
+}
+
+Json PointsJson(const ReadResult& result) {
+    const Residuals residuals = ComputeResiduals(result.reference);
+    Json list = Json::array();
+    for (std::size_t i = 0; i < residuals.pixels.size(); ++i)
+        list.push_back(PointJson(result.reference.PointPairVector[i], residuals.pixels[i]));
+    return list;
+}
+
+void WriteJson(const ReadResult& result, const CommonOptions& options, const TextPieces::Write& write) {
+    const Residuals residuals = ComputeResiduals(result.reference);
+    const std::vector<BPointPair>& pairs = result.reference.PointPairVector;
+    const std::string text = ToText(JsonWithoutPoints(result, residuals), options);
+    ListFiller filler(text, options, write);
+    if (result.Ok() && !pairs.empty()) {
+        filler.Fill("gcpList", pairs.size(), [&](std::size_t i) { return GcpJson(pairs[i]); });
+        filler.Fill("points", pairs.size(),
+                    [&](std::size_t i) { return PointJson(pairs[i], residuals.pixels[i]); });
+    }
+    filler.Finish();
+}
+
+std::string ToText(const Json& json, const CommonOptions& options) {
+    return DumpedJson(json, options) + "\n";
+}

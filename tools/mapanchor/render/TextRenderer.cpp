@@ -1,0 +1,187 @@
+#include "render/TextRenderer.h"
+
+#include "read/AffineOf.h"
+#include "read/RasterFrame.h"
+#include "read/ReferenceFacts.h"
+#include "read/Residuals.h"
+#include "read/Systems.h"
+#include "render/PdfPageRenderer.h"
+
+#include <Tellurion/BLinearUnit.h>
+#include <Tellurion/Numbers.h>
+#include <Tellurion/Printable.h>
+#include <Tellurion/TextPieces.h>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Tellurion;
+
+namespace {
+
+std::string Number(double value) {
+    return PrintShortest(value);
+}
+
+/// Characters, not bytes: names align beyond ASCII too.
+std::size_t Width(const std::string& text) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+std::string Padded(const std::string& text, std::size_t width) {
+    const std::size_t have = Width(text);
+    return have < width ? text + std::string(width - have, ' ') : text;
+}
+
+std::string Line(const Console& console, const char* label, const std::string& text) {
+    return RenderLine(label, text, console);
+}
+
+std::string SystemText(const BCoordSys& system) {
+    std::string text = TitleOf(system);
+    const std::string epsg = system.ToEPSGCode().StdStr();
+    if (!epsg.empty()) text += ", " + epsg;
+    text += std::string(", ") + WordForKind(system);
+    const BSharedPtr<BUnit> unit = system.GetUnits();
+    return unit ? text + ", in " + unit->GetName().StdStr() : text;
+}
+
+/// "2 * column - 0.5 * row + 100", without the terms that are 0.
+std::string Sum(double by_column, double by_row, double constant) {
+    std::string text;
+    const auto add = [&text](double factor, const char* times) {
+        if (factor == 0.0) return;
+        const bool minus = std::signbit(factor);
+        text += text.empty() ? (minus ? "-" : "") : (minus ? " - " : " + ");
+        text += Number(std::fabs(factor)) + times;
+    };
+    add(by_column, " * column");
+    add(by_row, " * row");
+    add(constant, "");
+    return text.empty() ? "0" : text;
+}
+
+std::string AffineText(const std::array<double, 6>& t, const Console& console) {
+    return Line(console, "", "x = " + Sum(t[0], t[1], t[2])) +
+           Line(console, "", "y = " + Sum(t[3], t[4], t[5]));
+}
+
+std::string CornerText(const BMathTransform& transform, double column, double row) {
+    if (!transform.ConvertSourceToTarget(column, row)) return "nowhere";
+    return Number(column) + ", " + Number(row);
+}
+
+std::string CornersText(const BMathTransform& transform, const ReadResult& result, const Console& console) {
+    if (!result.width) return {};
+    const RasterFrame frame = FrameOf(result, *result.width, *result.height);
+    return Line(console, "corners", "upper left   " + CornerText(transform, frame.left, frame.top)) +
+           Line(console, "", "upper right  " + CornerText(transform, frame.right, frame.top)) +
+           Line(console, "", "lower right  " + CornerText(transform, frame.right, frame.bottom)) +
+           Line(console, "", "lower left   " + CornerText(transform, frame.left, frame.bottom));
+}
+
+std::string TransformText(const ReadResult& result, const Residuals& residuals, const Console& console) {
+    const BMathTransform& transform = *result.reference.MathTransform;
+    std::string what = WordFor(transform.GetMathTransformType());
+    what += result.centre_anchored ? ", from the centre" : ", from the outer corner";
+    std::string text = Line(console, "transform", what + " of the top left pixel");
+    if (const auto affine = AffineOf(result.reference)) text += AffineText(*affine, console);
+    if (residuals.root_mean_square)
+        text += Line(console, "residuals",
+                     "root mean square " + Number(*residuals.root_mean_square) + ", largest " +
+                         Number(*residuals.maximum) + " pixels");
+    return text + CornersText(transform, result, console);
+}
+
+using TableRow = std::vector<std::string>;
+
+/// The rows are made twice, the first time for the widths of the columns, since millions of
+/// them need many times the memory of what they show.
+template <class RowAt>
+void WriteTable(std::size_t count, RowAt row_at, const Console& console, TextPieces& out) {
+    std::vector<std::size_t> widths(row_at(0).size(), 0);
+    for (std::size_t i = 0; i < count; ++i) {
+        const TableRow row = row_at(i);
+        for (std::size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], Width(Printable(row[column])));
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const TableRow row = row_at(i);
+        std::string line = " ";
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            const std::string cell = Printable(row[column]);
+            line += " " + (column + 1 < row.size() ? Padded(cell, widths[column]) : cell);
+        }
+        out.Text() += (i == 0 ? console.Bold(line) : line) + "\n";
+        out.PassOn();
+    }
+}
+
+void WritePoints(const std::vector<BPointPair>& pairs, const Residuals& residuals, const Console& console,
+                 TextPieces& out) {
+    const auto row_at = [&](std::size_t i) -> TableRow {
+        if (i == 0) return {"point", "column", "row", "x", "y", "z", "residual", "used"};
+        const BPointPair& pair = pairs[i - 1];
+        const std::optional<double>& residual = residuals.pixels[i - 1];
+        return {pair.Name.StdStr(),
+                std::to_string(pair.Column),
+                std::to_string(pair.Row),
+                Number(pair.World.x),
+                Number(pair.World.y),
+                Number(pair.World.z),
+                residual ? PrintFixed(*residual, 3) : "-",
+                pair.Enabled ? "yes" : "no"};
+    };
+    WriteTable(pairs.size() + 1, row_at, console, out);
+}
+
+const char* RoadText(Road road) {
+    return road == Road::Name ? "by name" : "by type";
+}
+
+}  // namespace
+
+std::string RenderLine(const char* label, const std::string& text, const Console& console) {
+    constexpr std::size_t kLabelWidth = 12;
+    return "  " + console.Dim(Padded(label, kLabelWidth)) + " " + Printable(text) + "\n";
+}
+
+std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console) {
+    std::string text;
+    TextPieces out([&text](std::string_view piece) { text += piece; });
+    WriteTable(
+        rows.size(), [&rows](std::size_t i) { return rows[i]; }, console, out);
+    out.Finish();
+    return text;
+}
+
+void PrintReference(const ReadResult& result, const CommonOptions& common, const Console& console) {
+    const BGeoReference& reference = result.reference;
+    const Residuals residuals = ComputeResiduals(reference);
+    TextPieces out([&console](std::string_view piece) { console.Print(piece); });
+    std::string& text = out.Text();
+    text += console.Bold(result.file) + "\n";
+    text += Line(console, "read as",
+                 result.kind + ", " + RoadText(result.road) +
+                     (result.used_file == result.file ? "" : ", from " + result.used_file));
+    text += Line(console, "system", reference.HasCoordSys() ? SystemText(*reference.CoordSys) : "none");
+    if (reference.HasMathTransform()) text += TransformText(result, residuals, console);
+    if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
+        text += Line(console, "heights", "in " + unit->GetName().StdStr());
+    if (reference.IsPixelAsPointRegistered()) text += Line(console, "pixels", "stand for points");
+    if (!reference.PointPairVector.empty()) WritePoints(reference.PointPairVector, residuals, console, out);
+    if (result.page) text += RenderPdfPage(*result.page, console);
+    if (common.verbose && reference.HasCoordSys())
+        text += Line(console, "text", reference.CoordSys->ToWKT().StdStr());
+    out.Finish();
+}
+
+void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,
+               const Console& console) {
+    const std::string about = "mapanchor: " + (file.empty() ? "\"\"" : file) + ": ";
+    if (failure) console.Complain(about + "error: " + failure->Text());
+    for (const Diagnostic& diagnostic : diagnostics)
+        console.Talk(about + diagnostic.Severity() + ": " + diagnostic.text +
+                     (diagnostic.id.empty() ? "" : " [" + diagnostic.id + "]"));
+}

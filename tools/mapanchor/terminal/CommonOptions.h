@@ -1,0 +1,37 @@
+#pragma once
+
+#include "terminal/Console.h"
+
+#include <functional>
+#include <string>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+/// Options that every subcommand has.
+struct CommonOptions {
+    bool json = false;
+    int indent = -1;
+    bool quiet = false;
+    bool verbose = false;
+    ColorMode color = ColorMode::Auto;
+
+    void AddTo(CLI::App& app);
+    Console MakeConsole() const { return Console(color, quiet); }
+};
+
+/// A check of an option: what is wrong with an empty name, which a script may have made of a
+/// variable that is not set.
+std::string RefuseEmpty(const std::string& name);
+
+struct NumberRange {
+    double least = 0.0;
+    double most = 1e9;
+};
+
+/// An option whose value is a number in the range, written with a decimal point whatever
+/// the locale of the process.
+CLI::Option* AddNumber(CLI::App& app, const std::string& name, std::function<void(double)> take,
+                       NumberRange range, const std::string& description);
