@@ -14,7 +14,7 @@ using namespace MapAnchor;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const fuzz::MemoryFile memory("jp2");
     memory.Fill(data, size);
-    RandomAccessFile file;
+    Tellurion::RandomAccessFile file;
     if (!file.Open(memory.Path())) std::abort();
     BoxWalk walk(file);
     Box box;

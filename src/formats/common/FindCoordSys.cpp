@@ -12,19 +12,19 @@ using Tellurion::BString;
 using Tellurion::ELogSeverity;
 
 BSharedPtr<BCoordSys> FindCoordSys(const std::function<BSharedPtr<BCoordSys>()>& look_up,
-                                   OnFailure on_failure, const CoordSysVoice& voice) {
+                                   OnFailure on_failure, const CoordSysTexts& texts) {
     BSharedPtr<BCoordSys> system;
     try {
         system = look_up();
     } catch (const Tellurion::BException& error) {
         const BString text = error.GetDetailedMessage();
-        BLogger::Instance()->Write(ELogSeverity::Error, voice.log_line(text));
+        BLogger::Instance()->Write(ELogSeverity::Error, texts.log_line(text));
         if (on_failure == OnFailure::Throw)
-            throw BGeoReferenceInvalidCoordSysException(voice.thrown_source, text);
+            throw BGeoReferenceInvalidCoordSysException(texts.thrown_source, text);
         return {};
     }
     if (system.IsEmpty() && on_failure == OnFailure::Throw)
-        throw BGeoReferenceInvalidCoordSysException(voice.source, voice.nothing_found());
+        throw BGeoReferenceInvalidCoordSysException(texts.source, texts.nothing_found());
     return system;
 }
 

@@ -10,8 +10,8 @@
 
 namespace MapAnchor {
 
-/// How a format speaks when its coordinate system cannot be had.
-struct CoordSysVoice {
+/// The texts of a format whose coordinate system cannot be found.
+struct CoordSysTexts {
     const char* source;         ///< of the exceptions, such as "BRefRSF::Read"
     const char* thrown_source;  ///< of the exception that stands for one of the look-up's own
     /// The log line for a failure of the look-up with that message.
@@ -24,6 +24,6 @@ struct CoordSysVoice {
 /// BGeoReferenceInvalidCoordSysException where that is a failure.
 Tellurion::BSharedPtr<Tellurion::BCoordSys> FindCoordSys(
     const std::function<Tellurion::BSharedPtr<Tellurion::BCoordSys>()>& look_up, OnFailure on_failure,
-    const CoordSysVoice& voice);
+    const CoordSysTexts& texts);
 
 }  // namespace MapAnchor

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/FailureTexts.h"
+
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BString.h>
@@ -7,18 +9,12 @@
 
 namespace MapAnchor {
 
-/// How a format speaks of the file that it writes.
-struct OutputVoice {
-    const char* source;  ///< of log lines and exceptions, such as "BRefWLD::Write"
-    const char* kind;    ///< such as "WLD"
-};
-
 /// A sidecar that is being written. Its name keeps the old content until the whole of the
 /// new one is on the disk. A refused save leaves what was written before the refusal,
-/// such as an empty file: hosts know the formats so. A failed one leaves the old file.
+/// such as an empty file, which hosts rely on. A failed one leaves the old file.
 class OutputFile {
 public:
-    OutputFile(const Tellurion::BString& path, const OutputVoice& voice) : file_(path), voice_(voice) {}
+    OutputFile(const Tellurion::BString& path, const FailureTexts& texts) : file_(path), texts_(texts) {}
 
     bool Open() { return file_.Open(); }
     /// A failure is logged and ends as a BFileAccessException with that detail.
@@ -43,7 +39,7 @@ private:
     static constexpr auto kSync = Tellurion::BFileReplacement::EAfterPowerFailure::OldOrNew;
 
     Tellurion::BFileReplacement file_;
-    const OutputVoice& voice_;
+    const FailureTexts& texts_;
 };
 
 template <class Work>

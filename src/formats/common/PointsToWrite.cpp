@@ -21,7 +21,7 @@ const std::vector<BPointPair>& PointsToWrite(const BGeoReference& reference, Ras
 
 const std::vector<BPointPair>& PointsToWrite(const BGeoReference& reference, RasterExtent extent,
                                              OnFailure on_failure, const BString& file,
-                                             const CornerVoice& voice, std::vector<BPointPair>& corners) {
+                                             const FailureTexts& texts, std::vector<BPointPair>& corners) {
     if (!reference.PointPairVector.empty()) return reference.PointPairVector;
     if (!reference.HasMathTransform() || extent.width < 1 || extent.height < 1) return corners;
     try {
@@ -29,7 +29,7 @@ const std::vector<BPointPair>& PointsToWrite(const BGeoReference& reference, Ras
     } catch (const Tellurion::BGeoCalcException& error) {
         if (on_failure == OnFailure::Throw)
             throw BGeoReferenceInvalidTransformException(
-                voice.source, BString::Format(voice.detail_format, file, error.GetDetailedMessage()));
+                texts.source, BString::Format(texts.corners_detail, file, error.GetDetailedMessage()));
     }
     return corners;
 }

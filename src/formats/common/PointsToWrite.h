@@ -17,19 +17,13 @@ const std::vector<Tellurion::BPointPair>& PointsToWrite(const Tellurion::BGeoRef
                                                         RasterExtent extent,
                                                         std::vector<Tellurion::BPointPair>& corners);
 
-/// How a format speaks when corners cannot be made.
-struct CornerVoice {
-    const char* source;
-    const char* detail_format;  ///< takes the file's name and the message
-};
-
-/// The same for the typed road: corners only of a raster with a size, and a transform
+/// The same for the typed path: corners only of a raster with a size, and a transform
 /// that the coordinate system database fails on gives as many as it can, or a
 /// BGeoReferenceInvalidTransformException.
 const std::vector<Tellurion::BPointPair>& PointsToWrite(const Tellurion::BGeoReference& reference,
                                                         RasterExtent extent, OnFailure on_failure,
                                                         const Tellurion::BString& file,
-                                                        const CornerVoice& voice,
+                                                        const FailureTexts& texts,
                                                         std::vector<Tellurion::BPointPair>& corners);
 
 }  // namespace MapAnchor

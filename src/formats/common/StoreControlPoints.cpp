@@ -16,7 +16,7 @@ using Tellurion::EMathTransformType;
 
 bool StoreControlPoints(Tellurion::BGeoReference& reference, std::vector<Tellurion::BPointPair> pairs,
                         EMathTransformType type, RasterExtent extent, OnFailure on_failure,
-                        const ControlPointVoice& voice) {
+                        const FailureTexts& texts) {
     constexpr bool kOptimizeFor2D = true;
     try {
         const BMathTransform transform(type, pairs, static_cast<unsigned int>(extent.width),
@@ -25,9 +25,9 @@ bool StoreControlPoints(Tellurion::BGeoReference& reference, std::vector<Telluri
         return true;
     } catch (const BException& error) {
         const BString text = error.GetDetailedMessage();
-        BLogger::Instance()->WriteLine(ELogSeverity::Error, voice.log_format, text);
+        BLogger::Instance()->WriteLine(ELogSeverity::Error, texts.points_line, text);
         if (on_failure == OnFailure::Throw)
-            throw BGeoReferenceInvalidTransformException(voice.thrown_source, text);
+            throw BGeoReferenceInvalidTransformException(texts.SourceOfReplaced(), text);
     }
     reference.SetPointPairVector(std::move(pairs), EMathTransformType::None);
     return false;

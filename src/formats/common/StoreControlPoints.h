@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/FailureTexts.h"
 #include "common/Strictness.h"
 
 #include <Tellurion/BGeoReference.h>
@@ -9,13 +10,6 @@
 #include <vector>
 
 namespace MapAnchor {
-
-/// How a format speaks when no transform fits its control points.
-struct ControlPointVoice {
-    const char* source;         ///< of the exceptions, such as "BRefRSF::Read"
-    const char* thrown_source;  ///< of the exception that stands for one of the fit's own
-    const char* log_format;     ///< takes the text of the fit's exception
-};
 
 /// The raster's size in pixels, as the host knows it.
 struct RasterExtent {
@@ -28,6 +22,6 @@ struct RasterExtent {
 /// and the reference stays as it was. True when the transform was stored.
 bool StoreControlPoints(Tellurion::BGeoReference& reference, std::vector<Tellurion::BPointPair> pairs,
                         Tellurion::EMathTransformType type, RasterExtent extent, OnFailure on_failure,
-                        const ControlPointVoice& voice);
+                        const FailureTexts& texts);
 
 }  // namespace MapAnchor

@@ -21,8 +21,13 @@ BString FailureText(const AffineTerms& t) {
 
 }  // namespace
 
+BString AffineLogLine(const FailureTexts& texts, const AffineTerms& t, const BString& message) {
+    if (!texts.affine_terms_line) return BString::Format(texts.affine_line, message);
+    return BString::Format(texts.affine_terms_line, t.a, t.b, t.c, t.d, t.e, t.f, message);
+}
+
 bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& t, OnFailure on_failure,
-                 const AffineVoice& voice, const AffineTerms* told) {
+                 const FailureTexts& texts, const AffineTerms* shown) {
     constexpr bool kOptimizeFor2D = true;
     try {
         const std::unique_ptr<BMathTransform> transform(
@@ -33,13 +38,12 @@ bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& t, OnFa
         }
     } catch (const BException& error) {
         const BString text = error.GetDetailedMessage();
-        BLogger::Instance()->Write(ELogSeverity::Error, voice.log_line(t, text));
+        BLogger::Instance()->Write(ELogSeverity::Error, AffineLogLine(texts, t, text));
         if (on_failure == OnFailure::GoOn) return false;
-        const char* source = voice.thrown_source ? voice.thrown_source : voice.source;
-        throw BGeoReferenceInvalidTransformException(source, text);
+        throw BGeoReferenceInvalidTransformException(texts.SourceOfReplaced(), text);
     }
     if (on_failure == OnFailure::GoOn) return false;
-    throw BGeoReferenceInvalidTransformException(voice.source, FailureText(told ? *told : t));
+    throw BGeoReferenceInvalidTransformException(texts.source, FailureText(shown ? *shown : t));
 }
 
 }  // namespace MapAnchor

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/AffineTerms.h"
+#include "common/FailureTexts.h"
 #include "common/Strictness.h"
 
 #include <Tellurion/BGeoReference.h>
@@ -8,20 +9,15 @@
 
 namespace MapAnchor {
 
-/// How a format speaks when its affine cannot be stored.
-struct AffineVoice {
-    const char* source;  ///< of the exceptions, such as "BRefWLD::Read"
-    /// The log line for a failure with that message.
-    Tellurion::BString (*log_line)(const AffineTerms& terms, const Tellurion::BString& message);
-    /// Source of the exception that stands for one caught on the way; null for `source`.
-    const char* thrown_source = nullptr;
-};
-
 /// Makes an affine of the terms and stores it. True when the reference has it;
 /// terms that make none leave the reference as it is, or end in a
-/// BGeoReferenceInvalidTransformException, which tells the terms, or those of `told`
-/// where a format tells them as they stand in the file.
+/// BGeoReferenceInvalidTransformException, whose text has the terms, or those of `shown`
+/// where a format shows them as they are in the file.
 bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& terms, OnFailure on_failure,
-                 const AffineVoice& voice, const AffineTerms* told = nullptr);
+                 const FailureTexts& texts, const AffineTerms* shown = nullptr);
+
+/// The log line of a format whose affine fails.
+Tellurion::BString AffineLogLine(const FailureTexts& texts, const AffineTerms& terms,
+                                 const Tellurion::BString& message);
 
 }  // namespace MapAnchor

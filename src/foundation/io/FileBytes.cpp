@@ -53,6 +53,19 @@ int CopyCutAndSync(int from, int to, off_t size) {
 
 }  // namespace
 
+std::size_t ReadAt(int file, std::span<char> out, std::uint64_t position, int* error) {
+    std::size_t done = 0;
+    while (done < out.size()) {
+        const ssize_t got =
+            ::pread(file, out.data() + done, out.size() - done, static_cast<off_t>(position + done));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0 && error) *error = errno;
+        if (got <= 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
 int WriteAll(int file, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(file, bytes.data(), bytes.size());

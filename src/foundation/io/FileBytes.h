@@ -2,12 +2,20 @@
 
 #include <Tellurion/Export.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
-/// Whole contents through file descriptors. Every result is an error number of the
-/// system, 0 on success.
+/// Contents through file descriptors. A result of type int is an error number of the system,
+/// 0 on success.
 namespace Tellurion::FileBytes {
+
+/// Fills `out` with the bytes from `position` on; how many there were. `error`, when given,
+/// receives the error number of a failed read.
+TELLURION_EXPORT std::size_t ReadAt(int file, std::span<char> out, std::uint64_t position,
+                                    int* error = nullptr);
 
 int WriteAll(int file, std::string_view bytes);
 

@@ -51,16 +51,11 @@ namespace {
 
 constexpr const char* kSource = "BRefGeoPDF::Read";
 
-// The log line names another reader; it is known by that.
-constexpr ControlPointVoice kPointsVoice = {kSource, kSource,
-                                            "BRefRSF::Read Failure setting the BMathTransform ERROR (%ls)"};
-
-BString AffineFailureLine(const AffineTerms& t, const BString& message) {
-    return BString::Format("BRefGeoPDF::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)", t.a, t.b,
-                           t.c, t.d, t.e, t.f, message);
-}
-
-constexpr AffineVoice kAffineVoice = {kSource, AffineFailureLine};
+// Kept for compatibility: the log line of the points names another reader.
+constexpr FailureTexts kTexts = {
+    .source = kSource,
+    .affine_terms_line = "BRefGeoPDF::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)",
+    .points_line = "BRefRSF::Read Failure setting the BMathTransform ERROR (%ls)"};
 
 void Log(const char* line) {
     BLogger::Instance()->WriteLine(ELogSeverity::Error, line);
@@ -194,9 +189,9 @@ void StoreMatrix(BGeoReference& reference, const std::vector<double>& matrix, co
         throw BGeoReferenceInvalidTransformException(
             kSource, BString::Format("The CTM of the PDF file has %d of 6 terms", matrix.size()));
     const AffineTerms terms = frame.AffineOf(matrix);
-    if (!StoreAffine(reference, terms, on_failure, kAffineVoice))
+    if (!StoreAffine(reference, terms, on_failure, kTexts))
         BLogger::Instance()->Write(ELogSeverity::Error,
-                                   AffineFailureLine(terms, "The terms give no transform"));
+                                   AffineLogLine(kTexts, terms, "The terms give no transform"));
 }
 
 }  // namespace
@@ -218,7 +213,7 @@ bool ReadGeoPDF(CPDFDocument& document, unsigned int flags, BGeoReference& refer
     }
     std::vector<BPointPair> pairs;
     if (!MakePairs(record, frame, search.system.Get(), pairs)) return false;
-    StoreControlPoints(reference, std::move(pairs), mathType, size, strictness.Transform(), kPointsVoice);
+    StoreControlPoints(reference, std::move(pairs), mathType, size, strictness.Transform(), kTexts);
     return true;
 }
 

@@ -1,11 +1,7 @@
 #include "load/FileWindow.h"
 
-#include <Tellurion/RegularFile.h>
-
-#include <sys/stat.h>
-#include <unistd.h>
 #include <algorithm>
-#include <cerrno>
+#include <span>
 #include <utility>
 
 namespace VellumLib {
@@ -19,15 +15,7 @@ constexpr std::int64_t kJump = std::int64_t{8} * 1024;
 
 }  // namespace
 
-FileWindow::FileWindow(const std::string& path) {
-    struct stat status;
-    descriptor_ = Tellurion::OpenRegularFile(path.c_str(), &status);
-    if (IsOpen()) size_ = status.st_size;
-}
-
-FileWindow::~FileWindow() {
-    if (IsOpen()) close(descriptor_);
-}
+FileWindow::FileWindow(const std::string& path) : file_(Tellurion::BString(path)) {}
 
 int FileWindow::Fetch(std::int64_t position) {
     if (position < 0 || position >= Size()) return -1;
@@ -40,22 +28,10 @@ int FileWindow::Fetch(std::int64_t position) {
     current_->start =
         position == end ? end : std::max<std::int64_t>(0, std::min(position - kLookBack, Size() - width));
     current_->filled = 0;
-    while (current_->filled < width) {
-        const std::int64_t got =
-            FillFrom(current_->End(), current_->bytes.data() + current_->filled, width - current_->filled);
-        if (got <= 0) break;
-        current_->filled += got;
-    }
+    const auto wanted = static_cast<std::size_t>(std::min(width, Size() - current_->start));
+    current_->filled = static_cast<std::int64_t>(
+        file_.ReadAt(static_cast<std::uint64_t>(current_->start), std::span(current_->bytes).first(wanted)));
     return current_->Holds(position) ? current_->At(position) : -1;
-}
-
-std::int64_t FileWindow::FillFrom(std::int64_t position, unsigned char* target, std::int64_t count) {
-    const auto wanted = static_cast<std::size_t>(std::min(count, size_ - position));
-    ssize_t got = -1;
-    do
-        got = pread(descriptor_, target, wanted, position);
-    while (got < 0 && errno == EINTR);
-    return got;
 }
 
 std::size_t FileWindow::Read(std::int64_t position, char* target, std::size_t count) {

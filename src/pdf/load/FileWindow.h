@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Tellurion/RandomAccessFile.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -16,13 +18,12 @@ public:
     /// `path` names the file; IsOpen() is false where it cannot be opened or is not
     /// a regular file.
     explicit FileWindow(const std::string& path);
-    ~FileWindow();
     FileWindow(const FileWindow&) = delete;
     FileWindow& operator=(const FileWindow&) = delete;
 
-    bool IsOpen() const { return descriptor_ >= 0; }
+    bool IsOpen() const { return file_.IsOpen(); }
     /// The length that the file had when it was opened.
-    std::int64_t Size() const { return size_; }
+    std::int64_t Size() const { return static_cast<std::int64_t>(file_.Size()); }
 
     /// The byte at `position`, -1 behind the end.
     int At(std::int64_t position) {
@@ -35,18 +36,18 @@ private:
     struct Window {
         std::int64_t start = 0;
         std::int64_t filled = 0;
-        std::array<unsigned char, std::size_t{32} * 1024> bytes;
+        std::array<char, std::size_t{32} * 1024> bytes;
 
         std::int64_t End() const { return start + filled; }
         bool Holds(std::int64_t position) const { return position >= start && position < End(); }
-        int At(std::int64_t position) const { return bytes[static_cast<std::size_t>(position - start)]; }
+        int At(std::int64_t position) const {
+            return static_cast<unsigned char>(bytes[static_cast<std::size_t>(position - start)]);
+        }
     };
 
     int Fetch(std::int64_t position);
-    std::int64_t FillFrom(std::int64_t position, unsigned char* target, std::int64_t count);
 
-    int descriptor_ = -1;
-    std::int64_t size_ = 0;
+    Tellurion::RandomAccessFile file_;
     Window windows_[2];
     Window* current_ = &windows_[0];
     Window* other_ = &windows_[1];

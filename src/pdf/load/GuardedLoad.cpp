@@ -3,12 +3,12 @@
 #include "load/FirstPageDocument.h"
 #include "load/GuardedDevice.h"
 #include "load/LoadBudget.h"
+#include "load/PoDoFoSettings.h"
 
 #include <Tellurion/BFileUtilities.h>
 
 #include <podofo/podofo.h>
 
-#include <algorithm>
 #include <exception>
 #include <mutex>
 #include <utility>
@@ -19,31 +19,6 @@ namespace {
 
 using namespace PoDoFo;
 using Tellurion::BFileUtilities;
-
-/// The parser's settings of the whole process, as a load needs them, and as they were
-/// afterwards: a cap on object numbers, and nothing on standard error.
-class ParserSettings {
-public:
-    ParserSettings() {
-        PdfParser::SetMaxObjectCount(std::min(largest_number_, LoadBudget::kObjectNumbers));
-        PdfError::EnableDebug(false);
-        PdfError::EnableLogging(false);
-    }
-    ~ParserSettings() {
-        PdfParser::SetMaxObjectCount(largest_number_);
-        PdfError::EnableDebug(debug_);
-        PdfError::EnableLogging(logging_);
-    }
-    ParserSettings(const ParserSettings&) = delete;
-    ParserSettings& operator=(const ParserSettings&) = delete;
-
-private:
-    static inline std::mutex mutex_;
-    std::lock_guard<std::mutex> lock_{mutex_};
-    long largest_number_ = PdfParser::GetMaxObjectCount();
-    bool debug_ = PdfError::DebugEnabled();
-    bool logging_ = PdfError::LoggingEnabled();
-};
 
 [[noreturn]] void RefuseUnopened(const std::string& path) {
     const Tellurion::BString name(path);
@@ -60,7 +35,8 @@ std::unique_ptr<PdfMemDocument> LoadWhole(std::unique_ptr<FileWindow> file) {
         RefusePdf(ePdfError_NoEOFToken, "EOF marker could not be found.");
     auto document = std::make_unique<PdfMemDocument>(true);
     {
-        const ParserSettings settings;
+        static std::mutex one_load_at_a_time;
+        const std::lock_guard<std::mutex> lock(one_load_at_a_time);
         document->LoadFromDevice(shared);
     }
     device->Reader().EndLoading();
@@ -70,6 +46,7 @@ std::unique_ptr<PdfMemDocument> LoadWhole(std::unique_ptr<FileWindow> file) {
 }  // namespace
 
 std::unique_ptr<PdfMemDocument> LoadGuarded(const std::string& utf8_path, EPDFExtent extent) {
+    const PoDoFoSettings settings;
     if (utf8_path.empty()) RefusePdf(ePdfError_InvalidHandle, "No file is named.");
     auto file = std::make_unique<FileWindow>(utf8_path);
     if (!file->IsOpen()) RefuseUnopened(utf8_path);

@@ -25,16 +25,6 @@ namespace {
 
 constexpr std::size_t kWriteBuffer = std::size_t{64} << 10;
 
-/// PoDoFo talks to stderr unless told not to.
-void Silence() {
-    static const bool silent = [] {
-        PoDoFo::PdfError::EnableDebug(false);
-        PoDoFo::PdfError::EnableLogging(false);
-        return true;
-    }();
-    static_cast<void>(silent);
-}
-
 QString DetailOf(const PoDoFo::PdfError& error) {
     const auto& stack = error.GetCallstack();
     return stack.empty() ? QString() : FromPdfBytes(stack.back().GetInformation().c_str());
@@ -95,7 +85,6 @@ private:
 }  // namespace
 
 CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(extent) {
-    Silence();
     try {
         Load(path);
     } catch (const PoDoFo::PdfError& error) {

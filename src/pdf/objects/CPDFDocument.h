@@ -1,6 +1,7 @@
 #pragma once
 
 #include "load/GuardedLoad.h"
+#include "load/PoDoFoSettings.h"
 #include "objects/CPDFArray.h"
 #include "objects/CPDFDictionary.h"
 
@@ -65,6 +66,7 @@ private:
     QString GetInfoText(const char* key);
     PoDoFo::PdfObject* ObjectOf(const PoDoFo::PdfReference& reference);
 
+    const PoDoFoSettings settings_;  // the first member, since the others use PoDoFo until they end
     const EPDFExtent extent_;
     std::unique_ptr<PoDoFo::PdfMemDocument> document_;
     std::map<int, std::unique_ptr<CPDFPage>> pages_;

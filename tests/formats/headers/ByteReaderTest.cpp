@@ -1,7 +1,7 @@
 // The cursor over bytes and the file that is read in windows.
 
+#include <Tellurion/RandomAccessFile.h>
 #include "common/ByteReader.h"
-#include "common/RandomAccessFile.h"
 
 #include <gtest/gtest.h>
 
@@ -50,7 +50,7 @@ TEST(ByteReader, FailsOnceAndForAllBeyondTheEnd) {
 
 TEST(RandomAccessFile, ReadsRegularFilesAndNothingBeyondTheirEnd) {
     const TempFolder folder;
-    RandomAccessFile file;
+    Tellurion::RandomAccessFile file;
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     for (const char* name : {"missing", "", "pipe"})
         EXPECT_FALSE(file.Open(BString(folder / name)) || file.IsOpen()) << name;

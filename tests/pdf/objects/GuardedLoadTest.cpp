@@ -106,6 +106,8 @@ TEST(GuardedLoad, LeavesTheParsersSettingsAsTheyWere) {
     const long largest = PdfParser::GetMaxObjectCount();
     EXPECT_EQ(CodeOf(folder.Write("small.pdf", SmallFile())), ePdfError_ErrOk);
     EXPECT_NE(CodeOf(folder.Write("bad.pdf", "%PDF-1.4\n%%EOF")), ePdfError_ErrOk);
+    CPDFDocument(QString::fromStdString(folder / "small.pdf"))
+        .Write(QString::fromStdString(folder / "out.pdf"));
     EXPECT_EQ(PdfParser::GetMaxObjectCount(), largest);
     EXPECT_TRUE(PdfError::LoggingEnabled());
 }

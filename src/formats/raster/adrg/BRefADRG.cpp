@@ -31,18 +31,17 @@ constexpr const char* kSource = "BRefADRG::Read";
 // The source of another format in what stands for a caught exception is meant: hosts know it so.
 constexpr const char* kThrownSource = "BRefERS::Read";
 
-BString AffineFailureLine(const AffineTerms&, const BString& message) {
-    return BString::Format("BRefADRG::Read Failure setting the BMathTransform ERROR (%ls)", message);
-}
-
 /// The message about terms without an affine has always named the row's size without its sign.
 AffineTerms WithoutSign(const AffineTerms& t) {
     return {t.a, t.b, t.c, t.d, -t.e, t.f};
 }
 
-constexpr AffineVoice kAffineVoice = {kSource, AffineFailureLine, kThrownSource};
+constexpr FailureTexts kTexts = {
+    .source = kSource,
+    .replaced_source = kThrownSource,
+    .affine_line = "BRefADRG::Read Failure setting the BMathTransform ERROR (%ls)"};
 
-CoordSysVoice GetCoordSysVoice() {
+CoordSysTexts GetCoordSysTexts() {
     return {kSource, kThrownSource,
             [](const BString& message) {
                 return BString::Format("BRefADRG::Read Failure setting the BCoordSys ERROR (%ls)", message);
@@ -108,9 +107,9 @@ void BRefADRG::Read(const BString& file, const unsigned int& flags, BGeoReferenc
     const Strictness strictness(flags);
     const AffineTerms terms = info->ToAffine();
     const AffineTerms told = WithoutSign(terms);
-    StoreAffine(reference, terms, strictness.Transform(), kAffineVoice, &told);
+    StoreAffine(reference, terms, strictness.Transform(), kTexts, &told);
     const auto system =
-        FindCoordSys([] { return LookUp(Wgs84()); }, strictness.CoordSys(), GetCoordSysVoice());
+        FindCoordSys([] { return LookUp(Wgs84()); }, strictness.CoordSys(), GetCoordSysTexts());
     if (!system.IsEmpty()) reference.SetCoordSys(system);
 }
 

@@ -20,14 +20,11 @@ namespace {
 
 constexpr const char* kSource = "BRefCADRG::Read";
 
-BString AffineFailureLine(const AffineTerms& t, const BString& message) {
-    return BString::Format("BRefCADRG::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)", t.a, t.b,
-                           t.c, t.d, t.e, t.f, message);
-}
+constexpr FailureTexts kTexts = {
+    .source = kSource,
+    .affine_terms_line = "BRefCADRG::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)"};
 
-constexpr AffineVoice kAffineVoice = {kSource, AffineFailureLine};
-
-CoordSysVoice GetCoordSysVoice() {
+CoordSysTexts GetCoordSysTexts() {
     return {kSource, kSource,
             [](const BString& message) {
                 return BString::Format("BRefCADRG::Read Failure setting the coordinate system ERROR (%ls)",
@@ -64,7 +61,7 @@ const char* FaultOf(const CadrgFrame& frame) {
 }  // namespace
 
 bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
-    RandomAccessFile in(file);
+    Tellurion::RandomAccessFile in(file);
     if (!in.IsOpen()) return false;
     const CadrgFrame frame = ParseCadrgFrame(in);
     if (FaultOf(frame)) return false;
@@ -74,16 +71,16 @@ bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
 }
 
 void BRefCADRG::Read(const BString& file, const unsigned int& flags, BGeoReference& reference) {
-    RandomAccessFile in(file);
+    Tellurion::RandomAccessFile in(file);
     if (!in.IsOpen()) ThrowUnreadable(kSource, file);
     const CadrgFrame frame = ParseCadrgFrame(in);
     if (const char* fault = FaultOf(frame))
         throw BGeoReferenceInvalidReferenceFileException(
             kSource, BString::Format("File <%ls> is an invalid CADRG file.  %s", file, fault));
     const Strictness strictness(flags);
-    StoreAffine(reference, frame.coverage.ToAffine(), strictness.Transform(), kAffineVoice);
+    StoreAffine(reference, frame.coverage.ToAffine(), strictness.Transform(), kTexts);
     const auto system =
-        FindCoordSys([] { return LookUp(Wgs84()); }, strictness.CoordSys(), GetCoordSysVoice());
+        FindCoordSys([] { return LookUp(Wgs84()); }, strictness.CoordSys(), GetCoordSysTexts());
     if (!system.IsEmpty()) reference.SetCoordSys(system);
 }
 

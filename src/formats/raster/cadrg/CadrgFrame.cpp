@@ -14,7 +14,7 @@ using Fault = CadrgFrame::Fault;
 
 /// Where the header section starts: behind the tag and the five digits of its length.
 /// 0 without a tag. A tag in the first four bytes is none.
-std::uint64_t FindHeader(RandomAccessFile& file) {
+std::uint64_t FindHeader(Tellurion::RandomAccessFile& file) {
     constexpr std::size_t kSearched = 512;
     constexpr std::size_t kFirstPlace = 4;
     constexpr std::string_view kTag = "RPFHDR";
@@ -36,7 +36,7 @@ struct Table {
 
 class Walk {
 public:
-    explicit Walk(RandomAccessFile& file) : file_(file) {}
+    explicit Walk(Tellurion::RandomAccessFile& file) : file_(file) {}
     Fault ToCoverage(CadrgCoverage& coverage);
 
 private:
@@ -46,7 +46,7 @@ private:
     Fault FindCoverage(const Table& table, std::uint64_t& offset);
     bool ReadCoverage(std::uint64_t offset, CadrgCoverage& coverage);
 
-    RandomAccessFile& file_;
+    Tellurion::RandomAccessFile& file_;
     ByteOrder order_ = ByteOrder::Big;
 };
 
@@ -139,7 +139,7 @@ AffineTerms CadrgCoverage::ToAffine() const {
     return {longitude_interval, 0.0, x, 0.0, -latitude_interval, y};
 }
 
-CadrgFrame ParseCadrgFrame(RandomAccessFile& file) {
+CadrgFrame ParseCadrgFrame(Tellurion::RandomAccessFile& file) {
     CadrgFrame frame;
     frame.fault = Walk(file).ToCoverage(frame.coverage);
     return frame;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Tellurion/RandomAccessFile.h>
 #include "common/AffineTerms.h"
-#include "common/RandomAccessFile.h"
 
 namespace MapAnchor {
 
@@ -42,6 +42,6 @@ struct CadrgFrame {
 };
 
 /// Walks from the header section to the coverage. Reads those sections alone.
-CadrgFrame ParseCadrgFrame(RandomAccessFile& file);
+CadrgFrame ParseCadrgFrame(Tellurion::RandomAccessFile& file);
 
 }  // namespace MapAnchor

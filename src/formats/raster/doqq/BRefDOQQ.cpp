@@ -13,7 +13,7 @@ using Tellurion::BGeoReference;
 using Tellurion::BString;
 
 bool BRefDOQQ::Read(const BString& file, BGeoReference& reference) {
-    RandomAccessFile in(file);
+    Tellurion::RandomAccessFile in(file);
     if (!in.IsOpen()) return false;
     const DoqHeader header = ParseDoqHeader(in);
     StoreWhatThereIs(reference, header.ToAffine(), {"UTM-" + header.zone + "N", "NAD27", "METERS"},

@@ -13,7 +13,7 @@ using Tellurion::ParseDouble;
 using Tellurion::ParseLong;
 
 /// The text of a field, which a NUL ends; empty outside the file.
-std::string Field(RandomAccessFile& file, std::int64_t position, std::size_t length) {
+std::string Field(Tellurion::RandomAccessFile& file, std::int64_t position, std::size_t length) {
     if (position < 0) return {};
     const std::string_view bytes = file.Read(static_cast<std::uint64_t>(position), length);
     return std::string(bytes.substr(0, bytes.find('\0')));
@@ -35,7 +35,7 @@ std::string Digits(const std::string& text) {
 
 }  // namespace
 
-DoqHeader ParseDoqHeader(RandomAccessFile& file) {
+DoqHeader ParseDoqHeader(Tellurion::RandomAccessFile& file) {
     DoqHeader header;
     header.line_length = ParseLong(Field(file, 150, 6));
     header.zone = Digits(Field(file, 198, 6));

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Tellurion/RandomAccessFile.h>
 #include "common/AffineTerms.h"
-#include "common/RandomAccessFile.h"
 
 #include <string>
 
@@ -23,6 +23,6 @@ struct DoqHeader {
 };
 
 /// Reads the fields that are needed, nothing between them.
-DoqHeader ParseDoqHeader(RandomAccessFile& file);
+DoqHeader ParseDoqHeader(Tellurion::RandomAccessFile& file);
 
 }  // namespace MapAnchor

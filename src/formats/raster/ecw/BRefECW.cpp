@@ -40,11 +40,8 @@ constexpr const char* kWriteRefusal = "ECW raster image files canot be writen us
 const BString kRaw("RAW");
 const BString kGeodetic("GEODETIC");
 
-BString AffineFailureLine(const AffineTerms&, const BString& message) {
-    return BString::Format("BRefECW::Read Failure setting the BMathTransform ERROR (%ls)", message);
-}
-
-constexpr AffineVoice kVoice = {kSource, AffineFailureLine};
+constexpr FailureTexts kTexts = {
+    .source = kSource, .affine_line = "BRefECW::Read Failure setting the BMathTransform ERROR (%ls)"};
 
 /// An open view of the kit. Unless it is closed in the normal way, it is closed in the
 /// way of failures at the end.
@@ -143,7 +140,7 @@ void Store(const BString& file, const NCSFileViewFileInfoEx& info, Strictness st
     RequireIncrements(file, info);
     AffineTerms told = TermsOf(info);
     told.e = info.fCellIncrementY;
-    StoreAffine(reference, TermsOf(info), strictness.Transform(), kVoice, &told);
+    StoreAffine(reference, TermsOf(info), strictness.Transform(), kTexts, &told);
     StoreSystem(info, strictness.CoordSys(), reference);
 }
 

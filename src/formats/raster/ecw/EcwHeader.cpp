@@ -156,7 +156,7 @@ GeoTiffTags ParseEcwTags(std::string_view content) {
     return tags;
 }
 
-std::optional<EcwHeader> ReadVersion3(RandomAccessFile& file) {
+std::optional<EcwHeader> ReadVersion3(Tellurion::RandomAccessFile& file) {
     constexpr std::size_t kLongestContent = std::size_t{1} << 20;
     EcwHeader header;
     BoxWalk walk(file);
@@ -172,7 +172,7 @@ std::optional<EcwHeader> ReadVersion3(RandomAccessFile& file) {
     return header;
 }
 
-EcwHeader ReadJpeg2000(RandomAccessFile& file, const BString& path) {
+EcwHeader ReadJpeg2000(Tellurion::RandomAccessFile& file, const BString& path) {
     const Jp2Reference reference = ReadJp2Reference(file, path);
     EcwHeader header;
     header.units = UnitsOf(reference.tags);
@@ -189,7 +189,7 @@ EcwKind TellEcwKind(std::string_view head) {
     return IsVersion2(head) ? EcwKind::Version2 : EcwKind::Unknown;
 }
 
-std::optional<EcwHeader> ReadEcwHeader(RandomAccessFile& file, std::string_view head, EcwKind kind,
+std::optional<EcwHeader> ReadEcwHeader(Tellurion::RandomAccessFile& file, std::string_view head, EcwKind kind,
                                        const BString& path) {
     switch (kind) {
         case EcwKind::Version2:

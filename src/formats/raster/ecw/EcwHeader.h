@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/RandomAccessFile.h"
+#include <Tellurion/RandomAccessFile.h>
 
 #include <Tellurion/BString.h>
 
@@ -28,7 +28,7 @@ enum class EcwKind { Unknown, Version2, Version3, Jpeg2000 };
 EcwKind TellEcwKind(std::string_view head);
 
 /// Reads a file of that kind. Empty when its numbers make no sense.
-std::optional<EcwHeader> ReadEcwHeader(RandomAccessFile& file, std::string_view head, EcwKind kind,
+std::optional<EcwHeader> ReadEcwHeader(Tellurion::RandomAccessFile& file, std::string_view head, EcwKind kind,
                                        const Tellurion::BString& path);
 
 /// How many bytes from the start of a file the two above need.

@@ -1,6 +1,6 @@
 #include "raster/ecw/NCSFile.h"
 
-#include "common/RandomAccessFile.h"
+#include <Tellurion/RandomAccessFile.h>
 #include "raster/ecw/EcwHeader.h"
 
 #include <memory>
@@ -9,11 +9,11 @@
 
 using MapAnchor::EcwHeader;
 using MapAnchor::EcwKind;
-using MapAnchor::RandomAccessFile;
 using Tellurion::BString;
+using Tellurion::RandomAccessFile;
 
 struct NCSFileView {
-    RandomAccessFile file;
+    Tellurion::RandomAccessFile file;
     BString path;
     std::string head;
     EcwKind kind = EcwKind::Unknown;

@@ -1,5 +1,6 @@
 #include "raster/gdal/ConfinedFiles.h"
 
+#include <Tellurion/FileBytes.h>
 #include <Tellurion/NamedFiles.h>
 #include <Tellurion/RegularFile.h>
 
@@ -154,25 +155,13 @@ void OpenFile::Inspect(const char* bytes, std::size_t count) {
     tail_end = position + count;
 }
 
-std::size_t ReadAt(int descriptor, char* out, std::size_t count, off_t position) {
-    std::size_t done = 0;
-    while (done < count) {
-        const ssize_t got =
-            ::pread(descriptor, out + done, count - done, position + static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;
-        done += static_cast<std::size_t>(got);
-    }
-    return done;
-}
-
 /// The bytes at the position; how many there were.
 std::size_t OpenFile::Fetch(char* out, std::size_t count) {
     constexpr std::size_t kWindow = 4096;
-    if (count >= kWindow) return ReadAt(descriptor, out, count, static_cast<off_t>(position));
+    if (count >= kWindow) return Tellurion::FileBytes::ReadAt(descriptor, {out, count}, position);
     if (position < window_start || position + count > window_start + window.size()) {
         window.resize(kWindow);
-        window.resize(ReadAt(descriptor, window.data(), kWindow, static_cast<off_t>(position)));
+        window.resize(Tellurion::FileBytes::ReadAt(descriptor, window, position));
         window_start = position;
     }
     return window.copy(out, count, static_cast<std::size_t>(position - window_start));
@@ -186,7 +175,7 @@ bool IsInnocent(OpenFile& file) {
         return false;
     }
     std::string text(static_cast<std::size_t>(file.size), '\0');
-    text.resize(ReadAt(file.descriptor, text.data(), text.size(), 0));
+    text.resize(Tellurion::FileBytes::ReadAt(file.descriptor, text, 0));
     return file.IsAccepted(text);
 }
 

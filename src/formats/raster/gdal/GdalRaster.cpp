@@ -1,6 +1,6 @@
 #include "raster/gdal/GdalRaster.h"
 
-#include "common/RandomAccessFile.h"
+#include <Tellurion/RandomAccessFile.h>
 #include "raster/gdal/GdalDrivers.h"
 #include "raster/gdal/SelfContainedVrt.h"
 #include "raster/kap/KapHeader.h"
@@ -43,7 +43,7 @@ GDALDataset* Open(const char* name, const GdalDrivers::Names& drivers, unsigned 
 
 bool IsVrtText(const BString& file) {
     constexpr std::size_t kLongest = std::size_t{4} << 20;
-    RandomAccessFile in(file);
+    Tellurion::RandomAccessFile in(file);
     if (in.Read(0, 1024).find("<VRTDataset") == std::string_view::npos || in.Size() > kLongest) return false;
     return IsSelfContainedVrt(in.Window(0, kLongest));
 }
@@ -53,7 +53,7 @@ bool IsVrtText(const BString& file) {
 bool IsLongChart(const BString& file) {
     constexpr std::size_t kMaxLines = 10'000;
     constexpr char kEndOfHeader = '\x1A';
-    RandomAccessFile in(file);
+    Tellurion::RandomAccessFile in(file);
     const std::string_view head = in.Read(0, 1024);
     const auto begins = [head](std::string_view mark) { return head.find(mark) != std::string_view::npos; };
     if (!begins("BSB/") && !begins("NOS/") && !begins("WX\\")) return false;

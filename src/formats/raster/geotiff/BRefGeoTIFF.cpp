@@ -39,16 +39,12 @@ constexpr const char* kPointsDifferTolerantLog =
     "BRefGeoTIFF::Read # of points in the header differs from the # of points listed.  Attempting to build "
     "an Affine Transform.";
 
-BString AffineFailureLine(const AffineTerms&, const BString& message) {
-    return BString::Format(
+constexpr FailureTexts kTexts = {
+    .source = kSource,
+    .affine_line =
         "BRefGeoTIFF::Read TIFFTAG_GEOPIXELSCALE / TIFFTAG_GEOTIEPOINTS Failure setting the BGeoReference "
         "ERROR (%ls)",
-        message);
-}
-
-constexpr AffineVoice kAffineVoice = {kSource, AffineFailureLine};
-constexpr ControlPointVoice kPointVoice = {
-    kSource, kSource, "BRefGeoTIFF::Read Failure setting the BMathTransform ERROR (%ls)"};
+    .points_line = "BRefGeoTIFF::Read Failure setting the BMathTransform ERROR (%ls)"};
 
 /// What the two roads make of a fault.
 struct ReadPolicy {
@@ -69,7 +65,7 @@ bool StorePoints(const GdalReference& raster, const ReadPolicy& policy, RasterEx
                  BGeoReference& reference) {
     if (!raster.PointsDiffer()) {
         StoreControlPoints(reference, raster.points, EMathTransformType::Affine, extent, policy.transform,
-                           kPointVoice);
+                           kTexts);
         return true;
     }
     if (policy.file == OnFailure::Throw) {
@@ -98,7 +94,7 @@ bool StoreTerms(const BString& file, const GdalReference& raster, const ReadPoli
                 BGeoReference& reference) {
     if (!raster.terms) return false;
     if (policy.file == OnFailure::Throw) RequireSize(file, *raster.terms);
-    return StoreAffine(reference, *raster.terms, policy.transform, kAffineVoice);
+    return StoreAffine(reference, *raster.terms, policy.transform, kTexts);
 }
 
 /// The system of a text; null with `failure` set when there is none.

@@ -1,5 +1,7 @@
 #include "raster/geotiff/StagedFile.h"
 
+#include <Tellurion/FileBytes.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,18 +57,11 @@ bool StagedFile::IsAsOpened() const {
 std::size_t StagedFile::ReadDisk(std::uint64_t offset, std::span<char> out) const {
     if (offset >= valid_) return 0;
     const std::uint64_t wanted = std::min<std::uint64_t>(out.size(), valid_ - offset);
-    std::size_t done = 0;
-    while (done < wanted) {
-        const ssize_t got = ::pread(descriptor_, out.data() + done, static_cast<std::size_t>(wanted) - done,
-                                    static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) {
-            // A file that has become shorter since is as bad as a disk that fails.
-            if (read_failure_ == 0) read_failure_ = got < 0 ? errno : EIO;
-            break;
-        }
-        done += static_cast<std::size_t>(got);
-    }
+    // A file that has become shorter since is as bad as a disk that fails.
+    int error = EIO;
+    const std::size_t done = Tellurion::FileBytes::ReadAt(
+        descriptor_, out.first(static_cast<std::size_t>(wanted)), offset, &error);
+    if (done < wanted && read_failure_ == 0) read_failure_ = error;
     return done;
 }
 

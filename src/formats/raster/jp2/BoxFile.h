@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/RandomAccessFile.h"
+#include <Tellurion/RandomAccessFile.h>
 
 #include <cstdint>
 #include <string>
@@ -20,7 +20,7 @@ struct Box {
 /// no file keeps a walk for long. What a box holds is read only when it is asked for.
 class BoxWalk {
 public:
-    explicit BoxWalk(RandomAccessFile& file) : file_(file) {}
+    explicit BoxWalk(Tellurion::RandomAccessFile& file) : file_(file) {}
 
     /// The next box; false at the end, and where the file makes no sense.
     bool Next(Box& box);
@@ -28,7 +28,7 @@ public:
     std::string_view Content(const Box& box, std::size_t limit);
 
 private:
-    RandomAccessFile& file_;
+    Tellurion::RandomAccessFile& file_;
     std::uint64_t next_ = 0;
     int steps_ = 0;
 };

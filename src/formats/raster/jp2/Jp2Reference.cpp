@@ -28,7 +28,7 @@ constexpr std::size_t kLongestContent = std::size_t{1} << 20;
 
 /// Some writers leave a second GeoTIFF box that places nothing; of the first two the
 /// one that names a system counts, else the one that has a position.
-GeoTiffTags FindGeoTiff(RandomAccessFile& file) {
+GeoTiffTags FindGeoTiff(Tellurion::RandomAccessFile& file) {
     GeoTiffTags best;
     BoxWalk walk(file);
     Box box;
@@ -106,7 +106,7 @@ bool IsJpeg2000(std::string_view head) {
     return next.Bytes(4) == "ftyp";
 }
 
-Jp2Reference ReadJp2Reference(RandomAccessFile& file, const BString& path) {
+Jp2Reference ReadJp2Reference(Tellurion::RandomAccessFile& file, const BString& path) {
     Jp2Reference out;
     out.tags = FindGeoTiff(file);
     out.corner = out.tags.CornerAffine();

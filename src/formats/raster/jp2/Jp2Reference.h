@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Tellurion/RandomAccessFile.h>
 #include "common/AffineTerms.h"
-#include "common/RandomAccessFile.h"
 #include "raster/geotiff/GeoTiffTags.h"
 
 #include <Tellurion/BString.h>
@@ -29,6 +29,6 @@ bool IsJpeg2000(std::string_view head);
 /// where it does not settle position and system, or where an auxiliary file beside the
 /// raster may overrule it, is GDAL asked, which knows the GML box, the older binary
 /// box, and world files.
-Jp2Reference ReadJp2Reference(RandomAccessFile& file, const Tellurion::BString& path);
+Jp2Reference ReadJp2Reference(Tellurion::RandomAccessFile& file, const Tellurion::BString& path);
 
 }  // namespace MapAnchor

@@ -27,9 +27,11 @@ namespace {
 constexpr const char* kSource = "BRefKAP::Read";
 constexpr const char* kFallbackDatum = "NAD83";
 
-// The source of another format in a thrown fit is meant: hosts know it so.
-constexpr ControlPointVoice kPointVoice = {kSource, "BRefTAB::Read",
-                                           "BRefKAP::Read Failure setting the BMathTransform ERROR (%ls)"};
+// The source of another format in a thrown fit is kept for compatibility.
+constexpr FailureTexts kTexts = {
+    .source = kSource,
+    .replaced_source = "BRefTAB::Read",
+    .points_line = "BRefKAP::Read Failure setting the BMathTransform ERROR (%ls)"};
 
 KapHeader ReadHeader(BFile& in) {
     FileHead head(in, kLongestKapHeader);
@@ -55,7 +57,7 @@ void LogIncompletePoints(const BString& file, const KapHeader& header) {
 void StorePoints(BGeoReference& reference, const KapHeader& header, OnFailure on_failure) {
     if (header.points.empty()) return;
     StoreControlPoints(reference, header.points, EMathTransformType::Affine, {header.width, header.height},
-                       on_failure, kPointVoice);
+                       on_failure, kTexts);
 }
 
 PlainNames LatLong(const BString& datum) {
@@ -70,7 +72,7 @@ void StoreDatum(BGeoReference& reference, const KapHeader& header, const BString
     BString datum(header.datum);
     datum.Trim();
     PlainNames tried = LatLong(datum);
-    const CoordSysVoice voice = {
+    const CoordSysTexts texts = {
         kSource, kSource,
         [&tried](const BString& message) {
             return BString::Format(
@@ -87,10 +89,10 @@ void StoreDatum(BGeoReference& reference, const KapHeader& header, const BString
             auto found = LookUp(tried);
             return found.IsEmpty() && datum != BString(kFallbackDatum) ? look_up_fallback() : found;
         },
-        on_failure, voice);
+        on_failure, texts);
     // After a failure of the first look-up the fallback is still to be asked.
     if (system.IsEmpty() && tried.datum != BString(kFallbackDatum))
-        system = FindCoordSys(look_up_fallback, on_failure, voice);
+        system = FindCoordSys(look_up_fallback, on_failure, texts);
     if (!system.IsEmpty()) reference.SetCoordSys(system);
 }
 

@@ -50,11 +50,8 @@ constexpr const char* kProjectedKey = "GEOTIFF_NUM::3072::ProjectedCSTypeGeoKey"
 constexpr const char* kGeographicKey = "GEOTIFF_NUM::2048::GeographicTypeGeoKey";
 constexpr const char* kTextKey = "IMAGE::WKT";
 
-BString AffineFailureLine(const AffineTerms&, const BString& message) {
-    return BString::Format("BRefMrSID::Read Failure setting the BMathTransform ERROR (%ls)", message);
-}
-
-constexpr AffineVoice kVoice = {kSource, AffineFailureLine};
+constexpr FailureTexts kTexts = {
+    .source = kSource, .affine_line = "BRefMrSID::Read Failure setting the BMathTransform ERROR (%ls)"};
 
 /// A reader of the kit is given back, never deleted.
 struct Releaser {
@@ -146,7 +143,7 @@ bool ReadWorldFileBeside(const BString& file, const char* extension, BGeoReferen
     const WorldFile world = ParseWorldFile(in);
     const auto& line = world.line;
     const AffineTerms centre = {line[0], line[2], line[4], line[1], line[3], line[5]};
-    return world.IsComplete() && StoreAffine(reference, centre, OnFailure::GoOn, kVoice);
+    return world.IsComplete() && StoreAffine(reference, centre, OnFailure::GoOn, kTexts);
 }
 
 /// Stands in for GDAL's MrSID driver, which few builds of GDAL have: a world file
@@ -200,7 +197,7 @@ bool BRefMrSID::Read(const BString& file, BGeoReference& reference) {
     const LizardTech::LTFileSpec spec(file.Utf8(), nullptr, nullptr);
     SidImage image;
     if (OpenMrSid(spec, image) != Opened::Yes && !OpenJpeg2000(spec, image)) return false;
-    StoreAffine(reference, image.terms, OnFailure::GoOn, kVoice);
+    StoreAffine(reference, image.terms, OnFailure::GoOn, kTexts);
     if (image.has_key) StoreKeySystem(image, reference);
     FillByGdal(file, image, reference);
     return true;
@@ -219,7 +216,7 @@ void BRefMrSID::Read(const BString& file, const unsigned int& flags, BGeoReferen
             break;
     }
     RequireResolution(file, image);
-    StoreAffine(reference, image.terms, strictness.Transform(), kVoice);
+    StoreAffine(reference, image.terms, strictness.Transform(), kTexts);
     const BString failure = image.has_key ? StoreKeySystem(image, reference) : BString();
     FillByGdal(file, image, reference);
     // A system that GDAL found makes up for a key that led nowhere.

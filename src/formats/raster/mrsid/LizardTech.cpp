@@ -8,10 +8,10 @@
 namespace LizardTech {
 
 using MapAnchor::AffineTerms;
-using MapAnchor::RandomAccessFile;
 using MapAnchor::SidHeader;
 using MapAnchor::SidPosition;
 using Tellurion::BString;
+using Tellurion::RandomAccessFile;
 
 namespace {
 
@@ -71,14 +71,14 @@ void LTIImageReader::Take(SidHeader header) {
 }
 
 LT_STATUS MrSIDImageReader::initialize(const LTFileSpec& file, bool, MrSIDMemoryUsage, MrSIDStreamUsage) {
-    RandomAccessFile source;
+    Tellurion::RandomAccessFile source;
     if (!source.Open(BString(file.Path())) || !MapAnchor::IsMrSid(source.Window(0, 32))) return kFailed;
     Take(MapAnchor::ReadSidHeader(source));
     return kOk;
 }
 
 LT_STATUS J2KImageReader::initialize(const LTFileSpec& file, bool, float, bool, int) {
-    RandomAccessFile source;
+    Tellurion::RandomAccessFile source;
     const BString path(file.Path());
     if (!source.Open(path) || !MapAnchor::IsJpeg2000(source.Window(0, 32))) return kFailed;
     const MapAnchor::Jp2Reference reference = MapAnchor::ReadJp2Reference(source, path);

@@ -25,7 +25,7 @@ constexpr auto kPositionChunk =
     "\xFF\xFF\xFF\xFF\x02\x43\x03\x00\x00\x00\x00\x00\x00\x00\x35\x00\x00\x00\x31\x01"sv;
 
 /// Reads records at `offset`, more of the file where a first look breaks off in them.
-SidRecords ReadRecords(const RandomAccessFile& file, std::uint64_t offset) {
+SidRecords ReadRecords(const Tellurion::RandomAccessFile& file, std::uint64_t offset) {
     SidRecords records = ParseSidRecords(file.Window(offset, kFirstWindow));
     if (!records.complete && file.Size() - offset > kFirstWindow)
         records = ParseSidRecords(file.Window(offset, kWindow));
@@ -34,7 +34,7 @@ SidRecords ReadRecords(const RandomAccessFile& file, std::uint64_t offset) {
 
 /// Behind the fixed head stands a table of offsets, and behind it the place of the
 /// metadata block, where there is one.
-SidRecords ReadSecondGeneration(const RandomAccessFile& file, std::string_view head) {
+SidRecords ReadSecondGeneration(const Tellurion::RandomAccessFile& file, std::string_view head) {
     constexpr std::uint32_t kMostLevels = 32;
     ByteReader reader(head);
     reader.Skip(11);
@@ -49,7 +49,7 @@ SidRecords ReadSecondGeneration(const RandomAccessFile& file, std::string_view h
 
 /// Six doubles in the chunk behind the records: the centres of the first and of the
 /// last pixel, and the resolutions with their signs.
-std::optional<SidPosition> ReadPositionChunk(const RandomAccessFile& file, std::uint64_t offset) {
+std::optional<SidPosition> ReadPositionChunk(const Tellurion::RandomAccessFile& file, std::uint64_t offset) {
     const std::string bytes = file.Window(offset, kPositionChunk.size() + 6 * sizeof(double));
     ByteReader reader(bytes);
     if (reader.Bytes(kPositionChunk.size()) != kPositionChunk) return std::nullopt;
@@ -63,7 +63,7 @@ std::optional<SidPosition> ReadPositionChunk(const RandomAccessFile& file, std::
 }
 
 /// Where the records begin within `count` bytes at `from`.
-std::optional<std::uint64_t> FindRecords(const RandomAccessFile& file, std::uint64_t from,
+std::optional<std::uint64_t> FindRecords(const Tellurion::RandomAccessFile& file, std::uint64_t from,
                                          std::size_t count) {
     const std::size_t found = file.Window(from, count).find(kFirstRecord);
     if (found == std::string::npos) return std::nullopt;
@@ -72,7 +72,7 @@ std::optional<std::uint64_t> FindRecords(const RandomAccessFile& file, std::uint
 
 /// How chunks are told apart is not known for sure, so the records are looked for by
 /// their beginning: near the start of the file, then near its end.
-std::optional<std::uint64_t> FindRecords(const RandomAccessFile& file) {
+std::optional<std::uint64_t> FindRecords(const Tellurion::RandomAccessFile& file) {
     auto found = FindRecords(file, 0, kFirstWindow);
     if (!found && file.Size() > kFirstWindow) found = FindRecords(file, 0, kWindow);
     if (!found && file.Size() > kWindow) found = FindRecords(file, file.Size() - kWindow, kWindow);
@@ -96,7 +96,7 @@ SidHeader HeaderOf(SidRecords records, const std::optional<SidPosition>& stated)
             .well_known_text = std::move(records.well_known_text)};
 }
 
-SidHeader ReadLaterGeneration(const RandomAccessFile& file, bool must_be_complete) {
+SidHeader ReadLaterGeneration(const Tellurion::RandomAccessFile& file, bool must_be_complete) {
     const auto offset = FindRecords(file);
     if (!offset) return {};
     SidRecords records = ReadRecords(file, *offset);
@@ -116,7 +116,7 @@ bool IsMrSid(std::string_view head) {
     return name == "msid";
 }
 
-SidHeader ReadSidHeader(const RandomAccessFile& file) {
+SidHeader ReadSidHeader(const Tellurion::RandomAccessFile& file) {
     const std::string head = file.Window(0, kHead);
     constexpr std::size_t kGeneration = 4;
     const int generation = head.size() > kGeneration ? static_cast<unsigned char>(head[kGeneration]) : 0;

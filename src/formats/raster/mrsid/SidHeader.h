@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/RandomAccessFile.h"
+#include <Tellurion/RandomAccessFile.h>
 
 #include <cstdint>
 #include <optional>
@@ -34,6 +34,6 @@ bool IsMrSid(std::string_view head);
 /// Reads a file that IsMrSid holds for one; generations 2 and 3, and what follows them
 /// as far as its records are laid out alike. What cannot be made sense of counts as
 /// absent.
-SidHeader ReadSidHeader(const RandomAccessFile& file);
+SidHeader ReadSidHeader(const Tellurion::RandomAccessFile& file);
 
 }  // namespace MapAnchor

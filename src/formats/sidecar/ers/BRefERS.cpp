@@ -45,14 +45,12 @@ using Tellurion::ELogSeverity;
 namespace {
 
 constexpr const char* kReadSource = "BRefERS::Read";
-constexpr OutputVoice kOutput = {"BRefERS::Write", "ERS"};
+constexpr FailureTexts kWriteTexts = {.source = "BRefERS::Write", .file_kind = "ERS"};
 constexpr const char* kErMapper = "ERMapper";
 constexpr const char* kRaw = "RAW";
 
-BString AffineFailureLine(const AffineTerms&, const BString& message) {
-    return BString::Format("BRefERS::Read Failure setting the BMathTransform ERROR (%ls)", message);
-}
-constexpr AffineVoice kAffineVoice = {kReadSource, AffineFailureLine};
+constexpr FailureTexts kReadTexts = {
+    .source = kReadSource, .affine_line = "BRefERS::Read Failure setting the BMathTransform ERROR (%ls)"};
 
 bool IsNone(const BString& name) {
     return name.IsEmpty() || name == BString(kRaw);
@@ -185,8 +183,9 @@ Names NamesByName(const BGeoReference& reference, bool same_place) {
 
 [[noreturn]] void ThrowNoCode(const BString& file, const char* of, const BString& name) {
     throw BGeoReferenceInvalidCoordSysException(
-        kOutput.source, BString::Format("Can't write ERS file <%ls>, Can't find an ERMapper code for %s %ls.",
-                                        file, of, name));
+        kWriteTexts.source,
+        BString::Format("Can't write ERS file <%ls>, Can't find an ERMapper code for %s %ls.", file, of,
+                        name));
 }
 
 /// One by one: a projection may go without its datum. Where codes are asked for, an EPSG
@@ -245,7 +244,7 @@ bool BRefERS::Read(const BString& file, BGeoReference& reference) {
     if (!header.has_raster_info_end) return false;
     const auto system = NamesSystem(header) ? LookUpSystem(header) : BSharedPtr<BCoordSys>();
     const AffineTerms terms = SetSystem(reference, system, header);
-    if (header.HasTerms()) StoreAffine(reference, terms, OnFailure::GoOn, kAffineVoice);
+    if (header.HasTerms()) StoreAffine(reference, terms, OnFailure::GoOn, kReadTexts);
     return true;
 }
 
@@ -261,7 +260,7 @@ void BRefERS::Read(const BString& file, const unsigned int& flags, BGeoReference
     const AffineTerms terms = SetSystem(reference, system, header);
     RequireTerms(header);
     RequireExtent(file, terms);
-    StoreAffine(reference, terms, strictness.Transform(), kAffineVoice);
+    StoreAffine(reference, terms, strictness.Transform(), kReadTexts);
 }
 
 bool BRefERS::Write(const BString& file, const BGeoReference& reference, long width, long height,
@@ -270,9 +269,9 @@ bool BRefERS::Write(const BString& file, const BGeoReference& reference, long wi
     if (!stamp) return false;
     const AffineTerms terms = TermsOf(reference);
     if (IsRotated(terms))
-        throw BGeoReferenceWriteException(kOutput.source,
+        throw BGeoReferenceWriteException(kWriteTexts.source,
                                           "ERS referencing format does not support rotation.");
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     out.OpenOrThrow("ERS write could not open file");
     return out.Save([&] {
         try {
@@ -290,20 +289,22 @@ bool BRefERS::Write(const BString& file, const BGeoReference& reference, long wi
 
 void BRefERS::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
                     long width, long height, const BString& imageName, const BParamList* params) {
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     if (!out.Open())
         throw Tellurion::BFileAccessException(
-            kOutput.source, BString::Format("Could not open the reference file <%ls> for writing.", file));
+            kWriteTexts.source,
+            BString::Format("Could not open the reference file <%ls> for writing.", file));
     out.Save([&] {
         const auto stamp = TimeStamp();
         if (!stamp)
-            throw BGeoReferenceWriteException(kOutput.source, "Can't generate a valid ERS time stamp");
+            throw BGeoReferenceWriteException(kWriteTexts.source, "Can't generate a valid ERS time stamp");
         const AffineTerms terms = TermsOf(reference);
         if (IsRotated(terms))
             throw BGeoReferenceInvalidTransformException(
-                kOutput.source, BString::Format("Can't write ERS file <%ls>, ERS referencing format does not "
-                                                "support rotation in X (%f) or Y (%f).",
-                                                file, terms.b, terms.d));
+                kWriteTexts.source,
+                BString::Format("Can't write ERS file <%ls>, ERS referencing format does not "
+                                "support rotation in X (%f) or Y (%f).",
+                                file, terms.b, terms.d));
         const Names names = NamesByType(file, reference, Strictness(flags).CoordSys(), AsksForCodes(params));
         out.Write(HeaderText({file, reference, width, height, imageName}, *stamp, terms, names));
         return true;

@@ -35,11 +35,12 @@ using Tellurion::EMathTransformType;
 namespace {
 
 constexpr const char* kReadSource = "BRefRSF::Read";
-constexpr OutputVoice kOutput = {"BRefRSF::Write", "RSF"};
-constexpr ControlPointVoice kPointVoice = {kReadSource, kReadSource,
-                                           "BRefRSF::Read Failure setting the BMathTransform ERROR (%ls)"};
-constexpr CornerVoice kCornerVoice = {
-    kOutput.source, "Can't write RSF file <%ls>.  When generating GCP's an exception (%ls) was thrown."};
+constexpr FailureTexts kReadTexts = {
+    .source = kReadSource, .points_line = "BRefRSF::Read Failure setting the BMathTransform ERROR (%ls)"};
+constexpr FailureTexts kWriteTexts = {
+    .source = "BRefRSF::Write",
+    .corners_detail = "Can't write RSF file <%ls>.  When generating GCP's an exception (%ls) was thrown.",
+    .file_kind = "RSF"};
 
 using Fault = RsfFile::Fault;
 
@@ -154,7 +155,7 @@ bool BRefRSF::Read(const BString& file, BGeoReference& reference, EMathTransform
         return false;
     }
     StoreControlPoints(reference, std::move(rsf.points), mathType, {width, height}, OnFailure::GoOn,
-                       kPointVoice);
+                       kReadTexts);
     const BSharedPtr<BCoordSys> system = FindSystem(rsf, OnFailure::GoOn);
     if (system) reference.SetCoordSys(system);
     return true;
@@ -169,14 +170,14 @@ void BRefRSF::Read(const BString& file, const unsigned int& flags, BGeoReference
     const Strictness strictness(flags);
     RequireGoodPoints(file, rsf);
     StoreControlPoints(reference, std::move(rsf.points), mathType, {width, height}, strictness.Transform(),
-                       kPointVoice);
+                       kReadTexts);
     RequireGoodBlock(file, rsf);
     const BSharedPtr<BCoordSys> system = FindSystem(rsf, strictness.CoordSys());
     if (system && system->IsValid()) reference.SetCoordSys(system);
 }
 
 bool BRefRSF::Write(const BString& file, const BGeoReference& reference, long width, long height) {
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     out.OpenOrThrow(BString::Format("Couldn't open RSF file <%ls> for writing.", file));
     return out.Save([&] {
         std::vector<BPointPair> corners;
@@ -191,19 +192,19 @@ bool BRefRSF::Write(const BString& file, const BGeoReference& reference, long wi
 void BRefRSF::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
                     long width, long height) {
     const Strictness strictness(flags);
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     out.OpenOrThrow(BString::Format("Couldn't open RSF file <%ls> for writing.", file));
     out.Save([&] {
         // Without points the file is written all the same, with none.
         std::vector<BPointPair> corners;
         FormatRsfPoints(
-            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice, corners),
+            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kWriteTexts, corners),
             out.Pieces());
         const BString wkt = WktOf(reference);
         if (reference.HasCoordSys() && wkt.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
             throw BGeoReferenceInvalidCoordSysException(
-                kOutput.source, BString::Format("Couldn't generate a WKT string for CoordSys %ls.",
-                                                reference.CoordSys->GetName()));
+                kWriteTexts.source, BString::Format("Couldn't generate a WKT string for CoordSys %ls.",
+                                                    reference.CoordSys->GetName()));
         out.Write(FormatRsfBlock(wkt));
         return true;
     });

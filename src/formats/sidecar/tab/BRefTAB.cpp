@@ -34,11 +34,12 @@ using Tellurion::EMathTransformType;
 namespace {
 
 constexpr const char* kReadSource = "BRefTAB::Read";
-constexpr OutputVoice kOutput = {"BRefTAB::Write", "TAB"};
-constexpr ControlPointVoice kPointVoice = {kReadSource, kReadSource,
-                                           "BRefTAB::Read Failure setting the BMathTransform ERROR (%ls)"};
-constexpr CornerVoice kCornerVoice = {
-    kOutput.source, "Can't write TAB file <%ls>.  When generating GCP's an exception (%ls) was thrown."};
+constexpr FailureTexts kReadTexts = {
+    .source = kReadSource, .points_line = "BRefTAB::Read Failure setting the BMathTransform ERROR (%ls)"};
+constexpr FailureTexts kWriteTexts = {
+    .source = "BRefTAB::Write",
+    .corners_detail = "Can't write TAB file <%ls>.  When generating GCP's an exception (%ls) was thrown.",
+    .file_kind = "TAB"};
 
 /// Which systems of a clause are taken.
 enum class Systems { All, ValidOnly };
@@ -87,7 +88,7 @@ bool BRefTAB::Read(const BString& file, BGeoReference& reference, EMathTransform
     if (system) reference.SetCoordSys(system);
     if (tab.points.empty()) return !system.IsEmpty();
     StoreControlPoints(reference, std::move(tab.points), mathType, {width, height}, OnFailure::GoOn,
-                       kPointVoice);
+                       kReadTexts);
     return true;
 }
 
@@ -108,12 +109,12 @@ void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference
     if (system) reference.SetCoordSys(system);
     if (!tab.points.empty())
         StoreControlPoints(reference, std::move(tab.points), mathType, {width, height},
-                           strictness.Transform(), kPointVoice);
+                           strictness.Transform(), kReadTexts);
 }
 
 bool BRefTAB::Write(const BString& file, const BGeoReference& reference, long width, long height,
                     const BString& imageName) {
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     out.OpenOrThrow("TAB write could not open file");
     return out.Save([&] {
         std::vector<BPointPair> corners;
@@ -133,12 +134,12 @@ bool BRefTAB::Write(const BString& file, const BGeoReference& reference, long wi
 void BRefTAB::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
                     long width, long height, const BString& imageName) {
     const Strictness strictness(flags);
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     out.OpenOrThrow(BString::Format("Couldn't open TAB file <%ls> for writing.", file));
     out.Save([&] {
         std::vector<BPointPair> corners;
         const auto& points =
-            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kCornerVoice, corners);
+            PointsToWrite(reference, {width, height}, strictness.Transform(), file, kWriteTexts, corners);
         if (points.empty())
             // This one has always named the other format as its source.
             throw BGeoReferenceInvalidReferenceFileException(
@@ -150,8 +151,8 @@ void BRefTAB::Write(const BString& file, const unsigned int& flags, const BGeoRe
         const BString clause = ClauseOf(reference);
         if (clause.IsEmpty() && strictness.CoordSys() == OnFailure::Throw)
             throw BGeoReferenceInvalidCoordSysException(
-                kOutput.source, BString::Format("Couldn't generate a MIF clause for CoordSys %ls.",
-                                                reference.CoordSys->GetName()));
+                kWriteTexts.source, BString::Format("Couldn't generate a MIF clause for CoordSys %ls.",
+                                                    reference.CoordSys->GetName()));
         out.Write(clause.IsEmpty() ? BString(kDefaultTabClause) : clause);
         return true;
     });

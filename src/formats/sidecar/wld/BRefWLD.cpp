@@ -34,14 +34,11 @@ namespace {
 
 constexpr const char* kReadSource = "BRefWLD::Read";
 constexpr const char* kWriteSource = "BRefWLD::Write";
-constexpr OutputVoice kOutput = {kWriteSource, "WLD"};
+constexpr FailureTexts kWriteTexts = {.source = kWriteSource, .file_kind = "WLD"};
 
-BString AffineFailureLine(const AffineTerms& t, const BString& message) {
-    return BString::Format("BRefWLD::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)", t.a, t.b,
-                           t.c, t.d, t.e, t.f, message);
-}
-
-constexpr AffineVoice kVoice = {kReadSource, AffineFailureLine};
+constexpr FailureTexts kReadTexts = {
+    .source = kReadSource,
+    .affine_terms_line = "BRefWLD::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)"};
 
 /// Below this a term counts as zero on the tolerant road; the typed road takes
 /// exact zeros alone.
@@ -123,7 +120,7 @@ bool BRefWLD::Read(const BString& file, BGeoReference& reference) {
     in.Close();
     if (!world_file.IsComplete()) return false;
     const bool stored = HasExtent(world_file, IsLooseZero) &&
-                        StoreAffine(reference, world_file.ToAffine(), OnFailure::GoOn, kVoice);
+                        StoreAffine(reference, world_file.ToAffine(), OnFailure::GoOn, kReadTexts);
     ReadPrjBeside(file, reference);
     return stored;
 }
@@ -143,7 +140,7 @@ void BRefWLD::Read(const BString& file, const unsigned int& flags, BGeoReference
         throw BGeoReferenceInvalidReferenceFileException(
             kReadSource,
             BString::Format("File <%ls> is an invalid WLD file.  A & E (or B & C) are zero", file));
-    StoreAffine(reference, world_file.ToAffine(), Strictness(flags).Transform(), kVoice);
+    StoreAffine(reference, world_file.ToAffine(), Strictness(flags).Transform(), kReadTexts);
 }
 
 bool BRefWLD::Write(const BString& file, const BGeoReference& reference) {
@@ -155,7 +152,7 @@ bool BRefWLD::Write(const BString& file, const BGeoReference& reference) {
         throw BGeoReferenceWriteException(kWriteSource,
                                           "Couldn't determine the Affine Referencing Parameters");
     }
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     out.OpenOrThrow("WLD write could not open file");
     out.Save([&] { return WriteLines(out, terms); });
     WritePrjBeside(file, reference);
@@ -164,7 +161,7 @@ bool BRefWLD::Write(const BString& file, const BGeoReference& reference) {
 
 void BRefWLD::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference) {
     if (!HasTransformToWrite(reference)) return;
-    OutputFile out(file, kOutput);
+    OutputFile out(file, kWriteTexts);
     out.OpenOrThrow(BString::Format("Couldn't open WLD file <%ls> for writing.", file));
     out.Save([&] { return WriteLines(out, GetAffine(reference, file, Strictness(flags).Transform())); });
 }

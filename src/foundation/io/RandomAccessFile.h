@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Tellurion/BString.h>
+#include <Tellurion/Export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -8,20 +9,20 @@
 #include <string>
 #include <string_view>
 
-namespace MapAnchor {
+namespace Tellurion {
 
 /// A regular file that is read here and there, never as a whole and never beyond the
 /// size that it had when it was opened. Not for two threads at once.
-class RandomAccessFile {
+class TELLURION_EXPORT RandomAccessFile {
 public:
     RandomAccessFile() = default;
-    explicit RandomAccessFile(const Tellurion::BString& path) { Open(path); }
+    explicit RandomAccessFile(const BString& path) { Open(path); }
     ~RandomAccessFile();
     RandomAccessFile(RandomAccessFile&& other) noexcept;
     RandomAccessFile& operator=(RandomAccessFile&& other) noexcept;
 
     /// False for what is missing, not readable or no regular file.
-    bool Open(const Tellurion::BString& path);
+    bool Open(const BString& path);
     bool IsOpen() const { return descriptor_ >= 0; }
     std::uint64_t Size() const { return size_; }
 
@@ -32,8 +33,10 @@ public:
     /// neighbouring reads cost one system call.
     std::string_view Read(std::uint64_t offset, std::size_t count);
 
-private:
+    /// Copies the bytes from `offset` on into `out`; how many there were.
     std::size_t ReadAt(std::uint64_t offset, std::span<char> out) const;
+
+private:
     bool Holds(std::uint64_t offset, std::size_t count) const;
     void Close();
 
@@ -43,4 +46,4 @@ private:
     std::string window_;
 };
 
-}  // namespace MapAnchor
+}  // namespace Tellurion

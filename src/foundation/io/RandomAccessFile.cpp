@@ -1,14 +1,14 @@
-#include "common/RandomAccessFile.h"
+#include <Tellurion/RandomAccessFile.h>
 
+#include <Tellurion/FileBytes.h>
 #include <Tellurion/RegularFile.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
-namespace MapAnchor {
+namespace Tellurion {
 namespace {
 
 constexpr std::size_t kWindow = 4096;
@@ -33,11 +33,11 @@ RandomAccessFile& RandomAccessFile::operator=(RandomAccessFile&& other) noexcept
     return *this;
 }
 
-bool RandomAccessFile::Open(const Tellurion::BString& path) {
+bool RandomAccessFile::Open(const BString& path) {
     Close();
     if (path.GetUnits().find(u'\0') != std::u16string::npos) return false;
     struct stat status;
-    descriptor_ = Tellurion::OpenRegularFile(path.Ascii(), &status);
+    descriptor_ = OpenRegularFile(path.Ascii(), &status);
     if (!IsOpen()) return false;
     size_ = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
     return true;
@@ -50,17 +50,8 @@ void RandomAccessFile::Close() {
     window_.clear();
 }
 
-/// How many of the bytes at `offset` there were.
 std::size_t RandomAccessFile::ReadAt(std::uint64_t offset, std::span<char> out) const {
-    std::size_t done = 0;
-    while (done < out.size()) {
-        const ssize_t got =
-            ::pread(descriptor_, out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;
-        done += static_cast<std::size_t>(got);
-    }
-    return done;
+    return FileBytes::ReadAt(descriptor_, out, offset);
 }
 
 std::string RandomAccessFile::Window(std::uint64_t offset, std::size_t count) const {
@@ -85,4 +76,4 @@ std::string_view RandomAccessFile::Read(std::uint64_t offset, std::size_t count)
     return std::string_view(window_).substr(static_cast<std::size_t>(offset - window_start_), count);
 }
 
-}  // namespace MapAnchor
+}  // namespace Tellurion
