@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <string>
 
 namespace VellumLib {
 
@@ -26,7 +27,8 @@ public:
     ///
     /// Of less than the whole extent only the first page's boxes and maps are asked,
     /// and it is not written.
-    explicit CPDFDocument(const QString& path, EPDFExtent extent = EPDFExtent::Whole);
+    explicit CPDFDocument(const QString& path, EPDFExtent extent = EPDFExtent::Whole,
+                          const std::string& password = {});
     /// A first page that is loaded already.
     explicit CPDFDocument(std::unique_ptr<PoDoFo::PdfMemDocument> first_page);
     ~CPDFDocument();
@@ -63,7 +65,7 @@ public:
     PoDoFo::PdfMemDocument& Document() { return *document_; }
 
 private:
-    void Load(const QString& path);
+    void Load(const QString& path, const std::string& password);
     QString GetInfoText(const char* key);
     PoDoFo::PdfObject* ObjectOf(const PoDoFo::PdfReference& reference);
 
