@@ -39,12 +39,13 @@ public:
         SetCatalog(&catalog);
         InitPagesTree();
     }
+    bool unlocked = false;
 };
 
 class FirstPageLoad {
 public:
-    FirstPageLoad(PlainTables& tables, FirstPageDocument& document)
-        : tables_(tables), document_(document), objects_(document.GetObjects()) {}
+    FirstPageLoad(PlainTables& tables, FirstPageDocument& document, bool inherited)
+        : tables_(tables), document_(document), objects_(document.GetObjects()), inherited_(inherited) {}
 
     void Run() {
         PdfObject& catalog = Follow(Entry(tables_.Trailer(), "Root"));
@@ -88,6 +89,9 @@ private:
             const PdfObject& list = kids.IsReference() ? Follow(kids) : kids;
             Require(list.IsArray());
             if (const PdfObject* const turn = node->GetDictionary().GetKey("Rotate")) TakeAllBelow(*turn);
+            for (const char* key : {"MediaBox", "CropBox"})
+                if (const PdfObject* const box = node->GetDictionary().GetKey(key); box && inherited_)
+                    TakeAllBelow(*box);
             const PdfObject& kid = FirstWithPages(list.GetArray());
             // What a page inherits, it inherits from the parent that it names.
             const PdfObject* const parent = kid.GetDictionary().GetKey("Parent");
@@ -128,18 +132,38 @@ private:
     PlainTables& tables_;
     FirstPageDocument& document_;
     PdfVecObjects& objects_;
+    const bool inherited_;
     std::set<PdfReference> taken_;
 };
 
+std::unique_ptr<PdfMemDocument> Load(PlainTables& tables, bool inherited) {
+    auto document = std::make_unique<FirstPageDocument>();
+    FirstPageLoad load(tables, *document, inherited);
+    load.Run();
+    document->unlocked = tables.IsUnlocked();
+    return document;
+}
+
 }  // namespace
 
-std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file) {
+std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file, const FirstPageWishes& wishes) {
     try {
-        PlainTables tables(file);
-        auto document = std::make_unique<FirstPageDocument>();
-        FirstPageLoad load(tables, *document);
-        load.Run();
-        return document;
+        PlainTables tables(file, wishes.password);
+        return Load(tables, wishes.inherited);
+    } catch (const PdfError&) {
+        return nullptr;
+    }
+}
+
+bool WasUnlocked(const PdfMemDocument& document) {
+    const auto* const first_page = dynamic_cast<const FirstPageDocument*>(&document);
+    return first_page && first_page->unlocked;
+}
+
+std::unique_ptr<PdfMemDocument> SearchFirstPage(FileWindow& file) {
+    try {
+        PlainTables tables(file, SearchObjects(file));
+        return Load(tables, true);
     } catch (const PdfError&) {
         return nullptr;
     }

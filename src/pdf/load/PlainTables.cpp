@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace VellumLib {
 
@@ -97,7 +98,7 @@ private:
     PdfTokenizer tokenizer_{PdfRefCountedInputDevice(device_), PdfRefCountedBuffer(kLongestToken)};
 };
 
-PlainTables::PlainTables(FileWindow& file) : file_(file) {
+PlainTables::PlainTables(FileWindow& file, const std::optional<std::string>& password) : file_(file) {
     constexpr std::string_view kHeader = "%PDF-1.";
     std::int64_t behind = 0;
     Require(file_.At(0) == '%' && TakeWord(behind, kHeader));
@@ -112,7 +113,7 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
         // The parser takes the catalog of the last trailer in sight.
         Require(seen.size() == 1 || last_was_open == (last_trailer_ >= 0) ||
                 NamesNoOtherRoot(keys, Trailer()));
-        Require(!keys.HasKey("Encrypt") && !keys.HasKey("XRefStm"));
+        Require((password || !keys.HasKey("Encrypt")) && !keys.HasKey("XRefStm"));
         const PdfObject* const previous = keys.GetKey("Prev");
         more = previous != nullptr;
         if (more) {
@@ -125,6 +126,38 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
     Require(last_trailer_ < 0);
     const PdfObject* const size = Trailer().GetKey("Size");
     Require(size && size->IsNumber() && size->GetNumber() <= LoadBudget::kObjectNumbers);
+    if (password) Unlock(*password);
+}
+
+void PlainTables::Unlock(const std::string& password) {
+    const PdfObject* const entry = Trailer().GetKey("Encrypt");
+    if (!entry) return;
+    PdfObject dictionary = *entry;
+    if (entry->IsReference()) {
+        dictionary = PdfObject(entry->GetReference(), PdfVariant());
+        ReadObject(Find(entry->GetReference()), dictionary);
+    }
+    decryption_ = Decryption::Unlock(dictionary, password);
+    Require(decryption_ != nullptr);
+}
+
+PlainTables::PlainTables(FileWindow& file, FoundObjects found) : file_(file), found_(std::move(found)) {
+    Require(!found_.encrypted && !found_.objects.empty());
+    for (auto at = found_.trailers.rbegin(); at != found_.trailers.rend() && !trailer_.IsDictionary(); ++at) {
+        PdfVariant trailer;
+        try {
+            ReadValue(*at, trailer);
+        } catch (const PdfError&) {
+            continue;
+        }
+        if (trailer.IsDictionary() && trailer.GetDictionary().HasKey("Root")) trailer_ = trailer;
+    }
+    if (trailer_.IsDictionary()) return;
+    const auto catalog = found_.objects.find(found_.catalog);
+    Require(catalog != found_.objects.end());
+    PdfDictionary keys;
+    keys.AddKey("Root", PdfReference(catalog->first, static_cast<pdf_gennum>(catalog->second.generation)));
+    trailer_ = keys;
 }
 
 PlainTables::~PlainTables() = default;
@@ -178,6 +211,10 @@ PlainTables::Row PlainTables::RowAt(std::int64_t position) {
 }
 
 std::int64_t PlainTables::Find(const PdfReference& reference) {
+    if (const auto found = found_.objects.find(reference.ObjectNumber()); found != found_.objects.end()) {
+        Require(found->second.generation == reference.GenerationNumber());
+        return found->second.offset;
+    }
     const auto number = static_cast<std::int64_t>(reference.ObjectNumber());
     for (const Subsection& subsection : subsections_) {
         if (number < subsection.first || number >= subsection.first + subsection.count) continue;
@@ -194,6 +231,7 @@ void PlainTables::ReadObject(std::int64_t offset, PdfObject& object) {
     Require(TakeNumber(position) == static_cast<std::int64_t>(object.Reference().ObjectNumber()));
     Require(TakeNumber(position) == object.Reference().GenerationNumber() && TakeWord(position, "obj"));
     position = ReadValue(position, object);
+    if (decryption_) decryption_->DecryptStrings(object);
     Require(TakeWord(position, "endobj") || (object.IsDictionary() && TakeWord(position, "stream")));
 }
 
