@@ -30,6 +30,10 @@ public:
     bool ToSource(double& x, double& y) const override;
     bool LengthInTarget(double x, double y, double dx, double dy, double& length) const override;
     bool LengthInSource(double x, double y, double dx, double dy, double& length) const override;
+    bool SlopesAt(double, double, BMathTransform::Slopes& slopes) const override {
+        slopes = {terms_.a, terms_.b, terms_.d, terms_.e};
+        return true;
+    }
     const AffineTerms* Affine() const override { return &terms_; }
 
 private:

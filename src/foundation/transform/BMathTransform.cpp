@@ -12,7 +12,8 @@
 namespace Tellurion {
 namespace {
 
-ModelPointer Fit(EMathTransformType type, const std::vector<BPointPair>& pairs, RasterSize raster) {
+template <class Point>
+ModelPointer FitModel(EMathTransformType type, const std::vector<Point>& pairs, RasterSize raster) {
     if (type == EMathTransformType::None) return nullptr;
     const FitRule rule = RuleOf(type);
     const ControlPoints points(pairs, rule);
@@ -54,10 +55,16 @@ double LengthOf(const TransformModel* model, Length length_of, const char* sourc
 
 BMathTransform::BMathTransform(EMathTransformType type, const std::vector<BPointPair>& pairs,
                                unsigned int width, unsigned int height, bool optimizeFor2D)
-    : model_(Fit(type, pairs, {width, height})), optimize_for_2d_(optimizeFor2D) {}
+    : model_(FitModel(type, pairs, {width, height})), optimize_for_2d_(optimizeFor2D) {}
 
 BMathTransform::BMathTransform(std::shared_ptr<const TransformModel> model, bool optimizeFor2D)
     : model_(std::move(model)), optimize_for_2d_(optimizeFor2D) {}
+
+BMathTransform BMathTransform::Fit(EMathTransformType type, const std::vector<BControlPoint>& points,
+                                   unsigned int width, unsigned int height) {
+    constexpr bool kOptimizeFor2D = true;
+    return BMathTransform(FitModel(type, points, {width, height}), kOptimizeFor2D);
+}
 
 BMathTransform::BMathTransform(const BMathTransform&) = default;
 BMathTransform& BMathTransform::operator=(const BMathTransform&) = default;
@@ -122,6 +129,10 @@ double BMathTransform::ConvertXDistanceReverse(double distance, const BPoint& at
 double BMathTransform::ConvertYDistanceReverse(double distance, const BPoint& at) const {
     return LengthOf(model_.get(), &TransformModel::LengthInSource, "BMathTransform::ConvertYDistanceReverse",
                     at, 0.0, distance);
+}
+
+bool BMathTransform::GetSlopes(double column, double row, Slopes& slopes) const {
+    return model_ && IsFinite(column, row) && model_->SlopesAt(column, row, slopes);
 }
 
 void BMathTransform::GetAffineParameters(double& a, double& b, double& c, double& d, double& e,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BTransform.h>
 #include <Tellurion/EMathTransformType.h>
@@ -33,6 +34,10 @@ public:
     BMathTransform& operator=(const BMathTransform&);
     ~BMathTransform() override;
 
+    /// The same fit through points whose pixels have fractions.
+    static BMathTransform Fit(EMathTransformType type, const std::vector<BControlPoint>& points,
+                              unsigned int width, unsigned int height);
+
     /// A new transform, the caller's; null when a term is not finite or the terms
     /// cannot be inverted.
     static BMathTransform* CreateAffine(double a, double b, double c, double d, double e, double f,
@@ -53,6 +58,16 @@ public:
 
     /// The six terms. Throws a BException for what is not affine; a conformal fit is.
     void GetAffineParameters(double& a, double& b, double& c, double& d, double& e, double& f) const;
+
+    /// How the target changes with the source around a position in the source. False, with
+    /// `slopes` unchanged, where the transform has no value.
+    struct Slopes {
+        double XByColumn;  ///< of x with the column
+        double XByRow;     ///< of x with the row
+        double YByColumn;  ///< of y with the column
+        double YByRow;     ///< of y with the row
+    };
+    bool GetSlopes(double column, double row, Slopes& slopes) const;  ///< see above
 
 private:
     BMathTransform(std::shared_ptr<const TransformModel> model, bool optimizeFor2D);

@@ -66,11 +66,15 @@ Eigen::Index Dimension(const Positions& positions) {
 }
 
 void RequireFinite(const ControlPoints& points) {
-    for (Eigen::Index i = 0; i < points.Count(); ++i)
+    for (Eigen::Index i = 0; i < points.Count(); ++i) {
+        if (!(points.pixels.row(i).cwiseAbs().maxCoeff<Eigen::PropagateNaN>() <= kLargestCoordinate))
+            RefuseFit("The pixel of point %ld (%g, %g) is not a finite number in range", points.Number(i),
+                      points.pixels(i, 0), points.pixels(i, 1));
         // Written so that NaN fails.
         if (!(points.world.row(i).cwiseAbs().maxCoeff<Eigen::PropagateNaN>() <= kLargestCoordinate))
             RefuseFit("The world position of point %ld (%g, %g) is not a finite number in range",
                       points.Number(i), points.world(i, 0), points.world(i, 1));
+    }
 }
 
 [[noreturn]] void RefuseCoinciding(const ControlPoints& points, const FitRule& rule) {
@@ -102,15 +106,25 @@ FitRule RuleOf(EMathTransformType type) {
     RefuseFit("There is no fit of type %d", static_cast<int>(type));
 }
 
-ControlPoints::ControlPoints(const std::vector<BPointPair>& pairs, const FitRule& rule) : pairs_(pairs) {
-    const Eigen::Index count = std::ranges::count_if(pairs, &BPointPair::Enabled);
+ControlPoints::ControlPoints(const std::vector<BPointPair>& pairs, const FitRule& rule) : pairs_(&pairs) {
+    Fill(pairs, rule);
+}
+
+ControlPoints::ControlPoints(const std::vector<BControlPoint>& points, const FitRule& rule)
+    : points_(&points) {
+    Fill(points, rule);
+}
+
+template <class Point>
+void ControlPoints::Fill(const std::vector<Point>& pairs, const FitRule& rule) {
+    const Eigen::Index count = std::ranges::count_if(pairs, &Point::Enabled);
     if (count < rule.points)
         RefuseFit("The %s fit needs %td points, %td of %zu are enabled", rule.name, rule.points, count,
                   pairs.size());
     pixels.resize(count, 2);
     world.resize(count, 2);
     Eigen::Index i = 0;
-    for (const BPointPair& pair : pairs) {
+    for (const Point& pair : pairs) {
         if (!pair.Enabled) continue;
         pixels.row(i) << pair.Column, pair.Row;
         world.row(i++) << pair.World.x, pair.World.y;
@@ -123,12 +137,10 @@ ControlPoints::ControlPoints(const std::vector<BPointPair>& pairs, const FitRule
 }
 
 long ControlPoints::Number(Eigen::Index point) const {
-    long number = 0;
-    for (const BPointPair& pair : pairs_) {
-        ++number;
-        if (pair.Enabled && point-- == 0) break;
-    }
-    return number;
+    std::size_t index = 0;
+    while (!IsEnabled(index) || point-- != 0)
+        ++index;
+    return static_cast<long>(index) + 1;
 }
 
 void RequireArea(const ControlPoints& points, const FitRule& rule) {
@@ -150,7 +162,7 @@ void RequireDifferentPixels(const ControlPoints& points, const FitRule& rule) {
     const auto order = ByPixel(points.pixels);
     for (std::size_t k = 1; k < order.size(); ++k)
         if (points.pixels.row(order[k]) == points.pixels.row(order[k - 1]))
-            RefuseFit("The %s fit takes each pixel once, points %ld and %ld coincide at (%.0f, %.0f)",
+            RefuseFit("The %s fit takes each pixel once, points %ld and %ld coincide at (%.12g, %.12g)",
                       rule.name, std::min(points.Number(order[k]), points.Number(order[k - 1])),
                       std::max(points.Number(order[k]), points.Number(order[k - 1])),
                       points.pixels(order[k], 0), points.pixels(order[k], 1));

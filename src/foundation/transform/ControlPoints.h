@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BException.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/EMathTransformType.h>
@@ -32,6 +33,7 @@ template <class... Args>
 struct ControlPoints {
     /// Throws a BException when the pairs, which must outlive this, are not that.
     ControlPoints(const std::vector<BPointPair>& pairs, const FitRule& rule);
+    ControlPoints(const std::vector<BControlPoint>& points, const FitRule& rule);
 
     Eigen::Index Count() const { return pixels.rows(); }
     /// How a failure names the point: its place among all pairs, from 1. Counts from the first.
@@ -41,7 +43,15 @@ struct ControlPoints {
     Positions world;
 
 private:
-    const std::vector<BPointPair>& pairs_;
+    template <class Point>
+    void Fill(const std::vector<Point>& points, const FitRule& rule);
+    bool IsEnabled(std::size_t index) const {
+        return pairs_ ? (*pairs_)[index].Enabled : (*points_)[index].Enabled;
+    }
+
+    /// One of the two is null.
+    const std::vector<BPointPair>* pairs_ = nullptr;
+    const std::vector<BControlPoint>* points_ = nullptr;
 };
 
 /// Throws a BException when the pixels or the positions in the world lie on a line,

@@ -93,6 +93,11 @@ bool CurvedModel::ToSource(double& x, double& y) const {
     return Assign(nearest, x, y);
 }
 
+bool CurvedModel::SlopesAt(double x, double y, BMathTransform::Slopes& slopes) const {
+    const Eigen::Matrix2d unit = Evaluate(source_.ToUnit({x, y})).slope;
+    return AssignFinite(SlopesFromUnit(unit, source_, target_), slopes);
+}
+
 Eigen::Vector2d CurvedModel::StartPlace(int k) const {
     const int row = k / kStartsPerAxis;
     const Eigen::Array2d place(k % kStartsPerAxis + 0.5, row + 0.5);

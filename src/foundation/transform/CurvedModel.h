@@ -16,6 +16,7 @@ class CurvedModel : public TransformModel {
 public:
     bool ToTarget(double& x, double& y) const override;
     bool ToSource(double& x, double& y) const override;
+    bool SlopesAt(double x, double y, BMathTransform::Slopes& slopes) const override;
 
 protected:
     /// Both in unit space.

@@ -40,6 +40,14 @@ void PlaneFrame::AllToUnit(const Eigen::Ref<const Positions>& positions,
         unit.col(axis) = (positions.col(axis).array() - centre[axis]) / scale[axis];
 }
 
+BMathTransform::Slopes SlopesFromUnit(const Eigen::Matrix2d& unit, const PlaneFrame& source,
+                                      const PlaneFrame& target) {
+    const auto slope = [&](Eigen::Index i, Eigen::Index j) {
+        return unit(i, j) * target.scale[i] / source.scale[j];
+    };
+    return {slope(0, 0), slope(0, 1), slope(1, 0), slope(1, 1)};
+}
+
 FitFrames::FitFrames(const ControlPoints& points, Scaling source_scaling, Scaling target_scaling)
     : source(points.pixels, source_scaling), target(points.world, target_scaling) {}
 

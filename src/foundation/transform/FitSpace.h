@@ -2,6 +2,8 @@
 
 #include "ControlPoints.h"
 
+#include <Tellurion/BMathTransform.h>
+
 #include <Eigen/Geometry>
 
 namespace Tellurion {
@@ -26,6 +28,10 @@ struct PlaneFrame {
     Eigen::Vector2d centre;
     Eigen::Vector2d scale;
 };
+
+/// Slopes in unit space as those of pixels and the world.
+BMathTransform::Slopes SlopesFromUnit(const Eigen::Matrix2d& unit, const PlaneFrame& source,
+                                      const PlaneFrame& target);
 
 /// The frames in which a fit computes: both sides of the points near the unit square.
 struct FitFrames {

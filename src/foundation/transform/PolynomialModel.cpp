@@ -1,45 +1,13 @@
 #include "CurvedModel.h"
 #include "Fits.h"
 #include "LeastSquares.h"
+#include "Monomials.h"
 
-#include <array>
 #include <iterator>
 #include <vector>
 
 namespace Tellurion {
 namespace {
-
-/// x^x_power * y^y_power
-struct Monomial {
-    std::size_t x_power, y_power;
-};
-
-/// All monomials up to the order for full polynomials; 1, x, y, xy for the bilinear fit.
-std::vector<Monomial> MonomialsOf(EMathTransformType type) {
-    if (type == EMathTransformType::Bilinear) return {{0, 0}, {1, 0}, {0, 1}, {1, 1}};
-    const std::size_t order = type == EMathTransformType::Polynomial2 ? 2 : 3;
-    std::vector<Monomial> monomials;
-    for (std::size_t degree = 0; degree <= order; ++degree)
-        for (std::size_t y_power = 0; y_power <= degree; ++y_power)
-            monomials.push_back({degree - y_power, y_power});
-    return monomials;
-}
-
-/// The powers 0 to 3 of a coordinate, and their slopes.
-struct Powers {
-    explicit Powers(double v) : value{1, v, v * v, v * v * v}, slope{0, 1, 2 * v, 3 * v * v} {}
-    std::array<double, 4> value, slope;
-};
-
-void FillDesign(const Positions& from, Eigen::Index first, const std::vector<Monomial>& monomials,
-                LeastSquares::Block design) {
-    for (Eigen::Index i = 0; i < design.rows(); ++i) {
-        const Powers x(from(first + i, 0)), y(from(first + i, 1));
-        for (std::size_t k = 0; k < monomials.size(); ++k)
-            design(i, static_cast<Eigen::Index>(k)) =
-                x.value[monomials[k].x_power] * y.value[monomials[k].y_power];
-    }
-}
 
 class PolynomialModel : public CurvedModel {
 public:
@@ -79,6 +47,28 @@ private:
 };
 
 }  // namespace
+
+std::vector<Monomial> MonomialsOf(EMathTransformType type) {
+    if (type == EMathTransformType::Bilinear) return {{0, 0}, {1, 0}, {0, 1}, {1, 1}};
+    const std::size_t order = type == EMathTransformType::Affine        ? 1
+                              : type == EMathTransformType::Polynomial2 ? 2
+                                                                        : 3;
+    std::vector<Monomial> monomials;
+    for (std::size_t degree = 0; degree <= order; ++degree)
+        for (std::size_t y_power = 0; y_power <= degree; ++y_power)
+            monomials.push_back({degree - y_power, y_power});
+    return monomials;
+}
+
+void FillDesign(const Positions& from, Eigen::Index first, const std::vector<Monomial>& monomials,
+                LeastSquares::Block design) {
+    for (Eigen::Index i = 0; i < design.rows(); ++i) {
+        const Powers x(from(first + i, 0)), y(from(first + i, 1));
+        for (std::size_t k = 0; k < monomials.size(); ++k)
+            design(i, static_cast<Eigen::Index>(k)) =
+                x.value[monomials[k].x_power] * y.value[monomials[k].y_power];
+    }
+}
 
 ModelPointer FitPolynomial(const ControlPoints& points, const FitRule& rule, EMathTransformType type,
                            RasterSize raster) {

@@ -1,5 +1,4 @@
-#include "FitSpace.h"
-#include "Fits.h"
+#include "Homography.h"
 #include "LeastSquares.h"
 
 #include <Eigen/Dense>
@@ -20,20 +19,12 @@ constexpr double kSingular = 1e-12;
 /// Of the area of the unit square; below, three points lie on a line.
 constexpr double kFlatTriangle = 1e-10;
 
-/// (x, y, 1) of the source to (x' w, y' w, w) of the target, both in unit space. The
-/// depth w is positive before the horizon.
-using Homography = Eigen::Matrix3d;
-
 Eigen::VectorXd Depths(const Homography& homography, const Positions& from) {
     return from.rowwise().homogeneous() * homography.row(2).transpose();
 }
 
 bool IsBeforeHorizon(const Eigen::VectorXd& depths) {
     return depths.minCoeff() > kPointHorizon * depths.maxCoeff();
-}
-
-Positions Apply(const Homography& homography, const Positions& from) {
-    return (from.rowwise().homogeneous() * homography.transpose()).rowwise().hnormalized();
 }
 
 /// The two rows that each point has in a system. Of many points they are folded into a
@@ -76,22 +67,14 @@ Homography DirectFit(const FitSpace& space, const FitRule& rule) {
     return homography / std::copysign(depths.cwiseAbs().maxCoeff(), depths.sum());
 }
 
-/// The slopes of all x', then of all y', by the nine terms, row after row.
-Eigen::MatrixXd SlopesOf(const Homography& homography, const Positions& from) {
-    const Positions to = Apply(homography, from);
-    const Eigen::MatrixXd near =
-        from.rowwise().homogeneous().array().colwise() / Depths(homography, from).array();
-    return DesignOf(near, to);
-}
-
 /// Takes the largest part of `step` that lessens the residual; false when none does.
 bool Improve(Homography& homography, const Homography& step, const FitSpace& space) {
-    const double residual = (space.to - Apply(homography, space.from)).norm();
+    const double residual = (space.to - ApplyHomography(homography, space.from)).norm();
     double part = 1.0;
     for (int i = 0; i < kHalvings; ++i, part /= 2) {
         const Homography next = homography + part * step;
         if (IsBeforeHorizon(Depths(next, space.from)) &&
-            (space.to - Apply(next, space.from)).norm() < residual) {
+            (space.to - ApplyHomography(next, space.from)).norm() < residual) {
             homography = next;
             return true;
         }
@@ -99,23 +82,37 @@ bool Improve(Homography& homography, const Homography& step, const FitSpace& spa
     return false;
 }
 
-/// Least squares in the target by Gauss-Newton. The scale of the homography is free;
-/// of all equal steps the shortest leaves it alone.
+/// A step of Gauss-Newton. The scale of the homography is free; of all equal steps the shortest
+/// leaves it alone.
+Homography StepOf(const Homography& homography, const FitSpace& space) {
+    const Eigen::MatrixXd rows = AllRows(space.from.rows(), 10, [&](Eigen::Index first, Eigen::Index some) {
+        const Positions from = space.from.middleRows(first, some);
+        Eigen::MatrixXd slopes_and_left(2 * some, 10);
+        slopes_and_left << HomographySlopes(homography, from),
+            (space.to.middleRows(first, some) - ApplyHomography(homography, from)).reshaped();
+        return slopes_and_left;
+    });
+    Eigen::CompleteOrthogonalDecomposition<Eigen::MatrixXd> factors;
+    factors.setThreshold(kSingular);
+    factors.compute(rows.leftCols(9));
+    const Eigen::VectorXd step = factors.solve(rows.col(9));
+    return step.reshaped(3, 3).transpose();
+}
+
+/// Least squares in the target. The residual stops shrinking while the terms still have half
+/// their digits to gain, which last steps without a look at it give them.
 void Refine(Homography& homography, const FitSpace& space) {
-    for (int i = 0; i < kIterations; ++i) {
-        const Eigen::MatrixXd rows =
-            AllRows(space.from.rows(), 10, [&](Eigen::Index first, Eigen::Index some) {
-                const Positions from = space.from.middleRows(first, some);
-                Eigen::MatrixXd slopes_and_left(2 * some, 10);
-                slopes_and_left << SlopesOf(homography, from),
-                    (space.to.middleRows(first, some) - Apply(homography, from)).reshaped();
-                return slopes_and_left;
-            });
-        Eigen::CompleteOrthogonalDecomposition<Eigen::MatrixXd> factors;
-        factors.setThreshold(kSingular);
-        factors.compute(rows.leftCols(9));
-        const Eigen::VectorXd step = factors.solve(rows.col(9));
-        if (!Improve(homography, step.reshaped(3, 3).transpose(), space)) return;
+    constexpr int kLastSteps = 3;
+    constexpr double kExact = 1e-14;
+    constexpr double kSmallStep = 1e-6;
+    for (int i = 0; i < kIterations; ++i)
+        if (!Improve(homography, StepOf(homography, space), space)) break;
+    for (int i = 0; i < kLastSteps; ++i) {
+        const Positions left = space.to - ApplyHomography(homography, space.from);
+        if (left.cwiseAbs().maxCoeff() <= kExact) return;
+        const Homography step = StepOf(homography, space);
+        if (!(step.norm() < kSmallStep * homography.norm())) return;
+        homography += step;
     }
 }
 
@@ -159,6 +156,14 @@ public:
         return image.z() > 0 && image.z() < 1 / kHorizon &&
                Assign(source_.FromUnit(image.hnormalized()), x, y);
     }
+    bool SlopesAt(double x, double y, BMathTransform::Slopes& slopes) const override {
+        const Eigen::Vector3d image = forward_ * source_.ToUnit({x, y}).homogeneous();
+        if (!(image.z() > kHorizon)) return false;
+        const Eigen::Matrix2d unit =
+            (forward_.topLeftCorner<2, 2>() - image.hnormalized() * forward_.bottomLeftCorner<1, 2>()) /
+            image.z();
+        return AssignFinite(SlopesFromUnit(unit, source_, target_), slopes);
+    }
 
 private:
     static bool Assign(const Eigen::Vector2d& position, double& x, double& y) {
@@ -173,9 +178,19 @@ private:
 
 }  // namespace
 
-ModelPointer FitProjective(const ControlPoints& points, const FitRule& rule) {
+Positions ApplyHomography(const Homography& homography, const Positions& from) {
+    return (from.rowwise().homogeneous() * homography.transpose()).rowwise().hnormalized();
+}
+
+Eigen::MatrixXd HomographySlopes(const Homography& homography, const Positions& from) {
+    const Positions to = ApplyHomography(homography, from);
+    const Eigen::MatrixXd near =
+        from.rowwise().homogeneous().array().colwise() / Depths(homography, from).array();
+    return DesignOf(near, to);
+}
+
+Homography FitHomography(const ControlPoints& points, const FitSpace& space, const FitRule& rule) {
     RequireArea(points, rule);
-    const FitSpace space(points, Scaling::PerAxis, Scaling::Common);
     if (points.Count() == 4 && (HasFlatTriangle(space.from) || HasFlatTriangle(space.to)))
         RefuseFit("The %s fit is left open, three of the 4 enabled points lie on a line", rule.name);
     Homography homography = DirectFit(space, rule);
@@ -184,7 +199,12 @@ ModelPointer FitProjective(const ControlPoints& points, const FitRule& rule) {
     const Eigen::Vector3d strengths = homography.jacobiSvd().singularValues();
     if (strengths[2] <= kSingular * strengths[0])
         RefuseFit("The %s fit through the %td enabled points cannot be inverted", rule.name, points.Count());
-    return std::make_shared<const ProjectiveModel>(space, homography);
+    return homography;
+}
+
+ModelPointer FitProjective(const ControlPoints& points, const FitRule& rule) {
+    const FitSpace space(points, Scaling::PerAxis, Scaling::Common);
+    return std::make_shared<const ProjectiveModel>(space, FitHomography(points, space, rule));
 }
 
 }  // namespace Tellurion

@@ -1,11 +1,8 @@
 #include "CurvedModel.h"
 #include "Fits.h"
-
-#include <Eigen/Cholesky>
-#include <Eigen/QR>
+#include "SplineSystem.h"
 
 #include <cmath>
-#include <optional>
 #include <vector>
 
 namespace Tellurion {
@@ -14,66 +11,6 @@ namespace {
 /// The system of n points takes 8 n^2 bytes and a time that grows with n^3: 128 MB here.
 constexpr Eigen::Index kMostPoints = 4000;
 constexpr int kRefinements = 2;
-
-/// The bending of a thin plate at a squared distance from the point that bends it.
-double Bending(double squared) {
-    return squared > 0 ? squared * std::log(squared) : 0.0;
-}
-
-Eigen::MatrixXd BendingOf(const Positions& from) {
-    const Eigen::Index count = from.rows();
-    Eigen::MatrixXd bending(count, count);
-    for (Eigen::Index j = 0; j < count; ++j)
-        for (Eigen::Index i = 0; i < count; ++i)
-            bending(i, j) = Bending((from.row(i) - from.row(j)).squaredNorm());
-    return bending;
-}
-
-/// Weights w and plane terms p with bending * w + plane * p = values and
-/// plane^T * w = 0. On the weights that meet the second condition the bending is
-/// positive definite: a QR of the plane leads there, Cholesky solves.
-class SplineSystem {
-public:
-    explicit SplineSystem(const Positions& from)
-        : free_(from.rows() - 3), bending_(BendingOf(from)), plane_(PlaneOf(from)) {
-        bending_.applyOnTheLeft(plane_.householderQ().adjoint());
-        bending_.applyOnTheRight(plane_.householderQ());
-        if (free_ == 0) return;
-        Eigen::Ref<Eigen::MatrixXd> corner = bending_.bottomRightCorner(free_, free_);
-        cholesky_.emplace(corner);
-    }
-
-    bool Solvable() const { return !cholesky_ || cholesky_->info() == Eigen::Success; }
-
-    /// Weights of the points, then three rows of plane terms.
-    Eigen::MatrixXd Solve(const Positions& values) const {
-        const Eigen::Index count = values.rows();
-        Eigen::MatrixXd turned = values;
-        turned.applyOnTheLeft(plane_.householderQ().adjoint());
-        Eigen::MatrixXd weights = Eigen::MatrixXd::Zero(count, 2);
-        Eigen::MatrixXd plane_side = turned.topRows<3>();
-        if (cholesky_) {
-            weights.bottomRows(free_) = cholesky_->solve(turned.bottomRows(free_));
-            plane_side -= bending_.topRightCorner(3, free_) * weights.bottomRows(free_);
-            weights.applyOnTheLeft(plane_.householderQ());
-        }
-        Eigen::MatrixXd solution(count + 3, 2);
-        solution << weights, plane_.matrixQR().topRows<3>().triangularView<Eigen::Upper>().solve(plane_side);
-        return solution;
-    }
-
-private:
-    static Eigen::MatrixXd PlaneOf(const Positions& from) {
-        Eigen::MatrixXd plane(from.rows(), 3);
-        plane << from, Eigen::VectorXd::Ones(from.rows());
-        return plane;
-    }
-
-    Eigen::Index free_;
-    Eigen::MatrixXd bending_;
-    Eigen::HouseholderQR<Eigen::MatrixXd> plane_;
-    std::optional<Eigen::LLT<Eigen::Ref<Eigen::MatrixXd>>> cholesky_;  ///< in a corner of bending_
-};
 
 class SplineModel : public CurvedModel {
 public:

@@ -30,6 +30,14 @@ const AffineTerms* TransformModel::Affine() const {
     return nullptr;
 }
 
+bool AssignFinite(const BMathTransform::Slopes& values, BMathTransform::Slopes& slopes) {
+    if (!std::isfinite(values.XByColumn) || !std::isfinite(values.XByRow) ||
+        !std::isfinite(values.YByColumn) || !std::isfinite(values.YByRow))
+        return false;
+    slopes = values;
+    return true;
+}
+
 bool AssignFinite(double x_value, double y_value, double& x, double& y) {
     if (!std::isfinite(x_value) || !std::isfinite(y_value)) return false;
     x = x_value;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Tellurion/EMathTransformType.h>
+#include <Tellurion/BMathTransform.h>
 
 namespace Tellurion {
 
@@ -23,6 +23,8 @@ public:
     /// The length of the image of the step (dx, dy) from (x, y); false as above.
     virtual bool LengthInTarget(double x, double y, double dx, double dy, double& length) const;
     virtual bool LengthInSource(double x, double y, double dx, double dy, double& length) const;
+    /// False as above.
+    virtual bool SlopesAt(double x, double y, BMathTransform::Slopes& slopes) const = 0;
     /// The terms of what is affine, null for all else.
     virtual const AffineTerms* Affine() const;
 
@@ -31,6 +33,8 @@ private:
 };
 
 /// Sets x and y when both values are finite.
+/// Sets the slopes when all four are finite.
+bool AssignFinite(const BMathTransform::Slopes& values, BMathTransform::Slopes& slopes);
 bool AssignFinite(double x_value, double y_value, double& x, double& y);
 
 }  // namespace Tellurion
