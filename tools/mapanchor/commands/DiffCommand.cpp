@@ -142,8 +142,6 @@ std::optional<Distance> Measure(const Place& place, const ReadResult& a, const R
 }
 
 void ShareSize(ReadResult& a, ReadResult& b) {
-    FindRasterSize(a);
-    FindRasterSize(b);
     ReadResult& poor = a.width ? b : a;
     const ReadResult& rich = a.width ? a : b;
     if (poor.width) return;
@@ -195,8 +193,10 @@ Comparison Compare(const DiffOptions& options, LogCollector& log) {
         if (const auto unit = a.reference.CoordSys->GetUnits()) comparison.units = unit->GetName().StdStr();
     MeasureAll(a, b, comparison);
     for (const ReadResult* read : {&a, &b})
-        for (const Diagnostic& remark : read->diagnostics)
-            comparison.diagnostics.push_back({remark.is_error, read->file + ": " + remark.text, remark.id});
+        for (const Diagnostic& remark : read->diagnostics) {
+            comparison.diagnostics.push_back(remark);
+            comparison.diagnostics.back().text = read->file + ": " + remark.text;
+        }
     if (!comparison.failure && !comparison.diagnostics.empty()) comparison.status = ExitStatus::Warnings;
     Judge(options, comparison);
     return comparison;

@@ -19,6 +19,6 @@ LogCollector::~LogCollector() {
 
 void LogCollector::MoveTo(Diagnostics& diagnostics, bool as_errors) {
     for (std::string& line : lines_)
-        diagnostics.push_back({as_errors, std::move(line)});
+        diagnostics.push_back({as_errors, std::move(line), "read-remark"});
     lines_.clear();
 }

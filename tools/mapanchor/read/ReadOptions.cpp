@@ -82,6 +82,18 @@ ReadOptions::ReadOptions() {
     params.SetInteger(BMapAnchor::kValErsCodes, 1);
 }
 
+MapAnchor::BReadingOptions ReadOptions::ForReading() const {
+    MapAnchor::BReadingOptions reading;
+    if (type) reading.SetType(*type);
+    reading.SetFlags(flags);
+    reading.SetSize(width.value_or(0), height.value_or(0));
+    reading.SetFindsSize(true);
+    reading.SetMathType(fit);
+    if (params.HasProperty(BMapAnchor::kValPDFCropType)) reading.SetPdfBox(pdf_box);
+    reading.SetResolution(dpi);
+    return reading;
+}
+
 void ReadOptions::AddTo(CLI::App& app) {
     app.add_option_function<std::string>(
            "--type", [this](const std::string& word) { type = KindFromWord("--type", word); },

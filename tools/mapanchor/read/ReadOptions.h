@@ -1,5 +1,6 @@
 #pragma once
 
+#include <MapAnchor/BReadingOptions.h>
 #include <Tellurion/BParamList.h>
 #include <Tellurion/EMathTransformType.h>
 #include <Tellurion/EReferenceType.h>
@@ -28,6 +29,7 @@ struct ReadOptions {
     static constexpr double kPointsPerInch = 72.0;
 
     void AddTo(CLI::App& app);
+    MapAnchor::BReadingOptions ForReading() const;
 };
 
 /// The kind that an option's word names; throws CLI::ValidationError for none.
