@@ -44,6 +44,9 @@ struct ReadingState {
     bool by_name = true;
     long width = 0;
     long height = 0;
+    long stated_width = 0;  ///< as the file that was read states it; 0 for none
+    long stated_height = 0;
+    bool is_raster = false;  ///< GDAL opened it
     std::optional<BGeoPDFPage> page;
     std::vector<BDiagnostic> diagnostics;
 

@@ -1,6 +1,8 @@
 #include "ReadingSteps.h"
 
+#include "ReadingSources.h"
 #include "ReferenceFormats.h"
+#include "SidecarNames.h"
 #include "common/DiagnosticIds.h"
 #include "raster/gdal/GdalDrivers.h"
 
@@ -87,9 +89,8 @@ void ReadPdf(const BReadingOptions& options, ReadingState& state) {
     }
 }
 
-void Dispatch(const BReadingOptions& options, ReadingState& state) {
+void ReadTyped(const BReadingOptions& options, ReadingState& state) {
     const ReferenceFormat* const typed = options.HasType() ? nullptr : TypedKindOf(state.file);
-    if (!options.HasType() && !typed) return ReadByName(options, state);
     const EReferenceType type = typed ? typed->type : options.GetType();
     if (type == EReferenceType::GeoPDF) return ReadPdf(options, state);
     ReadByType(type, options, state);
@@ -140,19 +141,6 @@ bool HasWorldFileExtension(const BString& file) {
     return row && Holds(row->save_extensions, LowerExtension(file));
 }
 
-/// A raster whose sidecar lies beside it: naming the raster is the usual slip.
-void HintAtSidecar(ReadingState& state) {
-    const BString extension = BMapAnchor::GenerateWorldFileExt(state.file);
-    for (const BString& candidate : {extension.Right(extension.GetLength() - 1), BString("wld")}) {
-        const BString sidecar = BFileUtilities::ChangeExtension(state.file, candidate);
-        if (sidecar == state.file || !BFileUtilities::Exists(sidecar)) continue;
-        state.Add({.id = DiagnosticId::kSidecarBeside,
-                   .text = "did you mean the world file beside it? " + sidecar.StdStr(),
-                   .file = sidecar});
-        return;
-    }
-}
-
 /// The number of the error that keeps a name from being that of a file to read; 0 for none.
 int FaultOfName(const std::string& name) {
     struct stat status {};
@@ -187,32 +175,65 @@ bool CheckName(ReadingState& state) {
     return false;
 }
 
-void Read(const BReadingOptions& options, ReadingState& state) {
-    if (!CheckName(state)) return;
-    try {
-        Dispatch(options, state);
-    } catch (...) {
-        state.failure = ReadingFailure::Current();
+bool IsSidecarName(const BString& file) {
+    const ReferenceFormat* const row = FindFormatToRead(LowerExtension(file));
+    return (row && row->sidecar) || HasWorldFileExtension(file);
+}
+
+void ReadSidecar(const BReadingOptions& options, ReadingState& state) {
+    RunReader(state, [&] { ReadByName(options, state); });
+    if (IsUnsupported(state) && HasWorldFileExtension(state.file))
+        RunReader(state, [&] { TryWorldFileByType(options, state); });
+}
+
+/// By name; what no reader takes by its name, and no extension names, by GDAL's drivers.
+void ReadRasterItself(const BReadingOptions& options, ReadingState& state) {
+    RunReader(state, [&] { ReadByName(options, state); });
+    const bool is_nameless = state.failure && BFileUtilities::GetExtension(state.file).IsEmpty();
+    if (!IsUnsupported(state) && !is_nameless) return;
+    ReadingState by_gdal;
+    by_gdal.width = state.width;
+    by_gdal.height = state.height;
+    ReadAsGdal(state.file, options, by_gdal);
+    if (by_gdal.failure && !by_gdal.is_raster) return;
+    by_gdal.by_name = false;
+    state = std::move(by_gdal);
+}
+
+void ReadRaster(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
+    const std::vector<SidecarName> beside = FindSidecars(state.file);
+    const bool is_raster = IsRasterExtension(BFileUtilities::GetExtension(state.file).ToLower());
+    const bool asks = wanted || !options.GetSource().IsEmpty();
+    if (!asks && (beside.empty() || !is_raster)) {
+        ReadRasterItself(options, state);
+        if (!state.failure || beside.empty() || !state.is_raster) return;
+        state.failure.reset();
+        state.diagnostics.clear();
     }
-    if (IsUnsupported(state) && !options.HasType() && HasWorldFileExtension(state.file))
-        TryWorldFileByType(options, state);
-    if (IsUnsupported(state)) HintAtSidecar(state);
+    SourceList sources = ReadSources(state.file, beside, options);
+    ReadingState whole;
+    ReadAsGdal(state.file, options, whole);
+    if (state.width <= 0) {
+        state.width = whole.width;
+        state.height = whole.height;
+    }
+    MeasureSources(sources, whole, state.width, state.height);
+    RunReader(state, [&] { ReadFromWinner(sources, options, whole, state); });
+    if (wanted) *wanted = std::move(sources);
+}
+
+void Read(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
+    if (!CheckName(state)) return;
+    if (options.HasType() || TypedKindOf(state.file))
+        return RunReader(state, [&] { ReadTyped(options, state); });
+    if (IsSidecarName(state.file)) return ReadSidecar(options, state);
+    ReadRaster(options, state, wanted);
 }
 
 void AssignSystem(const BReadingOptions& options, ReadingState& state) {
     const BSharedPtr<BCoordSys> system = options.GetCoordSys();
     if (system.IsEmpty() || (state.reference.HasCoordSys() && !options.OverridesCoordSys())) return;
     state.reference.SetCoordSys(system);
-}
-
-void TakeLog(ThreadLog& log, ReadingState& state) {
-    for (const BString& entry : log.Take()) {
-        std::string line = entry.StdStr();
-        std::replace(line.begin(), line.end(), '\n', ' ');  // those of the readers' formats
-        state.Add({.id = DiagnosticId::kReadRemark,
-                   .severity = state.failure ? ESeverity::Error : ESeverity::Warning,
-                   .text = line});
-    }
 }
 
 }  // namespace
@@ -231,21 +252,62 @@ EOutcome OutcomeOf(const ReadingState& state) {
     return type == "std::bad_alloc" ? EOutcome::OutOfMemory : EOutcome::Invalid;
 }
 
-void ReadInSteps(const BReadingOptions& options, ReadingState& state) {
+namespace {
+
+/// A file that another kind of reader took, or none, was only tried as a world file.
+bool IsAboutThis(const BDiagnostic& remark, const ReadingState& state) {
+    const bool is_of_world_file = remark.GetId() == BString(DiagnosticId::kWorldFileText) ||
+                                  remark.GetId() == BString(DiagnosticId::kScaleZero);
+    if (!is_of_world_file || (state.kind && std::string_view(state.kind->name) == "WLD")) return true;
+    return !state.kind && HasWorldFileExtension(state.file);
+}
+
+}  // namespace
+
+void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
+    if (notes.width > 0 && notes.height > 0) {
+        state.is_raster = true;
+        if (state.width <= 0) {
+            state.width = notes.width;
+            state.height = notes.height;
+        }
+    }
+    if (notes.stated_width > 0 && notes.stated_height > 0) {
+        state.stated_width = notes.stated_width;
+        state.stated_height = notes.stated_height;
+    }
+    for (const BString& file : notes.files)
+        if (file != state.used_file) state.files.push_back(file);
+    for (const BDiagnostic& remark : notes.diagnostics)
+        if (IsAboutThis(remark, state)) state.diagnostics.push_back(remark);
+    for (const BString& entry : log.Take()) {
+        std::string line = entry.StdStr();
+        std::replace(line.begin(), line.end(), '\n', ' ');  // those of the readers' formats
+        state.Add({.id = DiagnosticId::kReadRemark,
+                   .severity = state.failure ? ESeverity::Error : ESeverity::Warning,
+                   .text = line});
+    }
+}
+
+void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
     const BParamList params = options.GetParams();
     const GdalDrivers::Scope allowed(&params);
-    ThreadLog log;
     state.width = options.GetWidth();
     state.height = options.GetHeight();
-    Read(options, state);
+    Read(options, state, sources);
     if (state.failure) {
         state.reference = BGeoReference();
     } else {
-        state.files.insert(state.files.begin(), state.used_file);
+        if (std::find(state.files.begin(), state.files.end(), state.used_file) == state.files.end())
+            state.files.insert(state.files.begin(), state.used_file);
         AssignSystem(options, state);
         if (options.FindsSize() && state.width <= 0) FindRasterSize(state);
+        CheckReading(options, state);
+        if (state.width <= 0 && state.stated_width > 0) {
+            state.width = state.stated_width;
+            state.height = state.stated_height;
+        }
     }
-    TakeLog(log, state);
     state.outcome = OutcomeOf(state);
 }
 

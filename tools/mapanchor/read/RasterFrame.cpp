@@ -1,4 +1,5 @@
 #include "read/RasterFrame.h"
+#include "read/RemarkIds.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,7 +40,7 @@ std::optional<RasterFrame> FrameOf(ReadResult& result) {
         result.diagnostics.push_back({false,
                                       "the raster's size is not known, see --size: the area of the control "
                                       "points stands for it",
-                                      "size-unknown"});
+                                      RemarkId::kSizeUnknown});
     return frame;
 }
 

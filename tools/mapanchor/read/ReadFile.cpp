@@ -97,8 +97,7 @@ ExitStatus ReadResult::Status() const {
     return doubtful ? ExitStatus::Warnings : ExitStatus::Done;
 }
 
-ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogCollector& log) {
-    const BReading reading = BReading::Of(BString(name), options.ForReading());
+ReadResult ResultOf(const BReading& reading, const std::string& name) {
     ReadResult result;
     result.file = name;
     result.failure = FailureOf(reading);
@@ -116,6 +115,11 @@ ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogColl
     }
     if (reading.GetPdfPage()) result.page = *reading.GetPdfPage();
     Copy(reading.GetDiagnostics(), result.diagnostics);
+    return result;
+}
+
+ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogCollector& log) {
+    ReadResult result = ResultOf(BReading::Of(BString(name), options.ForReading()), name);
     log.MoveTo(result.diagnostics, !result.Ok());
     return result;
 }

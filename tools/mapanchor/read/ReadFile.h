@@ -50,5 +50,8 @@ struct ReadResult {
     ExitStatus Status() const;
 };
 
+/// What a reading says, in this program's terms.
+ReadResult ResultOf(const MapAnchor::BReading& reading, const std::string& name);
+
 /// What BReading::Of() makes of the file. Never throws for the file's sake.
 ReadResult ReadFile(const std::string& file, const ReadOptions& options, LogCollector& log);
