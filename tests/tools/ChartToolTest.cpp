@@ -23,14 +23,16 @@ TEST(ChartTool, InfoNamesTheKindOrRefuses) {
     const struct {
         std::string file;
         std::string content;
-        std::string kind;  ///< and more members
+        std::string kind;        ///< and more members
+        const char* doubt = "";  ///< the id of a warning
     } cases[] = {
         {"chart.kap", chart, R"("KAP","pixelAnchor":"corner","usedFile":"%chart.kap")"},
         {"chart.dat", chart, R"("KAP","pixelAnchor":"corner","usedFile":"%chart.dat")"},
-        {"map.dat", "1\n0\n0\n-1\n5\n5\n", R"("WLD","pixelAnchor":"corner")"},
+        {"map.dat", "1\n0\n0\n-1\n5\n5\n", R"("WLD","pixelAnchor":"corner")", "guessed-world-file"},
         {"frame.on1", FrameFile().Bytes(), R"("CADRG","pixelAnchor":"centre")"},
         {"TPSGI001.img", AdrgLeader(true), R"("ADRG","pixelAnchor":"centre","usedFile":"%TPSGI001.gen")"},
-        {"quad.doq", DoqFile().Bytes(), R"("DOQ","pixelAnchor":"corner","usedFile":"%quad.doq")"},
+        {"quad.doq", DoqFile().Bytes(), R"("DOQ","pixelAnchor":"corner","usedFile":"%quad.doq")",
+         "system-replaced"},
         {"a.ecw", HeaderFiles::Ecw2({.datum = "EPSG:32633", .projection = "EPSG:32633"}),
          R"("ECW","pixelAnchor":"corner")" + place + "-10]"},
         {"b.sid", HeaderFiles::Sid2(sid), R"("SID","pixelAnchor":"centre")" + place + "-10]"},
@@ -40,10 +42,12 @@ TEST(ChartTool, InfoNamesTheKindOrRefuses) {
     };
     for (const auto& test : cases) {
         folder.Write(test.file, test.content);
-        folder.ExpectRun("--json %" + test.file, 0, "\"referenceType\":" + test.kind);
+        folder.ExpectRun("--json %" + test.file, *test.doubt ? 3 : 0, "\"referenceType\":" + test.kind,
+                         {test.doubt});
     }
     for (const char* file : {"%a.ecw", "%b.sid", "%north.jp2"})
-        folder.ExpectRun(std::string("--size 20x10 ") + file, 0, "", {"upper left   500000, 4100000\n"});
+        folder.ExpectRun(std::string("--size 20x10 ") + file, 0, "",
+                         {"upper left   500000, 4100000  (longitude"});
     for (const char* words :
          {"info --type doq %quad.doq", "convert %map.dat %out.kap", "convert %map.dat %out.doq",
           "convert --to kap %map.dat %out.kap", "convert --to doq %map.dat %out.doq"})
@@ -53,10 +57,10 @@ TEST(ChartTool, InfoNamesTheKindOrRefuses) {
 // GDAL knows the size, but not of a chart whose header it would read for minutes.
 TEST(ChartTool, AHeaderOfAnyLengthIsReadInLittleTime) {
     const ToolFolder folder;
-    for (const auto& [lines, known] : {std::pair{500U, true}, {10500U, false}}) {
+    for (const unsigned lines : {500U, 10500U}) {
         std::string chart =
             "VER/2.0\nBSB/NA=x,RA=4,3\nKNP/GD=WGS84\nRGB/1,0,0,0\nREF/1,0,0,1,1\n"
-            "REF/2,9,0,1,2\nREF/3,9,9,2,2\n";
+            "REF/2,3,0,1,2\nREF/3,3,2,0,2\n";
         for (unsigned line = 0; line < lines; ++line)
             chart += "P/1\n";
         chart.append("\x1A\0\7", 3);
@@ -68,7 +72,7 @@ TEST(ChartTool, AHeaderOfAnyLengthIsReadInLittleTime) {
         chart.append(2000, '\0');
         rows += Number(chart.size(), 4, true);
         folder.Write("long.kap", chart + rows);
-        folder.ExpectRun("preview %long.kap", known ? 0 : 3, "", {known ? "4 by 3 pixels" : "see --size"});
+        folder.ExpectRun("preview %long.kap", 0, "", {"4 by 3 pixels"});
     }
 }
 

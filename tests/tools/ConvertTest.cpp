@@ -14,7 +14,7 @@ constexpr const char* kWritten =
 TEST(Convert, SavesOrLeavesWhatThereIs) {
     const ToolFolder folder;
     folder.Write("map.tfw", kWorldFile);
-    folder.Write("map.prj", PrjOf("4326"));
+    folder.Write("map.prj", PrjOf("32632"));
     folder.ExpectRun("convert --dry-run %map.tfw %copy.jgw", 0, "",
                      {"would write " + (folder / "copy.jgw\nwould write ") + (folder / "copy.prj\n")});
     folder.ExpectFile("copy.jgw", "");
@@ -22,7 +22,7 @@ TEST(Convert, SavesOrLeavesWhatThereIs) {
     folder.ExpectRun("convert --json %map.tfw %copy.jgw", 0,
                      R"("written":["%copy.jgw","%copy.prj"],"referenceType":"WLD")");
     folder.ExpectFile("copy.jgw", kWritten);
-    folder.ExpectRun("--json %copy.jgw", 0, R"("coordSys":{"epsg":"EPSG:4326"})");
+    folder.ExpectRun("--json %copy.jgw", 0, R"("coordSys":{"epsg":"EPSG:32632"})");
     folder.Write("old.jgw", "old");
     folder.ExpectRun("convert %map.tfw %old.jgw", 2);
     folder.ExpectFile("old.jgw", "old");

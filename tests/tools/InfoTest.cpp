@@ -45,6 +45,7 @@ TEST(Info, ExitStatusSaysHowItEnded) {
     folder.Write("zero.tfw", "0\n0\n0\n0\n5\n5\n");
     folder.Write("flat.tfw", "1\n1\n1\n1\n5\n5\n");
     folder.Write("map.jpg", "no image");
+    folder.Write("alone.jpg", "no image");
     folder.Write("text.xyz", "no numbers");
     const InfoCase cases[] = {
         {"%good.tfw", 0},
@@ -57,7 +58,9 @@ TEST(Info, ExitStatusSaysHowItEnded) {
         {"--type wld --strict transform,crs %flat.tfw", 2, "BGeoReferenceInvalidTransformException"},
         {"--type wld %flat.tfw", 4, "BFileContentNotValidException"},
         {"%zero.tfw", 5, "BUnsupportedFileTypeException"},
-        {"%map.jpg", 5, "BUnsupportedFileTypeException"},
+        {"%map.jpg", 0},
+        {"%alone.jpg", 5, "BUnsupportedFileTypeException"},
+        {"--source tab %map.jpg", 4, "BFileContentNotValidException"},
     };
     for (const InfoCase& test : cases)
         folder.ExpectRun(std::string("info --json ") + test.words, test.status,
@@ -66,7 +69,9 @@ TEST(Info, ExitStatusSaysHowItEnded) {
     // The library's log lines come along, never to stderr or stdout by themselves.
     folder.ExpectRun("--json %tiny.tfw", 3, R"("road":"type","coordSys":{"epsg":"EPSG:32632"})",
                      {"read by type", "BRefWLD::Read Failure A & E (or B & C) are zero!"});
-    EXPECT_EQ(folder.ExpectRun("%map.jpg", 5, "", {"map.jgw"}).out, "");
+    folder.ExpectRun("%map.jpg", 0, "", {"read from map.jgw"});
+    EXPECT_EQ(folder.ExpectRun("--crs EPSG:32632 --print epsg,affine,size --size 4x2 %map.jpg", 0).out,
+              "EPSG:32632\t0.5 0 676000 0 -0.5 5242000\t4 2\n");
 }
 
 TEST(Info, WrongUsageIs64) {

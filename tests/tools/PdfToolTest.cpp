@@ -181,7 +181,7 @@ TEST(PdfInfo, OtherMapsARotationAndRefusedFormsAreReported) {
     folder.Write("map.pdf", inset.Text());
     folder.ExpectRun(
         "info %map.pdf", 3, "",
-        {"other maps, which are not read: \"Inset\"\n", "turned by 90 degrees", "media box 0 0 600 800"});
+        {"other maps, which are not read: \"Inset\"", "turned by 90 degrees", "media box 0 0 600 800"});
     folder.ExpectRun("info --json %map.pdf", 3,
                      R"("pdfPage":{"dialect":"LGIDict","rotate":90,"maps":[
                         {"name":"Inset","area":100,"inUse":false},

@@ -1,6 +1,7 @@
 #include <Tellurion/BLogger.h>
 
 #include <Tellurion/Printable.h>
+#include <Tellurion/ThreadLog.h>
 
 #include <cstdio>
 #include <mutex>
@@ -69,6 +70,7 @@ void BLogger::Write(ELogSeverity severity, const BString& text) {
 }
 
 void BLogger::Send(ELogSeverity severity, const BString& text) {
+    if (ThreadLog::Receive(severity, text)) return;
     std::shared_ptr<const Sink> sink;
     {
         const std::lock_guard lock(state_->mutex);

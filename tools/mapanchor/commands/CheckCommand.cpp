@@ -3,6 +3,7 @@
 #include "read/InputNames.h"
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
+#include "read/RemarkIds.h"
 #include "read/Residuals.h"
 #include "read/Systems.h"
 #include "render/Footprint.h"
@@ -92,9 +93,9 @@ public:
 
     void Run() {
         for (Diagnostic& remark : result_.diagnostics)
-            if (remark.id.empty()) remark.id = "read-remark";
+            if (remark.id.empty()) remark.id = RemarkId::kReadRemark;
         if (!result_.reference.HasMathTransform())
-            Complain("transform-missing", "there is no transform from pixels to positions");
+            Complain(RemarkId::kTransformMissing, "there is no transform from pixels to positions");
         if (demands_.system) CheckSystem();
         if (demands_.area) CheckArea();
         if (demands_.max_rmse) CheckResiduals();
@@ -107,20 +108,20 @@ private:
 
     void CheckSystem() {
         if (!result_.reference.HasCoordSys())
-            return Complain("crs-missing",
+            return Complain(RemarkId::kCrsMissing,
                             "there is no coordinate system, " + NameOf(*demands_.system) + " is expected");
         const BCoordSys& system = *result_.reference.CoordSys;
         if (!IsSameSystem(system, *demands_.system))
-            Complain("crs-mismatch", "the coordinate system is " + NameOf(system) + ", " +
-                                         NameOf(*demands_.system) + " is expected");
+            Complain(RemarkId::kCrsMismatch, "the coordinate system is " + NameOf(system) + ", " +
+                                                 NameOf(*demands_.system) + " is expected");
     }
 
     void CheckArea() {
         const auto footprint = FootprintOf(result_);
         if (!footprint)
-            Complain("extent-unknown", "where the raster lies cannot be told");
+            Complain(RemarkId::kExtentUnknown, "where the raster lies cannot be told");
         else if (!Contains(*demands_.area, *footprint))
-            Complain("outside",
+            Complain(RemarkId::kOutside,
                      "the raster is not wholly within the area: west " + PrintShortest(footprint->west) +
                          ", south " + PrintShortest(footprint->south) + ", east " +
                          PrintShortest(footprint->east) + ", north " + PrintShortest(footprint->north));
@@ -129,10 +130,11 @@ private:
     void CheckResiduals() {
         const auto rmse = ComputeResiduals(result_.reference).root_mean_square;
         if (!rmse)
-            Complain("rmse-unknown", "there are no control points to judge the transform by");
+            Complain(RemarkId::kRmseUnknown, "there are no control points to judge the transform by");
         else if (*rmse > *demands_.max_rmse)
-            Complain("rmse-exceeded", "the root mean square of the residuals is " + PrintShortest(*rmse) +
-                                          " pixels, more than " + PrintShortest(*demands_.max_rmse));
+            Complain(RemarkId::kRmseExceeded, "the root mean square of the residuals is " +
+                                                  PrintShortest(*rmse) + " pixels, more than " +
+                                                  PrintShortest(*demands_.max_rmse));
     }
 
     const Demands& demands_;

@@ -15,3 +15,4 @@ void AddCheckCommand(CLI::App& app, ExitStatus& status);
 void AddFootprintCommand(CLI::App& app, ExitStatus& status);
 void AddBatchCommand(CLI::App& app, ExitStatus& status);
 void AddPreviewCommand(CLI::App& app, ExitStatus& status);
+void AddSourcesCommand(CLI::App& app, ExitStatus& status);

@@ -2,6 +2,7 @@
 #include "read/RasterFrame.h"
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
+#include "read/RemarkIds.h"
 #include "read/Systems.h"
 #include "render/JsonRenderer.h"
 #include "render/TextRenderer.h"
@@ -101,7 +102,8 @@ bool IsUsable(const ReadResult& read, Comparison& comparison) {
 std::optional<Conversion> WayBetween(const ReadResult& a, const ReadResult& b, Comparison& comparison) {
     if (a.reference.HasCoordSys() != b.reference.HasCoordSys())
         comparison.diagnostics.push_back(
-            {false, "one of the two has no coordinate system: the other's is taken for it", "crs-missing"});
+            {false, "one of the two has no coordinate system: the other's is taken for it",
+             RemarkId::kCrsMissing});
     if (!a.reference.HasCoordSys() || !b.reference.HasCoordSys()) return std::nullopt;
     const BCoordSys& to = *a.reference.CoordSys;
     const BCoordSys& from = *b.reference.CoordSys;
@@ -142,8 +144,6 @@ std::optional<Distance> Measure(const Place& place, const ReadResult& a, const R
 }
 
 void ShareSize(ReadResult& a, ReadResult& b) {
-    FindRasterSize(a);
-    FindRasterSize(b);
     ReadResult& poor = a.width ? b : a;
     const ReadResult& rich = a.width ? a : b;
     if (poor.width) return;
@@ -159,8 +159,9 @@ void MeasureAll(ReadResult& a, ReadResult& b, Comparison& comparison) {
         return comparison.Fail(ExitStatus::Error, "BFileContentNotValidException",
                                "The raster's size is not known: --size WxH.");
     if (a.width != b.width || a.height != b.height)
-        comparison.diagnostics.push_back(
-            {false, "the rasters differ in size: the same parts of them are compared", "size-differs"});
+        comparison.diagnostics.push_back({false,
+                                          "the rasters differ in size: the same parts of them are compared",
+                                          RemarkId::kSizeDiffers});
     const auto way = WayBetween(a, b, comparison);
     if (comparison.failure) return;
     for (const Place& place : kPlaces) {
@@ -168,7 +169,8 @@ void MeasureAll(ReadResult& a, ReadResult& b, Comparison& comparison) {
             comparison.distances.push_back(*distance);
         else
             comparison.diagnostics.push_back(
-                {false, std::string("one of the two has no position for the ") + place.name, "no-position"});
+                {false, std::string("one of the two has no position for the ") + place.name,
+                 RemarkId::kNoPosition});
     }
     if (comparison.distances.empty())
         comparison.Fail(ExitStatus::Error, "BGeoReferenceInvalidTransformException",
@@ -181,7 +183,7 @@ void Judge(const DiffOptions& options, Comparison& comparison) {
     comparison.diagnostics.push_back({true,
                                       (most ? "they lie " + PrintShortest(*most) : "nothing tells how many") +
                                           " pixels apart, more than " + PrintShortest(*options.max_pixels),
-                                      "distance-exceeded"});
+                                      RemarkId::kDistanceExceeded});
     comparison.status = ExitStatus::Error;
 }
 
@@ -195,8 +197,10 @@ Comparison Compare(const DiffOptions& options, LogCollector& log) {
         if (const auto unit = a.reference.CoordSys->GetUnits()) comparison.units = unit->GetName().StdStr();
     MeasureAll(a, b, comparison);
     for (const ReadResult* read : {&a, &b})
-        for (const Diagnostic& remark : read->diagnostics)
-            comparison.diagnostics.push_back({remark.is_error, read->file + ": " + remark.text, remark.id});
+        for (const Diagnostic& remark : read->diagnostics) {
+            comparison.diagnostics.push_back(remark);
+            comparison.diagnostics.back().text = read->file + ": " + remark.text;
+        }
     if (!comparison.failure && !comparison.diagnostics.empty()) comparison.status = ExitStatus::Warnings;
     Judge(options, comparison);
     return comparison;

@@ -4,6 +4,7 @@
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
 #include "render/JsonRenderer.h"
+#include "render/OneValue.h"
 #include "render/TextRenderer.h"
 #include "terminal/CommonOptions.h"
 
@@ -17,6 +18,7 @@ constexpr const char* kInfoDescription =
     "  mapanchor info map.tfw\n"
     "  mapanchor info --size 2000x1000 --fit affine map.tab\n"
     "  mapanchor info --pdf-box crop --dpi 150 map.pdf\n"
+    "  mapanchor info --print epsg,bounds photo.jpg\n"
     "  find . -name '*.tfw' -print0 | mapanchor info -0 --json -";
 
 struct InfoOptions {
@@ -24,19 +26,28 @@ struct InfoOptions {
     ReadOptions read;
     std::vector<std::string> files;
     bool nul_separated = false;
+    std::vector<std::string> values;  ///< that alone are printed; empty for everything
 };
+
+ExitStatus PrintValues(const ReadResult& result, const InfoOptions& options, const Console& console) {
+    bool complete = true;
+    console.Print(ValuesLine(result, options.values, complete));
+    return result.Ok() && !complete ? ExitStatus::NoReference : result.Status();
+}
 
 ExitStatus Run(const InfoOptions& options) {
     const Console console = options.common.MakeConsole();
     LogCollector log;
     Tally tally;
     ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
-        const ReadResult result = ReadFile(file, options.read, log);
-        tally.Count(result.Status());
-        if (options.common.json)
+        ReadResult result = ReadFile(file, options.read, log);
+        tally.Count(options.values.empty() ? result.Status() : PrintValues(result, options, console));
+        if (options.common.json && options.values.empty())
             return WriteJson(result, options.common,
                              [&console](std::string_view piece) { console.Print(piece); });
-        if (result.Ok()) PrintReference(result, options.common, console);
+        if (result.Ok() && options.values.empty()) PrintReference(result, options.common, console);
+        if (!options.values.empty())  // a script wants nothing but doubts
+            std::erase_if(result.diagnostics, [](const Diagnostic& remark) { return remark.is_note; });
         TalkAbout(file, result.diagnostics, result.failure ? &*result.failure : nullptr, console);
     });
     return tally.Status();
@@ -50,6 +61,11 @@ void AddInfoCommand(CLI::App& app, ExitStatus& status) {
     info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
         ->required();
     info->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    info->add_option("--print", options->values,
+                     "Print only these values, one line per file: crs, epsg, bounds, size, affine, wkt")
+        ->delimiter(',')
+        ->check(CLI::IsMember(PrintableValues()))
+        ->type_name("VALUE,...");
     options->read.AddTo(*info);
     options->common.AddTo(*info);
     info->callback([options, &status] { status = Run(*options); });

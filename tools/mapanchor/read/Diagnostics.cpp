@@ -1,4 +1,5 @@
 #include "read/Diagnostics.h"
+#include "read/RemarkIds.h"
 
 #include <Tellurion/BLogger.h>
 
@@ -19,6 +20,6 @@ LogCollector::~LogCollector() {
 
 void LogCollector::MoveTo(Diagnostics& diagnostics, bool as_errors) {
     for (std::string& line : lines_)
-        diagnostics.push_back({as_errors, std::move(line)});
+        diagnostics.push_back({as_errors, std::move(line), RemarkId::kReadRemark});
     lines_.clear();
 }

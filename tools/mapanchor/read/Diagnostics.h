@@ -7,9 +7,12 @@
 struct Diagnostic {
     bool is_error = false;
     std::string text;
-    std::string id = {};  ///< stable, for programs; most have none
+    std::string id = {};     ///< stable, for programs
+    bool is_note = false;    ///< does not put the result in doubt
+    std::string file = {};   ///< where it was seen; may be empty
+    std::string place = {};  ///< within the file; may be empty
 
-    const char* Severity() const { return is_error ? "error" : "warning"; }
+    const char* Severity() const { return is_error ? "error" : is_note ? "note" : "warning"; }
 };
 
 using Diagnostics = std::vector<Diagnostic>;

@@ -21,10 +21,6 @@ struct RasterFrame {
     }
 };
 
-/// Looks for the raster's size where nothing has told it yet: in the file that was read
-/// and in a raster of the same name beside it.
-void FindRasterSize(ReadResult& result);
-
 /// Of a raster of that size, by the pixel anchor of what was read.
 RasterFrame FrameOf(const ReadResult& result, long width, long height);
 /// Of the raster or, while its size is not known, of the control points; then a remark

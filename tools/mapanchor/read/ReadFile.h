@@ -5,11 +5,13 @@
 #include "terminal/ExitStatus.h"
 
 #include <MapAnchor/BGeoPDFPage.h>
+#include <MapAnchor/BReading.h>
 #include <Tellurion/BException.h>
 #include <Tellurion/BGeoReference.h>
 
 #include <optional>
 #include <string>
+#include <vector>
 
 /// A failure in parts; any of the texts but the type may be empty.
 struct Failure {
@@ -36,8 +38,9 @@ struct ReadResult {
     Road road = Road::Name;
     std::string kind;       ///< short name of the kind that was read, such as "WLD"; empty when unknown
     std::string used_file;  ///< the file that was actually read
+    std::vector<std::string> files;  ///< all that took part
+    MapAnchor::BReading::EOutcome outcome = MapAnchor::BReading::EOutcome::Read;
     bool centre_anchored = false;
-    bool is_sidecar = false;    ///< its kind lies beside a raster
     std::optional<long> width;  ///< of the raster, as given or as the file implies
     std::optional<long> height;
     std::optional<MapAnchor::BGeoPDFPage> page;  ///< of a PDF
@@ -47,7 +50,8 @@ struct ReadResult {
     ExitStatus Status() const;
 };
 
-/// Reads by name, or by the type that the options or a PDF's extension name. A world
-/// file that the named road refuses and the typed one takes is read by type, with
-/// its prj. Never throws for the file's sake.
+/// What a reading says, in this program's terms.
+ReadResult ResultOf(const MapAnchor::BReading& reading, const std::string& name);
+
+/// What BReading::Of() makes of the file. Never throws for the file's sake.
 ReadResult ReadFile(const std::string& file, const ReadOptions& options, LogCollector& log);

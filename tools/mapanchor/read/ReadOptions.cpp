@@ -1,5 +1,7 @@
 #include "read/ReadOptions.h"
 
+#include "read/Systems.h"
+
 #include "terminal/CommonOptions.h"
 
 #include <MapAnchor/BGdalAccess.h>
@@ -82,7 +84,49 @@ ReadOptions::ReadOptions() {
     params.SetInteger(BMapAnchor::kValErsCodes, 1);
 }
 
+MapAnchor::BReadingOptions ReadOptions::ForReading() const {
+    MapAnchor::BReadingOptions reading;
+    if (type) reading.SetType(*type);
+    reading.SetFlags(flags);
+    reading.SetSize(width.value_or(0), height.value_or(0));
+    reading.SetFindsSize(true);
+    reading.SetMathType(fit);
+    if (params.HasProperty(BMapAnchor::kValPDFCropType)) reading.SetPdfBox(pdf_box);
+    reading.SetResolution(dpi);
+    reading.SetSource(Tellurion::BString(source));
+    reading.SetCoordSys(crs, overrides_crs);
+    return reading;
+}
+
+void ReadOptions::AddSystemsTo(CLI::App& app) {
+    const auto take = [this](const char* option, const std::string& text, bool overrides) {
+        SystemAnswer answer;
+        try {
+            answer = SystemFromText(text);
+        } catch (const Tellurion::BException&) {
+        }
+        if (!answer.system) throw CLI::ValidationError(option, "unknown coordinate system: " + text);
+        crs = Tellurion::BSharedPtr<Tellurion::BCoordSys>(answer.system.release());
+        overrides_crs = overrides;
+    };
+    CLI::Option* const assigned =
+        app.add_option_function<std::string>(
+               "--crs", [take](const std::string& text) { take("--crs", text, false); },
+               "Coordinate system of files that state none, in any notation")
+            ->type_name("TEXT");
+    app.add_option_function<std::string>(
+           "--override-crs", [take](const std::string& text) { take("--override-crs", text, true); },
+           "Coordinate system of all files, whatever they state")
+        ->type_name("TEXT")
+        ->excludes(assigned);
+}
+
 void ReadOptions::AddTo(CLI::App& app) {
+    app.add_option("--source", source,
+                   "Read a raster from this source, by kind or file name; mapanchor sources lists them")
+        ->check(RefuseEmpty)
+        ->type_name("NAME");
+    AddSystemsTo(app);
     app.add_option_function<std::string>(
            "--type", [this](const std::string& word) { type = KindFromWord("--type", word); },
            "Read as this kind, whatever the name: " + KindWords())

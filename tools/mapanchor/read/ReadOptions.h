@@ -1,6 +1,9 @@
 #pragma once
 
+#include <MapAnchor/BReadingOptions.h>
+#include <Tellurion/BCoordSys.h>
 #include <Tellurion/BParamList.h>
+#include <Tellurion/BSharedPtr.h>
 #include <Tellurion/EMathTransformType.h>
 #include <Tellurion/EReferenceType.h>
 
@@ -23,11 +26,16 @@ struct ReadOptions {
     Tellurion::BParamList params;
     int pdf_box = kMediaBox;  ///< by the library's number
     double dpi = kPointsPerInch;
+    std::string source;  ///< of a raster; empty for the one that wins
+    Tellurion::BSharedPtr<Tellurion::BCoordSys> crs;
+    bool overrides_crs = false;
 
     static constexpr int kMediaBox = 5;
     static constexpr double kPointsPerInch = 72.0;
 
     void AddTo(CLI::App& app);
+    void AddSystemsTo(CLI::App& app);
+    MapAnchor::BReadingOptions ForReading() const;
 };
 
 /// The kind that an option's word names; throws CLI::ValidationError for none.

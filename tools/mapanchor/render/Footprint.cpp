@@ -1,6 +1,7 @@
 #include "render/Footprint.h"
 
 #include "read/RasterFrame.h"
+#include "read/RemarkIds.h"
 #include "render/AntimeridianCut.h"
 #include "render/Outline.h"
 
@@ -101,7 +102,7 @@ std::optional<Footprint> FootprintOf(ReadResult& result) {
     try {
         return MakeFootprint(result);
     } catch (const NoFootprint& none) {
-        result.diagnostics.push_back({false, "there is no footprint: " + none.why, "no-footprint"});
+        result.diagnostics.push_back({false, "there is no footprint: " + none.why, RemarkId::kNoFootprint});
         return std::nullopt;
     }
 }

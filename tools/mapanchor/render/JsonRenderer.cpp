@@ -96,6 +96,7 @@ Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals) {
         if (!result.kind.empty()) ours["referenceType"] = result.kind;
         ours["road"] = result.road == Road::Name ? "name" : "type";
         ours["usedFile"] = result.used_file;
+        ours["files"] = result.files;
         PutReference(top, ours, result, residuals);
     }
     if (result.page) ours["pdfPage"] = PdfPageJson(*result.page);
@@ -267,7 +268,10 @@ Json RenderJson(const Diagnostics& diagnostics) {
     Json list = Json::array();
     for (const Diagnostic& diagnostic : diagnostics) {
         Json remark = {{"severity", diagnostic.Severity()}, {"text", diagnostic.text}};
-        if (!diagnostic.id.empty()) remark["id"] = diagnostic.id;
+        for (const auto& [key, text] : {std::pair<const char*, const std::string&>{"id", diagnostic.id},
+                                        {"file", diagnostic.file},
+                                        {"place", diagnostic.place}})
+            if (!text.empty()) remark[key] = text;
         list.push_back(std::move(remark));
     }
     return list;

@@ -16,7 +16,7 @@ extern const char* const kJsonSchema;
 /// The published schema of this build.
 std::string JsonSchema();
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 /// The beginning of what tells of one input: its name in "description" and, for one that is
 /// not UTF-8, its bytes in "descriptionBytes", so that names stay apart.

@@ -6,6 +6,7 @@
 #include "read/Residuals.h"
 #include "read/Systems.h"
 #include "render/PdfPageRenderer.h"
+#include "render/RasterFacts.h"
 
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/Numbers.h>
@@ -67,18 +68,46 @@ std::string AffineText(const std::array<double, 6>& t, const Console& console) {
            Line(console, "", "y = " + Sum(t[3], t[4], t[5]));
 }
 
-std::string CornerText(const BMathTransform& transform, double column, double row) {
-    if (!transform.ConvertSourceToTarget(column, row)) return "nowhere";
-    return Number(column) + ", " + Number(row);
+/// In map units and, where they are others, in longitude and latitude.
+std::string CornerText(const ReadResult& result, const std::optional<Conversion>& degrees,
+                       const Position& pixel) {
+    constexpr int kDecimals = 7;  // a centimetre
+    const auto world = WorldAt(result, pixel);
+    if (!world) return "nowhere";
+    const std::string text = RoundedText(world->x, result) + ", " + RoundedText(world->y, result);
+    const auto place = degrees ? degrees->Convert(*world) : std::nullopt;
+    if (!place) return text;
+    return text + "  (longitude " + PrintFixed(place->x, kDecimals) + ", latitude " +
+           PrintFixed(place->y, kDecimals) + ")";
 }
 
-std::string CornersText(const BMathTransform& transform, const ReadResult& result, const Console& console) {
+std::string CornersText(const ReadResult& result, const Console& console) {
     if (!result.width) return {};
     const RasterFrame frame = FrameOf(result, *result.width, *result.height);
-    return Line(console, "corners", "upper left   " + CornerText(transform, frame.left, frame.top)) +
-           Line(console, "", "upper right  " + CornerText(transform, frame.right, frame.top)) +
-           Line(console, "", "lower right  " + CornerText(transform, frame.right, frame.bottom)) +
-           Line(console, "", "lower left   " + CornerText(transform, frame.left, frame.bottom));
+    const bool is_geodetic =
+        result.reference.HasCoordSys() && result.reference.CoordSys->GetKind() == BCoordSys::kKindGeodetic;
+    const auto degrees = is_geodetic ? std::nullopt : ToLongitudeLatitude(result);
+    const auto corner = [&](double across, double down) {
+        return CornerText(result, degrees, frame.At(across, down));
+    };
+    return Line(console, "corners", "upper left   " + corner(0, 0)) +
+           Line(console, "", "upper right  " + corner(1, 0)) +
+           Line(console, "", "lower right  " + corner(1, 1)) +
+           Line(console, "", "lower left   " + corner(0, 1));
+}
+
+std::string PixelText(const ReadResult& result, const Console& console) {
+    constexpr double kNoAngle = 1e-6;
+    std::string text;
+    if (const auto pixel = PixelFactsOf(result))
+        text +=
+            Line(console, "pixel size",
+                 BString::Format("%.6g by %.6g metres", pixel->width_metres, pixel->height_metres).StdStr());
+    const auto rotation = RotationOf(result);
+    if (rotation && std::fabs(*rotation) > kNoAngle)
+        text +=
+            Line(console, "rotation", BString::Format("%.6g degrees counterclockwise", *rotation).StdStr());
+    return text;
 }
 
 std::string TransformText(const ReadResult& result, const Residuals& residuals, const Console& console) {
@@ -91,7 +120,7 @@ std::string TransformText(const ReadResult& result, const Residuals& residuals, 
         text += Line(console, "residuals",
                      "root mean square " + Number(*residuals.root_mean_square) + ", largest " +
                          Number(*residuals.maximum) + " pixels");
-    return text + CornersText(transform, result, console);
+    return text + PixelText(result, console) + CornersText(result, console);
 }
 
 using TableRow = std::vector<std::string>;
@@ -165,6 +194,9 @@ void PrintReference(const ReadResult& result, const CommonOptions& common, const
     text += Line(console, "read as",
                  result.kind + ", " + RoadText(result.road) +
                      (result.used_file == result.file ? "" : ", from " + result.used_file));
+    if (result.width)
+        text += Line(console, "size",
+                     std::to_string(*result.width) + " by " + std::to_string(*result.height) + " pixels");
     text += Line(console, "system", reference.HasCoordSys() ? SystemText(*reference.CoordSys) : "none");
     if (reference.HasMathTransform()) text += TransformText(result, residuals, console);
     if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())

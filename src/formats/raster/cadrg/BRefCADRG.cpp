@@ -1,5 +1,7 @@
 #include "raster/cadrg/BRefCADRG.h"
 
+#include "common/DiagnosticIds.h"
+#include "common/ReadNotes.h"
 #include "common/ReferenceFormat.h"
 
 #include "common/FindCoordSys.h"
@@ -10,6 +12,9 @@
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <Tellurion/BImage.h>
+#include <Tellurion/Numbers.h>
+
+#include <cmath>
 
 namespace MapAnchor {
 
@@ -58,6 +63,31 @@ const char* FaultOf(const CadrgFrame& frame) {
     return nullptr;
 }
 
+/// A frame of a polar zone is no rectangle of longitude and latitude; the affine meets its
+/// north-west corner alone.
+void NotePolarFrame(const BString& file, const CadrgCoverage& corners) {
+    constexpr double kLevel = 1e-6;
+    constexpr double kRows = 1536.0;
+    constexpr double kMetresPerDegree = 111195.08;
+    ReadNotes* const notes = ReadNotes::Current();
+    if (!notes) return;
+    notes->SetStatedSize(static_cast<long>(kRows), static_cast<long>(kRows));
+    const bool is_level = std::fabs(corners.nw_latitude - corners.ne_latitude) < kLevel &&
+                          std::fabs(corners.sw_latitude - corners.se_latitude) < kLevel &&
+                          std::fabs(corners.nw_longitude - corners.sw_longitude) < kLevel;
+    if (is_level) return;
+    const AffineTerms t = corners.ToAffine();
+    const double edge = kRows - 0.5;  // the affine counts from the centre of the first pixel
+    const double east = std::remainder(t.a * edge + t.c - corners.se_longitude, 360.0) *
+                        std::cos(corners.se_latitude * std::acos(-1.0) / 180.0);
+    const double north = t.e * edge + t.f - corners.se_latitude;
+    notes->Add({.id = DiagnosticId::kPolarFrame,
+                .text = "the frame's corners are not a rectangle of longitude and latitude, as which it is "
+                        "read; its south-east corner is off by " +
+                        Tellurion::PrintFixed(std::hypot(east, north) * kMetresPerDegree / 1000.0, 1) + " km",
+                .file = file});
+}
+
 }  // namespace
 
 bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
@@ -65,6 +95,7 @@ bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
     if (!in.IsOpen()) return false;
     const CadrgFrame frame = ParseCadrgFrame(in);
     if (FaultOf(frame)) return false;
+    NotePolarFrame(file, frame.coverage);
     StoreWhatThereIs(reference, frame.coverage.ToAffine(), Wgs84(),
                      "BRefCADRG::Read Failure setting the BGeoReference ERROR (%ls)");
     return true;

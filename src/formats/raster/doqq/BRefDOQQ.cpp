@@ -1,5 +1,7 @@
 #include "raster/doqq/BRefDOQQ.h"
 
+#include "common/DiagnosticIds.h"
+#include "common/ReadNotes.h"
 #include "common/ReferenceFormat.h"
 
 #include "common/PlainNames.h"
@@ -16,6 +18,12 @@ bool BRefDOQQ::Read(const BString& file, BGeoReference& reference) {
     Tellurion::RandomAccessFile in(file);
     if (!in.IsOpen()) return false;
     const DoqHeader header = ParseDoqHeader(in);
+    if (ReadNotes* const notes = ReadNotes::Current())
+        notes->Add({.id = DiagnosticId::kSystemReplaced,
+                    .text = "the datum is taken for NAD27 and the zone " + header.zone +
+                            " for one of the northern hemisphere, whatever the header states",
+                    .file = file,
+                    .offset = 198});
     StoreWhatThereIs(reference, header.ToAffine(), {"UTM-" + header.zone + "N", "NAD27", "METERS"},
                      "BRefDOQQ::Read Failure setting the BMathTransform or BCoordSys ERROR (%ls)");
     return true;

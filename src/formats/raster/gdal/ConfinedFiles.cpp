@@ -109,6 +109,16 @@ bool IsSidecar(const std::string& raster, const std::string& other) {
     return !goes_on || BelongsToSet(raster, other);
 }
 
+/// True for a file that states a place by itself.
+bool IsOwnSource(std::string_view name) {
+    const std::size_t dot = name.rfind('.');
+    const std::string_view extension = dot == std::string_view::npos ? "" : name.substr(dot + 1);
+    for (const std::string_view known : {"tab", "wld", "prj", "rsf", "points", "ers"})
+        if (extension == known) return true;
+    return name.ends_with(".aux.xml") ||
+           (extension.size() >= 3 && extension.size() <= 5 && extension.ends_with('w'));
+}
+
 struct OpenFile {
     ConfinedFiles& owner;
     std::string path;
@@ -265,13 +275,21 @@ char** ReadFolder(void*, const char* name, int most) {
 
 }  // namespace
 
-ConfinedFiles::ConfinedFiles(const Tellurion::BString& file)
-    : path_(file.StdStr()), number_(Register(this)), name_(NameWithin(number_, path_)) {}
+ConfinedFiles::ConfinedFiles(const Tellurion::BString& file, Sidecars sidecars)
+    : path_(file.StdStr()), sidecars_(sidecars), number_(Register(this)), name_(NameWithin(number_, path_)) {}
 
 ConfinedFiles::~ConfinedFiles() {
     Registry& registry = Registered();
     const std::lock_guard lock(registry.mutex);
     registry.files.erase(number_);
+}
+
+std::string ConfinedFiles::PathOf(const char* name) const {
+    std::string path;
+    const std::string& prefix = Prefix();
+    const bool is_within =
+        std::strncmp(name, prefix.c_str(), prefix.size()) == 0 && Find(name + prefix.size(), path) == this;
+    return is_within ? path : name;
 }
 
 std::vector<std::string> ConfinedFiles::TakeRefusals() {
@@ -316,7 +334,9 @@ bool ConfinedFiles::Shows(const std::string& path) const {
 bool ConfinedFiles::ShowsName(const std::string& name) const {
     if (name.find('/') != std::string::npos) return false;
     const std::string_view own = NameOf(path_);
-    return name == own || IsSidecar(Lower(own), Lower(name));
+    if (name == own) return true;
+    const std::string lower = Lower(name);
+    return IsSidecar(Lower(own), lower) && !(sidecars_ == Sidecars::Hidden && IsOwnSource(lower));
 }
 
 void ConfinedFiles::Refuse(const std::string& path, const std::string& reason) {

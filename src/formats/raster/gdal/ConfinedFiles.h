@@ -1,5 +1,7 @@
 #pragma once
 
+#include "raster/gdal/RasterKinds.h"
+
 #include <Tellurion/BString.h>
 
 #include <mutex>
@@ -19,13 +21,15 @@ namespace MapAnchor {
 /// file unseen.
 class ConfinedFiles {
 public:
-    explicit ConfinedFiles(const Tellurion::BString& file);
+    explicit ConfinedFiles(const Tellurion::BString& file, Sidecars sidecars = Sidecars::Shown);
     ~ConfinedFiles();
     ConfinedFiles(const ConfinedFiles&) = delete;
     ConfinedFiles& operator=(const ConfinedFiles&) = delete;
 
     /// The raster's name within; what GDAL makes of it stays within.
     const std::string& Name() const { return name_; }
+    /// The path of a file that GDAL knows by its name within; other names as they are.
+    std::string PathOf(const char* name) const;
     /// What was refused since the last call and why, such as "/maps/a.tfw is not a regular file".
     std::vector<std::string> TakeRefusals();
     /// True when the raster itself was refused.
@@ -44,6 +48,7 @@ public:
 
 private:
     const std::string path_;
+    const Sidecars sidecars_;
     const unsigned number_;
     const std::string name_;
     mutable std::mutex mutex_;

@@ -75,8 +75,8 @@ GdalDrivers::Names DriversFor(const BString& file, RasterKinds kinds) {
 }
 
 /// The parts of other drivers in a file are left alone: GDAL would have any driver read them.
-GdalRaster OpenConfined(const BString& file, RasterKinds kinds) {
-    auto files = std::make_shared<ConfinedFiles>(file);
+GdalRaster OpenConfined(const BString& file, RasterKinds kinds, Sidecars sidecars) {
+    auto files = std::make_shared<ConfinedFiles>(file, sidecars);
     const CPLConfigOptionSetter alone("NITF_OPEN_UNDERLYING_DS", "NO", false);
     GDALDataset* raster = Open(files->Name().c_str(), DriversFor(file, kinds));
     if (!raster && !files->IsRefused() && IsVrtText(file))
@@ -93,14 +93,14 @@ bool HasGdalDriver(const char* name) {
     return GDALGetDriverByName(name) != nullptr;
 }
 
-GdalRaster OpenRaster(const BString& file, RasterKinds kinds) {
+GdalRaster OpenRaster(const BString& file, RasterKinds kinds, Sidecars sidecars) {
     RegisterDrivers();
     if (!BFileUtilities::IsRegularFile(file)) {
         if (BFileUtilities::Exists(file)) return nullptr;
         return GdalRaster(Open(
             file.Utf8(), kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain()));
     }
-    GdalRaster raster = OpenConfined(file, kinds);
+    GdalRaster raster = OpenConfined(file, kinds, sidecars);
     if (raster) return raster;
     const GdalDrivers::Names allowed = GdalDrivers::Allowed();
     return GdalRaster(allowed.empty() ? nullptr : Open(file.Utf8(), allowed));

@@ -27,7 +27,8 @@ bool HasGdalDriver(const char* name);
 ///
 /// A name that GDAL itself gives a meaning to, such as "/vsizip/maps.zip/a.tif", is the
 /// user's word and goes to the same drivers as it is.
-GdalRaster OpenRaster(const Tellurion::BString& file, RasterKinds kinds = RasterKinds::All);
+GdalRaster OpenRaster(const Tellurion::BString& file, RasterKinds kinds = RasterKinds::All,
+                      Sidecars sidecars = Sidecars::Shown);
 
 /// Opens a raster for writing, by the drivers that may read it. GDAL finds it under `name`,
 /// which a layer of its file system may know alone.

@@ -3,6 +3,7 @@
 #include "raster/gdal/CoordEpoch.h"
 #include "raster/gdal/GdalRaster.h"
 
+#include "common/ReadNotes.h"
 #include "raster/gdal/VerticalUnit.h"
 
 #include <Tellurion/QuietGdal.h>
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 namespace MapAnchor {
 
@@ -47,15 +49,37 @@ std::vector<BPointPair> PairsOf(const GDAL_GCP* points, int count) {
     return pairs;
 }
 
+/// What the points lose by being whole pixels.
+void NoteFractions(const GDAL_GCP* points, const std::vector<BPointPair>& pairs, const BString& file) {
+    if (!ReadNotes::Current()) return;
+    DroppedFractions dropped;
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+        dropped.Count(points[i].dfGCPPixel, points[i].dfGCPLine, pairs[i].Column, pairs[i].Row);
+    dropped.Report(file);
+}
+
+/// The raster's size and the files beside it, for whoever wants to know.
+void NoteFiles(GDALDataset& raster, const ConfinedFiles* confined) {
+    ReadNotes* const notes = ReadNotes::Current();
+    if (!notes) return;
+    notes->SetRasterSize(raster.GetRasterXSize(), raster.GetRasterYSize());
+    const std::unique_ptr<char*, decltype(&CSLDestroy)> files(raster.GetFileList(), CSLDestroy);
+    for (char** name = files.get(); name && *name; ++name)
+        if (std::strcmp(*name, raster.GetDescription()) != 0)
+            notes->files.emplace_back(confined ? confined->PathOf(*name) : std::string(*name));
+}
+
 /// Count and list may come from different files; no more is read than the list holds.
-void ReadPoints(GDALDataset& raster, GDALDataset* auxiliary, GdalReference& out) {
+void ReadPoints(GDALDataset& raster, GDALDataset* auxiliary, const BString& file, GdalReference& out) {
     out.point_count = raster.GetGCPCount();
     if (out.point_count == 0 && auxiliary) out.point_count = auxiliary->GetGCPCount();
     if (out.point_count <= 0) return;
     GDALDataset* owner = &raster;
     if (!owner->GetGCPs() && auxiliary) owner = auxiliary;
     const GDAL_GCP* list = owner->GetGCPs();
-    if (list) out.points = PairsOf(list, std::clamp(owner->GetGCPCount(), 0, out.point_count));
+    if (!list) return;
+    out.points = PairsOf(list, std::clamp(owner->GetGCPCount(), 0, out.point_count));
+    NoteFractions(list, out.points, file);
 }
 
 std::optional<AffineTerms> ReadTerms(GDALDataset& raster, GDALDataset* auxiliary) {
@@ -78,18 +102,19 @@ void ReadTexts(GDALDataset& raster, GDALDataset* auxiliary, GdalReference& out) 
 
 }  // namespace
 
-std::optional<GdalReference> ReadGdalReference(const BString& file, RasterKinds kinds) {
+std::optional<GdalReference> ReadGdalReference(const BString& file, RasterKinds kinds, Sidecars sidecars) {
     const Tellurion::QuietGdal quiet;
-    const GdalRaster raster = OpenRaster(file, kinds);
+    const GdalRaster raster = OpenRaster(file, kinds, sidecars);
     if (!raster) return std::nullopt;
     const GdalRaster auxiliary = OpenAuxiliary(raster);
     GdalReference out;
     out.pixel_is_point = IsPointRegistered(*raster, auxiliary.get());
-    ReadPoints(*raster, auxiliary.get(), out);
+    ReadPoints(*raster, auxiliary.get(), file, out);
     if (out.point_count <= 0) out.terms = ReadTerms(*raster, auxiliary.get());
     ReadTexts(*raster, auxiliary.get(), out);
     out.vertical_unit = ReadVerticalUnit(*raster);
     if (auxiliary) out.auxiliary_vertical_unit = ReadVerticalUnit(*auxiliary);
+    NoteFiles(*raster, raster.get_deleter().files.get());
     return IsUsable(raster) ? std::optional(std::move(out)) : std::nullopt;
 }
 

@@ -34,7 +34,8 @@ struct GdalReference {
 
 /// Opens the raster, takes what it says, and closes it; empty when no driver of these kinds
 /// knows the file. Nothing is written, and GDAL prints nothing.
-std::optional<GdalReference> ReadGdalReference(const Tellurion::BString& file, RasterKinds kinds);
+std::optional<GdalReference> ReadGdalReference(const Tellurion::BString& file, RasterKinds kinds,
+                                               Sidecars sidecars = Sidecars::Shown);
 
 /// The size in pixels, in the same way.
 bool ReadRasterSize(const Tellurion::BString& file, long& width, long& height);

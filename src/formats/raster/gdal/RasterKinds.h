@@ -8,4 +8,10 @@ enum class RasterKinds {
     OfName,  ///< those that the file's extension can mean
 };
 
+/// Which files beside a raster its driver sees.
+enum class Sidecars {
+    Shown,   ///< all that belong to it
+    Hidden,  ///< none that is a source of its own, such as a world file
+};
+
 }  // namespace MapAnchor

@@ -6,6 +6,7 @@
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
 #include "raster/gdal/GdalReference.h"
+#include "raster/geotiff/StoreGdalReference.h"
 
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
@@ -143,6 +144,11 @@ bool Store(const BString& file, const GdalReference& raster, const ReadPolicy& p
 }
 
 }  // namespace
+
+bool StoreGdalReference(const BString& file, const GdalReference& raster, long width, long height,
+                        BGeoReference& reference) {
+    return Store(file, raster, kTolerant, {width, height}, reference);
+}
 
 bool BRefGeoTIFF::Read(const BString& file, BGeoReference& reference, long width, long height) {
     const auto raster = ReadGdalReference(file, RasterKinds::OfName);

@@ -1,5 +1,7 @@
 #include "raster/kap/BRefKAP.h"
 
+#include "common/DiagnosticIds.h"
+#include "common/ReadNotes.h"
 #include "common/ReferenceFormat.h"
 
 #include "common/FileHead.h"
@@ -10,6 +12,7 @@
 #include "raster/kap/KapHeader.h"
 
 #include <Tellurion/BLogger.h>
+#include <Tellurion/Numbers.h>
 #include <Tellurion/ReferenceTags.h>
 
 namespace MapAnchor {
@@ -94,6 +97,25 @@ void StoreDatum(BGeoReference& reference, const KapHeader& header, const BString
     if (system.IsEmpty() && tried.datum != BString(kFallbackDatum))
         system = FindCoordSys(look_up_fallback, on_failure, texts);
     if (!system.IsEmpty()) reference.SetCoordSys(system);
+    ReadNotes* const notes = ReadNotes::Current();
+    if (notes && !system.IsEmpty() && tried.datum != datum)
+        notes->Add({.id = DiagnosticId::kSystemReplaced,
+                    .text = "the chart's datum \"" + datum.StdStr() + "\" is unknown; " +
+                            std::string(kFallbackDatum) + " takes its place",
+                    .file = file,
+                    .place = "KNP/GD"});
+}
+
+void NoteFacts(const KapHeader& header, const BString& file) {
+    ReadNotes* const notes = ReadNotes::Current();
+    if (!notes) return;
+    notes->SetStatedSize(header.width, header.height);
+    if (header.skew != 0.0 && header.points.empty())
+        notes->Add({.id = DiagnosticId::kRotationNotRead,
+                    .text = "the chart is turned by " + Tellurion::PrintShortest(header.skew) +
+                            " degrees, which is not read",
+                    .file = file,
+                    .place = "KNP/SK"});
 }
 
 }  // namespace
@@ -104,6 +126,7 @@ bool BRefKAP::Read(const BString& file, BGeoReference& reference) {
     const KapHeader header = ReadHeader(in);
     in.Close();
     LogIncompletePoints(file, header);
+    NoteFacts(header, file);
     StorePoints(reference, header, OnFailure::GoOn);
     StoreDatum(reference, header, file, OnFailure::GoOn);
     return header.has_data || !header.points.empty();

@@ -128,6 +128,7 @@ void Parser::ParseKey(std::string_view key, std::string_view value) {
         *row.text = value;
         header.has_data = true;
     }
+    if (StartsWith(key, "SK")) header.skew = ParseDouble(value);
     for (const char* number : {"DX", "DY", "SK", "PP"})
         header.has_data = header.has_data || StartsWith(key, number);
 }

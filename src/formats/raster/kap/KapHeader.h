@@ -16,6 +16,7 @@ struct KapHeader {
     std::string datum;
     std::string projection;  ///< kept for the record: a chart's points are in degrees
     std::string units;
+    double skew = 0.0;                          ///< degrees; kept for the record
     std::vector<Tellurion::BPointPair> points;  ///< x is the longitude, y the latitude
     std::vector<int> incomplete_points;         ///< the lines, from 1, whose point lacks a number
     bool has_data = false;                      ///< a BSB or KNP record gave anything; points do not count

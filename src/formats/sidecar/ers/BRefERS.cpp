@@ -1,5 +1,7 @@
 #include "sidecar/ers/BRefERS.h"
 
+#include "common/DiagnosticIds.h"
+#include "common/ReadNotes.h"
 #include "common/ReferenceFormat.h"
 
 #include "common/FindCoordSys.h"
@@ -90,6 +92,43 @@ AffineTerms SetSystem(BGeoReference& reference, const BSharedPtr<BCoordSys>& sys
                       const ErsHeader& header) {
     if (system) reference.SetCoordSys(system);
     return header.HasTerms() ? header.ToAffine(system ? UnitsPerMetre(*system) : 1.0) : AffineTerms();
+}
+
+/// What a host would not notice of the header's names and its rotation.
+void NoteNames(const BString& file, const ErsHeader& header, const BSharedPtr<BCoordSys>& system) {
+    ReadNotes* const notes = ReadNotes::Current();
+    if (!notes) return;
+    notes->SetStatedSize(static_cast<long>(header.columns), static_cast<long>(header.rows));
+    if (header.rotation.GetUnits().find_first_of(u"123456789") != std::u16string::npos)
+        notes->Add({.id = DiagnosticId::kRotationNotRead,
+                    .text = "the rotation " + header.rotation.StdStr() + " of the header is not read",
+                    .file = file,
+                    .place = "Rotation"});
+    if (!NamesSystem(header)) return;
+    const std::string names = BString::Format("\"%ls\", \"%ls\"", header.projection, header.datum).StdStr();
+    if (!system) {
+        notes->Add({.id = DiagnosticId::kSystemUnknown,
+                    .text = "the system of the projection and datum " + names + " is unknown",
+                    .file = file,
+                    .place = "CoordinateSpace"});
+        return;
+    }
+    constexpr double kMetre = 1e-9;
+    const bool in_degrees = system->GetKind() == BCoordSys::kKindGeodetic;
+    if (!in_degrees && std::fabs(UnitsPerMetre(*system) - 1.0) > kMetre)
+        notes->Add({.id = DiagnosticId::kUnitsMixed,
+                    .text = "the pixel size is taken for metres and the position for " +
+                            system->GetUnits()->GetName().StdStr() +
+                            "; a header with both in one unit puts the raster elsewhere",
+                    .file = file,
+                    .place = "Xdimension"});
+    if (IsNone(header.datum) || LookUpSystem("GEODETIC", header.datum)) return;
+    notes->Add(
+        {.id = DiagnosticId::kSystemReplaced,
+         .text = BString::Format("the datum \"%ls\" is unknown; the projection's own takes its place: %ls",
+                                 header.datum, system->GetName()),
+         .file = file,
+         .place = "Datum"});
 }
 
 [[noreturn]] void ThrowInvalid(const BString& detail) {
@@ -243,6 +282,7 @@ bool BRefERS::Read(const BString& file, BGeoReference& reference) {
     in.Close();
     if (!header.has_raster_info_end) return false;
     const auto system = NamesSystem(header) ? LookUpSystem(header) : BSharedPtr<BCoordSys>();
+    NoteNames(file, header, system);
     const AffineTerms terms = SetSystem(reference, system, header);
     if (header.HasTerms()) StoreAffine(reference, terms, OnFailure::GoOn, kReadTexts);
     return true;

@@ -51,7 +51,11 @@ bool ScanNumber(std::string_view text, const TagRule& rule, ErsHeader& header) {
     RowScanner scanner(text);
     if (!scanner.Literal(rule.scanned ? rule.scanned : rule.tag) || !scanner.Literal("=")) return false;
     std::int32_t whole = 0;
-    if (rule.form == Form::Whole) return scanner.Whole(whole);
+    if (rule.form == Form::Whole) {
+        if (!scanner.Whole(whole)) return false;
+        (std::string_view(rule.tag) == "NrOfLines" ? header.rows : header.columns) = whole;
+        return true;
+    }
     double value = 0.0;
     if (!scanner.Real(value)) return false;
     header.*rule.number = value;
@@ -69,6 +73,13 @@ void ReadName(std::string_view text, const TagRule& rule, ErsHeader& header) {
     header.*rule.name = BString(tokens[1]).Trim();
 }
 
+void NoteRotation(std::string_view line, ErsHeader& header) {
+    const std::size_t at = line.find("Rotation");
+    const std::size_t equals = line.find('=', at);
+    if (at == std::string_view::npos || equals == std::string_view::npos) return;
+    header.rotation = BString(std::string(line.substr(equals + 1))).Trim();
+}
+
 /// False when reading ends with this line.
 bool ReadTag(std::string_view line, ErsHeader& header) {
     for (const TagRule& rule : kRules) {
@@ -84,6 +95,7 @@ bool ReadTag(std::string_view line, ErsHeader& header) {
         }
         return true;
     }
+    NoteRotation(line, header);
     return true;
 }
 

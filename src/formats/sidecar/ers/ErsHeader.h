@@ -23,6 +23,10 @@ struct ErsHeader {
     Tellurion::BString datum;
     Tellurion::BString projection;
 
+    Tellurion::BString rotation;  ///< such as "0:0:0.0"; kept for the record
+    double columns = 0.0;         ///< of the raster; 0 when not stated
+    double rows = 0.0;
+
     const char* faulty_tag = nullptr;  ///< where reading stopped, if that is a fault to tell
     const char* empty_tag = nullptr;   ///< the first name tag without a name; reading went on
 

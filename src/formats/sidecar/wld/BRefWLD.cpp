@@ -2,8 +2,10 @@
 
 #include "common/ReferenceFormat.h"
 
+#include "common/DiagnosticIds.h"
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
+#include "common/ReadNotes.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
 #include "sidecar/wld/WorldFile.h"
@@ -57,6 +59,10 @@ bool HasExtent(const WorldFile& world_file, IsZero is_zero) {
     const auto& line = world_file.line;
     if ((!is_zero(line[0]) && !is_zero(line[3])) || (!is_zero(line[1]) && !is_zero(line[2]))) return true;
     BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefWLD::Read Failure A & E (or B & C) are zero!");
+    if (ReadNotes* const notes = ReadNotes::Current())
+        notes->Add({.id = DiagnosticId::kScaleZero,
+                    .text = "the pixel size of the world file is zero: lines 1 and 4 or lines 2 and 3",
+                    .line = 1});
     return false;
 }
 
@@ -67,8 +73,11 @@ BString PrjBeside(const BString& file) {
 /// Whatever is wrong with the prj file, the world file stands by itself.
 void ReadPrjBeside(const BString& file, BGeoReference& reference) {
     try {
-        if (BCoordSys* coord_sys = BCoordSys::FromFile(PrjBeside(file)))
-            reference.SetCoordSys(Tellurion::BSharedPtr<BCoordSys>(coord_sys));
+        const BString prj = PrjBeside(file);
+        BCoordSys* const coord_sys = BCoordSys::FromFile(prj);
+        if (!coord_sys) return;
+        reference.SetCoordSys(Tellurion::BSharedPtr<BCoordSys>(coord_sys));
+        if (ReadNotes* const notes = ReadNotes::Current()) notes->files.push_back(prj);
     } catch (...) {
     }
 }

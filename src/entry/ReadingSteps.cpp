@@ -1,0 +1,314 @@
+#include "ReadingSteps.h"
+
+#include "ReadingSources.h"
+#include "ReferenceFormats.h"
+#include "SidecarNames.h"
+#include "common/DiagnosticIds.h"
+#include "raster/gdal/GdalDrivers.h"
+
+#include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BFileAccessException.h>
+#include <Tellurion/BFileContentNotValidException.h>
+#include <Tellurion/BFileNotFoundException.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BUnsupportedFileTypeException.h>
+#include <Tellurion/ThreadLog.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace MapAnchor {
+
+using namespace Tellurion;
+using EOutcome = BReading::EOutcome;
+using ESeverity = BDiagnostic::ESeverity;
+
+namespace {
+
+std::u16string LowerExtension(const BString& file) {
+    return BFileUtilities::GetExtension(file).ToLower().GetUnits();
+}
+
+bool Holds(const std::vector<std::u16string_view>& extensions, std::u16string_view extension) {
+    return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+}
+
+template <class Matches>
+const ReferenceFormat* FindRow(Matches matches) {
+    const auto& table = ReferenceFormatTable();
+    const auto found = std::find_if(table.begin(), table.end(), matches);
+    return found == table.end() ? nullptr : &*found;
+}
+
+/// The kind that a name says, though only a read by type takes it.
+const ReferenceFormat* TypedKindOf(const BString& file) {
+    return FindRow([extension = LowerExtension(file)](const ReferenceFormat& row) {
+        return Holds(row.typed_extensions, extension);
+    });
+}
+
+bool IsEmpty(const BGeoReference& reference) {
+    return !reference.HasCoordSys() && !reference.HasMathTransform() && reference.PointPairVector.empty();
+}
+
+void ReadByName(const BReadingOptions& options, ReadingState& state) {
+    const BParamList params = options.GetParams();
+    const BString kind =
+        BReferenceFormats::Read(state.file, state.reference, state.used_file, options.GetWidth(),
+                                options.GetHeight(), options.GetMathType(), &params);
+    state.by_name = true;
+    state.kind = FindRow([&](const ReferenceFormat& row) { return kind == BString(row.name); });
+}
+
+void ReadByType(EReferenceType type, const BReadingOptions& options, ReadingState& state) {
+    const BParamList params = options.GetParams();
+    BGeoReference reference;
+    BMapAnchor::Read(type, state.file, reference, state.width, state.height, options.GetMathType(),
+                     options.GetFlags(), &params);
+    state.reference = reference;
+    state.by_name = false;
+    state.used_file = state.file;
+    state.kind = FindFormatByType(type);
+    if (IsEmpty(reference))
+        state.failure = ReadingFailure::Of<BFileContentNotValidException>(
+            BString::Format("File <%ls> does not contain any valid referencing information.", state.file));
+}
+
+void ReadPdf(const BReadingOptions& options, ReadingState& state) {
+    DescribePdfPage(options, state);
+    try {
+        ReadByType(EReferenceType::GeoPDF, options, state);
+    } catch (...) {
+        FailByPdf(state);
+    }
+}
+
+void ReadTyped(const BReadingOptions& options, ReadingState& state) {
+    const ReferenceFormat* const typed = options.HasType() ? nullptr : TypedKindOf(state.file);
+    const EReferenceType type = typed ? typed->type : options.GetType();
+    if (type == EReferenceType::GeoPDF) return ReadPdf(options, state);
+    ReadByType(type, options, state);
+}
+
+void AddPrj(ReadingState& state) {
+    const BString prj = BFileUtilities::ChangeExtension(state.file, "prj");
+    try {
+        if (BCoordSys* system = BCoordSys::FromFile(prj)) {
+            state.reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
+            state.files.push_back(prj);
+        }
+    } catch (const BException& error) {
+        state.Add(
+            {.id = DiagnosticId::kPrjUnreadable, .text = prj.StdStr() + ": " + error.what(), .file = prj});
+    }
+}
+
+/// The second chance of a world file that the named read refused.
+void TryWorldFileByType(const BReadingOptions& options, ReadingState& state) {
+    const ReadingFailure by_name = *state.failure;
+    state.failure.reset();
+    state.reference = BGeoReference();
+    try {
+        ReadByType(EReferenceType::WLD, options, state);
+    } catch (const BException& error) {
+        state.Add({.id = DiagnosticId::kReadRemark, .severity = ESeverity::Error, .text = error.what()});
+        state.failure = by_name;
+        return;
+    }
+    if (state.failure) {
+        state.failure = by_name;
+        return;
+    }
+    AddPrj(state);
+    state.Add({.id = DiagnosticId::kReadByType,
+               .text = "read by type, because the read by name refuses terms below 1e-7; the prj "
+                       "file beside it was taken along",
+               .file = state.file});
+}
+
+bool IsUnsupported(const ReadingState& state) {
+    return state.failure && state.failure->type == BString("BUnsupportedFileTypeException");
+}
+
+bool HasWorldFileExtension(const BString& file) {
+    const ReferenceFormat* const row = FindFormatByType(EReferenceType::WLD);
+    return row && Holds(row->save_extensions, LowerExtension(file));
+}
+
+/// The number of the error that keeps a name from being that of a file to read; 0 for none.
+int FaultOfName(const std::string& name) {
+    struct stat status {};
+    if (name.empty() || name.find('\0') != std::string::npos) return ENOENT;
+    if (stat(name.c_str(), &status) != 0) return errno;
+    return access(name.c_str(), R_OK) != 0 && errno == EACCES ? EACCES : 0;
+}
+
+void FailByName(int error, ReadingState& state) {
+    if (state.file.IsEmpty())
+        state.failure = ReadingFailure::Of<BFileNotFoundException>("The name is empty.");
+    else if (error == ENOENT || error == ENOTDIR)
+        state.failure = ReadingFailure::Of<BFileNotFoundException>(
+            BString::Format("File <%ls> does NOT exist.", state.file));
+    else
+        state.failure = ReadingFailure::Of<BFileAccessException>(BString::Format(
+            "File <%ls> cannot be opened: %s.", state.file, std::generic_category().message(error)));
+}
+
+/// False, with a failure, for what is not a file that can be read.
+bool CheckName(ReadingState& state) {
+    const std::string name = state.file.StdStr();
+    if (const int error = FaultOfName(name); error != 0) {
+        FailByName(error, state);
+        return false;
+    }
+    if (BFileUtilities::IsRegularFile(state.file)) return true;
+    struct stat status {};
+    const bool is_folder = stat(name.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    state.failure = ReadingFailure::Of<BFileAccessException>(BString::Format(
+        is_folder ? "<%ls> is a folder, not a file." : "File <%ls> is not a regular file.", state.file));
+    return false;
+}
+
+bool IsSidecarName(const BString& file) {
+    const ReferenceFormat* const row = FindFormatToRead(LowerExtension(file));
+    return (row && row->sidecar) || HasWorldFileExtension(file);
+}
+
+void ReadSidecar(const BReadingOptions& options, ReadingState& state) {
+    RunReader(state, [&] { ReadByName(options, state); });
+    if (IsUnsupported(state) && HasWorldFileExtension(state.file))
+        RunReader(state, [&] { TryWorldFileByType(options, state); });
+}
+
+/// By name; what no reader takes by its name, and no extension names, by GDAL's drivers.
+void ReadRasterItself(const BReadingOptions& options, ReadingState& state) {
+    RunReader(state, [&] { ReadByName(options, state); });
+    const bool is_nameless = state.failure && BFileUtilities::GetExtension(state.file).IsEmpty();
+    if (!IsUnsupported(state) && !is_nameless) return;
+    ReadingState by_gdal;
+    by_gdal.width = state.width;
+    by_gdal.height = state.height;
+    ReadAsGdal(state.file, options, by_gdal);
+    if (by_gdal.failure && !by_gdal.is_raster) return;
+    by_gdal.by_name = false;
+    state = std::move(by_gdal);
+}
+
+void ReadRaster(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
+    const std::vector<SidecarName> beside = FindSidecars(state.file);
+    const bool is_raster = IsRasterExtension(BFileUtilities::GetExtension(state.file).ToLower());
+    const bool asks = wanted || !options.GetSource().IsEmpty();
+    if (!asks && (beside.empty() || !is_raster)) {
+        ReadRasterItself(options, state);
+        if (!state.failure || beside.empty() || !state.is_raster) return;
+        state.failure.reset();
+        state.diagnostics.clear();
+    }
+    SourceList sources = ReadSources(state.file, beside, options);
+    ReadingState whole;
+    ReadAsGdal(state.file, options, whole);
+    if (state.width <= 0) {
+        state.width = whole.width;
+        state.height = whole.height;
+    }
+    MeasureSources(sources, whole, state.width, state.height);
+    RunReader(state, [&] { ReadFromWinner(sources, options, whole, state); });
+    if (wanted) *wanted = std::move(sources);
+}
+
+void Read(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
+    if (!CheckName(state)) return;
+    if (options.HasType() || TypedKindOf(state.file))
+        return RunReader(state, [&] { ReadTyped(options, state); });
+    if (IsSidecarName(state.file)) return ReadSidecar(options, state);
+    ReadRaster(options, state, wanted);
+}
+
+void AssignSystem(const BReadingOptions& options, ReadingState& state) {
+    const BSharedPtr<BCoordSys> system = options.GetCoordSys();
+    if (system.IsEmpty() || (state.reference.HasCoordSys() && !options.OverridesCoordSys())) return;
+    state.reference.SetCoordSys(system);
+}
+
+}  // namespace
+
+EOutcome OutcomeOf(const ReadingState& state) {
+    if (!state.failure) return EOutcome::Read;
+    const std::string type = state.failure->type.StdStr();
+    if (type == "BFileContentNotValidException") return EOutcome::NoReference;
+    if (state.page && state.page->Loaded && state.page->Dialect == BGeoPDFPage::EDialect::None)
+        return EOutcome::NoReference;
+    if (state.page && state.page->Encrypted) return EOutcome::Refused;
+    if (type == "BUnsupportedFileTypeException" || type == "BGeoReferenceNotSupportedException")
+        return EOutcome::Refused;
+    if (type == "BFileNotFoundException") return EOutcome::NotFound;
+    if (type == "BFileAccessException") return EOutcome::NoAccess;
+    return type == "std::bad_alloc" ? EOutcome::OutOfMemory : EOutcome::Invalid;
+}
+
+namespace {
+
+/// A file that another kind of reader took, or none, was only tried as a world file.
+bool IsAboutThis(const BDiagnostic& remark, const ReadingState& state) {
+    const bool is_of_world_file = remark.GetId() == BString(DiagnosticId::kWorldFileText) ||
+                                  remark.GetId() == BString(DiagnosticId::kScaleZero);
+    if (!is_of_world_file || (state.kind && std::string_view(state.kind->name) == "WLD")) return true;
+    return !state.kind && HasWorldFileExtension(state.file);
+}
+
+}  // namespace
+
+void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
+    if (notes.width > 0 && notes.height > 0) {
+        state.is_raster = true;
+        if (state.width <= 0) {
+            state.width = notes.width;
+            state.height = notes.height;
+        }
+    }
+    if (notes.stated_width > 0 && notes.stated_height > 0) {
+        state.stated_width = notes.stated_width;
+        state.stated_height = notes.stated_height;
+    }
+    for (const BString& file : notes.files)
+        if (file != state.used_file) state.files.push_back(file);
+    for (const BDiagnostic& remark : notes.diagnostics)
+        if (IsAboutThis(remark, state)) state.diagnostics.push_back(remark);
+    for (const BString& entry : log.Take()) {
+        std::string line = entry.StdStr();
+        std::replace(line.begin(), line.end(), '\n', ' ');  // those of the readers' formats
+        state.Add({.id = DiagnosticId::kReadRemark,
+                   .severity = state.failure ? ESeverity::Error : ESeverity::Warning,
+                   .text = line});
+    }
+}
+
+void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
+    const BParamList params = options.GetParams();
+    const GdalDrivers::Scope allowed(&params);
+    state.width = options.GetWidth();
+    state.height = options.GetHeight();
+    Read(options, state, sources);
+    if (state.failure) {
+        state.reference = BGeoReference();
+    } else {
+        if (std::find(state.files.begin(), state.files.end(), state.used_file) == state.files.end())
+            state.files.insert(state.files.begin(), state.used_file);
+        AssignSystem(options, state);
+        if (options.FindsSize() && state.width <= 0) FindRasterSize(state);
+        CheckReading(options, state);
+        if (state.width <= 0 && state.stated_width > 0) {
+            state.width = state.stated_width;
+            state.height = state.stated_height;
+        }
+    }
+    state.outcome = OutcomeOf(state);
+}
+
+}  // namespace MapAnchor

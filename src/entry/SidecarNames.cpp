@@ -1,0 +1,163 @@
+#include "SidecarNames.h"
+
+#include "ReferenceFormats.h"
+
+#include <MapAnchor/BMapAnchor.h>
+#include <Tellurion/BFileUtilities.h>
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace MapAnchor {
+
+using Tellurion::BFileUtilities;
+using Tellurion::BString;
+
+namespace {
+
+/// What a name has behind a raster's stem or behind its whole name.
+struct Ending {
+    const char* kind;
+    std::string text;  ///< in lower case, with its dot
+    bool behind_name = false;
+};
+
+std::vector<Ending> EndingsFor(const BString& raster) {
+    const std::string own = BMapAnchor::GenerateWorldFileExt(raster).StdStr();
+    const std::string long_one = BFileUtilities::GetExtension(raster).ToLower().StdStr() + "w";
+    std::vector<Ending> endings = {{"aux.xml", ".aux.xml", true}};
+    if (own.size() > 2) endings.push_back({"WLD", own});
+    if (long_one != own && long_one.size() > 2) endings.push_back({"WLD", long_one});
+    for (const auto& [kind, text] :
+         {std::pair("WLD", ".wld"), {"TAB", ".tab"}, {"ERS", ".ers"}, {"RSF", ".rsf"}, {"PRJ", ".prj"}})
+        endings.push_back({kind, text});
+    return endings;
+}
+
+std::vector<Ending> RasterEndings() {
+    std::vector<Ending> endings;
+    for (const char* text :
+         {".tif", ".tiff", ".jpg", ".jpeg", ".png", ".jp2", ".bmp", ".gif", ".img", ".kap", ".sid", ".ecw"})
+        endings.push_back({"", text});
+    return endings;
+}
+
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
+std::string Upper(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return text;
+}
+
+struct FolderCloser {
+    void operator()(DIR* folder) const noexcept { ::closedir(folder); }
+};
+
+/// The folder of a file, with the slash; and its stem and name there.
+struct Place {
+    std::string folder;
+    std::string name;
+    std::string stem;
+    explicit Place(const std::string& file)
+        : folder(file.substr(0, file.rfind('/') + 1)), name(file.substr(folder.size())) {
+        stem = name.substr(0, name.rfind('.'));
+    }
+    const std::string& Base(const Ending& ending) const { return ending.behind_name ? name : stem; }
+};
+
+/// The names in a folder that begin with a stem; empty for a folder that is too long to list.
+std::optional<std::vector<std::string>> List(const Place& place) {
+    constexpr off_t kLongFolder = off_t{128} << 10;  // some thousand entries
+    constexpr int kMaxEntries = 8192;
+    const std::string path = place.folder.empty() ? "." : place.folder;
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || status.st_size > kLongFolder) return std::nullopt;
+    const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
+    if (!folder) return std::nullopt;
+    std::vector<std::string> names;
+    int seen = 0;
+    while (const dirent* entry = ::readdir(folder.get())) {
+        if (++seen > kMaxEntries) return std::nullopt;
+        const std::string_view name = entry->d_name;
+        if (name.starts_with(place.stem) && name != place.name) names.emplace_back(name);
+    }
+    return names;
+}
+
+bool IsRegular(const std::string& file) {
+    return BFileUtilities::IsRegularFile(BString(file));
+}
+
+/// The spelling of a name that is there, lower case before upper and mixed; empty for none.
+std::string FindIn(const std::vector<std::string>& names, const std::string& base,
+                   const std::string& ending) {
+    std::string found;
+    for (const std::string& name : names) {
+        if (name.size() != base.size() + ending.size() || !name.starts_with(base)) continue;
+        const std::string rest = name.substr(base.size());
+        if (Lower(rest) != ending) continue;
+        if (found.empty() || rest == ending || (rest == Upper(ending) && found != base + ending))
+            found = name;
+    }
+    return found;
+}
+
+std::string Find(const Place& place, const std::optional<std::vector<std::string>>& names,
+                 const Ending& ending) {
+    const std::string& base = place.Base(ending);
+    if (names) {
+        const std::string name = FindIn(*names, base, ending.text);
+        return !name.empty() && IsRegular(place.folder + name) ? place.folder + name : "";
+    }
+    for (const std::string& text : {ending.text, Upper(ending.text)}) {
+        if (text == ending.text || !ending.behind_name)
+            if (IsRegular(place.folder + base + text)) return place.folder + base + text;
+    }
+    return {};
+}
+
+}  // namespace
+
+std::vector<SidecarName> FindSidecars(const BString& raster) {
+    const Place place(raster.StdStr());
+    const auto names = List(place);
+    std::vector<SidecarName> found;
+    if (names && names->empty()) return found;
+    for (const Ending& ending : EndingsFor(raster)) {
+        const std::string file = Find(place, names, ending);
+        if (!file.empty() && file != raster.StdStr()) found.push_back({ending.kind, BString(file)});
+    }
+    return found;
+}
+
+BString FindRasterBeside(const BString& sidecar) {
+    const Place place(sidecar.StdStr());
+    const auto names = List(place);
+    if (names && names->empty()) return {};
+    for (const Ending& ending : RasterEndings()) {
+        const std::string file = Find(place, names, ending);
+        if (!file.empty() && file != sidecar.StdStr()) return BString(file);
+    }
+    return {};
+}
+
+bool IsRasterExtension(const BString& extension) {
+    if (IsPlainRasterExtension(extension.GetUnits())) return true;
+    const ReferenceFormat* const row = FindFormatToRead(extension.GetUnits());
+    if (row) return !row->sidecar;
+    for (const Ending& ending : RasterEndings())
+        if (extension == BString(ending.text)) return true;
+    return false;
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,86 @@
+#include "SourceDistance.h"
+
+#include <Tellurion/BCoordSysException.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace MapAnchor {
+
+using Tellurion::BCoordSys;
+using Tellurion::BPoint;
+
+namespace {
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr double kDegree = 3.14159265358979323846 / 180.0;
+
+struct Place {
+    double x;
+    double y;
+    bool IsFinite() const { return std::isfinite(x) && std::isfinite(y); }
+};
+
+std::optional<Place> WorldOf(const PlacedRaster& raster, Place corner) {
+    const double shift = raster.centre_anchored ? -0.5 : 0.0;
+    Place place{corner.x + shift, corner.y + shift};
+    if (!raster.reference.MathTransform->ConvertSourceToTarget(place.x, place.y) || !place.IsFinite())
+        return std::nullopt;
+    return place;
+}
+
+std::optional<Place> PixelOf(const PlacedRaster& raster, Place world) {
+    const double shift = raster.centre_anchored ? 0.5 : 0.0;
+    if (!raster.reference.MathTransform->ConvertTargetToSource(world.x, world.y) || !world.IsFinite())
+        return std::nullopt;
+    return Place{world.x + shift, world.y + shift};
+}
+
+/// The position in the system of the other reference; as it is where one has none.
+std::optional<Place> Converted(const PlacedRaster& from, const PlacedRaster& to, Place place) {
+    if (!from.reference.HasCoordSys() || !to.reference.HasCoordSys()) return place;
+    const BCoordSys& system = *from.reference.CoordSys;
+    if (system.IsSame(*to.reference.CoordSys)) return place;
+    try {
+        const BPoint there = system.ConvertTo(*to.reference.CoordSys, BPoint(place.x, place.y, 0.0));
+        return Place{there.x, there.y};
+    } catch (const Tellurion::BException&) {
+        return std::nullopt;
+    }
+}
+
+/// Between two places of a system, on a sphere for longitude and latitude.
+double Metres(const BCoordSys& system, Place a, Place b) {
+    constexpr double kRadius = 6371008.8;
+    if (system.GetKind() != BCoordSys::kKindGeodetic) {
+        const auto unit = system.GetUnits();
+        return unit && unit->IsLinear() ? std::hypot(a.x - b.x, a.y - b.y) / unit->GetUnitsPerBase() : kNone;
+    }
+    const double dx = std::remainder(b.x - a.x, 360.0) * kDegree * std::cos((a.y + b.y) / 2 * kDegree);
+    return kRadius * std::hypot(dx, (b.y - a.y) * kDegree);
+}
+
+}  // namespace
+
+SourceDistance DistanceBetween(const PlacedRaster& from, const PlacedRaster& to, long width, long height) {
+    SourceDistance worst{kNone, kNone};
+    if (!from.reference.HasMathTransform() || !to.reference.HasMathTransform()) return worst;
+    const auto w = static_cast<double>(std::max(width, 0L));
+    const auto h = static_cast<double>(std::max(height, 0L));
+    for (const Place corner : {Place{0, 0}, Place{w, 0}, Place{w, h}, Place{0, h}}) {
+        const auto here = WorldOf(from, corner);
+        auto there = WorldOf(to, corner);
+        if (there) there = Converted(to, from, *there);
+        if (!here || !there) return {kNone, kNone};
+        const auto pixel = PixelOf(from, *there);
+        if (!pixel) return {kNone, kNone};
+        worst.pixels = std::fmax(worst.pixels, std::hypot(pixel->x - corner.x, pixel->y - corner.y));
+        if (from.reference.HasCoordSys())
+            worst.metres = std::fmax(worst.metres, Metres(*from.reference.CoordSys, *here, *there));
+    }
+    return worst;
+}
+
+}  // namespace MapAnchor

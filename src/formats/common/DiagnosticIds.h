@@ -1,0 +1,32 @@
+#pragma once
+
+namespace MapAnchor::DiagnosticId {
+
+// The ids of all diagnostics of readings. Each has a section in docs/diagnostics.md, which a
+// test compares with this list; an id that was released keeps its meaning.
+inline constexpr const char* kCrossesAntimeridian = "crosses-antimeridian";
+inline constexpr const char* kDegreesOutOfRange = "degrees-out-of-range";
+inline constexpr const char* kGuessedWorldFile = "guessed-world-file";
+inline constexpr const char* kOtherMaps = "other-maps";
+inline constexpr const char* kPageRotated = "page-rotated";
+inline constexpr const char* kPdfRefused = "pdf-refused";
+inline constexpr const char* kPointsCoverLittle = "points-cover-little";
+inline constexpr const char* kPointsNearLine = "points-near-line";
+inline constexpr const char* kPointsOutside = "points-outside";
+inline constexpr const char* kPointsRounded = "points-rounded";
+inline constexpr const char* kPolarFrame = "polar-frame";
+inline constexpr const char* kPrjUnreadable = "prj-unreadable";
+inline constexpr const char* kReadByType = "read-by-type";
+inline constexpr const char* kReadFrom = "read-from";
+inline constexpr const char* kReadRemark = "read-remark";
+inline constexpr const char* kRotationNotRead = "rotation-not-read";
+inline constexpr const char* kScaleZero = "scale-zero";
+inline constexpr const char* kRasterSizeDiffers = "raster-size-differs";
+inline constexpr const char* kSourcesDiffer = "sources-differ";
+inline constexpr const char* kSystemReplaced = "system-replaced";
+inline constexpr const char* kSystemUnknown = "system-unknown";
+inline constexpr const char* kTransformMissing = "transform-missing";
+inline constexpr const char* kUnitsMixed = "units-mixed";
+inline constexpr const char* kWorldFileText = "world-file-text";
+
+}  // namespace MapAnchor::DiagnosticId

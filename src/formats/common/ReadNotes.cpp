@@ -1,0 +1,49 @@
+#include "common/ReadNotes.h"
+
+#include "common/DiagnosticIds.h"
+
+#include <Tellurion/Numbers.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace MapAnchor {
+namespace {
+
+thread_local ReadNotes* listener = nullptr;
+
+}  // namespace
+
+ReadNotes::ReadNotes() : outer_(std::exchange(listener, this)) {}
+
+ReadNotes::~ReadNotes() {
+    listener = outer_;
+}
+
+ReadNotes* ReadNotes::Current() {
+    return listener;
+}
+
+void DroppedFractions::Count(double column, double row, long whole_column, long whole_row) {
+    constexpr double kNothing = 1e-9;
+    ++points_;
+    const double distance =
+        std::hypot(column - static_cast<double>(whole_column), row - static_cast<double>(whole_row));
+    if (!(distance > kNothing) || !std::isfinite(distance)) return;
+    ++count_;
+    largest_ = std::max(largest_, distance);
+}
+
+void DroppedFractions::Report(const Tellurion::BString& file) const {
+    ReadNotes* const notes = ReadNotes::Current();
+    if (!notes || count_ == 0) return;
+    notes->Add({.id = DiagnosticId::kPointsRounded,
+                .text = std::to_string(count_) + " of " + std::to_string(points_) +
+                        " control points state fractions of pixels, which are dropped: up to " +
+                        Tellurion::PrintFixed(largest_, 2) + " px",
+                .file = file});
+}
+
+}  // namespace MapAnchor

@@ -1,0 +1,87 @@
+#include "raster/gdal/AuxiliaryReference.h"
+
+#include "common/ReadNotes.h"
+
+#include <Tellurion/Numbers.h>
+#include <Tellurion/QuietGdal.h>
+#include <Tellurion/RandomAccessFile.h>
+
+#include <cpl_minixml.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace MapAnchor {
+
+using Tellurion::BString;
+using Tellurion::RandomAccessFile;
+
+namespace {
+
+/// Larger files hold tables of attributes.
+constexpr std::size_t kMaxLength = std::size_t{16} << 20;
+
+struct TreeDeleter {
+    void operator()(CPLXMLNode* tree) const { CPLDestroyXMLNode(tree); }
+};
+using Tree = std::unique_ptr<CPLXMLNode, TreeDeleter>;
+
+/// GDAL's six numbers with commas between them.
+std::optional<AffineTerms> ParseTerms(std::string_view text) {
+    std::array<double, 6> gt{};
+    for (double& number : gt) {
+        if (!Tellurion::ScanDouble(text, number)) return std::nullopt;
+        const std::size_t next = text.find_first_not_of(" \t\r\n,");
+        text.remove_prefix(std::min(next, text.size()));
+    }
+    return AffineTerms{gt[1], gt[2], gt[0], gt[4], gt[5], gt[3]};
+}
+
+double NumberOf(CPLXMLNode* node, const char* key) {
+    return Tellurion::ParseDouble(CPLGetXMLValue(node, key, "0"));
+}
+
+long WholePixel(double position) {
+    constexpr double kMax = 0x7FFFFFFF;
+    return std::isnan(position) ? 0 : static_cast<long>(std::clamp(position, -kMax, kMax));
+}
+
+void ReadPoints(CPLXMLNode* list, const BString& file, GdalReference& out) {
+    DroppedFractions dropped;
+    for (CPLXMLNode* node = list ? list->psChild : nullptr; node; node = node->psNext) {
+        if (node->eType != CXT_Element || std::string_view(node->pszValue) != "GCP") continue;
+        const double column = NumberOf(node, "Pixel");
+        const double row = NumberOf(node, "Line");
+        dropped.Count(column, row, WholePixel(column), WholePixel(row));
+        out.points.emplace_back(WholePixel(column), WholePixel(row), NumberOf(node, "X"), NumberOf(node, "Y"),
+                                NumberOf(node, "Z"), CPLGetXMLValue(node, "Id", ""), true);
+    }
+    dropped.Report(file);
+    out.point_count = static_cast<int>(out.points.size());
+}
+
+}  // namespace
+
+std::optional<GdalReference> ReadAuxiliaryReference(const BString& file) {
+    const Tellurion::QuietGdal quiet;
+    RandomAccessFile in(file);
+    if (!in.IsOpen() || in.Size() > kMaxLength) return std::nullopt;
+    const Tree tree(CPLParseXMLString(in.Window(0, kMaxLength).c_str()));
+    CPLXMLNode* const dataset = tree ? CPLGetXMLNode(tree.get(), "=PAMDataset") : nullptr;
+    if (!dataset) return std::nullopt;
+    GdalReference out;
+    CPLXMLNode* const list = CPLGetXMLNode(dataset, "GCPList");
+    out.terms = ParseTerms(CPLGetXMLValue(dataset, "GeoTransform", ""));
+    if (!out.terms) ReadPoints(list, file, out);
+    for (const char* text :
+         {CPLGetXMLValue(dataset, "SRS", ""), list ? CPLGetXMLValue(list, "Projection", "") : ""})
+        if (*text) out.well_known_texts.emplace_back(text);
+    const bool states_nothing = !out.terms && out.points.empty() && out.well_known_texts.empty();
+    return states_nothing ? std::nullopt : std::optional(std::move(out));
+}
+
+}  // namespace MapAnchor

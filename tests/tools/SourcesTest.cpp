@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include "GdalFiles.h"
+#include "RunTool.h"
+
+#include <regex>
+#include <set>
+
+namespace {
+
+constexpr const char* kWorld = "10\n0\n0\n-10\n500005\n4099995\n";
+constexpr const char* kShifted = "10\n0\n0\n-10\n500010\n4099995\n";  // half a pixel to the east
+
+/// Of 20 by 10 pixels, without a place.
+void MakePng(const std::string& path) {
+    GDALAllRegister();
+    GDALDriverManager& drivers = *GetGDALDriverManager();
+    const GdalFiles::Dataset pixels(drivers.GetDriverByName("MEM")->Create("", 20, 10, 1, GDT_Byte, nullptr));
+    const GdalFiles::Dataset made(drivers.GetDriverByName("PNG")->CreateCopy(
+        path.c_str(), pixels.get(), FALSE, nullptr, nullptr, nullptr));
+}
+
+std::string AuxiliaryText(const std::string& place) {
+    return "<PAMDataset>" + place + "</PAMDataset>";
+}
+
+constexpr const char* kPlace = "<GeoTransform>600000, 10, 0, 4100000, 0, -10</GeoTransform>";
+
+struct SourcesCase {
+    const char* fault;  ///< that the row would catch
+    std::vector<std::pair<const char*, std::string>> files;
+    const char* words;
+    int status;
+    const char* text;     ///< of stdout or stderr
+    const char* members;  ///< of the JSON of info
+};
+
+TEST(Sources, TheWinnerIsReadAndTheOthersAreNamed) {
+    const std::string prj = PrjOf("32633");
+    const SourcesCase cases[] = {
+        {"a prj in capitals is missed",
+         {{"map.PNW", ""}, {"map.PGW", kWorld}, {"map.PRJ", prj}},
+         "%map.png",
+         0,
+         "read from map.PGW, map.PRJ",
+         R"("referenceType":"WLD","coordSys":{"epsg":"EPSG:32633"})"},
+        {"the auxiliary file wins, though not in GDAL for this kind",
+         {{"map.pgw", kWorld}, {"map.png.aux.xml", AuxiliaryText(kPlace)}},
+         "%map.png",
+         0,
+         "also there: map.png.aux.xml, 10000.00 px away",
+         R"("geoTransform":[500000,10,0,4100000,0,-10])"},
+        {"the system of an auxiliary file is lost",
+         {{"map.wld", kWorld}, {"map.png.aux.xml", AuxiliaryText("<SRS>" + prj + "</SRS>")}},
+         "%map.png",
+         0,
+         "read from map.wld, map.png.aux.xml",
+         R"("coordSys":{"epsg":"EPSG:32633"})"},
+        {"the source is not picked",
+         {{"map.pgw", kWorld}, {"map.wld", kShifted}},
+         "--source map.wld %map.png",
+         0,
+         "0.50 px away",
+         R"("geoTransform":[500005,10,0,4100000,0,-10])"},
+        {"an unknown source is read as another one",
+         {{"map.pgw", kWorld}},
+         "--source tab %map.png",
+         4,
+         "has no source \"tab\"; there are: WLD",
+         R"("ok":false)"},
+        {"a file of another raster counts",
+         {{"map2.pgw", kWorld}, {"mapx.tab", ""}},
+         "%map.png",
+         4,
+         "does not contain",
+         R"("ok":false)"},
+        {"the name of an unreadable file is kept quiet",
+         {{"map.pgw", kWorld}, {"map.tab", "no table"}},
+         "%map.png",
+         0,
+         "also there: map.tab, which cannot be read",
+         R"("referenceType":"WLD")"},
+        {"a system is put over one that is there",
+         {{"map.pgw", kWorld}, {"map.prj", prj}},
+         "--crs EPSG:25832 %map.png",
+         0,
+         "EPSG:32633",
+         R"("coordSys":{"epsg":"EPSG:32633"})"},
+        {"a system does not replace one that is there",
+         {{"map.pgw", kWorld}, {"map.prj", prj}},
+         "--override-crs EPSG:25832 %map.png",
+         0,
+         "EPSG:25832",
+         R"("coordSys":{"epsg":"EPSG:25832"})"},
+    };
+    for (const SourcesCase& test : cases) {
+        SCOPED_TRACE(test.fault);
+        const ToolFolder folder;
+        MakePng(folder / "map.png");
+        for (const auto& [name, text] : test.files)
+            folder.Write(name, text);
+        folder.ExpectRun(std::string("info ") + test.words, test.status, "", {test.text});
+        folder.ExpectRun(std::string("info --json ") + test.words, test.status, test.members);
+    }
+}
+
+TEST(Sources, TheTableComparesThemWithGdal) {
+    const ToolFolder folder;
+    MakePng(folder / "map.png");
+    folder.Write("map.pgw", kWorld);
+    folder.Write("map.prj", PrjOf("32633"));
+    folder.Write("map.wld", kShifted);
+    folder.ExpectRun("convert --size 20x10 %map.pgw %map.rsf", 0);
+    folder.ExpectRun("sources --json %map.png", 0,
+                     R"("ok":true,"sources":[
+        {"kind":"WLD","files":["%map.pgw","%map.prj"],"wins":true,"winsInGdal":true,"distancePixels":0,"ok":true},
+        {"kind":"WLD","files":["%map.wld","%map.prj"],"wins":false,"winsInGdal":false,"distancePixels":0.5,
+         "distanceMetres":5},
+        {"kind":"RSF","wins":false,"winsInGdal":false,"distanceMetres":0}],"diagnostics":[{"id":"sources-differ"}])");
+    folder.ExpectRun("sources %map.png", 0, "",
+                     {"WLD    map.wld, map.prj no        no           0.50   5.000"});
+}
+
+std::set<std::string> Matches(const std::string& file, const std::string& pattern) {
+    const std::string text = TempFolder::Slurp(std::string(MAPANCHOR_SOURCES) + file);
+    const std::regex regex(pattern);
+    std::set<std::string> found;
+    for (std::sregex_iterator it(text.begin(), text.end(), regex), end; it != end; ++it)
+        found.insert((*it)[1].str());
+    return found;
+}
+
+TEST(Diagnostics, ThePageExplainsEachId) {
+    std::set<std::string> ids = Matches("/src/formats/common/DiagnosticIds.h", "= \"([a-z-]+)\";");
+    ids.merge(Matches("/tools/mapanchor/read/RemarkIds.h", "= \"([a-z-]+)\";"));
+    EXPECT_GT(ids.size(), 30U);
+    EXPECT_EQ(Matches("/docs/diagnostics.md", "\n### ([a-z-]+)\n[^#]+\\*\\*Remedy:\\*\\*"), ids);
+}
+
+struct DoubtCase {
+    const char* name;
+    std::string content;
+    const char* id;  ///< empty for a file that is read without a doubt
+};
+
+TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
+    const auto ers = [](const std::string& lines) {
+        return "DatasetHeader Begin\n" + lines +
+               "RasterInfo Begin\nCellInfo Begin\nXdimension = 1\nYdimension = 1\nCellInfo End\nNrOfLines = "
+               "10\n"
+               "NrOfCellsPerLine = 20\nRegistrationCoord Begin\nEastings = 500000\nNorthings = 4000000\n"
+               "RegistrationCoord End\nRasterInfo End\nDatasetHeader End\n";
+    };
+    const auto rsf = [](const std::string& rows) { return "1 4\n" + rows; };
+    const DoubtCase cases[] = {
+        {"plain.tfw", "1\r\n0\r\n0\r\n-1\r\n5\r\n5\r\nmore", ""},
+        {"commas.tfw", "1,\n0,\n0,\n-1,\n5,\n5", ""},
+        {"decimal.tfw", "1,5\n0\n0\n-1\n5\n5\n", "world-file-text"},
+        {"exponent.tfw", "1.5D+01\n0\n0\n-1\n5\n5\n", "world-file-text"},
+        {"comment.tfw", "1 # pixel\n0\n0\n-1\n5\n5\n", "world-file-text"},
+        {"blank.tfw", "1\n\n0\n-1\n5\n5\n", "world-file-text"},
+        {"table.csv", "1\n2\n3\n4\n5\n6\n", "guessed-world-file"},
+        {"zero.tfw", "0\n0\n0\n0\n5\n5\n", "scale-zero"},
+        {"line.rsf",
+         rsf("a 0 0 0 0 0 0 1\nb 500 500 0 500 500 0 1\nc 501 500 0 501 500 0 1\nd 1000 1000 0 1000 1000 0 "
+             "1\n"),
+         "points-near-line"},
+        {"datum.ers",
+         ers("CoordinateSpace Begin\nDatum = \"NOSUCH\"\nProjection = \"NUTM12\"\nCoordinateSpace End\n"),
+         "system-replaced"},
+        {"names.ers",
+         ers("CoordinateSpace Begin\nDatum = \"WGS84\"\nProjection = \"NOSUCH\"\nCoordinateSpace End\n"),
+         "system-unknown"},
+        {"turned.ers", ers("CoordinateSpace Begin\nRotation = 0:30:0.0\nCoordinateSpace End\n"),
+         "rotation-not-read"},
+    };
+    const ToolFolder folder;
+    for (const DoubtCase& test : cases) {
+        SCOPED_TRACE(test.name);
+        folder.Write(test.name, test.content);
+        const ToolRun run = RunTool({"info", "--json", folder / test.name});
+        std::set<std::string> ids;
+        const auto ours = run.Ours();
+        for (const auto& remark : ours["diagnostics"])
+            ids.insert(remark["id"].get<std::string>());
+        EXPECT_EQ(ids.contains(test.id), *test.id != '\0') << run.out;
+        EXPECT_EQ(ids.empty(), *test.id == '\0') << run.out;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,120 @@
+#include "commands/Commands.h"
+#include "commands/Tally.h"
+#include "read/InputNames.h"
+#include "read/ReadFile.h"
+#include "read/ReadOptions.h"
+#include "render/JsonRenderer.h"
+#include "render/TextRenderer.h"
+#include "terminal/CommonOptions.h"
+
+#include <MapAnchor/BReferenceSources.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/Numbers.h>
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+using MapAnchor::BReferenceSource;
+using MapAnchor::BReferenceSources;
+using Tellurion::BString;
+
+constexpr const char* kSourcesDescription =
+    "List where a raster's georeferencing is written\n\n"
+    "The raster's own tags or control points and the files beside it, which of them is read\n"
+    "here, which one GDAL takes, and how far each is from the one that is read, at the worst\n"
+    "corner. --source NAME makes every command read another one.\n\n"
+    "Examples:\n"
+    "  mapanchor sources photo.jpg\n"
+    "  mapanchor sources --json *.tif\n"
+    "  mapanchor info --source photo.tab photo.jpg";
+
+struct SourcesOptions {
+    CommonOptions common;
+    ReadOptions read;
+    std::vector<std::string> files;
+    bool nul_separated = false;
+};
+
+Json SourceJson(const BReferenceSource& source) {
+    Json files = Json::array();
+    for (const BString& file : source.GetFiles())
+        files.push_back(file.StdStr());
+    Json json = {{"kind", source.GetKind().StdStr()},
+                 {"files", std::move(files)},
+                 {"wins", source.Wins()},
+                 {"winsInGdal", source.WinsInGdal()}};
+    if (std::isfinite(source.GetDistancePixels())) json["distancePixels"] = source.GetDistancePixels();
+    if (std::isfinite(source.GetDistanceMetres())) json["distanceMetres"] = source.GetDistanceMetres();
+    json["ok"] = source.GetReading().HasReference();
+    if (!source.GetReading().HasReference()) json["error"] = source.GetReading().GetFailureText().StdStr();
+    return json;
+}
+
+std::string Distance(double value, int decimals) {
+    return std::isfinite(value) ? Tellurion::PrintFixed(value, decimals) : "-";
+}
+
+std::vector<std::string> RowOf(const BReferenceSource& source) {
+    std::string names;
+    for (const BString& file : source.GetFiles())
+        names += (names.empty() ? "" : ", ") + Tellurion::BFileUtilities::GetFileName(file).StdStr();
+    const auto& reading = source.GetReading();
+    std::string system = reading.GetFailureText().StdStr();
+    if (reading.HasReference())
+        system =
+            reading.GetReference().HasCoordSys() ? reading.GetReference().CoordSys->GetName().StdStr() : "-";
+    return {source.GetKind().StdStr(),
+            names,
+            source.Wins() ? "yes" : "no",
+            source.WinsInGdal() ? "yes" : "no",
+            Distance(source.GetDistancePixels(), 2),
+            Distance(source.GetDistanceMetres(), 3),
+            system};
+}
+
+ExitStatus ListSources(const std::string& file, const SourcesOptions& options, const Console& console) {
+    const auto sources = BReferenceSources::Of(BString(file), options.read.ForReading());
+    const ReadResult result = ResultOf(sources.GetReading(), file);
+    if (options.common.json) {
+        Json top = JsonAbout(file);
+        Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
+        if (result.failure) ours["error"] = RenderJson(*result.failure);
+        ours["sources"] = Json::array();
+        for (const BReferenceSource& source : sources.GetSources())
+            ours["sources"].push_back(SourceJson(source));
+        ours["diagnostics"] = RenderJson(result.diagnostics);
+        top["mapanchor"] = std::move(ours);
+        console.Print(ToText(top, options.common));
+        return result.Status();
+    }
+    std::vector<std::vector<std::string>> rows = {
+        {"source", "files", "read here", "read by GDAL", "pixels", "metres", "system"}};
+    for (const BReferenceSource& source : sources.GetSources())
+        rows.push_back(RowOf(source));
+    if (rows.size() > 1) console.Print(console.Bold(file) + "\n" + RenderTable(rows, console));
+    TalkAbout(file, result.diagnostics, result.failure ? &*result.failure : nullptr, console);
+    return result.Status();
+}
+
+ExitStatus Run(const SourcesOptions& options) {
+    const Console console = options.common.MakeConsole();
+    Tally tally;
+    ForEachInput(options.files, options.nul_separated,
+                 [&](const std::string& file) { tally.Count(ListSources(file, options, console)); });
+    return tally.Status();
+}
+
+}  // namespace
+
+void AddSourcesCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<SourcesOptions>();
+    CLI::App* sources = app.add_subcommand("sources", kSourcesDescription);
+    sources->add_option("RASTER", options->files, "Rasters; - reads names from stdin, one per line")
+        ->required();
+    sources->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    options->read.AddTo(*sources);
+    options->common.AddTo(*sources);
+    sources->callback([options, &status] { status = Run(*options); });
+}
