@@ -6,6 +6,15 @@ namespace MapAnchor {
 struct PdfParameters {
     static constexpr const char* kCropType = "MAP_ANCHOR_PDF_CROP_TYPE";
     static constexpr const char* kResolution = "MAP_ANCHOR_RESOLUTION";
+    /// Not 0: read what the rules refuse too, and say which rule the file does not follow.
+    static constexpr const char* kWide = "MAP_ANCHOR_PDF_WIDE";
+    // These count in a wide read alone.
+    /// The page, counted from 1.
+    static constexpr const char* kPage = "MAP_ANCHOR_PDF_PAGE";
+    /// The map of the page: its name, its number from 1, or "largest".
+    static constexpr const char* kMap = "MAP_ANCHOR_PDF_MAP";
+    /// Not 0: the raster shows the page as viewers do, turned and cropped.
+    static constexpr const char* kShown = "MAP_ANCHOR_PDF_SHOWN";
 };
 
 }  // namespace MapAnchor

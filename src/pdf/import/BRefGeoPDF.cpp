@@ -2,6 +2,7 @@
 
 #include "common/ReferenceFormat.h"
 
+#include "import/GeoPDFSteps.h"
 #include "import/ReadGeoPDF.h"
 
 #include "PdfParameters.h"
@@ -11,16 +12,12 @@
 #include "import/PageFrame.h"
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"
+#include "wide/ReadWideGeoPDF.h"
 
 #include "common/StoreControlPoints.h"
-#include "common/StoreTransform.h"
 #include "common/Strictness.h"
 
-#include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
-#include <MapAnchor/BGeoReferenceInvalidTransformException.h>
-#include <MapAnchor/BReadParametersException.h>
 #include <Tellurion/BCoordSys.h>
-#include <Tellurion/BCoordSysRepository.h>
 #include <Tellurion/BLogger.h>
 
 #include <cmath>
@@ -30,14 +27,12 @@
 namespace MapAnchor {
 
 using Tellurion::BCoordSys;
-using Tellurion::BCoordSysRepository;
 using Tellurion::BException;
 using Tellurion::BGeoReference;
 using Tellurion::BLogger;
 using Tellurion::BParamList;
 using Tellurion::BPoint;
 using Tellurion::BPointPair;
-using Tellurion::BSharedPtr;
 using Tellurion::BString;
 using Tellurion::ELogSeverity;
 using Tellurion::EMathTransformType;
@@ -48,18 +43,6 @@ using VellumLib::CPDFPage;
 using VellumLib::CSpatialPDFImport;
 
 namespace {
-
-constexpr const char* kSource = "BRefGeoPDF::Read";
-
-// Kept for compatibility: the log line of the points names another reader.
-constexpr FailureTexts kTexts = {
-    .source = kSource,
-    .affine_terms_line = "BRefGeoPDF::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)",
-    .points_line = "BRefRSF::Read Failure setting the BMathTransform ERROR (%ls)"};
-
-void Log(const char* line) {
-    BLogger::Instance()->WriteLine(ELogSeverity::Error, line);
-}
 
 CMeasureDictionaryData ReadRecord(CPDFDocument& document) {
     switch (document.GetPage(0).GetSpatialKind()) {
@@ -78,75 +61,15 @@ CMeasureDictionaryData ReadRecord(CPDFDocument& document) {
     }
 }
 
-PDFCropType CropTypeOf(const BParamList* params) {
-    static const BString kCropType(PdfParameters::kCropType);
-    constexpr int kDefault = static_cast<int>(PDFCropType::Media);
-    const int number =
-        params && params->HasProperty(kCropType) ? params->GetInteger(kCropType, kDefault) : kDefault;
-    if (number == static_cast<int>(PDFCropType::Bounding)) {
-        Log("BRefGeoPDF::Bounding box crop type is not supported");
-        throw BReadParametersException(
-            "Bounding box cropping is not supported, please choose a different crop type");
-    }
-    return static_cast<PDFCropType>(number);
-}
-
-/// The text first, then the code; empty when neither is understood.
-BSharedPtr<BCoordSys> FindCoordSys(const CMeasureDictionaryData::CoordSysPart& part) {
-    BCoordSys* system = nullptr;
-    if (!part.WKT.empty())
-        system = BCoordSysRepository::Instance()->ReadCoordSysFromWKTString(BString(part.WKT));
-    if (!system && part.EPSG != CMeasureDictionaryData::kNoEPSG)
-        system = BCoordSys::FromEPSGCode(BString::Format("%d", part.EPSG));
-    return system ? BSharedPtr<BCoordSys>(system) : BSharedPtr<BCoordSys>();
-}
-
-void LogNoCoordSys() {
-    Log("BRefGeoPDF::Read could not generate a Coordinate system");
-}
-
-BGeoReferenceInvalidCoordSysException NoCoordSys() {
-    return {kSource, "Invalid Coordinate system in the geospatial PDF"};
-}
-
-/// What the search for the coordinate system came to.
-struct Search {
-    BSharedPtr<BCoordSys> system;  ///< empty when nothing was found
-    bool failed = false;           ///< it ended in an exception that the host can live with
-};
-
-/// A search that finds nothing is no failure, unless the host is strict: then the log
-/// says so twice, since the exception comes by the handler below.
-Search StoreCoordSys(BGeoReference& reference, const CMeasureDictionaryData::CoordSysPart& part,
-                     OnFailure on_failure) {
-    try {
-        const BSharedPtr<BCoordSys> system = FindCoordSys(part);
-        if (system) {
-            reference.SetCoordSys(system);
-        } else if (on_failure == OnFailure::Throw) {
-            LogNoCoordSys();
-            throw NoCoordSys();
-        }
-        return {.system = system, .failed = false};
-    } catch (const BException&) {
-        LogNoCoordSys();
-        if (on_failure == OnFailure::Throw) throw NoCoordSys();
-        return {.system = {}, .failed = true};
-    }
-}
-
 PageFrame MakeFrame(CPDFPage& page, const std::vector<double>& viewport, PDFCropType crop,
                     RasterExtent size) {
-    if (viewport.size() < 4)
-        throw BException(kSource, BString("The viewport of this PDF Page has no complete box, Invalid PDF."));
+    if (viewport.size() < 4) ThrowNoViewportBox();
     const std::vector<double> shown = PageBoxes::Of(page).Shown(crop);
     if (!shown.empty()) {
         const PageFrame frame(viewport, shown, size.width, size.height);
         if (frame.HasExtent()) return frame;
     }
-    // The text stands where others have their source.
-    throw BException(BString("No crop boxes could be found on this PDF Page, Invalid PDF."),
-                     BString("BREFGeoPDF::Read"));
+    ThrowNoBoxes();
 }
 
 BPoint WorldOf(const CMeasureDictionaryData& record, std::size_t index, const BCoordSys* system) {
@@ -159,16 +82,8 @@ BPointPair PairOf(const CMeasureDictionaryData& record, std::size_t index, const
                   const BCoordSys* system) {
     const auto pixel = frame.PixelAt(record.LPTS[index]);
     const BPoint world = WorldOf(record, index, system);
-    if (!pixel || !std::isfinite(world.x) || !std::isfinite(world.y))
-        throw BGeoReferenceInvalidTransformException(
-            kSource,
-            BString::Format("GCP point %d of the PDF file lies outside of what can be counted", index + 1));
+    if (!pixel || !std::isfinite(world.x) || !std::isfinite(world.y)) ThrowUncountable(index);
     return {pixel->column, pixel->row, world.x, world.y, 0.0, BString(), true};
-}
-
-[[noreturn]] void ThrowNoPoints() {
-    Log("BRefGeoPDF::Read no control points found in GeospatialPDF.");
-    throw BGeoReferenceInvalidTransformException(kSource, "No GCP points found in the PDF file");
 }
 
 /// False for longitudes and latitudes without a system to convert them to.
@@ -185,13 +100,8 @@ bool MakePairs(const CMeasureDictionaryData& record, const PageFrame& frame, con
 void StoreMatrix(BGeoReference& reference, const std::vector<double>& matrix, const PageFrame& frame,
                  OnFailure on_failure) {
     constexpr std::size_t kTerms = 6;
-    if (matrix.size() < kTerms)
-        throw BGeoReferenceInvalidTransformException(
-            kSource, BString::Format("The CTM of the PDF file has %d of 6 terms", matrix.size()));
-    const AffineTerms terms = frame.AffineOf(matrix);
-    if (!StoreAffine(reference, terms, on_failure, kTexts))
-        BLogger::Instance()->Write(ELogSeverity::Error,
-                                   AffineLogLine(kTexts, terms, "The terms give no transform"));
+    if (matrix.size() < kTerms) ThrowShortMatrix(matrix.size());
+    StorePageAffine(reference, frame.AffineOf(matrix), on_failure);
 }
 
 }  // namespace
@@ -203,7 +113,7 @@ bool ReadGeoPDF(CPDFDocument& document, unsigned int flags, BGeoReference& refer
     if (record.GPTS.size() != record.LPTS.size()) return false;
 
     const Strictness strictness(flags);
-    const Search search = StoreCoordSys(reference, record.CoordSys, strictness.CoordSys());
+    const SystemSearch search = StoreCoordSys(reference, record.CoordSys, strictness.CoordSys());
     if (search.failed) return false;
     const RasterExtent size{width, height};
     const PageFrame frame = MakeFrame(document.GetPage(0), record.BBox, crop, size);
@@ -213,12 +123,18 @@ bool ReadGeoPDF(CPDFDocument& document, unsigned int flags, BGeoReference& refer
     }
     std::vector<BPointPair> pairs;
     if (!MakePairs(record, frame, search.system.Get(), pairs)) return false;
-    StoreControlPoints(reference, std::move(pairs), mathType, size, strictness.Transform(), kTexts);
+    StoreControlPoints(reference, std::move(pairs), mathType, size, strictness.Transform(), kGeoPDFTexts);
     return true;
 }
 
 bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
                       EMathTransformType mathType, long width, long height, const BParamList* params) {
+    if (IsWideRead(params)) {
+        for (const VellumLib::WideRemark& remark :
+             ReadWideGeoPDF(file, flags, reference, mathType, width, height, params).remarks)
+            BLogger::Instance()->Write(ELogSeverity::Warning, BString(remark.id + ": " + remark.text));
+        return !reference.CoordSys.IsEmpty();
+    }
     CPDFDocument document(QString::fromStdWString(file.WideStr()), VellumLib::EPDFExtent::FirstPage);
     return ReadGeoPDF(document, flags, reference, mathType, width, height, params);
 }

@@ -50,6 +50,9 @@ protected:
 
     void ApplyDatum(OGRSpatialReference& srs);
     void ApplyProjection(OGRSpatialReference& srs);
+    /// What a reader knows beyond the tables, once datum and projection are set. The text
+    /// is kept by `Parameters`, so that nothing else may go into it.
+    virtual void AmendSystem(OGRSpatialReference&) {}
 
     double PageWidth = 0.0;
     double PageHeight = 0.0;

@@ -70,6 +70,7 @@ std::string CGeoPDFImport::BuildWKT() {
         srs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
         ApplyDatum(srs);
         ApplyProjection(srs);
+        AmendSystem(srs);
         return ExportToWkt(srs);
     });
     ScaleCTM();

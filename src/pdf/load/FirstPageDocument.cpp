@@ -43,8 +43,8 @@ public:
 
 class FirstPageLoad {
 public:
-    FirstPageLoad(PlainTables& tables, FirstPageDocument& document)
-        : tables_(tables), document_(document), objects_(document.GetObjects()) {}
+    FirstPageLoad(PlainTables& tables, FirstPageDocument& document, bool inherited)
+        : tables_(tables), document_(document), objects_(document.GetObjects()), inherited_(inherited) {}
 
     void Run() {
         PdfObject& catalog = Follow(Entry(tables_.Trailer(), "Root"));
@@ -88,6 +88,9 @@ private:
             const PdfObject& list = kids.IsReference() ? Follow(kids) : kids;
             Require(list.IsArray());
             if (const PdfObject* const turn = node->GetDictionary().GetKey("Rotate")) TakeAllBelow(*turn);
+            for (const char* key : {"MediaBox", "CropBox"})
+                if (const PdfObject* const box = node->GetDictionary().GetKey(key); box && inherited_)
+                    TakeAllBelow(*box);
             const PdfObject& kid = FirstWithPages(list.GetArray());
             // What a page inherits, it inherits from the parent that it names.
             const PdfObject* const parent = kid.GetDictionary().GetKey("Parent");
@@ -128,16 +131,17 @@ private:
     PlainTables& tables_;
     FirstPageDocument& document_;
     PdfVecObjects& objects_;
+    const bool inherited_;
     std::set<PdfReference> taken_;
 };
 
 }  // namespace
 
-std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file) {
+std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file, bool inherited) {
     try {
         PlainTables tables(file);
         auto document = std::make_unique<FirstPageDocument>();
-        FirstPageLoad load(tables, *document);
+        FirstPageLoad load(tables, *document, inherited);
         load.Run();
         return document;
     } catch (const PdfError&) {

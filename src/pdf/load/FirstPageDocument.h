@@ -15,7 +15,8 @@ class FileWindow;
 /// whatever is asked of it; this one's with what is asked.
 ///
 /// Null for a file that is not plain, encrypted, with cross-reference streams or anything
-/// amiss on the way: such a file is for the parser.
-std::unique_ptr<PoDoFo::PdfMemDocument> LoadFirstPage(FileWindow& file);
+/// amiss on the way: such a file is for the parser. What its boxes are referred to by a node
+/// above the page is there where `inherited` asks for it.
+std::unique_ptr<PoDoFo::PdfMemDocument> LoadFirstPage(FileWindow& file, bool inherited);
 
 }  // namespace VellumLib

@@ -51,8 +51,8 @@ std::unique_ptr<PdfMemDocument> LoadGuarded(const std::string& utf8_path, EPDFEx
     auto file = std::make_unique<FileWindow>(utf8_path);
     if (!file->IsOpen()) RefuseUnopened(utf8_path);
     try {
-        if (extent == EPDFExtent::FirstPage)
-            if (auto document = LoadFirstPage(*file)) return document;
+        if (extent != EPDFExtent::Whole)
+            if (auto document = LoadFirstPage(*file, extent == EPDFExtent::FirstPageAsShown)) return document;
         return LoadWhole(std::move(file));
     } catch (const std::exception& exception) {
         RefusePdf(ePdfError_OutOfMemory, exception.what());

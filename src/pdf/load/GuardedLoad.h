@@ -14,7 +14,9 @@ enum class EPDFExtent {
     Whole,
     /// The catalog, the way to the first page, its boxes and its maps; of a file whose
     /// cross-references are not plain tables more is there.
-    FirstPage
+    FirstPage,
+    /// The same, with the boxes that the page inherits.
+    FirstPageAsShown
 };
 
 /// Loads a PDF from any bytes, within a second and memory in proportion to the file.

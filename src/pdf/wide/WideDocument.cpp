@@ -1,0 +1,101 @@
+#include "wide/WideDocument.h"
+
+#include "import/CGeoPDFImportWM.h"
+#include "import/CSpatialPDFImport.h"
+#include "objects/CPDFDocument.h"
+#include "objects/CPDFPage.h"
+
+namespace VellumLib {
+namespace {
+
+constexpr std::size_t kBoxNumbers = 4;
+
+/// What a read by the rules stores a reference from.
+struct RuledMap {
+    bool lgi = false;
+    std::size_t entry = 0;
+};
+
+bool CanBeStored(const CMeasureDictionaryData& record) {
+    return record.BBox.size() >= kBoxNumbers && record.GPTS.size() == record.LPTS.size() &&
+           !(record.CTM.empty() && record.GPTS.empty());
+}
+
+std::optional<RuledMap> ReadViewportByRules(CPDFDocument& document, const CPDFArray& viewports) {
+    CSpatialPDFImport import(&document, QString(), 0);
+    import.Import();
+    if (!CanBeStored(import.GetMeasures().at(0))) return std::nullopt;
+    int first = 0;
+    while (!viewports[first].IsDictionary())
+        ++first;
+    return RuledMap{false, static_cast<std::size_t>(first)};
+}
+
+std::optional<RuledMap> ReadLGIDictByRules(CPDFDocument& document, const CPDFArray& dicts) {
+    CGeoPDFImportWM import(&document);
+    import.Import();
+    if (!CanBeStored(import.GetMeasures().at(0))) return std::nullopt;
+    return RuledMap{true, static_cast<std::size_t>(CGeoPDFImportWM::ChooseDictionary(document, dicts))};
+}
+
+std::optional<RuledMap> ReadByRules(CPDFDocument& document, CPDFPage& page) {
+    const CPDFDictionary dictionary = page.GetDictionary();
+    if (page.GetMediaBox().size() != kBoxNumbers) return std::nullopt;
+    switch (page.GetSpatialKind()) {
+        case CPDFPage::kSpatialMeasure:
+            return ReadViewportByRules(document, dictionary.GetArray("VP"));
+        case CPDFPage::kSpatialLGIDict:
+            return ReadLGIDictByRules(document, dictionary.GetArray("LGIDict"));
+        default:
+            return std::nullopt;
+    }
+}
+
+}  // namespace
+
+WideDocument::WideDocument(const std::string& utf8_path, bool first_page_alone)
+    : document_(std::make_unique<CPDFDocument>(
+          QString::fromStdString(utf8_path),
+          first_page_alone ? EPDFExtent::FirstPageAsShown : EPDFExtent::Whole)) {
+    PoDoFo::PdfMemDocument& document = document_->Document();
+    PoDoFo::PdfVecObjects& objects = document.GetObjects();
+    pages_ = std::make_unique<WidePages>(objects, WideValue(objects, document.GetCatalog()));
+}
+
+WideDocument::~WideDocument() = default;
+
+std::vector<WideMap> WideDocument::MapsOf(const WidePage& page) {
+    std::vector<WideMap> maps = ReadViewports(page);
+    for (WideMap& map : ReadLGIDicts(page))
+        maps.push_back(std::move(map));
+    return maps;
+}
+
+std::optional<std::size_t> WideDocument::MapOfRules(const WidePage& first, const std::vector<WideMap>& maps) {
+    try {
+        CPDFPage& page = document_->GetPage(0);
+        if (page.GetDictionary().Object() != first.dictionary.Object()) return std::nullopt;
+        const std::optional<RuledMap> ruled = ReadByRules(*document_, page);
+        for (std::size_t i = 0; ruled && i < maps.size(); ++i)
+            if (maps[i].lgi == ruled->lgi && maps[i].entry == ruled->entry) return i;
+    } catch (const PoDoFo::PdfError&) {  // refused by the rules
+    } catch (const std::exception&) {
+    }
+    return std::nullopt;
+}
+
+std::size_t LargestMap(const std::vector<WideMap>& maps) {
+    std::size_t best = 0;
+    for (std::size_t i = 1; i < maps.size(); ++i) {
+        if (!maps[i].fault.empty()) continue;
+        if (!maps[best].fault.empty() || maps[i].area > maps[best].area) best = i;
+    }
+    return best;
+}
+
+std::size_t DefaultMap(const std::vector<WideMap>& maps, std::optional<std::size_t> of_rules) {
+    if (of_rules && maps[*of_rules].fault.empty()) return *of_rules;
+    return LargestMap(maps);
+}
+
+}  // namespace VellumLib

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "wide/WideMap.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace VellumLib {
+
+class CPDFDocument;
+
+/// A PDF that is read beyond the rules: any of its pages, and whatever maps are on them in
+/// whichever form. What it hands out must not outlive it.
+class WideDocument {
+public:
+    /// Throws a PdfError, or a CCorruptedPDFException, where the file cannot be opened. With
+    /// `first_page_alone` the other pages may be missing.
+    WideDocument(const std::string& utf8_path, bool first_page_alone);
+    ~WideDocument();
+    WideDocument(const WideDocument&) = delete;
+    WideDocument& operator=(const WideDocument&) = delete;
+
+    const WidePages& Pages() const { return *pages_; }
+    /// In the order of the file, viewports first.
+    static std::vector<WideMap> MapsOf(const WidePage& page);
+    /// Which of the first page's maps the rules read; empty where they refuse the file.
+    std::optional<std::size_t> MapOfRules(const WidePage& first, const std::vector<WideMap>& maps);
+
+private:
+    std::unique_ptr<CPDFDocument> document_;
+    std::unique_ptr<WidePages> pages_;
+};
+
+/// Where no map is named: that of the rules, else the largest that can be read, else the first.
+std::size_t DefaultMap(const std::vector<WideMap>& maps, std::optional<std::size_t> of_rules);
+/// The largest of those that can be read, the first of equals; the first where none can be.
+std::size_t LargestMap(const std::vector<WideMap>& maps);
+
+}  // namespace VellumLib
