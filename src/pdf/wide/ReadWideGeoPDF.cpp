@@ -111,7 +111,8 @@ bool AreGroundPositions(const CMeasureDictionaryData& record, const BCoordSys& s
 
 /// A system whose geographic base counts in grads: then so do positions, for who writes such.
 bool CountsInGrads(const BCoordSys& system) {
-    return system.ToWKT().StdStr().find("UNIT[\"grad\"") != std::string::npos;
+    BString text = system.ToWholeWKT();
+    return text.ToLower().StdStr().find("unit[\"grad\"") != std::string::npos;
 }
 
 BPoint WorldOf(const CMeasureDictionaryData& record, std::size_t index, const BCoordSys* system,

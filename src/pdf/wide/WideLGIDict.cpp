@@ -44,7 +44,8 @@ void WideLGIDict::Read() {
     map_.record = std::move(Measures.front());
     UseOwnText();
     DoubtUnits();
-    if (map_.record.CTM.empty() && map_.record.GPTS.empty())
+    if (!CanBeInverted(map_.record.CTM) && !map_.record.GPTS.empty()) map_.record.CTM.clear();
+    if (map_.record.CTM.size() < kMatrix && map_.record.GPTS.empty())
         map_.fault = "The \"LGIDict\" has neither \"CTM\" nor \"Registration\".";
 }
 
@@ -73,12 +74,9 @@ void WideLGIDict::ReadCTM() {
         map_.remarks.Beyond("matrix-terms", "\"CTM\" is expected to hold six terms; here it holds more.");
         matrix_.resize(kMatrix);
     }
-    if (!matrix_.empty() && !CanBeInverted(matrix_)) {
+    if (!matrix_.empty() && !CanBeInverted(matrix_))
         map_.remarks.Beyond("matrix-terms",
-                            "\"CTM\" is expected to hold six terms that can be inverted; here it does not, "
-                            "and is ignored.");
-        matrix_.clear();
-    }
+                            "\"CTM\" is expected to hold six terms that can be inverted; here it does not.");
     CTM = matrix_;
 }
 
