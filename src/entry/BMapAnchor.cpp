@@ -32,6 +32,10 @@ using Tellurion::EReferenceType;
 
 const BString BMapAnchor::kValPDFCropType(PdfParameters::kCropType);
 const BString BMapAnchor::kValPDFResolution(PdfParameters::kResolution);
+const BString BMapAnchor::kValPDFWide(PdfParameters::kWide);
+const BString BMapAnchor::kValPDFPage(PdfParameters::kPage);
+const BString BMapAnchor::kValPDFMap(PdfParameters::kMap);
+const BString BMapAnchor::kValPDFShown(PdfParameters::kShown);
 const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
 const BString BMapAnchor::kValErsCodes(BRefERS::kCodesKey);
 

@@ -45,6 +45,22 @@ public:
     /// EPSG code, such as "EPSG:2056", in place of names that are missing or mean another system.
     static const Tellurion::BString kValErsCodes;
 
+    /// Key of a BParamList, a whole number: when it is not 0, a PDF is read beyond the rules of
+    /// this kind. References, numbers, datums and boxes then count in every form that other
+    /// software writes, and the transform goes through the exact places of the control points.
+    /// Each rule that the file does not follow is logged as a warning that begins with
+    /// "pdf-beyond-rules: ". A width and height of 0 mean the page at 72 dpi.
+    static const Tellurion::BString kValPDFWide;
+    /// Key of a BParamList, for a read beyond the rules: the page, counted from 1, the default.
+    static const Tellurion::BString kValPDFPage;
+    /// Key of a BParamList, for a read beyond the rules: the map of the page, by its name, by
+    /// its number from 1 in the order of BGeoPDFPages, or "largest". The default is the map
+    /// that a read by the rules takes, or the largest where the rules refuse the file.
+    static const Tellurion::BString kValPDFMap;
+    /// Key of a BParamList, for a read beyond the rules: when it is not 0, the raster shows the
+    /// page as viewers draw it, turned by its rotation and cut to its crop box.
+    static const Tellurion::BString kValPDFShown;
+
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system
 

@@ -87,13 +87,15 @@ ShownPage Show(const WidePage& page, const BParamList* params, WideReading& read
 /// The text first, then the code, which counts here even where the text is broken.
 SystemSearch FindSystem(BGeoReference& reference, const CMeasureDictionaryData::CoordSysPart& part,
                         OnFailure on_failure, WideRemarks& remarks) {
-    const bool has_code = part.EPSG > 0;
-    SystemSearch search = StoreCoordSys(reference, part, has_code ? OnFailure::GoOn : on_failure);
-    if (!search.failed || !has_code || part.WKT.empty()) return search;
-    CMeasureDictionaryData::CoordSysPart code = part;
-    code.WKT.clear();
-    search = StoreCoordSys(reference, code, on_failure);
-    if (!search.failed)
+    if (part.WKT.empty() || part.EPSG <= 0) return StoreCoordSys(reference, part, on_failure);
+    CMeasureDictionaryData::CoordSysPart either = part;
+    either.EPSG = CMeasureDictionaryData::kNoEPSG;
+    SystemSearch search = StoreCoordSys(reference, either, OnFailure::GoOn);
+    if (search.system) return search;
+    either = part;
+    either.WKT.clear();
+    search = StoreCoordSys(reference, either, on_failure);
+    if (search.system)
         remarks.Beyond("system-text",
                        "The \"WKT\" of the coordinate system cannot be read; its code is used in its place.");
     return search;

@@ -1,24 +1,17 @@
-#include "BRefGeoPDF.h"
-
-#include "common/ReferenceFormat.h"
-
-#include "import/GeoPDFSteps.h"
 #include "import/ReadGeoPDF.h"
 
-#include "PdfParameters.h"
 #include "import/CGeoPDFImportWM.h"
 #include "import/CSpatialPDFImport.h"
+#include "import/GeoPDFSteps.h"
 #include "import/PageBoxes.h"
 #include "import/PageFrame.h"
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"
-#include "wide/ReadWideGeoPDF.h"
 
 #include "common/StoreControlPoints.h"
 #include "common/Strictness.h"
 
 #include <Tellurion/BCoordSys.h>
-#include <Tellurion/BLogger.h>
 
 #include <cmath>
 #include <stdexcept>
@@ -27,14 +20,11 @@
 namespace MapAnchor {
 
 using Tellurion::BCoordSys;
-using Tellurion::BException;
 using Tellurion::BGeoReference;
-using Tellurion::BLogger;
 using Tellurion::BParamList;
 using Tellurion::BPoint;
 using Tellurion::BPointPair;
 using Tellurion::BString;
-using Tellurion::ELogSeverity;
 using Tellurion::EMathTransformType;
 using VellumLib::CGeoPDFImportWM;
 using VellumLib::CMeasureDictionaryData;
@@ -125,46 +115,6 @@ bool ReadGeoPDF(CPDFDocument& document, unsigned int flags, BGeoReference& refer
     if (!MakePairs(record, frame, search.system.Get(), pairs)) return false;
     StoreControlPoints(reference, std::move(pairs), mathType, size, strictness.Transform(), kGeoPDFTexts);
     return true;
-}
-
-bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
-                      EMathTransformType mathType, long width, long height, const BParamList* params) {
-    if (IsWideRead(params)) {
-        for (const VellumLib::WideRemark& remark :
-             ReadWideGeoPDF(file, flags, reference, mathType, width, height, params).remarks)
-            BLogger::Instance()->Write(ELogSeverity::Warning, BString(remark.id + ": " + remark.text));
-        return !reference.CoordSys.IsEmpty();
-    }
-    CPDFDocument document(QString::fromStdWString(file.WideStr()), VellumLib::EPDFExtent::FirstPage);
-    return ReadGeoPDF(document, flags, reference, mathType, width, height, params);
-}
-
-bool BRefGeoPDF::Read(const BString& file, BGeoReference& reference, EMathTransformType mathType, long width,
-                      long height, const BParamList* params) {
-    constexpr unsigned int kNoFlags = 0;
-    return Read(file, kNoFlags, reference, mathType, width, height, params);
-}
-
-ReferenceFormat BRefGeoPDF::Format() {
-    return {.name = "PDF",
-            .title = "Geospatial PDF",
-            .type = Tellurion::EReferenceType::GeoPDF,
-            // False is no failure by type: the reference says what there is, and the log
-            // where a PDF that was not written stands.
-            .typed_read =
-                [](const ReadCall& call) {
-                    Read(call.file, call.flags, call.reference, call.math_type, call.width, call.height,
-                         call.params);
-                },
-            .typed_save =
-                [](const SaveCall& call) {
-                    Write(call.file, call.reference, call.width, call.height, call.params);
-                },
-            .typed_extensions = {u".pdf"},
-            .in_place = true,
-            .coord_sys = Keeps::Always,
-            .rotation = true,
-            .points = true};
 }
 
 }  // namespace MapAnchor

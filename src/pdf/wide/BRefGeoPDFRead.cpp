@@ -1,0 +1,63 @@
+// The way in to a geospatial PDF: by the rules, or beyond them where the host asks for it.
+
+#include "BRefGeoPDF.h"
+
+#include "common/ReferenceFormat.h"
+
+#include "import/ReadGeoPDF.h"
+#include "objects/CPDFDocument.h"
+#include "wide/ReadWideGeoPDF.h"
+
+#include <Tellurion/BLogger.h>
+
+namespace MapAnchor {
+
+using Tellurion::BGeoReference;
+using Tellurion::BLogger;
+using Tellurion::BParamList;
+using Tellurion::BString;
+using Tellurion::ELogSeverity;
+using Tellurion::EMathTransformType;
+using VellumLib::CPDFDocument;
+
+bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
+                      EMathTransformType mathType, long width, long height, const BParamList* params) {
+    if (IsWideRead(params)) {
+        for (const VellumLib::WideRemark& remark :
+             ReadWideGeoPDF(file, flags, reference, mathType, width, height, params).remarks)
+            BLogger::Instance()->Write(ELogSeverity::Warning, BString(remark.id + ": " + remark.text));
+        return !reference.CoordSys.IsEmpty();
+    }
+    CPDFDocument document(QString::fromStdWString(file.WideStr()), VellumLib::EPDFExtent::FirstPage);
+    return ReadGeoPDF(document, flags, reference, mathType, width, height, params);
+}
+
+bool BRefGeoPDF::Read(const BString& file, BGeoReference& reference, EMathTransformType mathType, long width,
+                      long height, const BParamList* params) {
+    constexpr unsigned int kNoFlags = 0;
+    return Read(file, kNoFlags, reference, mathType, width, height, params);
+}
+
+ReferenceFormat BRefGeoPDF::Format() {
+    return {.name = "PDF",
+            .title = "Geospatial PDF",
+            .type = Tellurion::EReferenceType::GeoPDF,
+            // False is no failure by type: the reference says what there is, and the log
+            // where a PDF that was not written stands.
+            .typed_read =
+                [](const ReadCall& call) {
+                    Read(call.file, call.flags, call.reference, call.math_type, call.width, call.height,
+                         call.params);
+                },
+            .typed_save =
+                [](const SaveCall& call) {
+                    Write(call.file, call.reference, call.width, call.height, call.params);
+                },
+            .typed_extensions = {u".pdf"},
+            .in_place = true,
+            .coord_sys = Keeps::Always,
+            .rotation = true,
+            .points = true};
+}
+
+}  // namespace MapAnchor
