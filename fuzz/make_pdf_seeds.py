@@ -94,7 +94,7 @@ def files():
 
 
 def choices():
-    for target in ("measure", "lgidict"):
+    for target in ("measure", "lgidict", "wide"):
         for index in range(4):
             source = random.Random(index)
             # Mostly honest choices, more odd ones from seed to seed.

@@ -178,11 +178,16 @@ bool IsWideRead(const BParamList* params) {
 
 WideReading ReadWideGeoPDF(const BString& file, unsigned int flags, BGeoReference& reference,
                            EMathTransformType mathType, long width, long height, const BParamList* params) {
+    WideDocument document(file.StdStr(), PageOf(params) == 1);
+    return ReadWideGeoPDF(document, flags, reference, mathType, width, height, params);
+}
+
+WideReading ReadWideGeoPDF(WideDocument& document, unsigned int flags, BGeoReference& reference,
+                           EMathTransformType mathType, long width, long height, const BParamList* params) {
     WideReading reading;
     reading.width = width;
     reading.height = height;
     reading.page = PageOf(params);
-    WideDocument document(file.StdStr(), reading.page == 1);
     WidePage page = PageAt(document.Pages(), reading.page);
     std::vector<WideMap> maps = WideDocument::MapsOf(page);
     if (maps.empty())

@@ -10,6 +10,10 @@
 
 #include <vector>
 
+namespace VellumLib {
+class WideDocument;
+}
+
 namespace MapAnchor {
 
 /// A control point with the place that the file gives it, which is not rounded to a pixel.
@@ -41,6 +45,10 @@ bool IsWideRead(const Tellurion::BParamList* params);
 /// BGeoReferenceReadException for a map that cannot be read, a BReadParametersException
 /// for a page or map that the file does not have, and else what a read by the rules throws.
 WideReading ReadWideGeoPDF(const Tellurion::BString& file, unsigned int flags,
+                           Tellurion::BGeoReference& reference, Tellurion::EMathTransformType mathType,
+                           long width, long height, const Tellurion::BParamList* params);
+/// The same behind the opening of the file.
+WideReading ReadWideGeoPDF(VellumLib::WideDocument& document, unsigned int flags,
                            Tellurion::BGeoReference& reference, Tellurion::EMathTransformType mathType,
                            long width, long height, const Tellurion::BParamList* params);
 

@@ -54,10 +54,19 @@ std::optional<RuledMap> ReadByRules(CPDFDocument& document, CPDFPage& page) {
 }  // namespace
 
 WideDocument::WideDocument(const std::string& utf8_path, bool first_page_alone)
-    : document_(std::make_unique<CPDFDocument>(
+    : owned_(std::make_unique<CPDFDocument>(
           QString::fromStdString(utf8_path),
-          first_page_alone ? EPDFExtent::FirstPageAsShown : EPDFExtent::Whole)) {
-    PoDoFo::PdfMemDocument& document = document_->Document();
+          first_page_alone ? EPDFExtent::FirstPageAsShown : EPDFExtent::Whole)),
+      document_(*owned_) {
+    FindPages();
+}
+
+WideDocument::WideDocument(CPDFDocument& document) : document_(document) {
+    FindPages();
+}
+
+void WideDocument::FindPages() {
+    PoDoFo::PdfMemDocument& document = document_.Document();
     PoDoFo::PdfVecObjects& objects = document.GetObjects();
     pages_ = std::make_unique<WidePages>(objects, WideValue(objects, document.GetCatalog()));
 }
@@ -73,9 +82,9 @@ std::vector<WideMap> WideDocument::MapsOf(const WidePage& page) {
 
 std::optional<std::size_t> WideDocument::MapOfRules(const WidePage& first, const std::vector<WideMap>& maps) {
     try {
-        CPDFPage& page = document_->GetPage(0);
+        CPDFPage& page = document_.GetPage(0);
         if (page.GetDictionary().Object() != first.dictionary.Object()) return std::nullopt;
-        const std::optional<RuledMap> ruled = ReadByRules(*document_, page);
+        const std::optional<RuledMap> ruled = ReadByRules(document_, page);
         for (std::size_t i = 0; ruled && i < maps.size(); ++i)
             if (maps[i].lgi == ruled->lgi && maps[i].entry == ruled->entry) return i;
     } catch (const PoDoFo::PdfError&) {  // refused by the rules

@@ -19,6 +19,8 @@ public:
     /// Throws a PdfError, or a CCorruptedPDFException, where the file cannot be opened. With
     /// `first_page_alone` the other pages may be missing.
     WideDocument(const std::string& utf8_path, bool first_page_alone);
+    /// A document that is open already, and stays the caller's.
+    explicit WideDocument(CPDFDocument& document);
     ~WideDocument();
     WideDocument(const WideDocument&) = delete;
     WideDocument& operator=(const WideDocument&) = delete;
@@ -30,7 +32,10 @@ public:
     std::optional<std::size_t> MapOfRules(const WidePage& first, const std::vector<WideMap>& maps);
 
 private:
-    std::unique_ptr<CPDFDocument> document_;
+    void FindPages();
+
+    std::unique_ptr<CPDFDocument> owned_;
+    CPDFDocument& document_;
     std::unique_ptr<WidePages> pages_;
 };
 
