@@ -135,15 +135,28 @@ private:
     std::set<PdfReference> taken_;
 };
 
+std::unique_ptr<PdfMemDocument> Load(PlainTables& tables, bool inherited) {
+    auto document = std::make_unique<FirstPageDocument>();
+    FirstPageLoad load(tables, *document, inherited);
+    load.Run();
+    return document;
+}
+
 }  // namespace
 
 std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file, bool inherited) {
     try {
         PlainTables tables(file);
-        auto document = std::make_unique<FirstPageDocument>();
-        FirstPageLoad load(tables, *document, inherited);
-        load.Run();
-        return document;
+        return Load(tables, inherited);
+    } catch (const PdfError&) {
+        return nullptr;
+    }
+}
+
+std::unique_ptr<PdfMemDocument> SearchFirstPage(FileWindow& file) {
+    try {
+        PlainTables tables(file, SearchObjects(file));
+        return Load(tables, true);
     } catch (const PdfError&) {
         return nullptr;
     }

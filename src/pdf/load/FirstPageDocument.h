@@ -19,4 +19,8 @@ class FileWindow;
 /// above the page is there where `inherited` asks for it.
 std::unique_ptr<PoDoFo::PdfMemDocument> LoadFirstPage(FileWindow& file, bool inherited);
 
+/// The same of a file whose cross-references cannot be used: its objects are searched for in
+/// its bytes. Null where that does not lead to a page either.
+std::unique_ptr<PoDoFo::PdfMemDocument> SearchFirstPage(FileWindow& file);
+
 }  // namespace VellumLib

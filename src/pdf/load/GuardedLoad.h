@@ -29,4 +29,9 @@ enum class EPDFExtent {
 std::unique_ptr<PoDoFo::PdfMemDocument> LoadGuarded(const std::string& utf8_path,
                                                     EPDFExtent extent = EPDFExtent::Whole);
 
+/// The first page of a file whose cross-references cannot be used, with its boxes and maps:
+/// its objects are searched for in its bytes. Null where there is no such page; throws
+/// nothing but what is thrown for want of memory.
+std::unique_ptr<PoDoFo::PdfMemDocument> LoadBySearch(const std::string& utf8_path);
+
 }  // namespace VellumLib

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace VellumLib {
 
@@ -127,6 +128,25 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
     Require(size && size->IsNumber() && size->GetNumber() <= LoadBudget::kObjectNumbers);
 }
 
+PlainTables::PlainTables(FileWindow& file, FoundObjects found) : file_(file), found_(std::move(found)) {
+    Require(!found_.encrypted && !found_.objects.empty());
+    for (auto at = found_.trailers.rbegin(); at != found_.trailers.rend() && !trailer_.IsDictionary(); ++at) {
+        PdfVariant trailer;
+        try {
+            ReadValue(*at, trailer);
+        } catch (const PdfError&) {
+            continue;
+        }
+        if (trailer.IsDictionary() && trailer.GetDictionary().HasKey("Root")) trailer_ = trailer;
+    }
+    if (trailer_.IsDictionary()) return;
+    const auto catalog = found_.objects.find(found_.catalog);
+    Require(catalog != found_.objects.end());
+    PdfDictionary keys;
+    keys.AddKey("Root", PdfReference(catalog->first, static_cast<pdf_gennum>(catalog->second.generation)));
+    trailer_ = keys;
+}
+
 PlainTables::~PlainTables() = default;
 
 std::int64_t PlainTables::FindStart() {
@@ -178,6 +198,10 @@ PlainTables::Row PlainTables::RowAt(std::int64_t position) {
 }
 
 std::int64_t PlainTables::Find(const PdfReference& reference) {
+    if (const auto found = found_.objects.find(reference.ObjectNumber()); found != found_.objects.end()) {
+        Require(found->second.generation == reference.GenerationNumber());
+        return found->second.offset;
+    }
     const auto number = static_cast<std::int64_t>(reference.ObjectNumber());
     for (const Subsection& subsection : subsections_) {
         if (number < subsection.first || number >= subsection.first + subsection.count) continue;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "load/FileWindow.h"
+#include "load/ObjectSearch.h"
 
 #include <podofo/podofo.h>
 
@@ -18,6 +19,9 @@ namespace VellumLib {
 class PlainTables {
 public:
     explicit PlainTables(FileWindow& file);
+    /// In place of tables that cannot be used: the objects that a search finds, and the
+    /// trailer or catalog among them.
+    PlainTables(FileWindow& file, FoundObjects found);
     ~PlainTables();
     PlainTables(const PlainTables&) = delete;
     PlainTables& operator=(const PlainTables&) = delete;
@@ -56,6 +60,7 @@ private:
     bool TakeWord(std::int64_t& position, std::string_view word);
 
     FileWindow& file_;
+    FoundObjects found_;                   ///< where they stand in for the tables
     std::size_t text_ = 0;                 ///< bytes of values so far
     std::uint64_t copies_ = 0;             ///< what parsing them has cost
     std::vector<Subsection> subsections_;  ///< those of newer sections first

@@ -96,6 +96,9 @@ CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(ext
     }
 }
 
+CPDFDocument::CPDFDocument(std::unique_ptr<PoDoFo::PdfMemDocument> first_page)
+    : extent_(EPDFExtent::FirstPage), document_(std::move(first_page)) {}
+
 void CPDFDocument::Load(const QString& path) {
     document_ = LoadGuarded(BytesOf(path), extent_);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);

@@ -28,6 +28,8 @@ public:
     /// Of less than the whole extent only the first page's boxes and maps are asked,
     /// and it is not written.
     explicit CPDFDocument(const QString& path, EPDFExtent extent = EPDFExtent::Whole);
+    /// A first page that is loaded already.
+    explicit CPDFDocument(std::unique_ptr<PoDoFo::PdfMemDocument> first_page);
     ~CPDFDocument();
     CPDFDocument(const CPDFDocument&) = delete;
     CPDFDocument& operator=(const CPDFDocument&) = delete;

@@ -198,6 +198,7 @@ WideReading ReadWideGeoPDF(WideDocument& document, unsigned int flags, BGeoRefer
     reading.map = static_cast<long>(chosen) + 1;
     reading.map_name = BString(map.name);
     if (!map.fault.empty()) throw BGeoReferenceReadException(kSource, BString(map.fault));
+    map.remarks.Append(document.Remarks());
     map.remarks.Append(page.remarks);
     const ShownPage shown = Show(page, params, reading);
     if (!Store(map, shown, reference, Strictness(flags), mathType, reading))

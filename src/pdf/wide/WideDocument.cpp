@@ -2,8 +2,11 @@
 
 #include "import/CGeoPDFImportWM.h"
 #include "import/CSpatialPDFImport.h"
+#include "objects/CCorruptedPDFException.h"
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"
+
+#include <Tellurion/BString.h>
 
 namespace VellumLib {
 namespace {
@@ -51,13 +54,40 @@ std::optional<RuledMap> ReadByRules(CPDFDocument& document, CPDFPage& page) {
     }
 }
 
+/// True of a failure that a search for objects can do nothing about.
+bool IsFinal(PoDoFo::EPdfError code) {
+    return code == PoDoFo::ePdfError_InvalidPassword || code == PoDoFo::ePdfError_FileNotFound ||
+           code == PoDoFo::ePdfError_InvalidHandle;
+}
+
+std::unique_ptr<CPDFDocument> OpenBySearch(const std::string& path, WideRemarks& remarks) {
+    auto document = LoadBySearch(path);
+    if (!document) return nullptr;
+    remarks.Beyond(
+        "file-structure",
+        "The cross-references of the file are damaged; its objects were searched for in its bytes.");
+    return std::make_unique<CPDFDocument>(std::move(document));
+}
+
+std::unique_ptr<CPDFDocument> Open(const std::string& path, bool first_page_alone, WideRemarks& remarks) {
+    const QString name = QString::fromStdWString(Tellurion::BString(path).WideStr());
+    if (!first_page_alone) return std::make_unique<CPDFDocument>(name, EPDFExtent::Whole);
+    try {
+        return std::make_unique<CPDFDocument>(name, EPDFExtent::FirstPageAsShown);
+    } catch (const PoDoFo::PdfError& error) {
+        if (!IsFinal(error.GetError()))
+            if (auto found = OpenBySearch(path, remarks)) return found;
+        throw;
+    } catch (const CCorruptedPDFException&) {
+        if (auto found = OpenBySearch(path, remarks)) return found;
+        throw;
+    }
+}
+
 }  // namespace
 
 WideDocument::WideDocument(const std::string& utf8_path, bool first_page_alone)
-    : owned_(std::make_unique<CPDFDocument>(
-          QString::fromStdString(utf8_path),
-          first_page_alone ? EPDFExtent::FirstPageAsShown : EPDFExtent::Whole)),
-      document_(*owned_) {
+    : owned_(Open(utf8_path, first_page_alone, remarks_)), document_(*owned_) {
     FindPages();
 }
 

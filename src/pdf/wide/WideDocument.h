@@ -17,7 +17,8 @@ class CPDFDocument;
 class WideDocument {
 public:
     /// Throws a PdfError, or a CCorruptedPDFException, where the file cannot be opened. With
-    /// `first_page_alone` the other pages may be missing.
+    /// `first_page_alone` the other pages may be missing; a file whose cross-references are
+    /// damaged is then searched for that page.
     WideDocument(const std::string& utf8_path, bool first_page_alone);
     /// A document that is open already, and stays the caller's.
     explicit WideDocument(CPDFDocument& document);
@@ -26,6 +27,8 @@ public:
     WideDocument& operator=(const WideDocument&) = delete;
 
     const WidePages& Pages() const { return *pages_; }
+    /// On the file as a whole.
+    const WideRemarks& Remarks() const { return remarks_; }
     /// In the order of the file, viewports first.
     static std::vector<WideMap> MapsOf(const WidePage& page);
     /// Which of the first page's maps the rules read; empty where they refuse the file.
@@ -34,6 +37,7 @@ public:
 private:
     void FindPages();
 
+    WideRemarks remarks_;
     std::unique_ptr<CPDFDocument> owned_;
     CPDFDocument& document_;
     std::unique_ptr<WidePages> pages_;
