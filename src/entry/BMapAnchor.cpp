@@ -36,6 +36,7 @@ const BString BMapAnchor::kValPDFWide(PdfParameters::kWide);
 const BString BMapAnchor::kValPDFPage(PdfParameters::kPage);
 const BString BMapAnchor::kValPDFMap(PdfParameters::kMap);
 const BString BMapAnchor::kValPDFShown(PdfParameters::kShown);
+const BString BMapAnchor::kValPDFPassword(PdfParameters::kPassword);
 const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
 const BString BMapAnchor::kValErsCodes(BRefERS::kCodesKey);
 

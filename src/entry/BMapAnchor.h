@@ -60,6 +60,10 @@ public:
     /// Key of a BParamList, for a read beyond the rules: when it is not 0, the raster shows the
     /// page as viewers draw it, turned by its rotation and cut to its crop box.
     static const Tellurion::BString kValPDFShown;
+    /// Key of a BParamList, for a read beyond the rules: the password of a PDF whose first page
+    /// is read. Without it the empty one is tried. Files of AES-256 alone are read, and those
+    /// with cross-reference streams are not.
+    static const Tellurion::BString kValPDFPassword;
 
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system

@@ -15,6 +15,8 @@ struct PdfParameters {
     static constexpr const char* kMap = "MAP_ANCHOR_PDF_MAP";
     /// Not 0: the raster shows the page as viewers do, turned and cropped.
     static constexpr const char* kShown = "MAP_ANCHOR_PDF_SHOWN";
+    /// Opens a file that is encrypted with AES-256; without it the empty password is tried.
+    static constexpr const char* kPassword = "MAP_ANCHOR_PDF_PASSWORD";
 };
 
 }  // namespace MapAnchor

@@ -39,6 +39,7 @@ public:
         SetCatalog(&catalog);
         InitPagesTree();
     }
+    bool unlocked = false;
 };
 
 class FirstPageLoad {
@@ -139,18 +140,24 @@ std::unique_ptr<PdfMemDocument> Load(PlainTables& tables, bool inherited) {
     auto document = std::make_unique<FirstPageDocument>();
     FirstPageLoad load(tables, *document, inherited);
     load.Run();
+    document->unlocked = tables.IsUnlocked();
     return document;
 }
 
 }  // namespace
 
-std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file, bool inherited) {
+std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file, const FirstPageWishes& wishes) {
     try {
-        PlainTables tables(file);
-        return Load(tables, inherited);
+        PlainTables tables(file, wishes.password);
+        return Load(tables, wishes.inherited);
     } catch (const PdfError&) {
         return nullptr;
     }
+}
+
+bool WasUnlocked(const PdfMemDocument& document) {
+    const auto* const first_page = dynamic_cast<const FirstPageDocument*>(&document);
+    return first_page && first_page->unlocked;
 }
 
 std::unique_ptr<PdfMemDocument> SearchFirstPage(FileWindow& file) {

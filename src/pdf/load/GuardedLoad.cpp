@@ -45,14 +45,17 @@ std::unique_ptr<PdfMemDocument> LoadWhole(std::unique_ptr<FileWindow> file) {
 
 }  // namespace
 
-std::unique_ptr<PdfMemDocument> LoadGuarded(const std::string& utf8_path, EPDFExtent extent) {
+std::unique_ptr<PdfMemDocument> LoadGuarded(const std::string& utf8_path, EPDFExtent extent,
+                                            const std::string& password) {
     const PoDoFoSettings settings;
     if (utf8_path.empty()) RefusePdf(ePdfError_InvalidHandle, "No file is named.");
     auto file = std::make_unique<FileWindow>(utf8_path);
     if (!file->IsOpen()) RefuseUnopened(utf8_path);
     try {
+        FirstPageWishes wishes;
+        if (extent == EPDFExtent::FirstPageAsShown) wishes = {.inherited = true, .password = password};
         if (extent != EPDFExtent::Whole)
-            if (auto document = LoadFirstPage(*file, extent == EPDFExtent::FirstPageAsShown)) return document;
+            if (auto document = LoadFirstPage(*file, wishes)) return document;
         return LoadWhole(std::move(file));
     } catch (const std::exception& exception) {
         RefusePdf(ePdfError_OutOfMemory, exception.what());

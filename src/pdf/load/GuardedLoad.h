@@ -26,8 +26,11 @@ enum class EPDFExtent {
 /// stay in force. Throws PoDoFo::PdfError: FileNotFound, InvalidPassword for every
 /// encrypted file whatever its cipher, OutOfMemory or BrokenFile for what the file
 /// asks beyond its means, and the parser's own errors for the rest.
+/// A file of plain tables whose first page alone is asked for as it is shown is read where
+/// `password` opens it, if its cipher is AES-256.
 std::unique_ptr<PoDoFo::PdfMemDocument> LoadGuarded(const std::string& utf8_path,
-                                                    EPDFExtent extent = EPDFExtent::Whole);
+                                                    EPDFExtent extent = EPDFExtent::Whole,
+                                                    const std::string& password = {});
 
 /// The first page of a file whose cross-references cannot be used, with its boxes and maps:
 /// its objects are searched for in its bytes. Null where there is no such page; throws

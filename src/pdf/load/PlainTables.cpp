@@ -98,7 +98,7 @@ private:
     PdfTokenizer tokenizer_{PdfRefCountedInputDevice(device_), PdfRefCountedBuffer(kLongestToken)};
 };
 
-PlainTables::PlainTables(FileWindow& file) : file_(file) {
+PlainTables::PlainTables(FileWindow& file, const std::optional<std::string>& password) : file_(file) {
     constexpr std::string_view kHeader = "%PDF-1.";
     std::int64_t behind = 0;
     Require(file_.At(0) == '%' && TakeWord(behind, kHeader));
@@ -113,7 +113,7 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
         // The parser takes the catalog of the last trailer in sight.
         Require(seen.size() == 1 || last_was_open == (last_trailer_ >= 0) ||
                 NamesNoOtherRoot(keys, Trailer()));
-        Require(!keys.HasKey("Encrypt") && !keys.HasKey("XRefStm"));
+        Require((password || !keys.HasKey("Encrypt")) && !keys.HasKey("XRefStm"));
         const PdfObject* const previous = keys.GetKey("Prev");
         more = previous != nullptr;
         if (more) {
@@ -126,6 +126,19 @@ PlainTables::PlainTables(FileWindow& file) : file_(file) {
     Require(last_trailer_ < 0);
     const PdfObject* const size = Trailer().GetKey("Size");
     Require(size && size->IsNumber() && size->GetNumber() <= LoadBudget::kObjectNumbers);
+    if (password) Unlock(*password);
+}
+
+void PlainTables::Unlock(const std::string& password) {
+    const PdfObject* const entry = Trailer().GetKey("Encrypt");
+    if (!entry) return;
+    PdfObject dictionary = *entry;
+    if (entry->IsReference()) {
+        dictionary = PdfObject(entry->GetReference(), PdfVariant());
+        ReadObject(Find(entry->GetReference()), dictionary);
+    }
+    decryption_ = Decryption::Unlock(dictionary, password);
+    Require(decryption_ != nullptr);
 }
 
 PlainTables::PlainTables(FileWindow& file, FoundObjects found) : file_(file), found_(std::move(found)) {
@@ -218,6 +231,7 @@ void PlainTables::ReadObject(std::int64_t offset, PdfObject& object) {
     Require(TakeNumber(position) == static_cast<std::int64_t>(object.Reference().ObjectNumber()));
     Require(TakeNumber(position) == object.Reference().GenerationNumber() && TakeWord(position, "obj"));
     position = ReadValue(position, object);
+    if (decryption_) decryption_->DecryptStrings(object);
     Require(TakeWord(position, "endobj") || (object.IsDictionary() && TakeWord(position, "stream")));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "load/Decryption.h"
 #include "load/FileWindow.h"
 #include "load/ObjectSearch.h"
 
@@ -7,6 +8,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,7 +21,8 @@ namespace VellumLib {
 /// its own ways with such files.
 class PlainTables {
 public:
-    explicit PlainTables(FileWindow& file);
+    /// With a password, which may be empty, a file that it opens is read too.
+    explicit PlainTables(FileWindow& file, const std::optional<std::string>& password = std::nullopt);
     /// In place of tables that cannot be used: the objects that a search finds, and the
     /// trailer or catalog among them.
     PlainTables(FileWindow& file, FoundObjects found);
@@ -28,6 +32,8 @@ public:
 
     /// Of the newest section.
     const PoDoFo::PdfDictionary& Trailer() const { return trailer_.GetDictionary(); }
+    /// It is encrypted, and the password has opened it.
+    bool IsUnlocked() const { return decryption_ != nullptr; }
     /// Where the object is. That it does not exist is for the parser to find: it goes by
     /// the head of an object where a table has it otherwise.
     std::int64_t Find(const PoDoFo::PdfReference& reference);
@@ -49,6 +55,7 @@ private:
     };
 
     std::int64_t FindStart();
+    void Unlock(const std::string& password);
     PoDoFo::PdfVariant ReadSection(std::int64_t start);
     Row RowAt(std::int64_t position);
     /// Gives the position behind the value.
@@ -67,6 +74,7 @@ private:
     std::int64_t last_trailer_ = -1;       ///< in the file, while no section has led to it
     PoDoFo::PdfVariant trailer_;
     std::unique_ptr<Tokenizer> tokenizer_;
+    std::unique_ptr<Decryption> decryption_;  ///< of an encrypted file
 };
 
 }  // namespace VellumLib

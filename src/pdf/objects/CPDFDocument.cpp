@@ -84,9 +84,10 @@ private:
 
 }  // namespace
 
-CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(extent) {
+CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent, const std::string& password)
+    : extent_(extent) {
     try {
-        Load(path);
+        Load(path, password);
     } catch (const PoDoFo::PdfError& error) {
         if (error.GetError() != PoDoFo::ePdfError_NoObject) throw;
         throw CCorruptedPDFException(
@@ -99,8 +100,8 @@ CPDFDocument::CPDFDocument(const QString& path, EPDFExtent extent) : extent_(ext
 CPDFDocument::CPDFDocument(std::unique_ptr<PoDoFo::PdfMemDocument> first_page)
     : extent_(EPDFExtent::FirstPage), document_(std::move(first_page)) {}
 
-void CPDFDocument::Load(const QString& path) {
-    document_ = LoadGuarded(BytesOf(path), extent_);
+void CPDFDocument::Load(const QString& path, const std::string& password) {
+    document_ = LoadGuarded(BytesOf(path), extent_, password);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
 }
 

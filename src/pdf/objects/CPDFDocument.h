@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <string>
 
 namespace VellumLib {
 
@@ -27,7 +28,8 @@ public:
     ///
     /// Of less than the whole extent only the first page's boxes and maps are asked,
     /// and it is not written.
-    explicit CPDFDocument(const QString& path, EPDFExtent extent = EPDFExtent::Whole);
+    explicit CPDFDocument(const QString& path, EPDFExtent extent = EPDFExtent::Whole,
+                          const std::string& password = {});
     /// A first page that is loaded already.
     explicit CPDFDocument(std::unique_ptr<PoDoFo::PdfMemDocument> first_page);
     ~CPDFDocument();
@@ -64,7 +66,7 @@ public:
     PoDoFo::PdfMemDocument& Document() { return *document_; }
 
 private:
-    void Load(const QString& path);
+    void Load(const QString& path, const std::string& password);
     QString GetInfoText(const char* key);
     PoDoFo::PdfObject* ObjectOf(const PoDoFo::PdfReference& reference);
 

@@ -121,7 +121,7 @@ BGeoPDFPages BGeoPDFPages::List(const BString& file) {
 BGeoPDFPages BGeoPDFPages::Describe(const BString& file, const BParamList* params) {
     return Filled([&](BGeoPDFPages& list) {
         const long number = PageOf(params);
-        WideDocument document(file.StdStr(), number == 1);
+        WideDocument document(file.StdStr(), number == 1, PasswordOf(params));
         list.PageCount = static_cast<long>(document.Pages().Count());
         const WidePage page = PageAt(document.Pages(), number);
         const std::vector<WideMap> maps = WideDocument::MapsOf(page);

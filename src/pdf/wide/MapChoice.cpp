@@ -40,6 +40,10 @@ long PageOf(const BParamList* params) {
     return params ? params->GetInteger(PdfParameters::kPage, 1) : 1;
 }
 
+std::string PasswordOf(const BParamList* params) {
+    return params ? params->GetString(PdfParameters::kPassword, BString()).StdStr() : std::string();
+}
+
 WidePage PageAt(const WidePages& pages, long number) {
     if (number >= 1 && static_cast<std::size_t>(number) <= pages.Count())
         return pages.Page(static_cast<std::size_t>(number) - 1);

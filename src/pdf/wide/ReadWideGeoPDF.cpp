@@ -178,7 +178,7 @@ bool IsWideRead(const BParamList* params) {
 
 WideReading ReadWideGeoPDF(const BString& file, unsigned int flags, BGeoReference& reference,
                            EMathTransformType mathType, long width, long height, const BParamList* params) {
-    WideDocument document(file.StdStr(), PageOf(params) == 1);
+    WideDocument document(file.StdStr(), PageOf(params) == 1, PasswordOf(params));
     return ReadWideGeoPDF(document, flags, reference, mathType, width, height, params);
 }
 

@@ -2,6 +2,7 @@
 
 #include "import/CGeoPDFImportWM.h"
 #include "import/CSpatialPDFImport.h"
+#include "load/FirstPageDocument.h"
 #include "objects/CCorruptedPDFException.h"
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"
@@ -69,11 +70,12 @@ std::unique_ptr<CPDFDocument> OpenBySearch(const std::string& path, WideRemarks&
     return std::make_unique<CPDFDocument>(std::move(document));
 }
 
-std::unique_ptr<CPDFDocument> Open(const std::string& path, bool first_page_alone, WideRemarks& remarks) {
+std::unique_ptr<CPDFDocument> Open(const std::string& path, bool first_page_alone,
+                                   const std::string& password, WideRemarks& remarks) {
     const QString name = QString::fromStdWString(Tellurion::BString(path).WideStr());
     if (!first_page_alone) return std::make_unique<CPDFDocument>(name, EPDFExtent::Whole);
     try {
-        return std::make_unique<CPDFDocument>(name, EPDFExtent::FirstPageAsShown);
+        return std::make_unique<CPDFDocument>(name, EPDFExtent::FirstPageAsShown, password);
     } catch (const PoDoFo::PdfError& error) {
         if (!IsFinal(error.GetError()))
             if (auto found = OpenBySearch(path, remarks)) return found;
@@ -86,8 +88,10 @@ std::unique_ptr<CPDFDocument> Open(const std::string& path, bool first_page_alon
 
 }  // namespace
 
-WideDocument::WideDocument(const std::string& utf8_path, bool first_page_alone)
-    : owned_(Open(utf8_path, first_page_alone, remarks_)), document_(*owned_) {
+WideDocument::WideDocument(const std::string& utf8_path, bool first_page_alone, const std::string& password)
+    : owned_(Open(utf8_path, first_page_alone, password, remarks_)), document_(*owned_) {
+    if (WasUnlocked(document_.Document()))
+        remarks_.Beyond("not-encrypted", "The file is encrypted; the password has opened it.");
     FindPages();
 }
 
@@ -97,8 +101,7 @@ WideDocument::WideDocument(CPDFDocument& document) : document_(document) {
 
 void WideDocument::FindPages() {
     PoDoFo::PdfMemDocument& document = document_.Document();
-    PoDoFo::PdfVecObjects& objects = document.GetObjects();
-    pages_ = std::make_unique<WidePages>(objects, WideValue(objects, document.GetCatalog()));
+    pages_ = std::make_unique<WidePages>(WideValue(document.GetObjects(), document.GetCatalog()));
 }
 
 WideDocument::~WideDocument() = default;

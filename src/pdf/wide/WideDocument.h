@@ -18,8 +18,8 @@ class WideDocument {
 public:
     /// Throws a PdfError, or a CCorruptedPDFException, where the file cannot be opened. With
     /// `first_page_alone` the other pages may be missing; a file whose cross-references are
-    /// damaged is then searched for that page.
-    WideDocument(const std::string& utf8_path, bool first_page_alone);
+    /// damaged is then searched for that page, and an encrypted one opens with the password.
+    WideDocument(const std::string& utf8_path, bool first_page_alone, const std::string& password = {});
     /// A document that is open already, and stays the caller's.
     explicit WideDocument(CPDFDocument& document);
     ~WideDocument();

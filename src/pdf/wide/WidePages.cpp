@@ -82,7 +82,7 @@ bool IsLeaf(const WideValue& node) {
 
 }  // namespace
 
-WidePages::WidePages(PoDoFo::PdfVecObjects& objects, const WideValue& catalog) : objects_(objects) {
+WidePages::WidePages(const WideValue& catalog) {
     struct Step {
         WideValue node;
         std::size_t next = 0;

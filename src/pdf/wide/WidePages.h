@@ -33,7 +33,7 @@ class WidePages {
 public:
     static constexpr std::size_t kMaxPages = 20'000;
 
-    WidePages(PoDoFo::PdfVecObjects& objects, const WideValue& catalog);
+    explicit WidePages(const WideValue& catalog);
 
     std::size_t Count() const { return leaves_.size(); }
     /// False where the document has more pages than are looked at.
@@ -46,7 +46,6 @@ private:
         std::vector<WideValue> parents;  ///< the nearest last
     };
 
-    PoDoFo::PdfVecObjects& objects_;
     std::vector<Leaf> leaves_;
     bool complete_ = true;
 };

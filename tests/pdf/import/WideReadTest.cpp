@@ -34,6 +34,7 @@ struct Wish {
     bool shown = false;
     long width = 612;
     long height = 792;
+    const char* password = "";
 };
 
 WideOutcome ReadWide(const std::string& pdf, const Wish& wish = {}) {
@@ -42,6 +43,7 @@ WideOutcome ReadWide(const std::string& pdf, const Wish& wish = {}) {
     params.SetInteger(BMapAnchor::kValPDFWide, 1);
     params.SetInteger(BMapAnchor::kValPDFPage, wish.page);
     params.SetString(BMapAnchor::kValPDFMap, wish.map);
+    params.SetString(BMapAnchor::kValPDFPassword, wish.password);
     params.SetInteger(BMapAnchor::kValPDFShown, wish.shown ? 1 : 0);
     WideOutcome outcome;
     const LogCapture log;
@@ -174,6 +176,54 @@ TEST(WidePdf, LGIDictsInEveryFormHaveTheirSystem) {
         EXPECT_NEAR(outcome.WorldAt(0, 800).x, 400000.0, 1e-9);
         EXPECT_NEAR(outcome.WorldAt(0, 800).y, 5200000.0, 1e-9);
     }
+}
+
+std::string Replaced(std::string text, const std::string& piece, const std::string& by) {
+    for (std::size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + by.size()))
+        text.replace(at, piece.size(), by);
+    return text;
+}
+
+TEST(WidePdf, DamageThatViewersForgiveIsForgivenAndSaid) {
+    const std::string whole = Viewport().Text();
+    const std::pair<const char*, std::string> damaged[] = {
+        {"a wrong startxref", Replaced(whole, "startxref\n", "startxref\n1")},
+        {"rows of 19 bytes", Replaced(whole, " n \n", " n\n")},
+        {"no end marker", Replaced(whole, "%%EOF", "")},
+        {"junk before the header", "HTTP/1.1 200 OK\r\n\r\n" + whole},
+        {"cut before its tables", whole.substr(0, whole.rfind("xref\n0"))},
+        {"an object twice, the last one counts",
+         "%PDF-1.4\n3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n" + whole},
+    };
+    for (const auto& [name, pdf] : damaged) {
+        SCOPED_TRACE(name);
+        const WideOutcome outcome = ReadWide(pdf);
+        ASSERT_TRUE(outcome.reference.HasMathTransform()) << outcome.failure << outcome.log;
+        EXPECT_NEAR(outcome.WorldAt(612, 0).x, 16.0, 1e-9);
+        EXPECT_EQ(outcome.log.find("pdf-beyond-rules: The cross-references"), 0U) << outcome.log;
+    }
+    EXPECT_NE(ReadWide("%PDF-1.4\n1 0 obj\n<< /Type /Catalog >>\nendobj\n").failure, "");
+}
+
+TEST(WidePdf, APasswordOpensAes256) {
+    const TempFolder folder;
+    PoDoFo::PdfMemDocument document(
+        folder.Write("plain.pdf", Viewport{.system = "/Type /PROJCS /WKT (" + GeoPdf::kUtm33 + ")"}.Text())
+            .c_str());
+    const std::string file = folder / "locked.pdf";
+    const auto outcome_of = [&](const char* user, const char* given) {
+        document.SetEncrypted(user, "owner", PoDoFo::PdfEncrypt::ePdfPermissions_Print,
+                              PoDoFo::PdfEncrypt::ePdfEncryptAlgorithm_AESV3,
+                              PoDoFo::PdfEncrypt::ePdfKeyLength_256);
+        document.Write(file.c_str());
+        return ReadWide(TempFolder::Slurp(file), {.password = given});
+    };
+    const WideOutcome empty = outcome_of("", "");
+    ASSERT_TRUE(empty.reference.HasMathTransform()) << empty.failure << empty.log;
+    EXPECT_EQ(empty.reference.CoordSys->GetName(), BString("UTM 33N"));
+    EXPECT_NE(empty.log.find("encrypted"), std::string::npos) << empty.log;
+    EXPECT_TRUE(outcome_of("open", "open").reference.HasMathTransform());
+    EXPECT_EQ(outcome_of("open", "shut").failure, "PdfError");
 }
 
 TEST(WidePdf, PositionsAreExactAndNotRoundedToPixels) {

@@ -1,0 +1,78 @@
+#include "load/Decryption.h"
+
+#include "load/LoadBudget.h"
+
+#include <vector>
+
+namespace VellumLib {
+namespace {
+
+using namespace PoDoFo;
+
+constexpr std::int64_t kVersion = 5;
+constexpr pdf_long kBlock = 16;
+constexpr pdf_long kMaxPassword = 127;
+
+struct Part {
+    const char* key;
+    pdf_long bytes;
+};
+
+/// What the parser's library copies without a look at its length.
+constexpr Part kParts[] = {{"O", 48}, {"U", 48}, {"OE", 32}, {"UE", 32}, {"Perms", 16}};
+
+bool IsNumber(const PdfDictionary& dictionary, const char* key, std::int64_t least, std::int64_t most) {
+    const PdfObject* const value = dictionary.GetKey(key);
+    return value && value->IsNumber() && value->GetNumber() >= least && value->GetNumber() <= most;
+}
+
+bool HoldsString(const PdfDictionary& dictionary, const Part& part) {
+    const PdfObject* const value = dictionary.GetKey(part.key);
+    return value && (value->IsString() || value->IsHexString()) && value->GetString().IsValid() &&
+           !value->GetString().IsUnicode() && value->GetString().GetLength() >= part.bytes;
+}
+
+bool IsComplete(const PdfDictionary& dictionary) {
+    constexpr std::int64_t kAnyFlags = std::int64_t{1} << 32;
+    if (dictionary.GetKeyAsName("Filter") != "Standard" || !IsNumber(dictionary, "V", kVersion, kVersion) ||
+        !IsNumber(dictionary, "R", kVersion, kVersion + 1) ||
+        !IsNumber(dictionary, "P", -kAnyFlags, kAnyFlags))
+        return false;
+    for (const Part& part : kParts)
+        if (!HoldsString(dictionary, part)) return false;
+    return true;
+}
+
+}  // namespace
+
+std::unique_ptr<Decryption> Decryption::Unlock(const PdfObject& dictionary, const std::string& password) {
+    if (!dictionary.IsDictionary() || !IsComplete(dictionary.GetDictionary())) return nullptr;
+    if (static_cast<pdf_long>(password.size()) > kMaxPassword) return nullptr;
+    std::unique_ptr<PdfEncrypt> cipher(PdfEncrypt::CreatePdfEncrypt(&dictionary));
+    if (!cipher || !cipher->Authenticate(password, PdfString())) return nullptr;
+    return std::unique_ptr<Decryption>(new Decryption(std::move(cipher)));
+}
+
+void Decryption::DecryptStrings(PdfObject& value) {
+    if (value.IsArray()) {
+        for (PdfObject& element : value.GetArray())
+            DecryptStrings(element);
+    } else if (value.IsDictionary()) {
+        for (const auto& [key, element] : value.GetDictionary().GetKeys())
+            DecryptStrings(*element);
+    } else if (value.IsString() || value.IsHexString()) {
+        const PdfString text = value.GetString();
+        const pdf_long length = text.GetLength();
+        // A first block to begin with, and at least one of text.
+        if (text.IsUnicode() || length < 2 * kBlock || length % kBlock != 0)
+            RefusePdf(ePdfError_BrokenFile, "An encrypted string is damaged.");
+        std::vector<unsigned char> plain(static_cast<std::size_t>(length + kBlock));
+        pdf_long size = 0;
+        cipher_->Decrypt(reinterpret_cast<const unsigned char*>(text.GetString()), length, plain.data(),
+                         size);
+        if (size < 0 || size > length) RefusePdf(ePdfError_BrokenFile, "An encrypted string is damaged.");
+        value = PdfObject(PdfString(reinterpret_cast<const char*>(plain.data()), size));
+    }
+}
+
+}  // namespace VellumLib

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <podofo/podofo.h>
+
+#include <memory>
+#include <string>
+
+namespace VellumLib {
+
+/// The strings of a file that is encrypted with AES-256 and opens with a password. Other
+/// ciphers are refused: the parser's own library does not offer them any more.
+class Decryption {
+public:
+    /// Null where the dictionary is of another kind or incomplete, or where the password is
+    /// not the file's.
+    static std::unique_ptr<Decryption> Unlock(const PoDoFo::PdfObject& dictionary,
+                                              const std::string& password);
+
+    /// Replaces every string in the value. A PdfError for one that is damaged.
+    void DecryptStrings(PoDoFo::PdfObject& value);
+
+private:
+    explicit Decryption(std::unique_ptr<PoDoFo::PdfEncrypt> cipher) : cipher_(std::move(cipher)) {}
+
+    std::unique_ptr<PoDoFo::PdfEncrypt> cipher_;
+};
+
+}  // namespace VellumLib
