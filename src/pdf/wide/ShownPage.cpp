@@ -38,23 +38,26 @@ ShownPage::Pixel ShownPage::PixelAt(double x, double y) const {
 }
 
 AffineTerms ShownPage::AffineOf(const std::vector<double>& m) const {
-    const auto& [left, bottom, right, top] = box_;
+    const double left = box_[0];
+    const double top = box_[3];
+    const double across = box_[2] - left;
+    const double up = top - box_[1];
     constexpr int kFullTurn = 360;
     // The page's place of three corners of the raster: its origin, and the ends of its edges.
     const auto place = [&, back = (kFullTurn - degrees_) % kFullTurn](Parts raster) {
         const Parts parts = Turned(raster, back);
-        return Parts{left + parts.x * (right - left), top - parts.y * (top - bottom)};
+        return Parts{left + parts.x * across, top - parts.y * up};
     };
     const Parts origin = place({0.0, 0.0});
-    const Parts across = place({1.0, 0.0});
-    const Parts down = place({0.0, 1.0});
-    const auto step = [&](const Parts& end, double pixels) {
+    const Parts right_end = place({1.0, 0.0});
+    const Parts lower_end = place({0.0, 1.0});
+    const auto change = [&](const Parts& end, double pixels) {
         const double x = (end.x - origin.x) / pixels;
         const double y = (end.y - origin.y) / pixels;
         return Parts{m[0] * x + m[2] * y, m[1] * x + m[3] * y};
     };
-    const Parts column = step(across, width_);
-    const Parts row = step(down, height_);
+    const Parts column = change(right_end, width_);
+    const Parts row = change(lower_end, height_);
     return {.a = column.x,
             .b = row.x,
             .c = m[0] * origin.x + m[2] * origin.y + m[4],
