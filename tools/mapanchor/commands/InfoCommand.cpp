@@ -50,6 +50,7 @@ void AddInfoCommand(CLI::App& app, ExitStatus& status) {
     info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
         ->required();
     info->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    options->read.pdf_list_pages = true;
     options->read.AddTo(*info);
     options->common.AddTo(*info);
     info->callback([options, &status] { status = Run(*options); });
