@@ -67,12 +67,18 @@ void Guarded(const char* source, Work work) {
 
 PyReference Read(const py::object& path, std::optional<EReferenceType> type, long width, long height,
                  EMathTransformType fit, bool strict_transform, bool strict_crs, std::optional<Box> box,
-                 std::optional<double> dpi) {
+                 std::optional<double> dpi, int page, const std::string& map, bool shown,
+                 const std::string& password, bool strict_pdf) {
     const BString file = PathOf(path);
     type = TypeOf(file, type);
     BParamList params;
     if (box) params.SetInteger(BMapAnchor::kValPDFCropType, static_cast<int>(*box));
     if (dpi) params.SetDouble(BMapAnchor::kValPDFResolution, *dpi);
+    params.SetInteger(BMapAnchor::kValPDFWide, strict_pdf ? 0 : 1);
+    params.SetInteger(BMapAnchor::kValPDFPage, page);
+    params.SetString(BMapAnchor::kValPDFMap, BString(map));
+    params.SetInteger(BMapAnchor::kValPDFShown, shown ? 1 : 0);
+    params.SetString(BMapAnchor::kValPDFPassword, BString(password));
     PyReference result;
     result.used_file = file;
     Guarded<MapAnchor::BGeoReferenceReadException>("mapanchor.read", [&] {
@@ -169,7 +175,9 @@ PYBIND11_MODULE(_mapanchor, module) {
     module.def("read", &Read, py::arg("path"), py::arg("type") = py::none(), py::kw_only(),
                py::arg("width") = 0, py::arg("height") = 0, py::arg("fit") = affine,
                py::arg("strict_transform") = false, py::arg("strict_crs") = false,
-               py::arg("box") = py::none(), py::arg("dpi") = py::none());
+               py::arg("box") = py::none(), py::arg("dpi") = py::none(), py::arg("page") = 1,
+               py::arg("map") = "", py::arg("shown") = false, py::arg("password") = "",
+               py::arg("strict_pdf") = false);
     module.def("write", &Write, py::arg("reference"), py::arg("path"), py::arg("type") = py::none(),
                py::kw_only(), py::arg("width") = 0, py::arg("height") = 0, py::arg("image_name") = "",
                py::arg("strict_transform") = false, py::arg("strict_crs") = false,

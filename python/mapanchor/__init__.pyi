@@ -193,8 +193,18 @@ def read(
     strict_crs: bool = ...,
     box: Optional[Box] = ...,
     dpi: Optional[float] = ...,
+    page: int = ...,
+    map: str = ...,
+    shown: bool = ...,
+    password: str = ...,
+    strict_pdf: bool = ...,
 ) -> Reference:
-    """Reads by the file's name, or as `type`. A PDF is read as such, and wants the raster's size."""
+    """Reads by the file's name, or as `type`.
+
+    A PDF is read as such and beyond the rules, with warnings in the log, unless `strict_pdf` says
+    otherwise. Without a size the raster is the page at 72 dpi; `strict_pdf` wants the size. `page` counts
+    from 1; `map` is a name, a number from 1, or "largest"; `shown` is the page as viewers draw it.
+    """
 
 def write(
     reference: Reference,

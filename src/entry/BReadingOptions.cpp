@@ -15,13 +15,9 @@ using Tellurion::EReferenceType;
 
 namespace {
 
+constexpr int kCropBox = 4;
 constexpr int kMediaBox = 5;
 constexpr double kPointsPerInch = 72.0;
-
-// Keys of the reader of geospatial PDF.
-const BString kPdfWide("MAP_ANCHOR_PDF_WIDE");
-const BString kPdfPage("MAP_ANCHOR_PDF_PAGE");
-const BString kPdfMap("MAP_ANCHOR_PDF_MAP");
 
 }  // namespace
 
@@ -38,13 +34,15 @@ struct ReadingOptionsState {
     bool overrides_system = false;
     int pdf_page = 1;
     BString pdf_map;
+    bool pdf_shown = false;
+    bool lists_pdf_pages = false;
     bool pdf_strict = false;
     BParamList params;
 };
 
 BReadingOptions::BReadingOptions() {
     auto state = std::make_shared<ReadingOptionsState>();
-    state->params.SetInteger(kPdfWide, 1);
+    state->params.SetInteger(BMapAnchor::kValPDFWide, 1);
     state_ = std::move(state);
 }
 
@@ -138,7 +136,7 @@ void BReadingOptions::SetPdfBox(int box) {
 }
 
 int BReadingOptions::GetPdfBox() const {
-    return state_->params.GetInteger(BMapAnchor::kValPDFCropType, kMediaBox);
+    return state_->params.GetInteger(BMapAnchor::kValPDFCropType, state_->pdf_shown ? kCropBox : kMediaBox);
 }
 
 void BReadingOptions::SetResolution(double dotsPerInch) {
@@ -152,7 +150,7 @@ double BReadingOptions::GetResolution() const {
 void BReadingOptions::SetPdfPage(int page) {
     ReadingOptionsState& state = Change();
     state.pdf_page = page;
-    state.params.SetInteger(kPdfPage, page);
+    state.params.SetInteger(BMapAnchor::kValPDFPage, page);
 }
 
 int BReadingOptions::GetPdfPage() const {
@@ -162,17 +160,35 @@ int BReadingOptions::GetPdfPage() const {
 void BReadingOptions::SetPdfMap(const BString& map) {
     ReadingOptionsState& state = Change();
     state.pdf_map = map;
-    state.params.SetString(kPdfMap, map);
+    state.params.SetString(BMapAnchor::kValPDFMap, map);
 }
 
 BString BReadingOptions::GetPdfMap() const {
     return state_->pdf_map;
 }
 
+void BReadingOptions::SetPdfShown(bool shown) {
+    ReadingOptionsState& state = Change();
+    state.pdf_shown = shown;
+    state.params.SetInteger(BMapAnchor::kValPDFShown, shown ? 1 : 0);
+}
+
+bool BReadingOptions::IsPdfShown() const {
+    return state_->pdf_shown;
+}
+
+void BReadingOptions::SetListsPdfPages(bool lists) {
+    Change().lists_pdf_pages = lists;
+}
+
+bool BReadingOptions::ListsPdfPages() const {
+    return state_->lists_pdf_pages;
+}
+
 void BReadingOptions::SetPdfStrict(bool strict) {
     ReadingOptionsState& state = Change();
     state.pdf_strict = strict;
-    state.params.SetInteger(kPdfWide, strict ? 0 : 1);
+    state.params.SetInteger(BMapAnchor::kValPDFWide, strict ? 0 : 1);
 }
 
 bool BReadingOptions::IsPdfStrict() const {

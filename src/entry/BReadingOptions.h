@@ -56,7 +56,7 @@ public:
 
     /// The box of a PDF page that the raster shows, by the numbers of BMapAnchor::kValPDFCropType.
     void SetPdfBox(int box);
-    int GetPdfBox() const;  ///< 5, the media box, until set
+    int GetPdfBox() const;  ///< until set, the media box (5), or the crop box (4) of a page as shown
     /// The resolution of a PDF's raster in dots per inch.
     void SetResolution(double dotsPerInch);
     double GetResolution() const;  ///< 72 until set
@@ -65,6 +65,12 @@ public:
     /// The map of a PDF's page by its name or, as "2", by its number from 1.
     void SetPdfMap(const Tellurion::BString& map);
     Tellurion::BString GetPdfMap() const;  ///< empty until set: the map that the reader picks
+    /// The raster shows the page of a PDF as viewers draw it, turned and cropped.
+    void SetPdfShown(bool shown);
+    bool IsPdfShown() const;  ///< false until set
+    /// States which other pages of a PDF have maps, at the price of a look at all pages.
+    void SetListsPdfPages(bool lists);
+    bool ListsPdfPages() const;  ///< false until set
     /// Accepts only what the typed read of a PDF accepts.
     void SetPdfStrict(bool strict);
     bool IsPdfStrict() const;  ///< false until set

@@ -2,14 +2,17 @@
 
 #include "common/DiagnosticIds.h"
 
+#include <MapAnchor/BGeoPDFPages.h>
 #include <MapAnchor/BGeoReferenceReadException.h>
 
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace MapAnchor {
 
+using Tellurion::BParamList;
 using Tellurion::BString;
 
 namespace {
@@ -24,14 +27,23 @@ std::optional<long> Pixels(double points, double per_point) {
     return static_cast<long>(pixels);
 }
 
+/// As viewers do it, a crop box counts as far as it is within the media box.
+BGeoPDFBox Within(const BGeoPDFBox& box, const BGeoPDFBox& media) {
+    const BGeoPDFBox part = {std::max(box.Left, media.Left), std::max(box.Bottom, media.Bottom),
+                             std::min(box.Right, media.Right), std::min(box.Top, media.Top), true};
+    return media.Present && part.Left < part.Right && part.Bottom < part.Top ? part : box;
+}
+
 void SetSize(const BReadingOptions& options, ReadingState& state) {
     if (state.width > 0) return;
-    const BGeoPDFBox box = state.page->BoxForCropType(options.GetPdfBox());
+    BGeoPDFBox box = state.page->BoxForCropType(options.GetPdfBox());
     if (!box.Present) return;
+    if (options.IsPdfShown()) box = Within(box, state.page->MediaBox);
     const double per_point = state.page->UserUnit * options.GetResolution() / kPointsPerInch;
-    const auto width = Pixels(box.Right - box.Left, per_point);
-    const auto height = Pixels(box.Top - box.Bottom, per_point);
+    auto width = Pixels(box.Right - box.Left, per_point);
+    auto height = Pixels(box.Top - box.Bottom, per_point);
     if (!width || !height) return;
+    if (options.IsPdfShown() && state.page->Rotate % 180 != 0) std::swap(width, height);
     state.width = *width;
     state.height = *height;
 }
@@ -53,12 +65,41 @@ void RemarkOnOtherMaps(ReadingState& state) {
                .file = state.file});
 }
 
+/// The pages that have maps, but for the one that is read.
+void RemarkOnOtherPages(int number, ReadingState& state) {
+    constexpr std::size_t kMaxNamed = 10;
+    std::string others;
+    std::size_t count = 0;
+    const BGeoPDFPages list = BGeoPDFPages::List(state.file);
+    for (const auto& [other, page] : list.Pages) {
+        if (other == number || page.Maps.empty() || ++count > kMaxNamed) continue;
+        others += (others.empty() ? "" : ", ") + std::to_string(other);
+        const BGeoPDFMap& first = page.Maps.front();
+        if (!first.Name.IsEmpty()) others.append(" (").append(NameOf(first)).append(")");
+    }
+    if (count > kMaxNamed) others += " and " + std::to_string(count - kMaxNamed) + " more";
+    if (count > 0)
+        state.Add({.id = DiagnosticId::kPdfOtherPages,
+                   .text = "other pages have maps, which --page reads: " + others,
+                   .file = state.file});
+}
+
 }  // namespace
 
 void DescribePdfPage(const BReadingOptions& options, ReadingState& state) {
-    state.page = BGeoPDFPage::Describe(state.file);
+    long pages = 1;
+    if (options.IsPdfStrict()) {
+        state.page = BGeoPDFPage::Describe(state.file);
+    } else {
+        const BParamList params = options.GetParams();
+        const BGeoPDFPages described = BGeoPDFPages::Describe(state.file, &params);
+        state.page = described.Pages.front().Page;
+        pages = described.PageCount;
+    }
     SetSize(options, state);
-    if (state.page->Rotate != 0)
+    if (options.ListsPdfPages() && !options.IsPdfStrict() && pages > 1)
+        RemarkOnOtherPages(options.GetPdfPage(), state);
+    if (state.page->Rotate != 0 && !options.IsPdfShown())
         state.Add({.id = DiagnosticId::kPageRotated,
                    .text = "the page is shown turned by " + std::to_string(state.page->Rotate) +
                            " degrees; the reference refers to the unrotated page",

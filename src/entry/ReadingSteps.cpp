@@ -117,7 +117,10 @@ void TryWorldFileByType(const BReadingOptions& options, ReadingState& state) {
     try {
         ReadByType(EReferenceType::WLD, options, state);
     } catch (const BException& error) {
-        state.Add({.id = DiagnosticId::kReadRemark, .severity = ESeverity::Error, .text = error.what()});
+        const char* const id = IdOfPdfRemark(line);
+        if (id) line.erase(0, std::string_view(id).size() + 2);
+        state.Add(
+            {.id = id ? id : DiagnosticId::kReadRemark, .severity = ESeverity::Error, .text = error.what()});
         state.failure = by_name;
         return;
     }
@@ -260,6 +263,18 @@ bool IsAboutThis(const BDiagnostic& remark, const ReadingState& state) {
                                   remark.GetId() == BString(DiagnosticId::kScaleZero);
     if (!is_of_world_file || (state.kind && std::string_view(state.kind->name) == "WLD")) return true;
     return !state.kind && HasWorldFileExtension(state.file);
+}
+
+/// The id with which the reader of PDF begins a remark, such as "pdf-units: ..."; else null.
+const char* IdOfPdfRemark(std::string_view line) {
+    for (const char* id :
+         {DiagnosticId::kPdfBeyondRules, DiagnosticId::kPdfNoSystem, DiagnosticId::kPdfNotANumber,
+          DiagnosticId::kPdfPointsRounded, DiagnosticId::kPdfScale, DiagnosticId::kPdfUnits,
+          DiagnosticId::kPdfUnknownDatum}) {
+        const std::string_view name = id;
+        if (line.substr(0, name.size()) == name && line.substr(name.size(), 2) == ": ") return id;
+    }
+    return nullptr;
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The geospatial PDFs of the corpus by type: where the page is by comparison with the
 // peer's answer, or with what words the file is refused.
 
-#include <MapAnchor/BGeoPDFPage.h>
+#include <MapAnchor/BGeoPDFPages.h>
 
 #include <gdal.h>
 #include <podofo/podofo.h>
@@ -91,6 +91,37 @@ TEST(PdfReferenceCorpus, EveryFileIsReadAsByThePeerOrRefused) {
         if (tolerance > 0) ExpectPlacedAsByPeer(reference, w, h, tolerance, answer);
     });
     EXPECT_EQ(refused, 40);
+}
+
+TEST(PdfReferenceCorpus, WhatThePeerPlacesIsReadBeyondTheRulesAtTheSamePlace) {
+    const LogCapture quiet;
+    constexpr double kPoints = 0.01;
+    int compared = 0;
+    BParamList params;
+    params.SetInteger(BMapAnchor::kValPDFWide, 1);
+    ForEachAnswer("pdf", [&](const Path& file, const Json& answer) {
+        if (!answer.contains("geoTransform")) return;
+        Six terms = answer["geoTransform"], inverse;
+        if (!GDALInvGeoTransform(terms.data(), inverse.data()))
+            return;  // all of the page on one spot or line
+        const long width = answer["size"][0], height = answer["size"][1];
+        const BGeoPDFBox box =
+            BGeoPDFPages::Describe(BString(file.string()), nullptr).Pages.at(0).Page.MediaBox;
+        BGeoReference reference;
+        BMapAnchor::Read(EReferenceType::GeoPDF, BString(file.string()), reference, width, height,
+                         EMathTransformType::Affine, 0, &params);
+        ASSERT_TRUE(reference.HasCoordSys() && reference.HasMathTransform());
+        for (const auto& [x, y] : {std::pair{0L, 0L}, {width, 0L}, {width, height}, {0L, height}}) {
+            const BPoint world = reference.MathTransform->ConvertSourceToTarget(
+                {static_cast<double>(x), static_cast<double>(y), 0.0});
+            double column, row;
+            GDALApplyGeoTransform(inverse.data(), world.x, world.y, &column, &row);
+            EXPECT_LE(std::hypot(column - static_cast<double>(x), row - static_cast<double>(y)),
+                      kPoints * static_cast<double>(width) / (box.Right - box.Left));
+        }
+        ++compared;
+    });
+    EXPECT_EQ(compared, 35);
 }
 
 }  // namespace

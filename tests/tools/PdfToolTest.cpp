@@ -195,10 +195,42 @@ TEST(PdfInfo, OtherMapsARotationAndRefusedFormsAreReported) {
                         {"coordSys":"WGS 84, EPSG:4326","fault":null,"inUse":true},
                         {"name":"Inset","area":800,"inUse":false}]})");
     folder.Write("single.pdf", PagePdf(main.page + " /LGIDict " + main.Entry()).Text());
-    folder.ExpectRun("info %single.pdf", 2, "",
+    folder.ExpectRun("info --strict pdf %single.pdf", 2, "",
                      {"The key LGIDict is not of type Array.", "one dictionary stands in its place"});
     folder.Write("none.pdf", PagePdf("/MediaBox [0 0 9 9]").Text());
-    folder.ExpectRun("info %none.pdf", 4, "", {"No Geospatial data found"});
+    for (const char* strictly : {"", "--strict pdf "})
+        folder.ExpectRun(std::string("info ") + strictly + "%none.pdf", 4, "", {"No Geospatial data found"});
+    folder.ExpectRun("info --strict pdf --page 2 %none.pdf", 64, "", {"--strict pdf"});
+    folder.ExpectRun("info --page 2 %none.pdf", 2, "", {"no page 2"});
+}
+
+TEST(PdfInfo, ReadsBeyondTheRulesAnyMapOfAnyPage) {
+    const ToolFolder folder;
+    const auto page = [](const char* keys, const char* viewports) {
+        return std::string("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] ") + keys + " /VP [" +
+               viewports + "] >>";
+    };
+    folder.Write("atlas.pdf", PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>",
+                                        "<< /Type /Pages /Kids [3 0 R 4 0 R] /Count 2 >>", page("", ""),
+                                        page("/Rotate 90",
+                                             "<< /BBox [0 0 612 792] /Name (Main) /Measure 5 0 R >> "
+                                             "<< /BBox [0 0 61 79] /Name (Inset) /Measure 5 0 R >>"),
+                                        GeoPdf::Viewport{.gcs_value = "6 0 R"}.Measure(),
+                                        "<< /Type /GEOGCS /EPSG 4326 >>"}));
+    folder.ExpectRun("info %atlas.pdf", 4, "", {"--page reads: 2 (\"Main\")", "[pdf-other-pages]"});
+    folder.ExpectRun("info --json --page 2 %atlas.pdf", 3, R"("size":[612,792],"pdfPage":{"maps":[
+                        {"name":"Main","inUse":true},{"name":"Inset","inUse":false}]})");
+    folder.ExpectRun("info --json --page 2 --map Inset %atlas.pdf", 3, R"("pdfPage":{"maps":[
+                        {"name":"Main","inUse":false},{"name":"Inset","inUse":true}]})");
+    const ToolRun shown =
+        folder.ExpectRun("info --json --page 2 --shown --dpi 144 %atlas.pdf", 3, R"("size":[1584,1224])");
+    const json terms = shown.Objects().at(0)["geoTransform"];
+    EXPECT_NEAR(terms[0].get<double>(), 15, 1e-9);
+    EXPECT_NEAR(terms[2].get<double>(), 1.0 / 1224, 1e-9);
+    folder.Write("single.pdf",
+                 PagePdf("/MediaBox [0 0 612 792] /LGIDict " + GeoPdf::LGIDict().Entry()).Text());
+    folder.ExpectRun("info --json %single.pdf", 3,
+                     R"("diagnostics":[{"severity":"warning","id":"pdf-beyond-rules"}])");
 }
 
 }  // namespace

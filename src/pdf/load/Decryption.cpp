@@ -43,6 +43,13 @@ bool IsComplete(const PdfDictionary& dictionary) {
     return true;
 }
 
+/// The last byte says how many were added to fill a block.
+pdf_long WithoutPadding(const std::vector<unsigned char>& plain, pdf_long size) {
+    if (size <= 0) return 0;
+    const pdf_long added = plain[static_cast<std::size_t>(size) - 1];
+    return added >= 1 && added <= kBlock && added <= size ? size - added : size;
+}
+
 }  // namespace
 
 std::unique_ptr<Decryption> Decryption::Unlock(const PdfObject& dictionary, const std::string& password) {
@@ -71,6 +78,7 @@ void Decryption::DecryptStrings(PdfObject& value) {
         cipher_->Decrypt(reinterpret_cast<const unsigned char*>(text.GetString()), length, plain.data(),
                          size);
         if (size < 0 || size > length) RefusePdf(ePdfError_BrokenFile, "An encrypted string is damaged.");
+        size = WithoutPadding(plain, size);
         value = PdfObject(PdfString(reinterpret_cast<const char*>(plain.data()), size));
     }
 }

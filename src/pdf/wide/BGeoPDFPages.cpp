@@ -119,20 +119,25 @@ BGeoPDFPages BGeoPDFPages::List(const BString& file) {
 }
 
 BGeoPDFPages BGeoPDFPages::Describe(const BString& file, const BParamList* params) {
-    return Filled([&](BGeoPDFPages& list) {
-        const long number = PageOf(params);
+    const long number = PageOf(params);
+    BGeoPDFPages list = Filled([&](BGeoPDFPages& filled) {
         WideDocument document(file.StdStr(), number == 1, PasswordOf(params));
-        list.PageCount = static_cast<long>(document.Pages().Count());
+        filled.PageCount = document.Pages().StatedCount();
         const WidePage page = PageAt(document.Pages(), number);
         const std::vector<WideMap> maps = WideDocument::MapsOf(page);
-        BGeoPDFNumberedPage described = Described(document, page, number, maps);
-        if (!maps.empty()) {
-            for (BGeoPDFMap& map : described.Page.Maps)
-                map.InUse = false;
-            described.Page.Maps[ChooseMap(document, page, number, maps, params)].InUse = true;
-        }
-        list.Pages.push_back(std::move(described));
+        filled.Pages.push_back(Described(document, page, number, maps));
+        if (maps.empty()) return;
+        BGeoPDFPage& to = filled.Pages.front().Page;
+        const std::size_t chosen = ChooseMap(document, page, number, maps, params);
+        for (std::size_t i = 0; i < to.Maps.size(); ++i)
+            to.Maps[i].InUse = i == chosen;
+        to.Fault = to.Maps[chosen].Fault;
     });
+    if (list.Pages.empty()) list.Pages.push_back({number, {}});
+    BGeoPDFPage& page = list.Pages.front().Page;
+    if (page.Fault.IsEmpty()) page.Fault = list.Fault;
+    page.Encrypted = list.Fault == VellumLib::EncryptedText();
+    return list;
 }
 
 }  // namespace MapAnchor

@@ -21,15 +21,16 @@ struct MAPANCHOR_EXPORT BGeoPDFNumberedPage {
 class MAPANCHOR_EXPORT BGeoPDFPages {
 public:
     std::vector<BGeoPDFNumberedPage> Pages;  ///< those with a map, and the one that was asked for
-    long PageCount = 0;                      ///< of the document, as far as it was looked at
+    long PageCount = 0;                      ///< of the document, or what it states itself
     bool Complete = true;                    ///< false: there are more pages or maps than are looked at
     Tellurion::BString Fault;                ///< why the file cannot be opened; usually empty
 
     /// The maps of all pages: at most 20,000 pages and 10,000 maps. Never throws for what the
     /// file holds.
     static BGeoPDFPages List(const Tellurion::BString& file);
-    /// The page that BMapAnchor::kValPDFPage of `params` names, alone, which may be null. Costs
-    /// less than a list where it is the first page.
+    /// The page that BMapAnchor::kValPDFPage of `params` names, alone; `params` may be null.
+    /// Always one page, which says in its own fault why there is none. Costs less than a list
+    /// where it is the first page.
     static BGeoPDFPages Describe(const Tellurion::BString& file, const Tellurion::BParamList* params);
 };
 

@@ -88,6 +88,9 @@ WidePages::WidePages(const WideValue& catalog) {
         std::size_t next = 0;
     };
     std::vector<Step> path{{catalog["Pages"]}};
+    constexpr double kMostStated = 1e6;
+    stated_ =
+        static_cast<long>(std::clamp(path.back().node["Count"].Number().value_or(0.0), 0.0, kMostStated));
     std::set<const PoDoFo::PdfObject*> seen{path.back().node.Object()};
     std::size_t nodes = 0;
     while (!path.empty()) {
@@ -111,6 +114,10 @@ WidePages::WidePages(const WideValue& catalog) {
             path.push_back({kid});
         }
     }
+}
+
+long WidePages::StatedCount() const {
+    return std::max(stated_, static_cast<long>(leaves_.size()));
 }
 
 WidePage WidePages::Page(std::size_t index) const {

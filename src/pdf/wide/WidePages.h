@@ -36,6 +36,8 @@ public:
     explicit WidePages(const WideValue& catalog);
 
     std::size_t Count() const { return leaves_.size(); }
+    /// As the document states it, where that is more than what was found.
+    long StatedCount() const;
     /// False where the document has more pages than are looked at.
     bool Complete() const { return complete_; }
     WidePage Page(std::size_t index) const;
@@ -47,6 +49,7 @@ private:
     };
 
     std::vector<Leaf> leaves_;
+    long stated_ = 0;
     bool complete_ = true;
 };
 

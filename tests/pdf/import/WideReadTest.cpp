@@ -207,9 +207,9 @@ TEST(WidePdf, DamageThatViewersForgiveIsForgivenAndSaid) {
 
 TEST(WidePdf, APasswordOpensAes256) {
     const TempFolder folder;
-    PoDoFo::PdfMemDocument document(
-        folder.Write("plain.pdf", Viewport{.system = "/Type /PROJCS /WKT (" + GeoPdf::kUtm33 + ")"}.Text())
-            .c_str());
+    const Viewport named{.measure_value = "4 0 R /Name (Sheet)",
+                         .system = "/Type /PROJCS /WKT (" + GeoPdf::kUtm33 + ")"};
+    PoDoFo::PdfMemDocument document(folder.Write("plain.pdf", named.Text()).c_str());
     const std::string file = folder / "locked.pdf";
     const auto outcome_of = [&](const char* user, const char* given) {
         document.SetEncrypted(user, "owner", PoDoFo::PdfEncrypt::ePdfPermissions_Print,
@@ -221,6 +221,8 @@ TEST(WidePdf, APasswordOpensAes256) {
     const WideOutcome empty = outcome_of("", "");
     ASSERT_TRUE(empty.reference.HasMathTransform()) << empty.failure << empty.log;
     EXPECT_EQ(empty.reference.CoordSys->GetName(), BString("UTM 33N"));
+    EXPECT_EQ(BGeoPDFPages::Describe(BString(file), nullptr).Pages.at(0).Page.Maps.at(0).Name,
+              BString("Sheet"));
     EXPECT_NE(empty.log.find("encrypted"), std::string::npos) << empty.log;
     EXPECT_TRUE(outcome_of("open", "open").reference.HasMathTransform());
     EXPECT_EQ(outcome_of("open", "shut").failure, "PdfError");

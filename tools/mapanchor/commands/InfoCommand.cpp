@@ -66,6 +66,7 @@ void AddInfoCommand(CLI::App& app, ExitStatus& status) {
         ->delimiter(',')
         ->check(CLI::IsMember(PrintableValues()))
         ->type_name("VALUE,...");
+    options->read.pdf_list_pages = true;
     options->read.AddTo(*info);
     options->common.AddTo(*info);
     info->callback([options, &status] { status = Run(*options); });

@@ -82,6 +82,61 @@ EReferenceType KindFromWord(const std::string& option, const std::string& word) 
 
 ReadOptions::ReadOptions() {
     params.SetInteger(BMapAnchor::kValErsCodes, 1);
+    params.SetInteger(BMapAnchor::kValPDFWide, 1);
+}
+
+/// Options that say nothing where a PDF is read by the rules alone.
+void ReadOptions::AskBeyondRules(const char* option) {
+    const bool asked = pdf_page != 1 || pdf_shown || params.HasProperty(BMapAnchor::kValPDFMap) ||
+                       params.HasProperty(BMapAnchor::kValPDFPassword);
+    if (pdf_by_rules && asked)
+        throw CLI::ValidationError(option, "--strict pdf reads the first page alone, as the rules have it");
+}
+
+void ReadOptions::AddPdfTo(CLI::App& app) {
+    app.add_option_function<std::string>(
+           "--pdf-box",
+           [this](const std::string& box) {
+               pdf_box = kPdfBoxes.at(box);
+               params.SetInteger(BMapAnchor::kValPDFCropType, *pdf_box);
+           },
+           "The box of a PDF page that the raster shows: art, trim, bleed, crop, media")
+        ->check(CLI::IsMember({"art", "trim", "bleed", "crop", "media"}))
+        ->type_name("BOX");
+    app.add_option_function<int>(
+           "--page",
+           [this](int number) {
+               pdf_page = number;
+               params.SetInteger(BMapAnchor::kValPDFPage, number);
+               AskBeyondRules("--page");
+           },
+           "The page of a PDF, counted from 1")
+        ->check(CLI::Range(1, 0x7FFFFFFF))
+        ->type_name("N");
+    app.add_option_function<std::string>(
+           "--map",
+           [this](const std::string& map) {
+               params.SetString(BMapAnchor::kValPDFMap, Tellurion::BString(map));
+               AskBeyondRules("--map");
+           },
+           "The map of a PDF page: its name, its number from 1, or largest")
+        ->type_name("MAP");
+    app.add_flag_callback(
+        "--shown",
+        [this] {
+            pdf_shown = true;
+            params.SetInteger(BMapAnchor::kValPDFShown, 1);
+            AskBeyondRules("--shown");
+        },
+        "The raster shows a PDF page as viewers draw it, turned and cropped");
+    app.add_option_function<std::string>(
+           "--password",
+           [this](const std::string& password) {
+               params.SetString(BMapAnchor::kValPDFPassword, Tellurion::BString(password));
+               AskBeyondRules("--password");
+           },
+           "Opens a PDF that is encrypted with AES-256")
+        ->type_name("TEXT");
 }
 
 MapAnchor::BReadingOptions ReadOptions::ForReading() const {
@@ -91,7 +146,13 @@ MapAnchor::BReadingOptions ReadOptions::ForReading() const {
     reading.SetSize(width.value_or(0), height.value_or(0));
     reading.SetFindsSize(true);
     reading.SetMathType(fit);
-    if (params.HasProperty(BMapAnchor::kValPDFCropType)) reading.SetPdfBox(pdf_box);
+    if (pdf_box) reading.SetPdfBox(*pdf_box);
+    reading.SetPdfStrict(pdf_by_rules);
+    if (pdf_page != 1) reading.SetPdfPage(pdf_page);
+    reading.SetPdfShown(pdf_shown);
+    reading.SetListsPdfPages(pdf_list_pages);
+    for (const Tellurion::BString& key : {BMapAnchor::kValPDFMap, BMapAnchor::kValPDFPassword})
+        if (params.HasProperty(key)) reading.SetParam(key, params.GetString(key, ""));
     reading.SetResolution(dpi);
     reading.SetSource(Tellurion::BString(source));
     reading.SetCoordSys(crs, overrides_crs);
@@ -134,12 +195,17 @@ void ReadOptions::AddTo(CLI::App& app) {
     app.add_option_function<std::vector<std::string>>(
            "--strict",
            [this](const std::vector<std::string>& parts) {
-               for (const std::string& part : parts)
-                   flags |= kStrictParts.at(part);
+               for (const std::string& part : parts) {
+                   if (part != "pdf") flags |= kStrictParts.at(part);
+                   if (part == "pdf") pdf_by_rules = true;
+               }
+               params.SetInteger(BMapAnchor::kValPDFWide, pdf_by_rules ? 0 : 1);
+               AskBeyondRules("--strict");
            },
-           "Fail when that part cannot be had (with --type): transform, crs")
+           "Fail when that part cannot be had (with --type): transform, crs; pdf: read a PDF by the "
+           "rules alone")
         ->delimiter(',')
-        ->check(CLI::IsMember({"transform", "crs"}))
+        ->check(CLI::IsMember({"transform", "crs", "pdf"}))
         ->type_name("PART,...");
     app.add_option_function<std::string>(
            "--size", [this](const std::string& text) { ParseSize(text, *this); },
@@ -150,15 +216,7 @@ void ReadOptions::AddTo(CLI::App& app) {
            "Fit through control points: affine, conformal, poly2, poly3, projective, tps, bilinear, none")
         ->transform(CLI::CheckedTransformer(kFits, CLI::ignore_case))
         ->type_name("FIT");
-    app.add_option_function<std::string>(
-           "--pdf-box",
-           [this](const std::string& box) {
-               pdf_box = kPdfBoxes.at(box);
-               params.SetInteger(BMapAnchor::kValPDFCropType, pdf_box);
-           },
-           "The box of a PDF page that the raster shows: art, trim, bleed, crop, media")
-        ->check(CLI::IsMember({"art", "trim", "bleed", "crop", "media"}))
-        ->type_name("BOX");
+    AddPdfTo(app);
     AddNumber(
         app, "--dpi",
         [this](double value) {

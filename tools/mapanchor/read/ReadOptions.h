@@ -24,18 +24,25 @@ struct ReadOptions {
     std::optional<long> height;
     Tellurion::EMathTransformType fit = Tellurion::EMathTransformType::Affine;
     Tellurion::BParamList params;
-    int pdf_box = kMediaBox;  ///< by the library's number
+    std::optional<int> pdf_box;  ///< by the library's number
+    bool pdf_by_rules = false;   ///< and not beyond them, where this and what is below count
+    bool pdf_shown = false;
+    int pdf_page = 1;
+    bool pdf_list_pages = false;  ///< say which other pages have maps; of no option
     double dpi = kPointsPerInch;
     std::string source;  ///< of a raster; empty for the one that wins
     Tellurion::BSharedPtr<Tellurion::BCoordSys> crs;
     bool overrides_crs = false;
 
-    static constexpr int kMediaBox = 5;
     static constexpr double kPointsPerInch = 72.0;
 
     void AddTo(CLI::App& app);
     void AddSystemsTo(CLI::App& app);
     MapAnchor::BReadingOptions ForReading() const;
+
+private:
+    void AddPdfTo(CLI::App& app);
+    void AskBeyondRules(const char* option);
 };
 
 /// The kind that an option's word names; throws CLI::ValidationError for none.
