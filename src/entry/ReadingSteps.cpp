@@ -213,8 +213,7 @@ void ReadRasterItself(const BReadingOptions& options, ReadingState& state) {
 void ReadRaster(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
     const std::vector<SidecarName> beside = FindSidecars(state.file);
     const bool asks = wanted || !options.GetState().source.IsEmpty();
-    if (!asks &&
-        (beside.empty() || !IsRasterExtension(BFileUtilities::GetExtension(state.file).ToLower()))) {
+    if (!asks && (beside.empty() || !IsRasterExtension(BFileUtilities::GetExtension(state.file).ToLower()))) {
         ReadRasterItself(options, state);
         if (!state.failure || beside.empty() || !state.is_raster) return;
         state.failure.reset();
@@ -250,6 +249,10 @@ void AssignSystem(const BReadingOptions& options, ReadingState& state) {
 EOutcome OutcomeOf(const ReadingState& state) {
     if (!state.failure) return EOutcome::Read;
     const std::string type = state.failure->type.StdStr();
+    const bool has_map =
+        state.page && state.page->Loaded &&
+        (state.page->Dialect != BGeoPDFPage::EDialect::None || !state.page->Explanation.IsEmpty());
+    if (has_map && type != "std::bad_alloc") return EOutcome::Refused;
     if (type == "BFileContentNotValidException") return EOutcome::NoReference;
     if (state.page && state.page->Loaded && state.page->Dialect == BGeoPDFPage::EDialect::None)
         return EOutcome::NoReference;
