@@ -20,18 +20,13 @@ namespace {
 constexpr int kMediaBox = 5;
 constexpr double kPointsPerInch = 72.0;
 
-// Keys of the reader of geospatial PDF.
-const BString kPdfWide("MAP_ANCHOR_PDF_WIDE");
-const BString kPdfPage("MAP_ANCHOR_PDF_PAGE");
-const BString kPdfMap("MAP_ANCHOR_PDF_MAP");
-
 }  // namespace
 
 BReadingOptions::BReadingOptions() {
     // Never destroyed: a host may read from its own static destructors.
     static const auto* const plain = [] {
         auto state = std::make_shared<ReadingOptionsState>();
-        state->params.SetInteger(kPdfWide, 1);
+        state->params.SetInteger(BMapAnchor::kValPDFWide, 1);
         return new std::shared_ptr<const ReadingOptionsState>(std::move(state));
     }();
     state_ = *plain;
@@ -145,7 +140,7 @@ double BReadingOptions::GetResolution() const {
 void BReadingOptions::SetPdfPage(int page) {
     ReadingOptionsState& state = Change();
     state.pdf_page = page;
-    state.params.SetInteger(kPdfPage, page);
+    state.params.SetInteger(BMapAnchor::kValPDFPage, page);
 }
 
 int BReadingOptions::GetPdfPage() const {
@@ -155,7 +150,7 @@ int BReadingOptions::GetPdfPage() const {
 void BReadingOptions::SetPdfMap(const BString& map) {
     ReadingOptionsState& state = Change();
     state.pdf_map = map;
-    state.params.SetString(kPdfMap, map);
+    state.params.SetString(BMapAnchor::kValPDFMap, map);
 }
 
 BString BReadingOptions::GetPdfMap() const {
@@ -165,7 +160,7 @@ BString BReadingOptions::GetPdfMap() const {
 void BReadingOptions::SetPdfStrict(bool strict) {
     ReadingOptionsState& state = Change();
     state.pdf_strict = strict;
-    state.params.SetInteger(kPdfWide, strict ? 0 : 1);
+    state.params.SetInteger(BMapAnchor::kValPDFWide, strict ? 0 : 1);
 }
 
 bool BReadingOptions::IsPdfStrict() const {

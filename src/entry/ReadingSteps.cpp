@@ -295,9 +295,12 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     for (const BString& entry : log.Take()) {
         std::string line = entry.StdStr();
         std::replace(line.begin(), line.end(), '\n', ' ');  // those of the readers' formats
-        state.Add({.id = DiagnosticId::kReadRemark,
+        // Lines of the wide read of PDF begin with the id that they are known by.
+        const std::string mark = std::string(DiagnosticId::kPdfBeyondRules) + ": ";
+        const bool is_beyond = line.starts_with(mark);
+        state.Add({.id = is_beyond ? DiagnosticId::kPdfBeyondRules : DiagnosticId::kReadRemark,
                    .severity = state.failure ? ESeverity::Error : ESeverity::Warning,
-                   .text = line});
+                   .text = is_beyond ? line.substr(mark.size()) : line});
     }
 }
 

@@ -9,6 +9,7 @@ inline constexpr const char* kDegreesOutOfRange = "degrees-out-of-range";
 inline constexpr const char* kGuessedWorldFile = "guessed-world-file";
 inline constexpr const char* kOtherMaps = "other-maps";
 inline constexpr const char* kPageRotated = "page-rotated";
+inline constexpr const char* kPdfBeyondRules = "pdf-beyond-rules";
 inline constexpr const char* kPdfRefused = "pdf-refused";
 inline constexpr const char* kPointsCoverLittle = "points-cover-little";
 inline constexpr const char* kPointsNearLine = "points-near-line";

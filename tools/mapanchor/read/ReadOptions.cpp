@@ -95,6 +95,7 @@ MapAnchor::BReadingOptions ReadOptions::ForReading() const {
     reading.SetResolution(dpi);
     reading.SetSource(Tellurion::BString(source));
     reading.SetCoordSys(crs, overrides_crs);
+    if (pdf_strict) reading.SetPdfStrict(true);
     return reading;
 }
 
@@ -159,6 +160,7 @@ void ReadOptions::AddTo(CLI::App& app) {
            "The box of a PDF page that the raster shows: art, trim, bleed, crop, media")
         ->check(CLI::IsMember({"art", "trim", "bleed", "crop", "media"}))
         ->type_name("BOX");
+    app.add_flag("--pdf-strict", pdf_strict, "Refuse a PDF that does not follow the rules of its kind");
     AddNumber(
         app, "--dpi",
         [this](double value) {

@@ -29,6 +29,7 @@ struct ReadOptions {
     std::string source;  ///< of a raster; empty for the one that wins
     Tellurion::BSharedPtr<Tellurion::BCoordSys> crs;
     bool overrides_crs = false;
+    bool pdf_strict = false;
 
     static constexpr int kMediaBox = 5;
     static constexpr double kPointsPerInch = 72.0;
