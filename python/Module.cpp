@@ -2,9 +2,9 @@
 
 #include <pybind11/stl.h>
 
-#include <MapAnchor/BGeoReferenceReadException.h>
 #include <MapAnchor/BGeoReferenceWriteException.h>
 #include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReading.h>
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
@@ -18,7 +18,10 @@
 
 namespace py = pybind11;
 using namespace Tellurion;
+using MapAnchor::BDiagnostic;
 using MapAnchor::BMapAnchor;
+using MapAnchor::BReading;
+using MapAnchor::BReadingOptions;
 
 namespace {
 
@@ -43,15 +46,6 @@ std::optional<EReferenceType> TypeOf(const BString& file, std::optional<EReferen
     return type;
 }
 
-void SetKind(PyReference& result, std::optional<EReferenceType> type) {
-    for (const MapAnchor::BReferenceFormat& format : MapAnchor::BReferenceFormats::List()) {
-        if (type ? !format.HasType() || format.GetType() != *type : format.GetName() != result.kind) continue;
-        result.kind = format.GetName();
-        result.centre_anchored = format.IsCentreAnchored();
-        return;
-    }
-}
-
 /// What is thrown and is no std::exception comes from the PDF library.
 template <class Failure, class Work>
 void Guarded(const char* source, Work work) {
@@ -65,31 +59,42 @@ void Guarded(const char* source, Work work) {
     }
 }
 
+/// Why a reading failed goes to the log, since an exception has one text.
+void LogDoubts(const BReading& reading) {
+    for (const BDiagnostic& remark : reading.GetDiagnostics())
+        if (remark.GetSeverity() != BDiagnostic::ESeverity::Note)
+            BLogger::Instance()->Write(ELogSeverity::Error, remark.GetText());
+}
+
 PyReference Read(const py::object& path, std::optional<EReferenceType> type, long width, long height,
                  EMathTransformType fit, bool strict_transform, bool strict_crs, std::optional<Box> box,
-                 std::optional<double> dpi, int page, const std::string& map, bool shown,
-                 const std::string& password, bool strict_pdf) {
+                 std::optional<double> dpi, const BString& source, int page, const BString& map, bool shown,
+                 const BString& password, bool strict_pdf) {
     const BString file = PathOf(path);
-    type = TypeOf(file, type);
-    BParamList params;
-    if (box) params.SetInteger(BMapAnchor::kValPDFCropType, static_cast<int>(*box));
-    if (dpi) params.SetDouble(BMapAnchor::kValPDFResolution, *dpi);
-    params.SetInteger(BMapAnchor::kValPDFWide, strict_pdf ? 0 : 1);
-    params.SetInteger(BMapAnchor::kValPDFPage, page);
-    params.SetString(BMapAnchor::kValPDFMap, BString(map));
-    params.SetInteger(BMapAnchor::kValPDFShown, shown ? 1 : 0);
-    params.SetString(BMapAnchor::kValPDFPassword, BString(password));
-    PyReference result;
-    result.used_file = file;
-    Guarded<MapAnchor::BGeoReferenceReadException>("mapanchor.read", [&] {
-        if (type)
-            BMapAnchor::Read(*type, file, result.reference, width, height, fit,
-                             Flags(strict_transform, strict_crs), &params);
-        else
-            result.kind = MapAnchor::BReferenceFormats::Read(file, result.reference, result.used_file, width,
-                                                             height, fit, &params);
-    });
-    SetKind(result, type);
+    BReadingOptions options;
+    if (type) options.SetType(*type);
+    options.SetFlags(Flags(strict_transform, strict_crs));
+    options.SetSize(width, height);
+    options.SetFindsSize(true);
+    options.SetMathType(fit);
+    if (box) options.SetPdfBox(static_cast<int>(*box));
+    if (dpi) options.SetResolution(*dpi);
+    options.SetSource(source);
+    options.SetPdfStrict(strict_pdf);
+    if (page != 1) options.SetPdfPage(page);
+    if (!map.IsEmpty()) options.SetPdfMap(map);
+    options.SetPdfShown(shown);
+    if (!password.IsEmpty()) options.SetParam(BMapAnchor::kValPDFPassword, password);
+    const py::gil_scoped_release released;
+    const BReading reading = BReading::Of(file, options);
+    if (!reading.HasReference()) LogDoubts(reading);
+    reading.ThrowFailure();
+    PyReference result{reading.GetReference(), reading.GetKind(), reading.GetUsedFile(),
+                       reading.IsCentreAnchored()};
+    result.files = reading.GetFiles();
+    result.width = reading.GetWidth();
+    result.height = reading.GetHeight();
+    result.diagnostics = reading.GetDiagnostics();
     return result;
 }
 
@@ -175,9 +180,9 @@ PYBIND11_MODULE(_mapanchor, module) {
     module.def("read", &Read, py::arg("path"), py::arg("type") = py::none(), py::kw_only(),
                py::arg("width") = 0, py::arg("height") = 0, py::arg("fit") = affine,
                py::arg("strict_transform") = false, py::arg("strict_crs") = false,
-               py::arg("box") = py::none(), py::arg("dpi") = py::none(), py::arg("page") = 1,
-               py::arg("map") = "", py::arg("shown") = false, py::arg("password") = "",
-               py::arg("strict_pdf") = false);
+               py::arg("box") = py::none(), py::arg("dpi") = py::none(), py::arg("source") = BString(),
+               py::arg("page") = 1, py::arg("map") = BString(), py::arg("shown") = false,
+               py::arg("password") = BString(), py::arg("strict_pdf") = false);
     module.def("write", &Write, py::arg("reference"), py::arg("path"), py::arg("type") = py::none(),
                py::kw_only(), py::arg("width") = 0, py::arg("height") = 0, py::arg("image_name") = "",
                py::arg("strict_transform") = false, py::arg("strict_crs") = false,

@@ -2,8 +2,11 @@
 
 #include "Texts.h"
 
+#include <MapAnchor/BDiagnostic.h>
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/EReferenceType.h>
+
+#include <vector>
 
 /// A reference and what its reading came to.
 struct PyReference {
@@ -11,6 +14,10 @@ struct PyReference {
     Tellurion::BString kind;
     Tellurion::BString used_file;
     bool centre_anchored = false;
+    std::vector<Tellurion::BString> files = {};
+    long width = 0;  ///< of the raster; 0 when not known
+    long height = 0;
+    std::vector<MapAnchor::BDiagnostic> diagnostics = {};
 };
 
 /// Each defines its classes and functions in the module.

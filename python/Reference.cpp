@@ -203,9 +203,30 @@ void DefineSystem(py::module_& module) {
              [](const BCoordSys& self) { return "<mapanchor.CoordSys " + self.GetName().StdStr() + ">"; });
 }
 
+void DefineDiagnostic(py::module_& module) {
+    using MapAnchor::BDiagnostic;
+    const auto severity = [](const BDiagnostic& self) {
+        constexpr const char* kWords[] = {"note", "warning", "error"};
+        return kWords[static_cast<int>(self.GetSeverity())];
+    };
+    const auto line = [](const BDiagnostic& self) {
+        return self.GetLine() > 0 ? std::optional<long>(self.GetLine()) : std::nullopt;
+    };
+    py::class_<BDiagnostic>(module, "Diagnostic")
+        .def_property_readonly("id", &BDiagnostic::GetId)
+        .def_property_readonly("severity", severity)
+        .def_property_readonly("text", &BDiagnostic::GetText)
+        .def_property_readonly("file", &BDiagnostic::GetFile)
+        .def_property_readonly("line", line)
+        .def("__repr__", [](const BDiagnostic& self) {
+            return BString::Format("<mapanchor.Diagnostic %ls: %ls>", self.GetId(), self.GetText());
+        });
+}
+
 }  // namespace
 
 void DefineReference(py::module_& module) {
+    DefineDiagnostic(module);
     DefinePoint(module);
     DefineTransform(module);
     DefineSystem(module);
@@ -230,6 +251,13 @@ void DefineReference(py::module_& module) {
         .def_property_readonly("vertical_unit", &VerticalUnit)
         .def_property_readonly("kind", [](const PyReference& self) { return self.kind; })
         .def_property_readonly("used_file", [](const PyReference& self) { return self.used_file; })
+        .def_property_readonly("files", [](const PyReference& self) { return self.files; })
+        .def_property_readonly("diagnostics", [](const PyReference& self) { return self.diagnostics; })
+        .def_property_readonly("size",
+                               [](const PyReference& self) -> std::optional<std::pair<long, long>> {
+                                   if (self.width <= 0 || self.height <= 0) return std::nullopt;
+                                   return std::pair(self.width, self.height);
+                               })
         .def_property_readonly(
             "anchor", [](const PyReference& self) { return self.centre_anchored ? "centre" : "corner"; })
         .def("__repr__", &Show);

@@ -1,12 +1,10 @@
 #include "HostWindow.h"
 
-#include <MapAnchor/BGeoPDFPage.h>
 #include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReading.h>
 #include <Tellurion/BCoordSys.h>
 #include <Tellurion/BException.h>
-#include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BMathTransform.h>
-#include <Tellurion/BParamList.h>
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -16,14 +14,10 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
-#include <cmath>
-
 using namespace Tellurion;
 using MapAnchor::BMapAnchor;
 
 namespace {
-
-constexpr int kMediaBox = 5;
 
 BString Native(const QString& text) {
     return BString(text.toStdU16String());
@@ -31,17 +25,6 @@ BString Native(const QString& text) {
 
 QString Shown(const BString& text) {
     return QString::fromStdU16String(text.GetUnits());
-}
-
-/// The sidecar beside a picture; the picture itself, which may hold its reference, without one.
-BString ReferenceFileOf(const QString& file) {
-    const BString name = Native(file);
-    const BString extension = BMapAnchor::GenerateWorldFileExt(name);
-    for (const BString& candidate : {extension.Right(extension.GetLength() - 1), BString("wld")}) {
-        const BString sidecar = BFileUtilities::ChangeExtension(name, candidate);
-        if (BFileUtilities::Exists(sidecar)) return sidecar;
-    }
-    return name;
 }
 
 /// The failure of a call into the library; the PDF library's own are no std::exception.
@@ -79,33 +62,19 @@ HostWindow::HostWindow() : view_(new MapView), text_(new QLabel), points_(new QT
 
 bool HostWindow::Open(const QString& file) {
     file_ = file;
-    reference_ = BGeoReference();
-    picture_ = QPixmap();
-    size_ = QSize();
-    const bool pdf = QFileInfo(file).suffix().toLower() == "pdf";
-    const QString failure = FailureOf([&] { pdf ? ReadPdf(file) : ReadRaster(file); });
-    statusBar()->showMessage(failure);
-    Tell();
-    return failure.isEmpty();
-}
-
-void HostWindow::ReadRaster(const QString& file) {
     picture_ = QPixmap(file);
-    size_ = picture_.size();
-    BString used;
-    BMapAnchor::Read(ReferenceFileOf(file), reference_, used, size_.width(), size_.height(),
-                     EMathTransformType::Affine, nullptr);
-}
-
-void HostWindow::ReadPdf(const QString& file) {
-    const auto page = MapAnchor::BGeoPDFPage::Describe(Native(file));
-    const MapAnchor::BGeoPDFBox box = page.BoxForCropType(kMediaBox);
-    size_ = QSize(static_cast<int>(std::lround(box.Right - box.Left)),
-                  static_cast<int>(std::lround(box.Top - box.Bottom)));
-    BParamList params;
-    params.SetInteger(BMapAnchor::kValPDFCropType, kMediaBox);
-    BMapAnchor::Read(EReferenceType::GeoPDF, Native(file), reference_, size_.width(), size_.height(),
-                     EMathTransformType::Affine, 0, &params);
+    MapAnchor::BReadingOptions options;
+    options.SetSize(picture_.width(), picture_.height());
+    options.SetFindsSize(true);
+    const auto reading = MapAnchor::BReading::Of(Native(file), options);
+    reference_ = reading.GetReference();
+    size_ = QSize(static_cast<int>(reading.GetWidth()), static_cast<int>(reading.GetHeight()));
+    QString doubts = Shown(reading.GetFailureText());
+    for (const MapAnchor::BDiagnostic& remark : reading.GetDiagnostics())
+        doubts += (doubts.isEmpty() ? "" : "; ") + Shown(remark.GetText());
+    statusBar()->showMessage(doubts);
+    Tell();
+    return reading.HasReference();
 }
 
 bool HostWindow::Save(const QString& file) {

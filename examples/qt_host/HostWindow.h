@@ -24,8 +24,6 @@ public:
 private:
     void AskAndOpen();
     void AskAndSave();
-    void ReadPdf(const QString& file);
-    void ReadRaster(const QString& file);
     void Tell();
     QString Footprint() const;
     void FillTable();

@@ -147,6 +147,21 @@ class CoordSys:
     def convert_to(self, other: CoordSys, x: float, y: float) -> Tuple[float, float]:
         """The position in the other system, across datums."""
 
+class Diagnostic:
+    """A remark on a reading; docs/diagnostics.md explains each id."""
+
+    @property
+    def id(self) -> str: ...
+    @property
+    def severity(self) -> str:
+        """"note", "warning" or "error"."""
+    @property
+    def text(self) -> str: ...
+    @property
+    def file(self) -> str: ...
+    @property
+    def line(self) -> Optional[int]: ...
+
 class Reference:
     """The georeferencing of one raster or page. Any part may be missing."""
 
@@ -181,6 +196,15 @@ class Reference:
     @property
     def used_file(self) -> str:
         """The file that was read, where another stands for the one that was named."""
+    @property
+    def files(self) -> List[str]:
+        """All files that took part in the reading."""
+    @property
+    def size(self) -> Optional[Tuple[int, int]]:
+        """Width and height of the raster in pixels; None when they are not known."""
+    @property
+    def diagnostics(self) -> List[Diagnostic]:
+        """What was guessed, rounded, replaced or left out, and where the answer comes from."""
 
 def read(
     path: Path,
@@ -193,17 +217,19 @@ def read(
     strict_crs: bool = ...,
     box: Optional[Box] = ...,
     dpi: Optional[float] = ...,
+    source: str = ...,
     page: int = ...,
     map: str = ...,
     shown: bool = ...,
     password: str = ...,
     strict_pdf: bool = ...,
 ) -> Reference:
-    """Reads by the file's name, or as `type`.
+    """Reads what a person means by the name: the file itself, or the sidecars of a raster, of
+    which `source` picks one; with `type` as that kind.
 
-    A PDF is read as such and beyond the rules, with warnings in the log, unless `strict_pdf` says
-    otherwise. Without a size the raster is the page at 72 dpi; `strict_pdf` wants the size. `page` counts
-    from 1; `map` is a name, a number from 1, or "largest"; `shown` is the page as viewers draw it.
+    A PDF is read beyond the rules of its dialects unless `strict_pdf` is set, and its size is that
+    of its page at `dpi`. `page` counts from 1; `map` is a name, a number from 1, or "largest";
+    `shown` is the page as viewers draw it.
     """
 
 def write(

@@ -1,5 +1,7 @@
 #include <MapAnchor/BReadingOptions.h>
 
+#include "ReadingOptionsState.h"
+
 #include <MapAnchor/BMapAnchor.h>
 
 #include <algorithm>
@@ -21,29 +23,18 @@ constexpr double kPointsPerInch = 72.0;
 
 }  // namespace
 
-struct ReadingOptionsState {
-    bool has_type = false;
-    EReferenceType type = EReferenceType::Reserved;
-    unsigned int flags = 0;
-    long width = 0;
-    long height = 0;
-    bool finds_size = false;
-    EMathTransformType math_type = EMathTransformType::Affine;
-    BString source;
-    BSharedPtr<BCoordSys> system;
-    bool overrides_system = false;
-    int pdf_page = 1;
-    BString pdf_map;
-    bool pdf_shown = false;
-    bool lists_pdf_pages = false;
-    bool pdf_strict = false;
-    BParamList params;
-};
-
 BReadingOptions::BReadingOptions() {
-    auto state = std::make_shared<ReadingOptionsState>();
-    state->params.SetInteger(BMapAnchor::kValPDFWide, 1);
-    state_ = std::move(state);
+    // Never destroyed: a host may read from its own static destructors.
+    static const auto* const plain = [] {
+        auto state = std::make_shared<ReadingOptionsState>();
+        state->params.SetInteger(BMapAnchor::kValPDFWide, 1);
+        return new std::shared_ptr<const ReadingOptionsState>(std::move(state));
+    }();
+    state_ = *plain;
+}
+
+const ReadingOptionsState& BReadingOptions::GetState() const {
+    return *state_;
 }
 
 BReadingOptions::BReadingOptions(const BReadingOptions&) = default;

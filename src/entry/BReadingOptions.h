@@ -82,6 +82,8 @@ public:
     Tellurion::BParamList GetParams() const;
     void SetParam(const Tellurion::BString& key, const Tellurion::BString& value);  ///< replaces
 
+    const ReadingOptionsState& GetState() const;  ///< for the library's own use
+
 private:
     ReadingOptionsState& Change();
 

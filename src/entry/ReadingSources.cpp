@@ -1,5 +1,7 @@
 #include "ReadingSources.h"
 
+#include "ReadingOptionsState.h"
+
 #include "ReadingSteps.h"
 #include "ReferenceFormats.h"
 #include "SourceDistance.h"
@@ -55,16 +57,10 @@ void ReadSystemFile(ReadingState& state) {
 /// A sidecar by the reader of its kind; the read by type where the other refuses tiny terms.
 void ReadByRow(const char* kind, const BReadingOptions& options, ReadingState& state) {
     state.kind = RowNamed(kind);
-    const BParamList params = options.GetParams();
     BString used;
-    const ReadCall call{state.used_file,
-                        state.reference,
-                        options.GetWidth(),
-                        options.GetHeight(),
-                        options.GetMathType(),
-                        kNoFlags,
-                        &params,
-                        &used};
+    const ReadCall call{
+        state.used_file,       state.reference, options.GetWidth(),         options.GetHeight(),
+        options.GetMathType(), kNoFlags,        &options.GetState().params, &used};
     if (state.kind->named_read(call)) return;
     state.reference.MathTransform = {};
     if (std::string_view(kind) == "WLD") {
@@ -81,10 +77,10 @@ void ReadRasterAlone(const BReadingOptions& options, ReadingState& state) {
     if (!row || std::string_view(row->name) == "TIF")
         return StoreGdal(ReadGdalReference(state.used_file, RasterKinds::All, Sidecars::Hidden), options,
                          state);
-    const BParamList params = options.GetParams();
     BString used;
-    const BString kind = BReferenceFormats::Read(state.used_file, state.reference, used, options.GetWidth(),
-                                                 options.GetHeight(), options.GetMathType(), &params);
+    const BString kind =
+        BReferenceFormats::Read(state.used_file, state.reference, used, options.GetWidth(),
+                                options.GetHeight(), options.GetMathType(), &options.GetState().params);
     state.kind = RowNamed(kind.StdStr());
     state.used_file = used;
 }

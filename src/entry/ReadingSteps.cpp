@@ -1,5 +1,6 @@
 #include "ReadingSteps.h"
 
+#include "ReadingOptionsState.h"
 #include "ReadingSources.h"
 #include "ReferenceFormats.h"
 #include "SidecarNames.h"
@@ -58,19 +59,17 @@ bool IsEmpty(const BGeoReference& reference) {
 }
 
 void ReadByName(const BReadingOptions& options, ReadingState& state) {
-    const BParamList params = options.GetParams();
     const BString kind =
         BReferenceFormats::Read(state.file, state.reference, state.used_file, options.GetWidth(),
-                                options.GetHeight(), options.GetMathType(), &params);
+                                options.GetHeight(), options.GetMathType(), &options.GetState().params);
     state.by_name = true;
     state.kind = FindRow([&](const ReferenceFormat& row) { return kind == BString(row.name); });
 }
 
 void ReadByType(EReferenceType type, const BReadingOptions& options, ReadingState& state) {
-    const BParamList params = options.GetParams();
     BGeoReference reference;
     BMapAnchor::Read(type, state.file, reference, state.width, state.height, options.GetMathType(),
-                     options.GetFlags(), &params);
+                     options.GetFlags(), &options.GetState().params);
     state.reference = reference;
     state.by_name = false;
     state.used_file = state.file;
@@ -117,10 +116,7 @@ void TryWorldFileByType(const BReadingOptions& options, ReadingState& state) {
     try {
         ReadByType(EReferenceType::WLD, options, state);
     } catch (const BException& error) {
-        const char* const id = IdOfPdfRemark(line);
-        if (id) line.erase(0, std::string_view(id).size() + 2);
-        state.Add(
-            {.id = id ? id : DiagnosticId::kReadRemark, .severity = ESeverity::Error, .text = error.what()});
+        state.Add({.id = DiagnosticId::kReadRemark, .severity = ESeverity::Error, .text = error.what()});
         state.failure = by_name;
         return;
     }
@@ -144,14 +140,6 @@ bool HasWorldFileExtension(const BString& file) {
     return row && Holds(row->save_extensions, LowerExtension(file));
 }
 
-/// The number of the error that keeps a name from being that of a file to read; 0 for none.
-int FaultOfName(const std::string& name) {
-    struct stat status {};
-    if (name.empty() || name.find('\0') != std::string::npos) return ENOENT;
-    if (stat(name.c_str(), &status) != 0) return errno;
-    return access(name.c_str(), R_OK) != 0 && errno == EACCES ? EACCES : 0;
-}
-
 void FailByName(int error, ReadingState& state) {
     if (state.file.IsEmpty())
         state.failure = ReadingFailure::Of<BFileNotFoundException>("The name is empty.");
@@ -166,16 +154,35 @@ void FailByName(int error, ReadingState& state) {
 /// False, with a failure, for what is not a file that can be read.
 bool CheckName(ReadingState& state) {
     const std::string name = state.file.StdStr();
-    if (const int error = FaultOfName(name); error != 0) {
-        FailByName(error, state);
+    struct stat status {};
+    if (name.empty() || name.find('\0') != std::string::npos) {
+        FailByName(ENOENT, state);
         return false;
     }
-    if (BFileUtilities::IsRegularFile(state.file)) return true;
-    struct stat status {};
-    const bool is_folder = stat(name.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    if (stat(name.c_str(), &status) != 0) {
+        FailByName(errno, state);
+        return false;
+    }
+    if (S_ISREG(status.st_mode)) return true;
     state.failure = ReadingFailure::Of<BFileAccessException>(BString::Format(
-        is_folder ? "<%ls> is a folder, not a file." : "File <%ls> is not a regular file.", state.file));
+        S_ISDIR(status.st_mode) ? "<%ls> is a folder, not a file." : "File <%ls> is not a regular file.",
+        state.file));
     return false;
+}
+
+/// A reader that could not open the file does not say why. Looked at after a failure alone, so
+/// that a name costs nothing where all is well.
+void ExplainFailure(ReadingState& state) {
+    if (!state.failure) return;
+    ReadingState of_name;
+    of_name.file = state.file;
+    if (!CheckName(of_name)) {
+        of_name.width = state.width;
+        of_name.height = state.height;
+        state = std::move(of_name);
+    } else if (access(state.file.Utf8(), R_OK) != 0 && errno == EACCES) {
+        FailByName(EACCES, state);
+    }
 }
 
 bool IsSidecarName(const BString& file) {
@@ -205,9 +212,8 @@ void ReadRasterItself(const BReadingOptions& options, ReadingState& state) {
 
 void ReadRaster(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
     const std::vector<SidecarName> beside = FindSidecars(state.file);
-    const bool is_raster = IsRasterExtension(BFileUtilities::GetExtension(state.file).ToLower());
-    const bool asks = wanted || !options.GetSource().IsEmpty();
-    if (!asks && (beside.empty() || !is_raster)) {
+    const bool asks = wanted || !options.GetState().source.IsEmpty();
+    if (!asks && (beside.empty() || !IsRasterExtension(BFileUtilities::GetExtension(state.file).ToLower()))) {
         ReadRasterItself(options, state);
         if (!state.failure || beside.empty() || !state.is_raster) return;
         state.failure.reset();
@@ -226,7 +232,6 @@ void ReadRaster(const BReadingOptions& options, ReadingState& state, SourceList*
 }
 
 void Read(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
-    if (!CheckName(state)) return;
     if (options.HasType() || TypedKindOf(state.file))
         return RunReader(state, [&] { ReadTyped(options, state); });
     if (IsSidecarName(state.file)) return ReadSidecar(options, state);
@@ -244,6 +249,10 @@ void AssignSystem(const BReadingOptions& options, ReadingState& state) {
 EOutcome OutcomeOf(const ReadingState& state) {
     if (!state.failure) return EOutcome::Read;
     const std::string type = state.failure->type.StdStr();
+    const bool has_map =
+        state.page && state.page->Loaded &&
+        (state.page->Dialect != BGeoPDFPage::EDialect::None || !state.page->Explanation.IsEmpty());
+    if (has_map && type != "std::bad_alloc") return EOutcome::Refused;
     if (type == "BFileContentNotValidException") return EOutcome::NoReference;
     if (state.page && state.page->Loaded && state.page->Dialect == BGeoPDFPage::EDialect::None)
         return EOutcome::NoReference;
@@ -298,18 +307,20 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     for (const BString& entry : log.Take()) {
         std::string line = entry.StdStr();
         std::replace(line.begin(), line.end(), '\n', ' ');  // those of the readers' formats
-        state.Add({.id = DiagnosticId::kReadRemark,
+        const char* const id = IdOfPdfRemark(line);
+        if (id) line.erase(0, std::string_view(id).size() + 2);
+        state.Add({.id = id ? id : DiagnosticId::kReadRemark,
                    .severity = state.failure ? ESeverity::Error : ESeverity::Warning,
                    .text = line});
     }
 }
 
 void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
-    const BParamList params = options.GetParams();
-    const GdalDrivers::Scope allowed(&params);
+    const GdalDrivers::Scope allowed(&options.GetState().params);
     state.width = options.GetWidth();
     state.height = options.GetHeight();
     Read(options, state, sources);
+    ExplainFailure(state);
     if (state.failure) {
         state.reference = BGeoReference();
     } else {

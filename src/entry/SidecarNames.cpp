@@ -8,6 +8,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 #include <algorithm>
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
@@ -75,22 +76,53 @@ struct Place {
     const std::string& Base(const Ending& ending) const { return ending.behind_name ? name : stem; }
 };
 
+/// A folder's names as they were at some time, in order.
+struct Listing {
+    std::string folder;
+    dev_t device = 0;
+    ino_t number = 0;
+    timespec changed{};
+    bool is_settled = false;  ///< old enough that a later change has another time
+    std::vector<std::string> names;
+
+    bool IsOf(const std::string& path, const struct stat& status) const {
+        return is_settled && folder == path && device == status.st_dev && number == status.st_ino &&
+               changed.tv_sec == status.st_mtim.tv_sec && changed.tv_nsec == status.st_mtim.tv_nsec;
+    }
+};
+
+/// Empties the listing of a folder that is too long or cannot be read.
+bool Fill(Listing& listing, const std::string& path, const struct stat& status) {
+    constexpr int kMaxEntries = 8192;
+    constexpr time_t kSettled = 2;  // seconds, above the granularity of any file system
+    listing = {path, status.st_dev, status.st_ino, status.st_mtim, false, {}};
+    const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
+    if (!folder) return false;
+    while (const dirent* entry = ::readdir(folder.get())) {
+        if (listing.names.size() == kMaxEntries) {
+            listing.names.clear();
+            return false;
+        }
+        listing.names.emplace_back(entry->d_name);
+    }
+    std::sort(listing.names.begin(), listing.names.end());
+    listing.is_settled = ::time(nullptr) - status.st_mtim.tv_sec > kSettled;
+    return true;
+}
+
 /// The names in a folder that begin with a stem; empty for a folder that is too long to list.
+/// Rasters are read folder by folder, so each thread keeps the latest list.
 std::optional<std::vector<std::string>> List(const Place& place) {
     constexpr off_t kLongFolder = off_t{128} << 10;  // some thousand entries
-    constexpr int kMaxEntries = 8192;
+    thread_local Listing latest;
     const std::string path = place.folder.empty() ? "." : place.folder;
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0 || status.st_size > kLongFolder) return std::nullopt;
-    const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
-    if (!folder) return std::nullopt;
+    if (!latest.IsOf(path, status) && !Fill(latest, path, status)) return std::nullopt;
     std::vector<std::string> names;
-    int seen = 0;
-    while (const dirent* entry = ::readdir(folder.get())) {
-        if (++seen > kMaxEntries) return std::nullopt;
-        const std::string_view name = entry->d_name;
-        if (name.starts_with(place.stem) && name != place.name) names.emplace_back(name);
-    }
+    for (auto name = std::lower_bound(latest.names.begin(), latest.names.end(), place.stem);
+         name != latest.names.end() && name->starts_with(place.stem); ++name)
+        if (*name != place.name) names.push_back(*name);
     return names;
 }
 

@@ -195,8 +195,9 @@ TEST(PdfInfo, OtherMapsARotationAndRefusedFormsAreReported) {
                         {"coordSys":"WGS 84, EPSG:4326","fault":null,"inUse":true},
                         {"name":"Inset","area":800,"inUse":false}]})");
     folder.Write("single.pdf", PagePdf(main.page + " /LGIDict " + main.Entry()).Text());
-    folder.ExpectRun("info --strict pdf %single.pdf", 2, "",
+    folder.ExpectRun("info --strict pdf %single.pdf", 5, "",
                      {"The key LGIDict is not of type Array.", "one dictionary stands in its place"});
+    folder.ExpectRun("info --json %single.pdf", 3, R"("diagnostics":[{"id":"pdf-beyond-rules"}])");
     folder.Write("none.pdf", PagePdf("/MediaBox [0 0 9 9]").Text());
     for (const char* strictly : {"", "--strict pdf "})
         folder.ExpectRun(std::string("info ") + strictly + "%none.pdf", 4, "", {"No Geospatial data found"});

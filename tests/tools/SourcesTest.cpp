@@ -121,6 +121,27 @@ TEST(Sources, TheTableComparesThemWithGdal) {
                      {"WLD    map.wld, map.prj no        no           0.50   5.000"});
 }
 
+TEST(Sources, EveryCommandTakesTheRaster) {
+    const ToolFolder folder;
+    MakePng(folder / "map.png");
+    MakePng(folder / "alone.png");
+    folder.Write("map.pgw", kWorld);
+    folder.Write("map.prj", PrjOf("32633"));
+    folder.Write("other.tfw", kWorld);
+    const ToolRun rows = RunTool({"batch", folder / "."});
+    ASSERT_EQ(rows.Objects().size(), 2U) << rows.out;  // the raster and the sidecar without one
+    EXPECT_EQ(rows.Objects()[0]["description"], folder / "./map.png");
+    EXPECT_EQ(rows.Objects()[0]["mapanchor"]["files"][1], folder / "./map.prj");
+    EXPECT_EQ(RunTool({"batch", "--all", folder / "."}).Objects().size(), 5U);
+    folder.ExpectRun("convert %map.png %copy.tab", 0);
+    EXPECT_NE(TempFolder::Slurp(folder / "copy.tab").find("File \"map.png\""), std::string::npos);
+    folder.ExpectRun("diff %map.png %copy.tab", 0);
+    folder.ExpectRun("check --expect-crs EPSG:32633 %map.png", 0);
+    folder.ExpectRun("footprint --json %map.png", 0);
+    folder.ExpectRun("preview %map.png", 0, "", {"20 by 10 pixels"});
+    folder.ExpectRun("info --json %alone.png", 4, R"("error":{"class":"no-reference"})");
+}
+
 std::set<std::string> Matches(const std::string& file, const std::string& pattern) {
     const std::string text = TempFolder::Slurp(std::string(MAPANCHOR_SOURCES) + file);
     const std::regex regex(pattern);

@@ -55,7 +55,7 @@ expect 'poly2|poly3' mapanchor info --fit po
 expect 'poly2|poly3' mapanchor info --fit = po
 expect 'tab|tif' mapanchor convert --to t
 expect '' mapanchor info --size ''
-expect '--overwrite' mapanchor convert --ov
+expect '--overwrite' mapanchor convert --overw
 expect '' mapanchor formats --ov
 expect '' mapanchor crs c
 

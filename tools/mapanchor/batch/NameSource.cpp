@@ -92,6 +92,7 @@ void NameSource::WalkOn() {
     if (error) Add(folder);
     std::sort(files.begin(), files.end());
     std::sort(folders.rbegin(), folders.rend());
+    if (settings_.keep_inputs) settings_.keep_inputs(files);
     for (const std::string& file : files)
         if (settings_.is_wanted_in_folder(file)) Add(file);
     folders_.insert(folders_.end(), folders.begin(), folders.end());

@@ -15,7 +15,9 @@ public:
     struct Settings {
         std::vector<std::string> roots;
         bool nul_separated = false;  ///< names on stdin end in NUL, not at a line's end
-        Wants is_wanted_in_folder;   ///< of a folder's files; names as given are all wanted
+        /// Leaves out the files of one folder, in the order of their names, that are no inputs.
+        std::function<void(std::vector<std::string>& files)> keep_inputs;
+        Wants is_wanted_in_folder;  ///< of a folder's files; names as given are all wanted
         Wants is_wanted;
     };
     explicit NameSource(Settings settings);

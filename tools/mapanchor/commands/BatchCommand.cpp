@@ -73,6 +73,46 @@ std::set<std::string> KnownExtensions() {
     return known;
 }
 
+/// Which of a folder's files are rasters and which lie beside one.
+class FolderInputs {
+public:
+    FolderInputs() {
+        for (const auto& format : MapAnchor::BReferenceFormats::List())
+            for (const BString& extension : format.GetReadExtensions())
+                (format.IsSidecar() ? sidecars_ : rasters_).insert(extension.StdStr());
+    }
+    /// A sidecar of a raster in the folder is no input of its own, and a picture is one only with
+    /// a sidecar.
+    void Keep(std::vector<std::string>& files) const {
+        std::set<std::string> placed;
+        std::set<std::string> rasters;
+        for (const std::string& file : files) {
+            const std::string extension = ExtensionOf(file);
+            if (sidecars_.contains(extension)) placed.insert(StemOf(file));
+            if (rasters_.contains(extension)) rasters.insert(StemOf(file));
+        }
+        for (const std::string& file : files)
+            if (IsPicture(file) && placed.contains(StemOf(file))) rasters.insert(StemOf(file));
+        std::erase_if(files, [&](const std::string& file) {
+            if (IsPicture(file)) return !rasters.contains(StemOf(file));
+            return sidecars_.contains(ExtensionOf(file)) && rasters.contains(StemOf(file));
+        });
+    }
+    static bool IsPicture(const std::string& file) {
+        static const std::set<std::string> kPictures = {".jpg", ".jpeg", ".png", ".bmp", ".gif"};
+        return kPictures.contains(ExtensionOf(file));
+    }
+
+private:
+    static std::string ExtensionOf(const std::string& file) {
+        return BFileUtilities::GetExtension(BString(file)).ToLower().StdStr();
+    }
+    static std::string StemOf(const std::string& file) { return file.substr(0, file.rfind('.')); }
+
+    std::set<std::string> sidecars_;
+    std::set<std::string> rasters_;
+};
+
 class Batch {
 public:
     explicit Batch(const BatchOptions& options);
@@ -127,8 +167,12 @@ NameSource::Settings Batch::SourceSettings() {
     settings.is_wanted = [this](const std::string& name) {
         return HashOf(name) % options_.shards == options_.shard - 1 && !out_.Has(name);
     };
+    if (!options_.every_file)
+        settings.keep_inputs = [inputs = FolderInputs()](std::vector<std::string>& files) {
+            inputs.Keep(files);
+        };
     settings.is_wanted_in_folder = [this, known = KnownExtensions()](const std::string& name) {
-        return options_.every_file ||
+        return options_.every_file || FolderInputs::IsPicture(name) ||
                known.contains(BFileUtilities::GetExtension(BString(name)).ToLower().StdStr());
     };
     return settings;
@@ -213,7 +257,7 @@ void AddInputs(CLI::App& batch, BatchOptions& options) {
                      "Files, folders, or - for names on stdin, which is what none means");
     batch.add_flag("-0,--null", options.nul_separated, "Names on stdin end in NUL");
     batch.add_flag("--all", options.every_file,
-                   "Every file of a folder, not only those of a known extension");
+                   "Every file of a folder, sidecars of rasters and unknown extensions too");
     batch
         .add_option_function<std::string>(
             "--shard", [&options](const std::string& text) { ParseShard(text, options); },

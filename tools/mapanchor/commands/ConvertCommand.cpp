@@ -253,6 +253,8 @@ Outcome Convert(ConvertOptions options, LogCollector& log) {
     ReadResult source = ReadFile(options.source, options.read, log);
     options.read.width = source.width;
     options.read.height = source.height;
+    if (options.image.empty() && !source.raster.empty())
+        options.image = BFileUtilities::GetFileName(BString(source.raster)).StdStr();
     Outcome outcome;
     outcome.status = source.Status();
     outcome.failure = source.failure;
@@ -264,7 +266,7 @@ Outcome Convert(ConvertOptions options, LogCollector& log) {
     CarryOut(options, source.reference, log, outcome);
     log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
     if (!outcome.failure)
-        outcome.status = outcome.diagnostics.empty() ? ExitStatus::Done : ExitStatus::Warnings;
+        outcome.status = AreDoubtful(outcome.diagnostics) ? ExitStatus::Warnings : ExitStatus::Done;
     return outcome;
 }
 

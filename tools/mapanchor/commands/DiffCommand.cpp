@@ -201,7 +201,7 @@ Comparison Compare(const DiffOptions& options, LogCollector& log) {
             comparison.diagnostics.push_back(remark);
             comparison.diagnostics.back().text = read->file + ": " + remark.text;
         }
-    if (!comparison.failure && !comparison.diagnostics.empty()) comparison.status = ExitStatus::Warnings;
+    if (!comparison.failure && AreDoubtful(comparison.diagnostics)) comparison.status = ExitStatus::Warnings;
     Judge(options, comparison);
     return comparison;
 }

@@ -6,6 +6,11 @@
 #include <algorithm>
 #include <utility>
 
+bool AreDoubtful(const Diagnostics& diagnostics) {
+    return std::any_of(diagnostics.begin(), diagnostics.end(),
+                       [](const Diagnostic& remark) { return !remark.is_note; });
+}
+
 LogCollector::LogCollector() {
     Tellurion::BLogger::Instance()->SetSink([this](Tellurion::ELogSeverity, const Tellurion::BString& text) {
         lines_.push_back(text.StdStr());

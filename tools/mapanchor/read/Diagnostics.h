@@ -17,6 +17,9 @@ struct Diagnostic {
 
 using Diagnostics = std::vector<Diagnostic>;
 
+/// True when one of them is more than a note.
+bool AreDoubtful(const Diagnostics& diagnostics);
+
 /// Takes what the library logs while it lives, in place of stderr.
 class LogCollector {
 public:

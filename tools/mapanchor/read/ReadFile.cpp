@@ -2,7 +2,6 @@
 
 #include <MapAnchor/BReading.h>
 
-#include <algorithm>
 #include <exception>
 #include <new>
 #include <string_view>
@@ -92,9 +91,7 @@ Failure CurrentFailure() {
 
 ExitStatus ReadResult::Status() const {
     if (failure) return StatusOf(outcome);
-    const bool doubtful = std::any_of(diagnostics.begin(), diagnostics.end(),
-                                      [](const Diagnostic& remark) { return !remark.is_note; });
-    return doubtful ? ExitStatus::Warnings : ExitStatus::Done;
+    return AreDoubtful(diagnostics) ? ExitStatus::Warnings : ExitStatus::Done;
 }
 
 ReadResult ResultOf(const BReading& reading, const std::string& name) {
@@ -113,6 +110,7 @@ ReadResult ResultOf(const BReading& reading, const std::string& name) {
         result.width = reading.GetWidth();
         result.height = reading.GetHeight();
     }
+    if (!reading.IsSidecar() || reading.GetUsedFile() != reading.GetFile()) result.raster = name;
     if (reading.GetPdfPage()) result.page = *reading.GetPdfPage();
     Copy(reading.GetDiagnostics(), result.diagnostics);
     return result;

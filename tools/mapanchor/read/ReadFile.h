@@ -40,6 +40,7 @@ struct ReadResult {
     std::string used_file;  ///< the file that was actually read
     std::vector<std::string> files;  ///< all that took part
     MapAnchor::BReading::EOutcome outcome = MapAnchor::BReading::EOutcome::Read;
+    std::string raster;  ///< that the reference is of; empty when only a sidecar was named
     bool centre_anchored = false;
     std::optional<long> width;  ///< of the raster, as given or as the file implies
     std::optional<long> height;

@@ -99,7 +99,9 @@ std::string CornersText(const ReadResult& result, const Console& console) {
 std::string PixelText(const ReadResult& result, const Console& console) {
     constexpr double kNoAngle = 1e-6;
     std::string text;
-    if (const auto pixel = PixelFactsOf(result))
+    // In degrees a pixel's width depends on where in the raster it is.
+    const auto pixel = result.width ? PixelFactsOf(result) : std::nullopt;
+    if (pixel)
         text +=
             Line(console, "pixel size",
                  BString::Format("%.6g by %.6g metres", pixel->width_metres, pixel->height_metres).StdStr());
