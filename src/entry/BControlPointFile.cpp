@@ -58,7 +58,8 @@ void Parse(std::string_view text, const BString& order, BControlPointFile& file)
     const std::string_view start = WithoutLeadingBlanks(text);
     if (start.starts_with('{') || start.starts_with('[')) return ParsePointJson(text, file);
     if (start.starts_with('<')) return ParseGcpList(text, file);
-    if (text.find("-gcp ") != std::string_view::npos) return ParseGcpOptions(text, file);
+    if (!start.starts_with('#') && text.find("-gcp ") != std::string_view::npos)
+        return ParseGcpOptions(text, file);
     ParsePointTable(text, order.StdStr(), file);
 }
 

@@ -36,7 +36,8 @@ public:
     static bool FormatForName(const Tellurion::BString& file, EFormat& format);
     /// Saves the points by the file's name, in one step; every number reads back as the same
     /// double. Throws a BUnsupportedFileTypeException for a name that is not among those of
-    /// FormatForName(), and a BGeoReferenceWriteException.
+    /// FormatForName(), and a BGeoReferenceWriteException. A .points file holds neither names nor
+    /// heights, options (.gcps) neither names nor disabled points.
     void Write(const Tellurion::BString& file) const;
 
     std::vector<Tellurion::BControlPoint> Points;  ///< rows count downwards from the top edge

@@ -100,6 +100,8 @@ Json Parse(std::string_view text) {
         const std::size_t start = before.rfind('\n');
         throw PointFault{line, before.size() - (start == std::string_view::npos ? 0 : start + 1) + 1,
                          "this is not valid JSON"};
+    } catch (const Json::exception&) {
+        throw PointFault{0, 0, "a number is out of range"};
     }
 }
 

@@ -105,6 +105,7 @@ TEST(ControlPointFile, FailuresNameThePlace) {
              {"\n -gcp 1 2 3 x", "in line 2, column 2: -gcp wants"},
              {"<PAMDataset>\n <GCPList>\n  <GCP Pixel=\"1\"/></GCPList></PAMDataset>",
               "in line 3, column 3: the GCP has no number Line"},
+             {"[1e999]", "out of range"},
              {"<VRTDataset/>", "no GCPList"},
              {"", "no control points"},
          }) {
