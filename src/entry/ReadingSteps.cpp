@@ -117,10 +117,7 @@ void TryWorldFileByType(const BReadingOptions& options, ReadingState& state) {
     try {
         ReadByType(EReferenceType::WLD, options, state);
     } catch (const BException& error) {
-        const char* const id = IdOfPdfRemark(line);
-        if (id) line.erase(0, std::string_view(id).size() + 2);
-        state.Add(
-            {.id = id ? id : DiagnosticId::kReadRemark, .severity = ESeverity::Error, .text = error.what()});
+        state.Add({.id = DiagnosticId::kReadRemark, .severity = ESeverity::Error, .text = error.what()});
         state.failure = by_name;
         return;
     }
@@ -298,7 +295,9 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     for (const BString& entry : log.Take()) {
         std::string line = entry.StdStr();
         std::replace(line.begin(), line.end(), '\n', ' ');  // those of the readers' formats
-        state.Add({.id = DiagnosticId::kReadRemark,
+        const char* const id = IdOfPdfRemark(line);
+        if (id) line.erase(0, std::string_view(id).size() + 2);
+        state.Add({.id = id ? id : DiagnosticId::kReadRemark,
                    .severity = state.failure ? ESeverity::Error : ESeverity::Warning,
                    .text = line});
     }
