@@ -103,6 +103,7 @@ ExitStatus RunProgram(int argc, char** argv) {
     AddFootprintCommand(app, status);
     AddBatchCommand(app, status);
     AddPreviewCommand(app, status);
+    AddGeoreferenceCommand(app, status);
     AddSourcesCommand(app, status);
     app.require_subcommand(0, 1);
     try {

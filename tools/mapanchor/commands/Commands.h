@@ -14,5 +14,6 @@ void AddDiffCommand(CLI::App& app, ExitStatus& status);
 void AddCheckCommand(CLI::App& app, ExitStatus& status);
 void AddFootprintCommand(CLI::App& app, ExitStatus& status);
 void AddBatchCommand(CLI::App& app, ExitStatus& status);
+void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status);
 void AddPreviewCommand(CLI::App& app, ExitStatus& status);
 void AddSourcesCommand(CLI::App& app, ExitStatus& status);

@@ -55,6 +55,9 @@ struct Outcome {
     void Warn(const std::string& text) { diagnostics.push_back({false, text}); }
 };
 
+/// Saves what was read as the options say. `has_size` is true when the caller gave the size.
+Outcome SaveReading(ConvertOptions options, bool has_size, ReadResult source, LogCollector& log);
+
 /// Says what of the reference this kind of target has no place for.
 void WarnOfLosses(const ConvertOptions& options, const Tellurion::BGeoReference& reference, Outcome& outcome);
 

@@ -248,9 +248,9 @@ void CarryOut(const ConvertOptions& options, const BGeoReference& reference, Log
     Save(options, reference, outcome);
 }
 
-Outcome Convert(ConvertOptions options, LogCollector& log) {
-    const bool has_size = options.read.width.has_value();
-    ReadResult source = ReadFile(options.source, options.read, log);
+}  // namespace
+
+Outcome SaveReading(ConvertOptions options, bool has_size, ReadResult source, LogCollector& log) {
     options.read.width = source.width;
     options.read.height = source.height;
     if (options.image.empty() && !source.raster.empty())
@@ -268,6 +268,13 @@ Outcome Convert(ConvertOptions options, LogCollector& log) {
     if (!outcome.failure)
         outcome.status = AreDoubtful(outcome.diagnostics) ? ExitStatus::Warnings : ExitStatus::Done;
     return outcome;
+}
+
+namespace {
+
+Outcome Convert(const ConvertOptions& options, LogCollector& log) {
+    ReadResult source = ReadFile(options.source, options.read, log);
+    return SaveReading(options, options.read.width.has_value(), std::move(source), log);
 }
 
 /// What a PDF says now, or would say.

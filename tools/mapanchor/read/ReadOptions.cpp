@@ -41,17 +41,6 @@ bool ParseWhole(const std::string& text, long& value) {
            value <= 0x7FFFFFFF;
 }
 
-void ParseSize(const std::string& text, ReadOptions& options) {
-    const std::size_t cross = text.find_first_of("xX");
-    long width = 0;
-    long height = 0;
-    if (cross == std::string::npos || !ParseWhole(text.substr(0, cross), width) ||
-        !ParseWhole(text.substr(cross + 1), height))
-        throw CLI::ValidationError("--size", "wants WxH in pixels, such as 2000x1000");
-    options.width = width;
-    options.height = height;
-}
-
 /// How options name a kind.
 std::string WordOf(const BReferenceFormat& format) {
     return CLI::detail::to_lower(format.GetName().StdStr());
@@ -66,6 +55,17 @@ void AllowDrivers(const std::string& names) {
 }
 
 }  // namespace
+
+void ParseSize(const std::string& text, ReadOptions& options) {
+    const std::size_t cross = text.find_first_of("xX");
+    long width = 0;
+    long height = 0;
+    if (cross == std::string::npos || !ParseWhole(text.substr(0, cross), width) ||
+        !ParseWhole(text.substr(cross + 1), height))
+        throw CLI::ValidationError("--size", "wants WxH in pixels, such as 2000x1000");
+    options.width = width;
+    options.height = height;
+}
 
 std::string KindWords() {
     std::string words;

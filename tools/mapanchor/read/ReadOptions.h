@@ -45,6 +45,9 @@ private:
     void AskBeyondRules(const char* option);
 };
 
+/// Reads "2000x1000" into the size; throws CLI::ValidationError for other texts.
+void ParseSize(const std::string& text, ReadOptions& options);
+
 /// The kind that an option's word names; throws CLI::ValidationError for none.
 Tellurion::EReferenceType KindFromWord(const std::string& option, const std::string& word);
 

@@ -1,0 +1,125 @@
+#include <MapAnchor/BControlPointFile.h>
+
+#include "ControlPointParsers.h"
+
+#include <Tellurion/RandomAccessFile.h>
+#include "common/Text.h"
+
+#include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
+#include <MapAnchor/BGeoReferenceWriteException.h>
+#include <MapAnchor/BMapAnchor.h>
+#include <Tellurion/BFileAccessException.h>
+#include <Tellurion/BFileNotFoundException.h>
+#include <Tellurion/BFileReplacement.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/BUnsupportedFileTypeException.h>
+
+namespace MapAnchor {
+
+using namespace Tellurion;
+
+namespace {
+
+constexpr const char* kSource = "BControlPointFile::Read";
+constexpr std::size_t kMaxLength = std::size_t{64} << 20;
+
+std::string ContentOf(const BString& file) {
+    if (!BFileUtilities::Exists(file))
+        throw BFileNotFoundException(kSource, BString::Format("File <%ls> does NOT exist.", file));
+    const RandomAccessFile in(file);
+    if (!in.IsOpen())
+        throw BFileAccessException(kSource,
+                                   BString::Format("File <%ls> cannot be opened for reading.", file));
+    if (in.Size() > kMaxLength)
+        throw BFileAccessException(
+            kSource, BString::Format("File <%ls> is larger than 64 MiB, too large for points.", file));
+    return in.Window(0, static_cast<std::size_t>(in.Size()));
+}
+
+/// RSF begins with a version and a count, TAB with its mark; other kinds by their names.
+bool IsReference(const BString& file, std::string_view content) {
+    const BString extension = BFileUtilities::GetExtension(file).ToLower();
+    for (const char* known : {".rsf", ".tab", ".tif", ".tiff", ".kap"})
+        if (extension == BString(known)) return true;
+    return ContainsInAnyCase(content.substr(0, 64), "!table");
+}
+
+void ReadReference(const BString& file, BControlPointFile& result) {
+    BGeoReference reference;
+    BString used;
+    BMapAnchor::Read(file, reference, used, 0, 0, EMathTransformType::None, nullptr);
+    result.Format = BControlPointFile::EFormat::Reference;
+    result.Points = BControlPoint::From(reference.PointPairVector);
+    if (reference.HasCoordSys()) result.CoordSys = reference.CoordSys->ToWholeWKT();
+}
+
+void Parse(std::string_view text, const BString& order, BControlPointFile& file) {
+    if (text.starts_with("\xef\xbb\xbf")) text.remove_prefix(3);
+    const std::string_view start = WithoutLeadingBlanks(text);
+    if (start.starts_with('{') || start.starts_with('[')) return ParsePointJson(text, file);
+    if (start.starts_with('<')) return ParseGcpList(text, file);
+    if (!start.starts_with('#') && text.find("-gcp ") != std::string_view::npos)
+        return ParseGcpOptions(text, file);
+    ParsePointTable(text, order.StdStr(), file);
+}
+
+BString PlaceOf(const PointFault& fault) {
+    if (fault.line == 0) return {};
+    return BString::Format(" in line %zu, column %zu", fault.line, fault.column);
+}
+
+}  // namespace
+
+BControlPointFile BControlPointFile::Read(const BString& file, const BString& order) {
+    BControlPointFile result;
+    const std::string content = ContentOf(file);
+    if (IsReference(file, content)) {
+        ReadReference(file, result);
+    } else {
+        try {
+            Parse(content, order, result);
+        } catch (const PointFault& fault) {
+            throw BGeoReferenceInvalidReferenceFileException(
+                kSource, BString::Format("File <%ls> cannot be read as control points%ls: %s.", file,
+                                         PlaceOf(fault), fault.text));
+        }
+    }
+    if (result.Points.empty())
+        throw BGeoReferenceInvalidReferenceFileException(
+            kSource, BString::Format("File <%ls> has no control points.", file));
+    return result;
+}
+
+bool BControlPointFile::FormatForName(const BString& file, EFormat& format) {
+    static constexpr std::pair<const char*, EFormat> kNames[] = {
+        {".points", EFormat::Points},   {".csv", EFormat::Table},    {".tsv", EFormat::Table},
+        {".geojson", EFormat::GeoJson}, {".json", EFormat::GeoJson}, {".gcps", EFormat::Gcps}};
+    const BString extension = BFileUtilities::GetExtension(file).ToLower();
+    for (const auto& [name, known] : kNames) {
+        if (extension != BString(name)) continue;
+        format = known;
+        return true;
+    }
+    return false;
+}
+
+void BControlPointFile::Write(const BString& file) const {
+    constexpr const char* kWriteSource = "BControlPointFile::Write";
+    EFormat format = EFormat::Points;
+    if (!FormatForName(file, format))
+        throw BUnsupportedFileTypeException(
+            kWriteSource,
+            BString::Format(
+                "File <%ls> has no name for control points: .points, .csv, .tsv, .geojson or .gcps.", file));
+    const bool tabs = BFileUtilities::GetExtension(file).ToLower() == BString(".tsv");
+    const std::string text = format == EFormat::Points    ? FormatQgisPoints(*this)
+                             : format == EFormat::Table   ? FormatPointTable(*this, tabs ? '\t' : ',')
+                             : format == EFormat::GeoJson ? FormatPointJson(*this)
+                                                          : FormatGcpOptions(*this);
+    BFileReplacement out(file);
+    if (!out.Open() || !out.Write(text) || !out.Commit())
+        throw BGeoReferenceWriteException(
+            kWriteSource, BString::Format("File <%ls> cannot be written: %ls.", file, out.GetFailure()));
+}
+
+}  // namespace MapAnchor

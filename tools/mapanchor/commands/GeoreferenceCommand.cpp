@@ -1,0 +1,349 @@
+#include "commands/Commands.h"
+#include "commands/Convert.h"
+#include "commands/Georeference.h"
+#include "read/Conversion.h"
+#include "read/ReferenceFacts.h"
+#include "read/Systems.h"
+
+#include <MapAnchor/BControlPointFile.h>
+#include <MapAnchor/BGdalAccess.h>
+#include <MapAnchor/BGeoPDFPage.h>
+#include <Tellurion/BException.h>
+#include <Tellurion/BFileUtilities.h>
+#include <Tellurion/Numbers.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <set>
+
+using namespace Tellurion;
+using MapAnchor::BControlPointFile;
+
+namespace {
+
+constexpr const char* kGeoreferenceDescription =
+    "Fit a reference through control points, report how good it is, and save it\n\n"
+    "The left-out residual of a point is its distance from the fit through all\n"
+    "others. A point that stands out is marked as suspect. Without -o nothing is\n"
+    "written.\n\n"
+    "Examples:\n"
+    "  mapanchor georeference scan.tif --gcps scan.points\n"
+    "  mapanchor georeference scan.jpg --gcps clicks.csv --crs EPSG:25832 -o scan.jgw\n"
+    "  mapanchor georeference scan.tif --gcps scan.points --drop P7 -o scan.tab\n"
+    "  mapanchor georeference a.png --bounds 11,47,12,48 --crs EPSG:4326 -o a.pgw";
+
+std::vector<double> NumbersIn(std::string_view& text, std::size_t most) {
+    std::vector<double> numbers;
+    double value = 0.0;
+    while (numbers.size() < most && ScanDouble(text, value)) {
+        numbers.push_back(value);
+        if (!text.starts_with(',')) break;
+        text.remove_prefix(1);
+    }
+    return numbers;
+}
+
+BControlPoint PointOf(const std::string& words) {
+    constexpr std::size_t kNeeded = 4;
+    std::string_view rest = words;
+    const std::vector<double> numbers = NumbersIn(rest, kNeeded + 1);
+    const auto finite = [](double value) { return std::isfinite(value); };
+    if (numbers.size() < kNeeded || !std::all_of(numbers.begin(), numbers.end(), finite))
+        throw CLI::ValidationError("--gcp", "wants PIXEL,LINE,X,Y[,Z[,NAME]], not " + words);
+    BControlPoint point;
+    point.Column = numbers[0];
+    point.Row = numbers[1];
+    point.World = {numbers[2], numbers[3], numbers.size() > kNeeded ? numbers[4] : 0.0};
+    point.Name = BString(std::string(rest));
+    return point;
+}
+
+std::unique_ptr<BCoordSys> SystemOf(const std::string& option, const std::string& text) {
+    if (text.empty()) return nullptr;
+    std::unique_ptr<BCoordSys> system;
+    try {
+        system = SystemFromText(text).system;
+    } catch (const BException&) {
+    }
+    if (!system) throw CLI::ValidationError(option, "unknown coordinate system: " + text);
+    return system;
+}
+
+/// The raster's size: as given, of the first page of a PDF, or as GDAL has it.
+void FindSize(const GeoreferenceOptions& options, Georeferenced& made) {
+    made.result.width = options.convert.read.width;
+    made.result.height = options.convert.read.height;
+    if (made.result.width) return;
+    const BString image(options.image);
+    if (BFileUtilities::GetExtension(image).ToLower() == BString(".pdf")) {
+        const auto box = MapAnchor::BGeoPDFPage::Describe(image).MediaBox;
+        const double per_point = options.convert.read.dpi / ReadOptions::kPointsPerInch;
+        if (!box.Present) return;
+        made.result.width = std::lround((box.Right - box.Left) * per_point);
+        made.result.height = std::lround((box.Top - box.Bottom) * per_point);
+        return;
+    }
+    long width = 0;
+    long height = 0;
+    if (!MapAnchor::BGdalAccess::GetRasterSize(image, width, height)) return;
+    made.result.width = width;
+    made.result.height = height;
+}
+
+void ReadPoints(const GeoreferenceOptions& options, std::string& points_system, Georeferenced& made) {
+    for (const std::string& words : options.gcps)
+        made.points.push_back(PointOf(words));
+    if (options.file.empty()) return;
+    const auto file = BControlPointFile::Read(BString(options.file), BString(options.order));
+    made.points.insert(made.points.end(), file.Points.begin(), file.Points.end());
+    for (const BString& warning : file.Warnings)
+        made.result.diagnostics.push_back({false, warning.StdStr()});
+    if (points_system.empty()) points_system = file.CoordSys.StdStr();
+}
+
+/// Points are named by their place where they have no name.
+void NameAndDrop(const GeoreferenceOptions& options, Georeferenced& made) {
+    std::set<std::string> unknown(options.drop.begin(), options.drop.end());
+    for (std::size_t i = 0; i < made.points.size(); ++i) {
+        BControlPoint& point = made.points[i];
+        if (point.Name.IsEmpty()) point.Name = BString(std::to_string(i + 1));
+        const std::string name = point.Name.StdStr();
+        if (std::find(options.drop.begin(), options.drop.end(), name) == options.drop.end()) continue;
+        point.Enabled = false;
+        unknown.erase(name);
+    }
+    if (!unknown.empty()) throw CLI::ValidationError("--drop", "there is no point named " + *unknown.begin());
+}
+
+void ConvertPoints(const BCoordSys& from, const BCoordSys& to, Georeferenced& made) {
+    if (IsSameSystem(from, to)) return;
+    const Conversion conversion(from, to);
+    for (BControlPoint& point : made.points) {
+        const auto there = conversion.Convert({point.World.x, point.World.y});
+        if (!there)
+            throw BException(BString("mapanchor"),
+                             BString("Point ") + point.Name + BString(" at ") +
+                                 BString(PrintShortest(point.World.x) + ", " + PrintShortest(point.World.y)) +
+                                 BString(" cannot be converted from ") + BString(NameOf(from)) +
+                                 BString(" to ") + BString(NameOf(to)));
+        point.World.x = there->x;
+        point.World.y = there->y;
+    }
+}
+
+void SetBounds(const std::vector<double>& sides, Georeferenced& made) {
+    if (!made.result.width)
+        throw CLI::ValidationError("--bounds", "the raster's size is not known: --size WxH gives it");
+    const auto width = static_cast<double>(*made.result.width);
+    const auto height = static_cast<double>(*made.result.height);
+    const std::unique_ptr<BMathTransform> transform(BMathTransform::CreateAffine(
+        (sides[2] - sides[0]) / width, 0, sides[0], 0, (sides[1] - sides[3]) / height, sides[3], true));
+    if (!transform) throw CLI::ValidationError("--bounds", "the box has no area");
+    made.result.reference.SetMathTransform(*transform);
+}
+
+void Fit(const GeoreferenceOptions& options, Georeferenced& made) {
+    const auto width = static_cast<unsigned int>(made.result.width.value_or(0));
+    const auto height = static_cast<unsigned int>(made.result.height.value_or(0));
+    made.alternatives = BFitReport::Compare(made.points, width, height);
+    const EMathTransformType type =
+        options.fit ? *options.fit : BFitReport::Choose(made.alternatives, made.points);
+    made.report = BFitReport::Make(type, made.points, width, height);
+    made.result.reference.SetPointPairVectorAndMathTransform(BControlPoint::Round(made.points),
+                                                             made.report->Transform);
+}
+
+void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
+    const BFitReport& report = *made.report;
+    std::string names;
+    for (std::size_t i = 0; i < made.points.size(); ++i)
+        if (report.Residuals[i].Suspect) names += (names.empty() ? "" : ",") + made.points[i].Name.StdStr();
+    auto& remarks = made.result.diagnostics;
+    if (!names.empty())
+        remarks.push_back({false,
+                           "these points stand out: " + names + "; --drop " + names + " leaves them out",
+                           "suspects"});
+    if (report.NearLine)
+        remarks.push_back({false, "the points are near a line: the fit is weak across it", "near-line"});
+    if (options.max_rmse && report.RmsePixels > *options.max_rmse)
+        made.result.failure =
+            Failure{"BGeoReferenceInvalidTransformException", "", "mapanchor",
+                    "The root mean square of the residuals is " + PrintFixed(report.RmsePixels, 3) +
+                        " pixels, more than " + PrintShortest(*options.max_rmse) + "; nothing was saved."};
+}
+
+/// What whole pixels cost: the largest distance of the fit through them, in pixels, at the corners
+/// and points.
+std::optional<double> CostOfRounding(const Georeferenced& made) {
+    const BMathTransform& exact = made.report->Transform;
+    double cost = 0.0;
+    try {
+        const BMathTransform rounded(exact.GetMathTransformType(), made.result.reference.PointPairVector,
+                                     static_cast<unsigned int>(made.result.width.value_or(0)),
+                                     static_cast<unsigned int>(made.result.height.value_or(0)), true);
+        std::vector<Position> places;
+        for (const BControlPoint& point : made.points)
+            places.push_back({point.Column, point.Row});
+        if (made.result.width)
+            for (const double x : {0.0, static_cast<double>(*made.result.width)})
+                for (const double y : {0.0, static_cast<double>(*made.result.height)})
+                    places.push_back({x, y});
+        for (const Position& place : places) {
+            Position there = place;
+            if (!exact.ConvertSourceToTarget(there.x, there.y) ||
+                !rounded.ConvertTargetToSource(there.x, there.y))
+                return std::nullopt;
+            cost = std::max(cost, std::hypot(there.x - place.x, there.y - place.y));
+        }
+    } catch (const BException&) {
+        return std::nullopt;
+    }
+    return cost;
+}
+
+void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& made) {
+    ConvertOptions convert = options.convert;
+    convert.source = options.file;
+    convert.image = BFileUtilities::GetFileName(BString(options.image)).StdStr();
+    const bool has_size = convert.read.width.has_value();
+    Outcome outcome = SaveReading(convert, has_size, made.result, log);
+    made.result.failure = outcome.failure;
+    made.result.diagnostics = std::move(outcome.diagnostics);
+    made.status = outcome.status;
+    if (outcome.failure) return;
+    made.written = outcome.plan.files;
+    if (made.report && outcome.plan.format->HoldsPoints()) {
+        constexpr double kNoCost = 1e-6;
+        made.rounding = CostOfRounding(made);
+        if (!made.rounding || *made.rounding > kNoCost)
+            made.result.diagnostics.push_back(
+                {false,
+                 "the points are saved with whole pixels, which moves the fit through them by " +
+                     (made.rounding ? "up to " + PrintFixed(*made.rounding, 3) + " pixels"
+                                    : "an unknown amount"),
+                 "rounded"});
+    }
+    const EMathTransformType type = made.result.reference.MathTransform->GetMathTransformType();
+    if (outcome.plan.format->HoldsPoints() && made.report && type != EMathTransformType::Affine &&
+        !outcome.plan.IsPdf() && !outcome.plan.IsInPlace())
+        made.result.diagnostics.push_back(
+            {false,
+             std::string("the file holds the points, not the fit: read it with --fit ") + WordFor(type),
+             "fit-not-saved"});
+    if (!made.result.diagnostics.empty()) made.status = ExitStatus::Warnings;
+}
+
+void Make(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& made) {
+    FindSize(options, made);
+    std::string points_text = options.points_crs;
+    ReadPoints(options, points_text, made);
+    NameAndDrop(options, made);
+    auto points_system = SystemOf("--points-crs", points_text);
+    auto system = SystemOf("--crs", options.crs);
+    if (system && points_system) ConvertPoints(*points_system, *system, made);
+    if (!system) system = std::move(points_system);
+    if (system)
+        made.result.reference.SetCoordSys(BSharedPtr<BCoordSys>(system.release()));
+    else
+        made.result.diagnostics.push_back({false, "the coordinate system is not known: --crs TEXT names it"});
+    if (!options.bounds.empty()) {
+        SetBounds(options.bounds, made);
+    } else {
+        Fit(options, made);
+        WarnOf(options, made);
+    }
+    made.status = made.result.failure               ? ExitStatus::Error
+                  : made.result.diagnostics.empty() ? ExitStatus::Done
+                                                    : ExitStatus::Warnings;
+    if (!made.result.failure && !options.convert.target.empty()) SaveTo(options, log, made);
+}
+
+ExitStatus Run(const GeoreferenceOptions& options) {
+    const int ways = !options.bounds.empty() + (!options.file.empty() || !options.gcps.empty());
+    if (ways != 1)
+        throw CLI::ValidationError("georeference", "wants control points, by --gcps or --gcp, or --bounds");
+    const Console console = options.convert.common.MakeConsole();
+    LogCollector log;
+    Georeferenced made;
+    made.result.file = options.image;
+    try {
+        if (!BFileUtilities::Exists(BString(options.image)) && !options.convert.read.width)
+            throw BException(BString("mapanchor"),
+                             BString("File <") + BString(options.image) +
+                                 BString("> does NOT exist; --size WxH stands for it."));
+        Make(options, log, made);
+    } catch (const BException&) {
+        made.result.failure = CurrentFailure();
+        made.status = ExitStatus::Error;
+    }
+    PrintGeoreferenced(options, made, console);
+    return made.status;
+}
+
+void AddPointOptions(CLI::App& command, GeoreferenceOptions& options) {
+    command
+        .add_option("--gcps", options.file, "Control points: QGIS points, CSV, GeoJSON, IIIF, GDAL, RSF, TAB")
+        ->type_name("FILE");
+    command.add_option("--gcp", options.gcps, "One control point; may be repeated")
+        ->type_name("PIXEL,LINE,X,Y[,Z[,NAME]]")
+        ->allow_extra_args(false)
+        ->take_all();
+    command
+        .add_option("--order", options.order, "The columns of a table without header, such as pixel,line,x,y")
+        ->type_name("COLUMNS");
+    command.add_option("--drop", options.drop, "Leave out these points")
+        ->delimiter(',')
+        ->type_name("NAME,...");
+    command
+        .add_option("--points-crs", options.points_crs, "The points' coordinate system, where it is another")
+        ->type_name("CRS");
+    command.add_option("--crs", options.crs, "The coordinate system of the reference")->type_name("CRS");
+    command
+        .add_option_function<std::string>(
+            "--bounds",
+            [&options](const std::string& text) {
+                std::string_view rest = text;
+                options.bounds = NumbersIn(rest, 4);
+                if (options.bounds.size() != 4 || !rest.empty())
+                    throw CLI::ValidationError("--bounds", "wants W,S,E,N");
+            },
+            "The outer edges of the raster, in place of points")
+        ->type_name("W,S,E,N");
+}
+
+}  // namespace
+
+void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status) {
+    auto options = std::make_shared<GeoreferenceOptions>();
+    CLI::App* command = app.add_subcommand("georeference", kGeoreferenceDescription);
+    command->add_option("FILE", options->image, "Raster or PDF to georeference")->required();
+    AddPointOptions(*command, *options);
+    static const std::map<std::string, int> kFits = {{"auto", -1}, {"affine", 0}, {"conformal", 1},
+                                                     {"poly2", 2}, {"poly3", 3},  {"projective", 4},
+                                                     {"tps", 5}};
+    command
+        ->add_option_function<std::string>(
+            "--fit",
+            [o = options.get()](const std::string& word) {
+                if (word != "auto") o->fit = static_cast<EMathTransformType>(kFits.at(word));
+            },
+            "The fit: auto, affine, conformal, poly2, poly3, projective, tps")
+        ->check(CLI::IsMember({"auto", "affine", "conformal", "poly2", "poly3", "projective", "tps"}))
+        ->type_name("FIT");
+    AddNumber(
+        *command, "--max-rmse", [o = options.get()](double value) { o->max_rmse = value; }, {},
+        "Save nothing when the residuals' root mean square is larger, in pixels")
+        ->type_name("PX");
+    command->add_option("-o,--output", options->convert.target, "File to save; its name says the kind")
+        ->type_name("FILE");
+    command->add_flag("--overwrite", options->convert.overwrite,
+                      "Replace files that exist; georeference a raster or a PDF in place");
+    command
+        ->add_option_function<std::string>(
+            "--size", [o = options.get()](const std::string& text) { ParseSize(text, o->convert.read); },
+            "The raster's size in pixels")
+        ->type_name("WxH");
+    options->convert.common.AddTo(*command);
+    command->callback([options, &status] { status = Run(*options); });
+}
