@@ -63,6 +63,7 @@ std::unique_ptr<PdfMemDocument> LoadGuarded(const std::string& utf8_path, EPDFEx
 }
 
 std::unique_ptr<PdfMemDocument> LoadBySearch(const std::string& utf8_path) {
+    const PoDoFoSettings settings;
     FileWindow file(utf8_path);
     return file.IsOpen() ? SearchFirstPage(file) : nullptr;
 }
