@@ -72,6 +72,7 @@ TEST(Info, ExitStatusSaysHowItEnded) {
     folder.ExpectRun("%map.jpg", 0, "", {"read from map.jgw"});
     EXPECT_EQ(folder.ExpectRun("--crs EPSG:32632 --print epsg,affine,size --size 4x2 %map.jpg", 0).out,
               "EPSG:32632\t0.5 0 676000 0 -0.5 5242000\t4 2\n");
+    EXPECT_EQ(folder.ExpectRun("info --print epsg %tiny.tfw", 3).out, "EPSG:32632\n");
 }
 
 TEST(Info, WrongUsageIs64) {

@@ -225,8 +225,7 @@ void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced
                  "rounded"});
     }
     const EMathTransformType type = made.result.reference.MathTransform->GetMathTransformType();
-    if (outcome.plan.format->HoldsPoints() && made.report && type != EMathTransformType::Affine &&
-        !outcome.plan.IsPdf() && !outcome.plan.IsInPlace())
+    if (outcome.plan.format->HoldsPoints() && made.report && type != EMathTransformType::Affine)
         made.result.diagnostics.push_back(
             {false,
              std::string("the file holds the points, not the fit: read it with --fit ") + WordFor(type),
@@ -294,6 +293,7 @@ void AddPointOptions(CLI::App& command, GeoreferenceOptions& options) {
         ->type_name("COLUMNS");
     command.add_option("--drop", options.drop, "Leave out these points")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->type_name("NAME,...");
     command
         .add_option("--points-crs", options.points_crs, "The points' coordinate system, where it is another")

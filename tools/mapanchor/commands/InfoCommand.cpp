@@ -64,6 +64,7 @@ void AddInfoCommand(CLI::App& app, ExitStatus& status) {
     info->add_option("--print", options->values,
                      "Print only these values, one line per file: crs, epsg, bounds, size, affine, wkt")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->check(CLI::IsMember(PrintableValues()))
         ->type_name("VALUE,...");
     options->read.pdf_list_pages = true;

@@ -205,6 +205,7 @@ void ReadOptions::AddTo(CLI::App& app) {
            "Fail when that part cannot be had (with --type): transform, crs; pdf: read a PDF by the "
            "rules alone")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->check(CLI::IsMember({"transform", "crs", "pdf"}))
         ->type_name("PART,...");
     app.add_option_function<std::string>(
