@@ -14,7 +14,7 @@ else
     ln -s "$build" "$scratch/prefix"
 fi
 cp -r "$here" "$scratch/project"
-printf '2\n0\n0\n-2\n101\n199\n' >"$scratch/map.tfw"
+printf '2\n0\n0\n-2\n11\n49\n' >"$scratch/map.tfw"
 printf '%s' 'GEOGCS["GCS_WGS_1984",DATUM["D_WGS_1984",SPHEROID["WGS_1984",6378137.0,298.257223563]],PRIMEM["Greenwich",0.0],UNIT["Degree",0.0174532925199433]]' >"$scratch/map.prj"
 
 cmake -S "$scratch/project" -B "$scratch/cmake" -DCMAKE_PREFIX_PATH="$scratch/prefix" >"$scratch/cmake.log"

@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
         double a, b, c, d, e, f;
         reference.MathTransform->GetAffineParameters(a, b, c, d, e, f);
         std::printf("%g %g %g %g %g %g %s\n", a, b, c, d, e, f, reference.CoordSys->GetName().Utf8());
-        return a == 2 && b == 0 && c == 100 && d == 0 && e == -2 && f == 200 ? 0 : 1;
+        return a == 2 && b == 0 && c == 10 && d == 0 && e == -2 && f == 50 ? 0 : 1;
     } catch (const BException& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 2;
