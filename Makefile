@@ -42,14 +42,14 @@ fuzz: setup ## build the fuzz targets and run each for FUZZ_SECONDS (60)
 bench: setup ## run the benchmarks, into docs/performance.md
 	@scripts/bench.sh $(JOBS)
 
-bench-compare: setup ## tell which operation got slower than docs/performance.md says
+bench-compare: setup ## show which operation got slower than docs/performance.md says
 	@scripts/bench.sh $(JOBS) --compare
 
 crs-sweep: build ## pass every EPSG system through every notation, into docs/conformance.md
 	@build/release/bin/crs_sweep --into docs/conformance.md --list build/release/crs-sweep.tsv
 
 CORPUS ?= ../shared/corpus
-conformance: build ## hold the tool against GDAL on the files of CORPUS, into docs/conformance.md
+conformance: build ## compare the tool with GDAL on the files of CORPUS, into docs/conformance.md
 	@/usr/bin/python3 scripts/conformance.py $(TOOL) $(CORPUS) docs/conformance.md
 
 consumer: build ## build a project outside the tree against the installed package

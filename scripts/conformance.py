@@ -29,6 +29,8 @@ REASONS = {
     "fakedoq1.doq": "the keywords of its header place it at 0, 0 in NAD27; GDAL takes another header's fields",
     "byte_nogeoref.jp2": "the box inside the file places it; GDAL prefers the world file beside it",
     "texftus.ers": "cell sizes are metres here, whatever the unit of the system",
+    "recursive_resources_and_oc_name_and_empty_ocg_name.pdf":
+        "all control points are fitted; GDAL leaves out a rotation of some millionths",
     "adobe_style_geospatial.pdf": "all control points are fitted; GDAL leaves out a rotation of some millionths",
 }
 
@@ -96,7 +98,7 @@ def apart(ours, theirs, size, shift=0.0):
 def page_scaled(ours, record, theirs):
     """A PDF page has as many pixels as one asks for: bring our terms to GDAL's number."""
     size = record.get("size")
-    if not size:
+    if not ours or not size:
         return ours
     by = [size[0] / theirs["size"][0], size[1] / theirs["size"][1]]
     return [ours[0], ours[1] * by[0], ours[2] * by[1], ours[3], ours[4] * by[0], ours[5] * by[1]]
@@ -156,6 +158,8 @@ def verdict(path, record, peer):
         return "on purpose", REASONS[path.name]
     if not peer_terms:
         found, note = points_verdict(record, peer["points"])
+    elif not terms:
+        return "we cannot", "points alone: " + "; ".join(d["text"] for d in mine["diagnostics"])
     else:
         if path.suffix.lower() == ".pdf":
             terms = page_scaled(terms, record, peer)
