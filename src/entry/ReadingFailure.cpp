@@ -21,12 +21,12 @@ BString ReadingFailure::Text() const {
 ReadingFailure ReadingFailure::Current() {
     const std::exception_ptr error = std::current_exception();
     // A reader's failures of other families leave as the one of reading.
-    const auto foreign = [](const char* type, const BString& message) {
-        return ReadingFailure{type,
-                              message,
+    const auto foreign = [](const char* family, const BString& words) {
+        return ReadingFailure{family,
+                              words,
                               {},
                               {},
-                              std::make_exception_ptr(BGeoReferenceReadException("BReading::Of", message))};
+                              std::make_exception_ptr(BGeoReferenceReadException("BReading::Of", words))};
     };
     try {
         throw;
