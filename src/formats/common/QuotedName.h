@@ -3,6 +3,7 @@
 #include <Tellurion/BString.h>
 
 #include <cstddef>
+#include <string_view>
 
 namespace MapAnchor {
 
@@ -11,5 +12,8 @@ namespace MapAnchor {
 /// character's end. A name that changes is logged with `source`. Written as it is it
 /// would make the whole file unreadable.
 Tellurion::BString QuotedName(const Tellurion::BString& name, std::size_t most, const char* source);
+
+/// The end of the last whole character within the first `most` bytes of a text in UTF-8.
+std::size_t EndOfCharacter(std::string_view text, std::size_t most);
 
 }  // namespace MapAnchor

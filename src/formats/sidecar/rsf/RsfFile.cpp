@@ -52,7 +52,8 @@ bool TakeName(std::string_view& text, std::string_view& name) {
     std::size_t end = text.substr(0, RsfFile::kLongestName).find('"');
     if (end == std::string_view::npos) end = RsfFile::kLongestName;
     if (end >= text.size()) return false;
-    name = text.substr(0, end);
+    // A half character would make the whole file unreadable when it is saved.
+    name = text.substr(0, EndOfCharacter(text, end));
     text.remove_prefix(end + 1);
     return true;
 }
