@@ -106,8 +106,8 @@ void BRefADRG::Read(const BString& file, const unsigned int& flags, BGeoReferenc
             kSource, "Could not read the required values (such as Asz Bs).");
     const Strictness strictness(flags);
     const AffineTerms terms = info->ToAffine();
-    const AffineTerms told = WithoutSign(terms);
-    StoreAffine(reference, terms, strictness.Transform(), kTexts, &told);
+    const AffineTerms shown = WithoutSign(terms);
+    StoreAffine(reference, terms, strictness.Transform(), kTexts, &shown);
     const auto system =
         FindCoordSys([] { return LookUp(Wgs84()); }, strictness.CoordSys(), GetCoordSysTexts());
     if (!system.IsEmpty()) reference.SetCoordSys(system);

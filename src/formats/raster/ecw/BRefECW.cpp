@@ -138,9 +138,9 @@ void RequireIncrements(const BString& file, const NCSFileViewFileInfoEx& info) {
 void Store(const BString& file, const NCSFileViewFileInfoEx& info, Strictness strictness,
            BGeoReference& reference) {
     RequireIncrements(file, info);
-    AffineTerms told = TermsOf(info);
-    told.e = info.fCellIncrementY;
-    StoreAffine(reference, TermsOf(info), strictness.Transform(), kTexts, &told);
+    AffineTerms shown = TermsOf(info);
+    shown.e = info.fCellIncrementY;
+    StoreAffine(reference, TermsOf(info), strictness.Transform(), kTexts, &shown);
     StoreSystem(info, strictness.CoordSys(), reference);
 }
 
