@@ -22,6 +22,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using namespace Tool;
 
 // The order is part of the seeds: new ones go to the end.
 constexpr const char* kExtensions[] = {"tif", "tfw", "rsf", "tab",  "ers",  "pdf", "kap", "jp2", "ecw", "sid",

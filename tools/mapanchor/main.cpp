@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 namespace {
 
 constexpr const char* kDescription =
@@ -128,15 +130,18 @@ ExitStatus RunProgram(int argc, char** argv) {
 
 }  // namespace
 
+}  // namespace Tool
+
 int main(int argc, char** argv) {
-    OpenClosedStreams();
+    Tool::OpenClosedStreams();
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write that fails
     try {
-        return static_cast<int>(RunProgram(argc, argv));
-    } catch (const ReaderLeft&) {
-        return static_cast<int>(ExitStatus::ReaderLeft);
+        return static_cast<int>(Tool::RunProgram(argc, argv));
+    } catch (const Tool::ReaderLeft&) {
+        return static_cast<int>(Tool::ExitStatus::ReaderLeft);
     } catch (const std::exception& error) {
-        Console(ColorMode::Never, false).Complain(std::string("mapanchor: error: ") + error.what());
-        return static_cast<int>(ExitStatus::Error);
+        Tool::Console(Tool::ColorMode::Never, false)
+            .Complain(std::string("mapanchor: error: ") + error.what());
+        return static_cast<int>(Tool::ExitStatus::Error);
     }
 }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace Tool {
+
 namespace {
 
 /// A formula begins with one of these, the wide ones of East Asian keyboards included.
@@ -26,3 +28,5 @@ std::string CsvField(const std::string& cell) {
         quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
     return quoted + "\"";
 }
+
+}  // namespace Tool

@@ -17,6 +17,8 @@
 #include <sstream>
 #include <stdexcept>
 
+namespace Tool {
+
 using MapAnchor::BQuietGdal;
 using Tellurion::BFileUtilities;
 using Tellurion::BString;
@@ -157,3 +159,5 @@ void Index::Close() {
     if (overwrite_) RemoveJournals(file_);
     folder_->MoveOut(overwrite_);
 }
+
+}  // namespace Tool

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+namespace Tool {
+
 /// A file of footprints with what is known of each input, for a map; of the kind that
 /// its extension names among GDAL's vector drivers. It is made in a folder of its own and
 /// moved to its place at the end. Throws std::runtime_error when it cannot be made or
@@ -31,3 +33,5 @@ private:
     bool has_transactions_ = false;
     int uncommitted_ = 0;
 };
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <utility>
 
+namespace Tool {
+
 namespace {
 
 constexpr std::size_t kLengthSize = sizeof(std::uint64_t);
@@ -67,3 +69,5 @@ std::string TextReceiver::Take() {
     bytes_.clear();
     return text;
 }
+
+}  // namespace Tool

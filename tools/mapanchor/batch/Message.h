@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace Tool {
+
 /// Texts through a pipe, each behind its length.
 
 /// False when the other end is gone.
@@ -28,3 +30,5 @@ private:
 
     std::string bytes_;
 };
+
+}  // namespace Tool

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <filesystem>
 
+namespace Tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -132,3 +134,5 @@ void NameSource::SplitNames(std::size_t searched) {
     unsplit_.erase(0, begin);
     if (unsplit_.size() > kMaxNameLength) Fail(TooLongName());
 }
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// The names of a run, in order: names as given, "-" for those on stdin, a folder for
 /// the files in it and below. Lists ahead of the demand, and never waits.
 class NameSource {
@@ -50,3 +52,5 @@ private:
     std::string fault_;
     std::deque<std::string> pending_;
 };
+
+}  // namespace Tool

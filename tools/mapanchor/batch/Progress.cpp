@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <string>
 
+namespace Tool {
+
 namespace {
 
 using Seconds = std::chrono::duration<double>;
@@ -43,3 +45,5 @@ void Progress::Tell(std::optional<std::size_t> left, bool at_end) {
     is_line_open_ = is_terminal_;
     std::fputs(line.c_str(), stderr);
 }
+
+}  // namespace Tool

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <optional>
 
+namespace Tool {
+
 /// Tells on stderr how far a run is: one line that is written over on a terminal, a
 /// line now and then elsewhere.
 class Progress {
@@ -28,3 +30,5 @@ private:
     Clock::time_point begin_ = Clock::now();
     Clock::time_point last_ = begin_;
 };
+
+}  // namespace Tool

@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace Tool {
+
 using Tellurion::PrintShortest;
 
 namespace {
@@ -110,3 +112,5 @@ Row Unpack(std::string bytes) {
     row.text = std::move(bytes);
     return row;
 }
+
+}  // namespace Tool

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace Tool {
+
 enum class RowFormat { JsonLines, GeoJsonSequence, Csv, Stac };
 
 struct RowSettings {
@@ -30,3 +32,5 @@ std::string HeadingOf(RowFormat format);
 /// A row on its way between processes.
 std::string Pack(const Row& row);
 Row Unpack(std::string bytes);
+
+}  // namespace Tool

@@ -13,6 +13,8 @@
 #include <iterator>
 #include <stdexcept>
 
+namespace Tool {
+
 namespace {
 
 /// What every row of this tool begins with.
@@ -133,3 +135,5 @@ std::size_t RowFile::AddRows(std::string_view text) {
 void RowFile::Print(std::string_view row) {
     WriteOut(stream_ ? stream_.get() : stdout, row, file_);
 }
+
+}  // namespace Tool

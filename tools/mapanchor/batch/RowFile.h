@@ -6,6 +6,8 @@
 #include <string_view>
 #include <unordered_set>
 
+namespace Tool {
+
 /// Where rows go, a whole one at a time: stdout, or a file of JSON Lines that an earlier
 /// run began. Throws OutputLost when a row does not get there.
 class RowFile {
@@ -40,3 +42,5 @@ private:
     std::unique_ptr<std::FILE, Closer> stream_;  ///< empty for stdout
     std::unordered_set<std::string> names_;
 };
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <ctime>
 
+namespace Tool {
+
 namespace {
 
 std::string FileTime(const std::string& file) {
@@ -61,3 +63,5 @@ Json StacItem(const ReadResult& result, const std::optional<Footprint>& footprin
     item["assets"] = {{"data", {{"href", name}, {"roles", {"data"}}}}};
     return item;
 }
+
+}  // namespace Tool

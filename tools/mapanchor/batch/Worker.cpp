@@ -13,6 +13,8 @@
 #include <new>
 #include <stdexcept>
 
+namespace Tool {
+
 namespace {
 
 constexpr int kOutOfMemory = 77;
@@ -106,3 +108,5 @@ std::string Worker::End() {
     if (WIFEXITED(state)) return "exit status " + std::to_string(WEXITSTATUS(state));
     return "signal " + std::to_string(WTERMSIG(state)) + " (" + strsignal(WTERMSIG(state)) + ")";
 }
+
+}  // namespace Tool

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// Answers one file's name; runs in the worker process.
 using Answer = std::function<std::string(const std::string& name)>;
 
@@ -48,3 +50,5 @@ private:
     bool ended_for_memory_ = false;
     TextReceiver receiver_;
 };
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+namespace Tool {
+
 WorkerPool::WorkerPool(int count, Answer answer, const Limits& limits, std::vector<int> strangers)
     : answer_(std::move(answer)), limits_(limits), strangers_(std::move(strangers)) {
     for (int i = 0; i < count; ++i) {
@@ -104,3 +106,5 @@ std::vector<JobOutcome> WorkerPool::Wait(int descriptor, std::chrono::millisecon
         if (auto outcome = Look(*busy[i], polled[i].revents != 0)) outcomes.push_back(std::move(*outcome));
     return outcomes;
 }
+
+}  // namespace Tool

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace Tool {
+
 struct Job {
     std::uint64_t number = 0;  ///< of the input, from 0
     std::string name;
@@ -49,3 +51,5 @@ private:
     std::vector<int> strangers_;
     std::vector<std::unique_ptr<Seat>> seats_;
 };
+
+}  // namespace Tool

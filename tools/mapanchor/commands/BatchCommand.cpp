@@ -20,6 +20,8 @@
 #include <set>
 #include <thread>
 
+namespace Tool {
+
 namespace {
 
 using Tellurion::BFileUtilities;
@@ -325,3 +327,5 @@ void AddBatchCommand(CLI::App& app, ExitStatus& status) {
         status = Run(*options);
     });
 }
+
+}  // namespace Tool

@@ -18,6 +18,8 @@
 #include <memory>
 #include <string_view>
 
+namespace Tool {
+
 namespace {
 
 using Tellurion::BCoordSys;
@@ -207,3 +209,5 @@ void AddCheckCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*check);
     check->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

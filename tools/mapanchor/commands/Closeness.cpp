@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Tool {
+
 using namespace Tellurion;
 
 namespace {
@@ -67,3 +69,5 @@ std::optional<Closeness> CompareAtCorners(const BGeoReference& meant, const BGeo
     }
     return std::nullopt;
 }
+
+}  // namespace Tool

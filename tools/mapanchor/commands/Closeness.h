@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+namespace Tool {
+
 /// How far two references of one raster lie apart at its worst corner.
 struct Closeness {
     double pixels = 0.0;  ///< of the first one
@@ -16,3 +18,5 @@ struct Closeness {
 std::optional<Closeness> CompareAtCorners(const Tellurion::BGeoReference& meant,
                                           const Tellurion::BGeoReference& found, long width, long height,
                                           std::string& fault);
+
+}  // namespace Tool

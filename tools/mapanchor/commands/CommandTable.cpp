@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <sstream>
 
+namespace Tool {
+
 namespace {
 
 std::vector<std::string> SplitAt(const std::string& text, const std::string& between) {
@@ -102,3 +104,5 @@ std::string Join(const std::vector<std::string>& words, const std::string& betwe
         text += (text.empty() ? "" : between) + word;
     return text;
 }
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// One option or positional of a command, as --help tells it.
 struct OptionRow {
     std::vector<std::string> names;  ///< "-q", "--quiet"; of a positional its name
@@ -40,3 +42,5 @@ struct CommandTable {
 
 /// The words, joined.
 std::string Join(const std::vector<std::string>& words, const std::string& between);
+
+}  // namespace Tool

@@ -4,6 +4,8 @@
 
 #include <CLI/CLI.hpp>
 
+namespace Tool {
+
 /// Each makes its subcommand; a run writes what it came to into `status`.
 void AddInfoCommand(CLI::App& app, ExitStatus& status);
 void AddConvertCommand(CLI::App& app, ExitStatus& status);
@@ -17,3 +19,5 @@ void AddBatchCommand(CLI::App& app, ExitStatus& status);
 void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status);
 void AddPreviewCommand(CLI::App& app, ExitStatus& status);
 void AddSourcesCommand(CLI::App& app, ExitStatus& status);
+
+}  // namespace Tool

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace Tool {
+
 namespace {
 
 std::vector<std::string> Names(const std::vector<CommandRow>& commands) {
@@ -179,3 +181,5 @@ std::string ZshCompletion(const CommandTable& table) {
         "    _mapanchor_without\n}\n\n_mapanchor \"$@\"\n";
     return out;
 }
+
+}  // namespace Tool

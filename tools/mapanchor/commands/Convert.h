@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 struct ConvertOptions {
     CommonOptions common;
     ReadOptions read;
@@ -84,3 +86,5 @@ bool FitToPage(ConvertOptions& options, bool has_size, Outcome& outcome);
 /// stands as it was.
 void SavePdf(const ConvertOptions& options, const Tellurion::BGeoReference& reference, LogCollector& log,
              Outcome& outcome);
+
+}  // namespace Tool

@@ -17,6 +17,8 @@
 #include <memory>
 #include <stdexcept>
 
+namespace Tool {
+
 namespace {
 
 using namespace Tellurion;
@@ -291,7 +293,7 @@ Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
     Json top = JsonAbout(options.source);
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", !outcome.failure}};
     if (outcome.failure) {
-        ours["error"] = ::RenderJson(*outcome.failure);
+        ours["error"] = Tool::RenderJson(*outcome.failure);
     } else {
         ours["referenceType"] = outcome.plan.Kind();
         ours["dryRun"] = options.dry_run;
@@ -301,7 +303,7 @@ Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
     if (!outcome.kept.empty()) ours["kept"] = outcome.kept;
     if (outcome.closeness)
         ours["closeness"] = {{"pixels", outcome.closeness->pixels}, {"metres", outcome.closeness->metres}};
-    ours["diagnostics"] = ::RenderJson(outcome.diagnostics);
+    ours["diagnostics"] = Tool::RenderJson(outcome.diagnostics);
     top["mapanchor"] = std::move(ours);
     return top;
 }
@@ -355,3 +357,5 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*convert);
     convert->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace Tool {
+
 using namespace Tellurion;
 using MapAnchor::BReferenceFormat;
 
@@ -73,3 +75,5 @@ bool HasWhatItNeeds(const ConvertOptions& options, const BGeoReference& referenc
                  "size, two pixels at least each way: --size WxH.");
     return false;
 }
+
+}  // namespace Tool

@@ -10,6 +10,8 @@
 #include <cmath>
 #include <system_error>
 
+namespace Tool {
+
 using MapAnchor::BGeoPDFBox;
 using MapAnchor::BGeoPDFPage;
 using MapAnchor::BMapAnchor;
@@ -188,3 +190,5 @@ void SavePdf(const ConvertOptions& options, const BGeoReference& reference, LogC
                      "File <" + options.target + "> was not georeferenced: " + error.what());
     }
 }
+
+}  // namespace Tool

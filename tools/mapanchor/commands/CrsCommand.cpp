@@ -21,6 +21,8 @@
 #include <system_error>
 #include <vector>
 
+namespace Tool {
+
 namespace {
 
 using Tellurion::BCoordSys;
@@ -123,7 +125,7 @@ Json RenderJson(const std::string& text, const SystemAnswer& answer) {
     Json json = JsonAbout(text);
     const std::string wkt = answer.system->ToWholeWKT().StdStr();
     if (!wkt.empty()) json["coordinateSystem"] = {{"wkt", wkt}};
-    Json system = ::RenderJson(*answer.system);
+    Json system = Tool::RenderJson(*answer.system);
     const EpsgMatch match(*answer.system);
     Put(system, "epsgName", match.name);
     if (match.IsApart()) system["epsgDistance"] = match.metres;
@@ -233,3 +235,5 @@ void AddCrsCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*crs);
     crs->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

@@ -15,6 +15,8 @@
 #include <cmath>
 #include <memory>
 
+namespace Tool {
+
 namespace {
 
 using Tellurion::BCoordSys;
@@ -276,3 +278,5 @@ void AddDiffCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*diff);
     diff->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

@@ -8,6 +8,8 @@
 
 #include <memory>
 
+namespace Tool {
+
 namespace {
 
 constexpr const char* kDescription =
@@ -45,3 +47,5 @@ void AddExtCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*ext);
     ext->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

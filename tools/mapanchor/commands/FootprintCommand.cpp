@@ -9,6 +9,8 @@
 
 #include <memory>
 
+namespace Tool {
+
 namespace {
 
 constexpr const char* kFootprintDescription =
@@ -86,3 +88,5 @@ void AddFootprintCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*footprint);
     footprint->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+namespace Tool {
+
 namespace {
 
 using MapAnchor::BReferenceFormat;
@@ -90,3 +92,5 @@ void AddFormatsCommand(CLI::App& app, ExitStatus& status) {
     common->AddTo(*formats);
     formats->callback([common, &status] { status = Run(*common); });
 }
+
+}  // namespace Tool

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 struct GeoreferenceOptions {
     ConvertOptions convert;  ///< for the save
     std::string image;
@@ -36,3 +38,5 @@ struct Georeferenced {
 
 void PrintGeoreferenced(const GeoreferenceOptions& options, const Georeferenced& made,
                         const Console& console);
+
+}  // namespace Tool

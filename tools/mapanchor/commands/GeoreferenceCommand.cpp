@@ -17,6 +17,8 @@
 #include <memory>
 #include <set>
 
+namespace Tool {
+
 using namespace Tellurion;
 using MapAnchor::BControlPointFile;
 
@@ -347,3 +349,5 @@ void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status) {
     options->convert.common.AddTo(*command);
     command->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

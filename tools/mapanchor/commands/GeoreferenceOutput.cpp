@@ -9,6 +9,8 @@
 
 #include <cmath>
 
+namespace Tool {
+
 using namespace Tellurion;
 
 namespace {
@@ -129,3 +131,5 @@ void PrintGeoreferenced(const GeoreferenceOptions& options, const Georeferenced&
     TalkAbout(options.image, made.result.diagnostics, made.result.failure ? &*made.result.failure : nullptr,
               console);
 }
+
+}  // namespace Tool

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+namespace Tool {
+
 namespace {
 
 constexpr const char* kInfoDescription =
@@ -72,3 +74,5 @@ void AddInfoCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*info);
     info->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

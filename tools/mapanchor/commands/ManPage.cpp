@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace Tool {
+
 namespace {
 
 constexpr const char* kClosing = R"(.SH EXIT STATUS
@@ -131,3 +133,5 @@ std::string ManPage(const CommandTable& table) {
         out += Command(table, command);
     return out + CommonItems(table) + kClosing;
 }
+
+}  // namespace Tool

@@ -12,6 +12,8 @@
 #include <memory>
 #include <stdexcept>
 
+namespace Tool {
+
 namespace {
 
 constexpr const char* kPreviewDescription =
@@ -113,3 +115,5 @@ void AddPreviewCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*preview);
     preview->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

@@ -14,6 +14,8 @@
 #include <cmath>
 #include <memory>
 
+namespace Tool {
+
 namespace {
 
 using MapAnchor::BReferenceSource;
@@ -118,3 +120,5 @@ void AddSourcesCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*sources);
     sources->callback([options, &status] { status = Run(*options); });
 }
+
+}  // namespace Tool

@@ -2,6 +2,8 @@
 
 #include "terminal/ExitStatus.h"
 
+namespace Tool {
+
 /// What many inputs come to: one status for all, or "some failed".
 class Tally {
 public:
@@ -23,3 +25,5 @@ private:
     bool warned_ = false;
     ExitStatus failure_ = ExitStatus::Done;
 };
+
+}  // namespace Tool

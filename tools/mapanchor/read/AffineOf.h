@@ -6,6 +6,8 @@
 #include <array>
 #include <optional>
 
+namespace Tool {
+
 /// The terms a, b, c, d, e, f of a reference's transform; empty when it has none or
 /// it is not affine.
 inline std::optional<std::array<double, 6>> AffineOf(const Tellurion::BGeoReference& reference) {
@@ -18,3 +20,5 @@ inline std::optional<std::array<double, 6>> AffineOf(const Tellurion::BGeoRefere
     }
     return t;
 }
+
+}  // namespace Tool

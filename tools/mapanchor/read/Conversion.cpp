@@ -2,6 +2,8 @@
 
 #include <Tellurion/BCoordSysException.h>
 
+namespace Tool {
+
 using Tellurion::BCoordSys;
 using Tellurion::BPoint;
 
@@ -17,3 +19,5 @@ std::optional<Position> Conversion::Convert(const Position& position) const {
         return std::nullopt;
     }
 }
+
+}  // namespace Tool

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace Tool {
+
 /// A place on a plane or on the Earth: easting and northing, or longitude and latitude.
 struct Position {
     double x = 0.0;
@@ -25,3 +27,5 @@ private:
     Tellurion::BCoordSys to_;
     bool possible_;
 };
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace Tool {
+
 bool AreDoubtful(const Diagnostics& diagnostics) {
     return std::any_of(diagnostics.begin(), diagnostics.end(),
                        [](const Diagnostic& remark) { return !remark.is_note; });
@@ -28,3 +30,5 @@ void LogCollector::MoveTo(Diagnostics& diagnostics, bool as_errors) {
         diagnostics.push_back({as_errors, std::move(line), RemarkId::kReadRemark});
     lines_.clear();
 }
+
+}  // namespace Tool

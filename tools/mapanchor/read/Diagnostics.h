@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// A remark about one input.
 struct Diagnostic {
     bool is_error = false;
@@ -34,3 +36,5 @@ public:
 private:
     std::vector<std::string> lines_;
 };
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <stdexcept>
 
+namespace Tool {
+
 namespace {
 
 /// The next name on stdin; false at the end. Throws std::runtime_error when stdin cannot be
@@ -48,3 +50,5 @@ void ForEachInput(const std::vector<std::string>& names, bool nul_separated,
         }
     }
 }
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// Calls `visit` with each name in turn; "-" stands for the names on stdin, one a
 /// line or, with `nul_separated`, behind a NUL each. Names are bytes, never decoded.
 /// Throws std::runtime_error when stdin cannot be read.
@@ -18,3 +20,5 @@ std::string UnreadableNames(int error);
 constexpr std::size_t kMaxNameLength = std::size_t{64} << 10;
 /// The failure of reading a longer one.
 std::string TooLongName();
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <system_error>
 
+namespace Tool {
+
 namespace fs = std::filesystem;
 using Tellurion::BFileReplacement;
 using Tellurion::BString;
@@ -84,3 +86,5 @@ std::string PdfWorkplace::InWordsOfTarget(std::string text) const {
 bool PdfWorkplace::IsAboutLeftovers(const std::string& text) const {
     return text.find(folder_.string()) != std::string::npos;
 }
+
+}  // namespace Tool

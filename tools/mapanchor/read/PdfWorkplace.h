@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// A folder that only its owner can enter, in which a copy of a PDF is georeferenced, so
 /// that the target stays whole until the result replaces it. Whatever is left of the work
 /// goes with the folder. Failures of the file system are filesystem_errors.
@@ -42,3 +44,5 @@ private:
     ino_t number_ = 0;                        ///< of the file before the work
     std::optional<std::string> temporaries_;  ///< TMPDIR as it was
 };
+
+}  // namespace Tool

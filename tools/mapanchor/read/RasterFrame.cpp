@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Tool {
+
 using Tellurion::BPointPair;
 
 namespace {
@@ -59,3 +61,5 @@ std::optional<Position> PixelAt(const ReadResult& result, const Position& world)
         return std::nullopt;
     return std::isfinite(pixel.x) && std::isfinite(pixel.y) ? std::optional(pixel) : std::nullopt;
 }
+
+}  // namespace Tool

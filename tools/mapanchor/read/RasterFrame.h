@@ -5,6 +5,8 @@
 
 #include <optional>
 
+namespace Tool {
+
 /// The outer edges of a raster, in the pixels that its reference's transform counts.
 struct RasterFrame {
     double left = 0.0;
@@ -31,3 +33,5 @@ std::optional<RasterFrame> FrameOf(ReadResult& result);
 std::optional<Position> WorldAt(const ReadResult& result, const Position& pixel);
 /// The pixel of a world position.
 std::optional<Position> PixelAt(const ReadResult& result, const Position& world);
+
+}  // namespace Tool

@@ -6,6 +6,8 @@
 #include <new>
 #include <string_view>
 
+namespace Tool {
+
 using MapAnchor::BDiagnostic;
 using MapAnchor::BReading;
 using namespace Tellurion;
@@ -121,3 +123,5 @@ ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogColl
     log.MoveTo(result.diagnostics, !result.Ok());
     return result;
 }
+
+}  // namespace Tool

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// A failure in parts; any of the texts but the type may be empty.
 struct Failure {
     std::string type;
@@ -56,3 +58,5 @@ ReadResult ResultOf(const MapAnchor::BReading& reading, const std::string& name)
 
 /// What BReading::Of() makes of the file. Never throws for the file's sake.
 ReadResult ReadFile(const std::string& file, const ReadOptions& options, LogCollector& log);
+
+}  // namespace Tool

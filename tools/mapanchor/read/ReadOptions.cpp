@@ -14,6 +14,8 @@
 #include <map>
 #include <vector>
 
+namespace Tool {
+
 namespace {
 
 using MapAnchor::BMapAnchor;
@@ -231,3 +233,5 @@ void ReadOptions::AddTo(CLI::App& app) {
            "Also let these GDAL drivers read, such as VRT; they open what a file names")
         ->type_name("DRIVER,...");
 }
+
+}  // namespace Tool

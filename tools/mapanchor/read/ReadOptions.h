@@ -14,6 +14,8 @@ namespace CLI {
 class App;
 }
 
+namespace Tool {
+
 /// How a reference is to be read: the arguments of the library, by option.
 struct ReadOptions {
     ReadOptions();
@@ -53,3 +55,5 @@ Tellurion::EReferenceType KindFromWord(const std::string& option, const std::str
 
 /// All these words, for descriptions.
 std::string KindWords();
+
+}  // namespace Tool

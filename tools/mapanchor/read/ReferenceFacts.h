@@ -3,6 +3,8 @@
 #include <Tellurion/BCoordSys.h>
 #include <Tellurion/EMathTransformType.h>
 
+namespace Tool {
+
 /// Words for what the library numbers, the same in every renderer.
 inline const char* WordFor(Tellurion::EMathTransformType type) {
     using Type = Tellurion::EMathTransformType;
@@ -37,3 +39,5 @@ inline const char* WordForKind(const Tellurion::BCoordSys& system) {
             return "other";
     }
 }
+
+}  // namespace Tool

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace Tool {
+
 /// The ids of this program's own remarks. Each has a section in docs/diagnostics.md, which a
 /// test compares with this list; an id that was released keeps its meaning.
 namespace RemarkId {
@@ -19,3 +21,5 @@ inline constexpr const char* kSizeUnknown = "size-unknown";
 inline constexpr const char* kTransformMissing = "transform-missing";
 
 }  // namespace RemarkId
+
+}  // namespace Tool

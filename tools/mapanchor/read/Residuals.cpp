@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Tool {
+
 namespace {
 
 std::optional<double> ResidualOf(const Tellurion::BPointPair& pair,
@@ -35,3 +37,5 @@ Residuals ComputeResiduals(const Tellurion::BGeoReference& reference) {
     residuals.maximum = maximum;
     return residuals;
 }
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+namespace Tool {
+
 /// How far the control points lie from where the transform puts them, in pixels.
 struct Residuals {
     /// One for each point; empty where there is no transform or it has no value.
@@ -15,3 +17,5 @@ struct Residuals {
 };
 
 Residuals ComputeResiduals(const Tellurion::BGeoReference& reference);
+
+}  // namespace Tool

@@ -1,5 +1,7 @@
 #include "read/Systems.h"
 
+namespace Tool {
+
 using Tellurion::BCoordSys;
 using Tellurion::BString;
 
@@ -33,3 +35,5 @@ std::string NameOf(const BCoordSys& system) {
     if (name.empty() || code.empty()) return name.empty() && !code.empty() ? code : TitleOf(system);
     return name + " (" + code + ")";
 }
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+namespace Tool {
+
 /// A coordinate system and what its text was taken for.
 struct SystemAnswer {
     std::unique_ptr<Tellurion::BCoordSys> system;  ///< null when nothing is known by the text
@@ -23,3 +25,5 @@ std::string TitleOf(const Tellurion::BCoordSys& system);
 
 /// Name and EPSG code of a system, as a person reads it.
 std::string NameOf(const Tellurion::BCoordSys& system);
+
+}  // namespace Tool

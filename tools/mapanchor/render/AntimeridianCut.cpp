@@ -8,6 +8,8 @@
 #include <cmath>
 #include <memory>
 
+namespace Tool {
+
 namespace {
 
 constexpr double kTurn = 360.0;
@@ -117,3 +119,5 @@ std::optional<Footprint> CutAtAntimeridian(const std::vector<Position>& line) {
         return std::nullopt;
     return footprint.rings.empty() ? std::nullopt : std::optional(std::move(footprint));
 }
+
+}  // namespace Tool

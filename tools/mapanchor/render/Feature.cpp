@@ -1,5 +1,7 @@
 #include "render/Feature.h"
 
+namespace Tool {
+
 using Tellurion::BString;
 
 namespace {
@@ -47,3 +49,5 @@ Json FeatureJson(const ReadResult& result, const std::optional<Footprint>& footp
     feature["properties"] = Properties(result);
     return feature;
 }
+
+}  // namespace Tool

@@ -3,6 +3,8 @@
 #include "render/Footprint.h"
 #include "render/JsonRenderer.h"
 
+namespace Tool {
+
 /// One input as a GeoJSON feature, its footprint as the geometry. A failure is a feature
 /// without a geometry.
 Json FeatureJson(const ReadResult& result, const std::optional<Footprint>& footprint);
@@ -11,3 +13,5 @@ Json FeatureJson(const ReadResult& result, const std::optional<Footprint>& footp
 Json GeometryJson(const std::optional<Footprint>& footprint);
 /// West, south, east, north.
 Json BoxJson(const Footprint& footprint);
+
+}  // namespace Tool

@@ -13,6 +13,8 @@
 #include <cmath>
 #include <memory>
 
+namespace Tool {
+
 using Tellurion::BCoordSys;
 using Tellurion::BString;
 
@@ -123,3 +125,5 @@ bool Contains(const Footprint& outer, const Footprint& inner) {
     const std::unique_ptr<OGRGeometry> wider(area.Buffer(kMillimetre));
     return wider && wider->Contains(&part);
 }
+
+}  // namespace Tool

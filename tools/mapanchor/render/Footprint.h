@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// The area of a raster on the Earth, in longitude and latitude on WGS 84.
 struct Footprint {
     /// Closed, counterclockwise, within 180 degrees west and east: an area that crosses
@@ -28,3 +30,5 @@ std::optional<Footprint> FootprintOfBox(double west, double south, double east, 
 
 /// To within a millimetre.
 bool Contains(const Footprint& outer, const Footprint& inner);
+
+}  // namespace Tool

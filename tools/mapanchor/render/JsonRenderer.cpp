@@ -14,6 +14,8 @@
 #include <memory>
 #include <string_view>
 
+namespace Tool {
+
 using namespace Tellurion;
 
 namespace {
@@ -326,3 +328,5 @@ void WriteJson(const ReadResult& result, const CommonOptions& options, const Tex
 std::string ToText(const Json& json, const CommonOptions& options) {
     return DumpedJson(json, options) + "\n";
 }
+
+}  // namespace Tool

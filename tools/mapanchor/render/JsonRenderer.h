@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+namespace Tool {
+
 using Json = nlohmann::ordered_json;
 
 /// The published schema, with an empty list of kinds.
@@ -41,3 +43,5 @@ void WriteJson(const ReadResult& result, const CommonOptions& options,
 /// One line, or spread over lines when an indent is asked for, with escapes for all that is
 /// not Printable(). Bytes that are not UTF-8 become U+FFFD.
 std::string ToText(const Json& json, const CommonOptions& options);
+
+}  // namespace Tool

@@ -12,6 +12,8 @@
 #include <initializer_list>
 #include <limits>
 
+namespace Tool {
+
 using Tellurion::PrintShortest;
 
 namespace {
@@ -82,3 +84,5 @@ std::string ValuesLine(const ReadResult& result, const std::vector<std::string>&
     }
     return line + "\n";
 }
+
+}  // namespace Tool

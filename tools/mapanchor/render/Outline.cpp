@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace Tool {
+
 namespace {
 
 constexpr double kTurn = 360.0;
@@ -76,3 +78,5 @@ std::vector<Position> TraceOutline(const RasterFrame& frame, const PlaceOf& plac
     if (!line.empty() && !corners[0].place) line.push_back(Unwound(line.front(), line.back()));
     return line;
 }
+
+}  // namespace Tool

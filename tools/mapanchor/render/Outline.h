@@ -7,6 +7,8 @@
 #include <optional>
 #include <vector>
 
+namespace Tool {
+
 /// The longitude and latitude of a pixel; empty where there is none.
 using PlaceOf = std::function<std::optional<Position>(const Position& pixel)>;
 
@@ -14,3 +16,5 @@ using PlaceOf = std::function<std::optional<Position>(const Position& pixel)>;
 /// one again at the end. Longitudes run on past 180 degrees: first and last differ by
 /// a whole turn when the edge goes around a pole. Points without a place are left out.
 std::vector<Position> TraceOutline(const RasterFrame& frame, const PlaceOf& place_of);
+
+}  // namespace Tool

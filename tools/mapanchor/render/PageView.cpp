@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Tool {
+
 using MapAnchor::BGeoPDFBox;
 using MapAnchor::BGeoPDFMap;
 using MapAnchor::BGeoPDFPage;
@@ -58,3 +60,5 @@ double DrawPage(Svg& svg, double top, const BGeoPDFPage& page) {
         draw(map.Box, map.Name.IsEmpty() ? "map" : map.Name.StdStr(), map.InUse ? "area" : "map");
     return (all.Top - all.Bottom) * scale + kLine;
 }
+
+}  // namespace Tool

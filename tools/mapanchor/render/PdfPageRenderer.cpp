@@ -6,6 +6,8 @@
 
 #include <cmath>
 
+namespace Tool {
+
 using MapAnchor::BGeoPDFBox;
 using MapAnchor::BGeoPDFMap;
 using MapAnchor::BGeoPDFPage;
@@ -101,3 +103,5 @@ Json PdfPageJson(const BGeoPDFPage& page) {
             {"boxes", std::move(boxes)},
             {"maps", std::move(maps)}};
 }
+
+}  // namespace Tool

@@ -6,5 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
+namespace Tool {
+
 std::string RenderPdfPage(const MapAnchor::BGeoPDFPage& page, const Console& console);
 nlohmann::ordered_json PdfPageJson(const MapAnchor::BGeoPDFPage& page);
+
+}  // namespace Tool

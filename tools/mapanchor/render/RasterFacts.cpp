@@ -8,6 +8,8 @@
 #include <cmath>
 #include <memory>
 
+namespace Tool {
+
 using Tellurion::BCoordSys;
 using Tellurion::BString;
 
@@ -81,3 +83,5 @@ std::string RoundedText(double value, const ReadResult& result) {
         Tellurion::PrintFixed(value, geodetic || is_small ? kDecimalsOfDegrees : kDecimals);
     return Tellurion::PrintShortest(Tellurion::ParseDouble(text) + 0.0);
 }
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 
 #include <optional>
 
+namespace Tool {
+
 /// What a person asks of a raster's pixels.
 struct PixelFacts {
     double width_metres = 0.0;  ///< of the pixel in the raster's centre
@@ -23,3 +25,5 @@ std::optional<Conversion> ToLongitudeLatitude(const ReadResult& result);
 
 /// For people: rounded to a tenth of a millimetre on the Earth, in the unit of the system.
 std::string RoundedText(double value, const ReadResult& result);
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Tool {
+
 using Tellurion::BPointPair;
 
 namespace {
@@ -62,3 +64,5 @@ double DrawRaster(Svg& svg, double top, const ReadResult& result, const RasterFr
     svg.Text({kMargin, top + kLine - 4}, legend, "label");
     return height * scale + 2 * kLine;
 }
+
+}  // namespace Tool

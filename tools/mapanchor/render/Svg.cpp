@@ -3,6 +3,8 @@
 #include <Tellurion/Numbers.h>
 #include <Tellurion/Printable.h>
 
+namespace Tool {
+
 namespace {
 
 constexpr const char* kStyle =
@@ -76,3 +78,5 @@ std::string Svg::ToText() const {
            Attribute("width", width_) + Attribute("height", height_) + ">\n<style>" + kStyle + "</style>\n" +
            shapes_ + "</svg>\n";
 }
+
+}  // namespace Tool

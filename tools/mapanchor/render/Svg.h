@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// A drawing put together shape by shape; the style of a shape is a class of the style sheet.
 class Svg {
 public:
@@ -25,3 +27,5 @@ private:
     double height_;
     std::string shapes_;
 };
+
+}  // namespace Tool

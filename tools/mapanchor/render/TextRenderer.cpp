@@ -16,6 +16,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Tool {
+
 using namespace Tellurion;
 
 namespace {
@@ -219,3 +221,5 @@ void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Fa
         console.Talk(about + diagnostic.Severity() + ": " + diagnostic.text +
                      (diagnostic.id.empty() ? "" : " [" + diagnostic.id + "]"));
 }
+
+}  // namespace Tool

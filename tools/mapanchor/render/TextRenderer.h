@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// Prints what a person sees of one input.
 void PrintReference(const ReadResult& result, const CommonOptions& common, const Console& console);
 
@@ -18,3 +20,5 @@ void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Fa
 
 /// Rows of equal length as columns; the first row is the heading.
 std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const Console& console);
+
+}  // namespace Tool

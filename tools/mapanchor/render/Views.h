@@ -4,6 +4,8 @@
 #include "render/Footprint.h"
 #include "render/Svg.h"
 
+namespace Tool {
+
 /// The parts of a preview. Each draws below `top` and answers how high it is.
 
 /// The Earth in longitude and latitude, with the area of the raster on it.
@@ -17,3 +19,5 @@ constexpr double kMargin = 20.0;
 constexpr double kViewWidth = 720.0;
 constexpr double kViewHeight = 480.0;  ///< the most of a view
 constexpr double kLine = 16.0;         ///< of text
+
+}  // namespace Tool

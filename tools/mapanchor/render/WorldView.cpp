@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Tool {
+
 namespace {
 
 constexpr double kPerDegree = kViewWidth / 360.0;
@@ -154,3 +156,5 @@ double DrawWorld(Svg& svg, double top, const std::optional<Footprint>& footprint
     }
     return kViewWidth / 2 + 2 * kLine;
 }
+
+}  // namespace Tool

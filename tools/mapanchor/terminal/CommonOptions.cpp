@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+namespace Tool {
+
 void CommonOptions::AddTo(CLI::App& app) {
     app.add_flag("--json", json, "Print JSON, one object a line for each input");
     app.add_option("--indent", indent, "Spread the JSON over lines with that indent")
@@ -38,3 +40,5 @@ CLI::Option* AddNumber(CLI::App& app, const std::string& name, std::function<voi
     };
     return app.add_option_function<std::string>(name, parse, description);
 }
+
+}  // namespace Tool

@@ -10,6 +10,8 @@ class App;
 class Option;
 }  // namespace CLI
 
+namespace Tool {
+
 /// Options that every subcommand has.
 struct CommonOptions {
     bool json = false;
@@ -35,3 +37,5 @@ struct NumberRange {
 /// the locale of the process.
 CLI::Option* AddNumber(CLI::App& app, const std::string& name, std::function<void(double)> take,
                        NumberRange range, const std::string& description);
+
+}  // namespace Tool

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+namespace Tool {
+
 using Tellurion::Printable;
 
 namespace {
@@ -57,3 +59,5 @@ void OpenClosedStreams() {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
         if (fcntl(stream, F_GETFD) < 0) open("/dev/null", kModes[stream]);
 }
+
+}  // namespace Tool

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace Tool {
+
 /// An output cannot be written any more.
 class OutputLost : public std::runtime_error {
 public:
@@ -48,3 +50,5 @@ void WriteOut(std::FILE* file, std::string_view text, const std::string& name);
 /// Standard streams that the caller closed are opened to what fails when it is used, so that
 /// no file that is opened later takes their numbers. To be called first.
 void OpenClosedStreams();
+
+}  // namespace Tool

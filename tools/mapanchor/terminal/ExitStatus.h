@@ -1,5 +1,7 @@
 #pragma once
 
+namespace Tool {
+
 /// What the program answers to its caller.
 enum class ExitStatus : int {
     Done = 0,
@@ -10,3 +12,5 @@ enum class ExitStatus : int {
     Usage = 64,
     ReaderLeft = 141,  ///< nobody reads the output any more; as a shell counts SIGPIPE
 };
+
+}  // namespace Tool

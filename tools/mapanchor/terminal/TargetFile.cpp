@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+namespace Tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -164,3 +166,5 @@ void FolderBeside::MoveOut(bool overwrite) {
             Fail(to.string(), "created", error);
     }
 }
+
+}  // namespace Tool

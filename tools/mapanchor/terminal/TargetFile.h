@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace Tool {
+
 /// Files that the tool makes. Failures are std::runtime_errors that name the file, the
 /// system's reason and what helps.
 
@@ -58,3 +60,5 @@ private:
     std::filesystem::path target_;  ///< with links followed
     std::filesystem::path folder_;
 };
+
+}  // namespace Tool
