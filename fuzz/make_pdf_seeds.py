@@ -86,6 +86,8 @@ def files():
     return {
         "pdf": {"table": with_table(drawn), "update": updated(with_table(objects(""))),
                 "streams": with_streams(measure)},
+        "xref": {"table": with_table(drawn), "update": updated(with_table(measure)),
+                 "streams": with_streams(measure)},
         "geopdf_read": {"wkt": with_table(measure), "epsg": with_table(viewport("/EPSG 32633")),
                         "streams": with_streams(viewport("/EPSG 4326")),
                         "matrix": with_table(lgidict(matrix, utm)), "points": with_table(lgidict(points, utm, 2)),

@@ -1,5 +1,6 @@
 #include "load/FirstPageDocument.h"
 
+#include "load/CrossReferences.h"
 #include "load/LoadBudget.h"
 #include "load/PlainTables.h"
 
@@ -44,7 +45,7 @@ public:
 
 class FirstPageLoad {
 public:
-    FirstPageLoad(PlainTables& tables, FirstPageDocument& document, bool inherited)
+    FirstPageLoad(ObjectSource& tables, FirstPageDocument& document, bool inherited)
         : tables_(tables), document_(document), objects_(document.GetObjects()), inherited_(inherited) {}
 
     void Run() {
@@ -56,16 +57,16 @@ public:
         // The parser has a failure of its own for a page without what it refers to.
         for (const char* key : {"Contents", "Resources"})
             if (const PdfObject* const value = page.GetKey(key))
-                if (value->IsReference()) tables_.Find(value->GetReference());
+                if (value->IsReference()) tables_.RequireObject(value->GetReference());
         document_.SetRoot(catalog);
     }
 
 private:
     PdfObject& Take(const PdfReference& reference) {
-        const std::int64_t offset = tables_.Find(reference);
+        tables_.RequireObject(reference);
         Require(taken_.size() < kMostObjects && taken_.insert(reference).second);
         auto object = std::make_unique<PdfObject>(reference, PdfVariant());
-        tables_.ReadObject(offset, *object);
+        tables_.Read(*object);
         objects_.push_back(object.get());
         return *object.release();
     }
@@ -129,14 +130,14 @@ private:
         }
     }
 
-    PlainTables& tables_;
+    ObjectSource& tables_;
     FirstPageDocument& document_;
     PdfVecObjects& objects_;
     const bool inherited_;
     std::set<PdfReference> taken_;
 };
 
-std::unique_ptr<PdfMemDocument> Load(PlainTables& tables, bool inherited) {
+std::unique_ptr<PdfMemDocument> Load(ObjectSource& tables, bool inherited) {
     auto document = std::make_unique<FirstPageDocument>();
     FirstPageLoad load(tables, *document, inherited);
     load.Run();
@@ -150,6 +151,13 @@ std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file, const FirstPageW
     try {
         PlainTables tables(file, wishes.password);
         return Load(tables, wishes.inherited);
+    } catch (const PdfError&) {
+        if (!wishes.inherited) return nullptr;
+    }
+    try {
+        CrossReferences references(file);
+        if (references.IsEncrypted()) return nullptr;
+        return Load(references, wishes.inherited);
     } catch (const PdfError&) {
         return nullptr;
     }

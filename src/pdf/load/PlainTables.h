@@ -3,6 +3,8 @@
 #include "load/Decryption.h"
 #include "load/FileWindow.h"
 #include "load/ObjectSearch.h"
+#include "load/ObjectSource.h"
+#include "load/ValueReader.h"
 
 #include <podofo/podofo.h>
 
@@ -19,29 +21,23 @@ namespace VellumLib {
 /// look at any row but those that are asked for. Every doubt, a stream of
 /// cross-references or encryption among them, ends in a PdfError: the parser proper has
 /// its own ways with such files.
-class PlainTables {
+class PlainTables final : public ObjectSource {
 public:
     /// With a password, which may be empty, a file that it opens is read too.
     explicit PlainTables(FileWindow& file, const std::optional<std::string>& password = std::nullopt);
     /// In place of tables that cannot be used: the objects that a search finds, and the
     /// trailer or catalog among them.
     PlainTables(FileWindow& file, FoundObjects found);
-    ~PlainTables();
-    PlainTables(const PlainTables&) = delete;
-    PlainTables& operator=(const PlainTables&) = delete;
+    ~PlainTables() override;
 
-    /// Of the newest section.
-    const PoDoFo::PdfDictionary& Trailer() const { return trailer_.GetDictionary(); }
-    /// It is encrypted, and the password has opened it.
-    bool IsUnlocked() const { return decryption_ != nullptr; }
-    /// Where the object is. That it does not exist is for the parser to find: it goes by
-    /// the head of an object where a table has it otherwise.
-    std::int64_t Find(const PoDoFo::PdfReference& reference);
-    /// Reads the object of that number at the offset, without its stream.
-    void ReadObject(std::int64_t offset, PoDoFo::PdfObject& object);
+    const PoDoFo::PdfDictionary& Trailer() const override { return trailer_.GetDictionary(); }
+    bool IsUnlocked() const override { return decryption_ != nullptr; }
+    /// That an object does not exist is for the parser to find: it goes by the head of an
+    /// object where a table has it otherwise.
+    void RequireObject(const PoDoFo::PdfReference& reference) override { Find(reference); }
+    void Read(PoDoFo::PdfObject& object) override { ReadObject(Find(object.Reference()), object); }
 
 private:
-    class Tokenizer;
     struct Subsection {
         std::int64_t first;
         std::int64_t count;
@@ -58,22 +54,15 @@ private:
     void Unlock(const std::string& password);
     PoDoFo::PdfVariant ReadSection(std::int64_t start);
     Row RowAt(std::int64_t position);
-    /// Gives the position behind the value.
-    std::int64_t ReadValue(std::int64_t position, PoDoFo::PdfVariant& value);
-
-    // Steps over what stands at the position.
-    void SkipWhite(std::int64_t& position);
-    std::int64_t TakeNumber(std::int64_t& position);
-    bool TakeWord(std::int64_t& position, std::string_view word);
+    std::int64_t Find(const PoDoFo::PdfReference& reference);
+    void ReadObject(std::int64_t offset, PoDoFo::PdfObject& object);
 
     FileWindow& file_;
+    ValueReader values_;
     FoundObjects found_;                   ///< where they stand in for the tables
-    std::size_t text_ = 0;                 ///< bytes of values so far
-    std::uint64_t copies_ = 0;             ///< what parsing them has cost
     std::vector<Subsection> subsections_;  ///< those of newer sections first
     std::int64_t last_trailer_ = -1;       ///< in the file, while no section has led to it
     PoDoFo::PdfVariant trailer_;
-    std::unique_ptr<Tokenizer> tokenizer_;
     std::unique_ptr<Decryption> decryption_;  ///< of an encrypted file
 };
 
