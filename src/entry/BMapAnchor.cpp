@@ -37,6 +37,8 @@ const BString BMapAnchor::kValPDFPage(PdfParameters::kPage);
 const BString BMapAnchor::kValPDFMap(PdfParameters::kMap);
 const BString BMapAnchor::kValPDFShown(PdfParameters::kShown);
 const BString BMapAnchor::kValPDFPassword(PdfParameters::kPassword);
+const BString BMapAnchor::kValPDFIncremental(PdfParameters::kIncremental);
+const BString BMapAnchor::kValPDFWkt2(PdfParameters::kWkt2);
 const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
 const BString BMapAnchor::kValErsCodes(BRefERS::kCodesKey);
 

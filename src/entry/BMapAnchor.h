@@ -50,8 +50,12 @@ public:
     /// software writes, and the transform goes through the exact places of the control points.
     /// Each rule that the file does not follow is logged as a warning that begins with
     /// "pdf-beyond-rules: ". A width and height of 0 mean the page at 72 dpi.
+    /// A save georeferences the page that kValPDFPage names, and the page loses its older maps
+    /// of every kind. The file stays as it was when a save fails. What writing the whole file
+    /// breaks, such as a signature, is logged as a warning before.
     static const Tellurion::BString kValPDFWide;
-    /// Key of a BParamList, for a read beyond the rules: the page, counted from 1, the default.
+    /// Key of a BParamList, for a read or save beyond the rules: the page, counted from 1, the
+    /// default.
     static const Tellurion::BString kValPDFPage;
     /// Key of a BParamList, for a read beyond the rules: the map of the page, by its name, by
     /// its number from 1 in the order of BGeoPDFPages, or "largest". The default is the map
@@ -64,6 +68,16 @@ public:
     /// is read. Without it the empty one is tried. Files of AES-256 alone are read, and those
     /// with cross-reference streams are not.
     static const Tellurion::BString kValPDFPassword;
+
+    /// Key of a BParamList, a whole number: 1 saves a PDF by an incremental update, which appends
+    /// what is new and changed, and leaves every byte that is in the file; 2 does so where
+    /// BGeoPDFTraits finds it the better way. Both mean a save beyond the rules; 0, the default,
+    /// writes the whole file.
+    static const Tellurion::BString kValPDFIncremental;
+    /// Key of a BParamList, for a save beyond the rules: when it is not 0, a system that ESRI's
+    /// well-known text cannot describe is written in version 2 of 2019, which few readers of PDF
+    /// know. Without it the save is refused.
+    static const Tellurion::BString kValPDFWkt2;
 
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system

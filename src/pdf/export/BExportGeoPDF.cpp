@@ -65,6 +65,11 @@ void BExportGeoPDF::SetPageSize(double width, double height) {
     page_height_ = height;
 }
 
+void BExportGeoPDF::SetOrigin(double x, double y) {
+    origin_x_ = x;
+    origin_y_ = y;
+}
+
 void BExportGeoPDF::SetUnitName(const BString& name) {
     unit_name_ = ToQString(name);
 }
@@ -78,7 +83,9 @@ void BExportGeoPDF::AddTiePoint(const CPDFPathPoint& pixel, const CPDFPathPoint&
     world_points_.push_back(world);
 }
 
-void BExportGeoPDF::PrepareDocument(VellumLib::CPDFDocument&) {}
+void BExportGeoPDF::PrepareDocument(VellumLib::CPDFDocument& document) {
+    if (removes_lgi_dict_) document.GetPage(GetPageIndex()).GetDictionary().RemoveKey("LGIDict");
+}
 
 QString BExportGeoPDF::GetVersionText() {
     return "3.2";
@@ -93,12 +100,14 @@ QString BExportGeoPDF::GetPieceInfoKey() {
 }
 
 void BExportGeoPDF::WriteViewports(VellumLib::CPDFDocument& document, VellumLib::CPDFArray& vp) {
-    const CPDFPathPoint lower_left;
+    CPDFPathPoint lower_left;
+    lower_left.x = origin_x_;
+    lower_left.y = origin_y_;
     CPDFPathPoint upper_right;
     const double longest = std::max(page_width_, page_height_);
     const double factor = longest > kLongestEdge ? kLongestEdge / longest : 1.0;
-    upper_right.x = page_width_ * factor;
-    upper_right.y = page_height_ * factor;
+    upper_right.x = origin_x_ + page_width_ * factor;
+    upper_right.y = origin_y_ + page_height_ * factor;
     WriteViewport(document, vp, lower_left, upper_right, {wkt_, epsg_}, 0);
 }
 

@@ -21,6 +21,10 @@ public:
     void SetCoordSysTexts(const Tellurion::BString* wkt, const Tellurion::BString* epsg);
     /// In points.
     void SetPageSize(double width, double height);
+    /// Of the page's lower left corner, in points; 0, 0 unless set otherwise.
+    void SetOrigin(double x, double y);
+    /// Whether the page loses the maps of the other dialect, which readers would prefer.
+    void SetRemovesLGIDict(bool removes) { removes_lgi_dict_ = removes; }
     void SetUnitName(const Tellurion::BString& name);
     void SetCoordSysName(const Tellurion::BString& name);
     /// A pixel's place on the page in points, from the top left, and its longitude
@@ -38,7 +42,7 @@ protected:
     void GetTiePoints(Points& lpts, Points& gpts) override;
     void ExportHookA() override {}
     void ExportHookB() override {}
-    bool IsDocumentPrepared() override { return true; }
+    bool IsDocumentPrepared() override { return !removes_lgi_dict_; }
     void HandlePdfError(const PoDoFo::PdfError& error) override;
     void WriteStructure(VellumLib::CPDFDocument& document, VellumLib::CPDFPage& page,
                         VellumLib::CPDFStructureTreeRoot& root) override;
@@ -48,6 +52,9 @@ private:
     QString epsg_;
     double page_width_ = 0.0;
     double page_height_ = 0.0;
+    double origin_x_ = 0.0;
+    double origin_y_ = 0.0;
+    bool removes_lgi_dict_ = false;
     QString unit_name_;
     QString coord_sys_name_;
     Points pixel_points_;

@@ -1,5 +1,6 @@
 #include "export/CPDFExport.h"
 
+#include "export/UnitNames.h"
 #include "objects/WarningBox.h"
 
 #include <QDateTime>
@@ -18,32 +19,6 @@ namespace {
 constexpr int kLongestText = 1024;
 /// Of "EPSG:".
 constexpr int kCodePrefix = 5;
-
-struct UnitNames {
-    const char* unit;
-    const char* linear;
-    const char* area;
-    const char* angular;
-};
-
-// Nautical miles go with square miles, and grads change the angle alone; readers of
-// these files expect it so.
-constexpr UnitNames kUnitNames[] = {
-    {"METERS", "M", "SQM", "DEG"},
-    {"KILOMETERS", "KM", "SQKM", "DEG"},
-    {"INTERNATIONAL FEET", "FT", "SQFT", "DEG"},
-    {"USFEET", "USFT", "SQFT", "DEG"},
-    {"INTERNATIONAL MILES", "MI", "SQMI", "DEG"},
-    {"NAUTICAL MILES", "NM", "SQMI", "DEG"},
-    {"GRADS", "M", "SQM", "GRD"},
-};
-constexpr UnitNames kOtherUnit = {"", "M", "SQM", "DEG"};
-
-const UnitNames& NamesOf(const QString& unit) {
-    for (const UnitNames& names : kUnitNames)
-        if (unit == QLatin1String(names.unit)) return names;
-    return kOtherUnit;
-}
 
 double WrapLongitude(double longitude) {
     const double wrapped = std::fmod(longitude, 360.0);
@@ -102,14 +77,14 @@ void CPDFExport::ExportDocument() {
     mark_info.AddBool("UserProperties", true);
     WritePieceInfo(document);
     CPDFStructureTreeRoot root(document);
-    WriteFirstPage(document, root);
+    WritePage(document, root);
     writing_ = true;
     document.Write(GetWorkPath());
 }
 
-void CPDFExport::WriteFirstPage(CPDFDocument& document, CPDFStructureTreeRoot& root) {
-    document.GetPage(0).GetDictionary().AddInteger("StructParents", 0);
-    CPDFPage page(document.GetPage(0));
+void CPDFExport::WritePage(CPDFDocument& document, CPDFStructureTreeRoot& root) {
+    document.GetPage(page_index_).GetDictionary().AddInteger("StructParents", 0);
+    CPDFPage page(document.GetPage(page_index_));
     CPDFArray vp = page.GetDictionary().AddNewArray("VP");
     WriteViewports(document, vp);
     WriteStructure(document, page, root);
@@ -156,7 +131,7 @@ void CPDFExport::WriteMeasure(CPDFDocument& document, CPDFDictionary& measure, c
     Points gpts;
     GetTiePoints(lpts, gpts);
     for (CPDFPathPoint& point : gpts)
-        point.x = WrapLongitude(point.x);
+        point.x = keeps_longitudes_ ? point.x : WrapLongitude(point.x);
     WritePoints(lpts_array, lpts);
     WritePoints(gpts_array, gpts);
     CPDFArray pdu = measure.AddNewArray("PDU");
@@ -184,7 +159,7 @@ void CPDFExport::WriteGCS(CPDFDictionary& gcs, const SystemTexts& system) {
 }
 
 void CPDFExport::WritePDU(CPDFArray& pdu, const QString& unit_name) {
-    const UnitNames& names = NamesOf(unit_name);
+    const UnitNames& names = UnitNamesOf(unit_name);
     pdu.InsertName(0, names.linear);
     pdu.InsertName(1, names.area);
     pdu.InsertName(2, names.angular);

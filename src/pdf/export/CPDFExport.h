@@ -16,7 +16,7 @@ class QWidget;
 
 namespace VellumLib {
 
-/// Adds georeferencing to the first page of a PDF that exists, and writes the result
+/// Adds georeferencing to a page of a PDF that exists, and writes the result
 /// to another file. What the georeferencing is, a derived class says. Set up once,
 /// exported once; warnings go through the warning box.
 class CPDFExport {
@@ -38,6 +38,11 @@ public:
     void SetWorkPath(const QString& path) { work_path_ = path; }
     /// Whether the page loses its own content; it does unless told otherwise.
     void SetClearContents(bool clear) { clear_contents_ = clear; }
+    /// The page that is georeferenced, counted from 0; the first one unless set otherwise.
+    void SetPageIndex(int index) { page_index_ = index; }
+    /// Whether longitudes are written as they are, and not within 180 degrees of Greenwich.
+    void SetKeepsLongitudes(bool keeps) { keeps_longitudes_ = keeps; }
+    int GetPageIndex() const { return page_index_; }
     const QString& GetSourcePath() const { return source_path_; }
     /// True once all is in the document and the destination is being written.
     bool IsWriting() const { return writing_; }
@@ -82,7 +87,7 @@ protected:
 
 private:
     void ExportDocument();
-    void WriteFirstPage(CPDFDocument& document, CPDFStructureTreeRoot& root);
+    void WritePage(CPDFDocument& document, CPDFStructureTreeRoot& root);
     void Warn(const QString& text) const;
 
     QString source_path_;
@@ -92,6 +97,8 @@ private:
     QString title_;
     QWidget* parent_;
     bool clear_contents_ = true;
+    int page_index_ = 0;
+    bool keeps_longitudes_ = false;
 };
 
 }  // namespace VellumLib

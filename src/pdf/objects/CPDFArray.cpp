@@ -3,9 +3,6 @@
 #include "objects/CPDFDictionary.h"
 #include "objects/PdfText.h"
 
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <string>
 
 namespace VellumLib {
@@ -14,17 +11,9 @@ using PoDoFo::PdfObject;
 
 namespace {
 
-/// Shortest text that reads back as the same double, without an exponent, which PDF
-/// does not know. Raw data has no separator of its own, hence the blank.
+/// Raw data has no separator of its own, hence the blank.
 PoDoFo::PdfData PreciseReal(double value) {
-    if (!std::isfinite(value)) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_ValueOutOfRange);
-    std::array<char, 400> text;
-    const auto end =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed).ptr;
-    std::string digits(" ");
-    digits.append(text.data(), end);
-    if (digits.find('.') == std::string::npos) digits += ".0";
-    return PoDoFo::PdfData(digits.c_str());
+    return PoDoFo::PdfData(std::string(" ").append(PreciseDigits(value)).c_str());
 }
 
 }  // namespace

@@ -1,5 +1,9 @@
 #include "objects/PdfText.h"
 
+#include <array>
+#include <charconv>
+#include <cmath>
+
 namespace VellumLib {
 
 PoDoFo::PdfName ToPdfName(const QString& text) {
@@ -16,6 +20,16 @@ PoDoFo::PdfString ToUnicodeString(const QString& text) {
 
 QString FromPdfBytes(const char* bytes) {
     return bytes ? QString::fromLatin1(bytes) : QString();
+}
+
+std::string PreciseDigits(double value) {
+    if (!std::isfinite(value)) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_ValueOutOfRange);
+    std::array<char, 400> text;
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed).ptr;
+    std::string digits(text.data(), end);
+    if (digits.find('.') == std::string::npos) digits += ".0";
+    return digits;
 }
 
 PoDoFo::PdfObject* FollowKey(PoDoFo::PdfVecObjects& objects, const PoDoFo::PdfObject& holder,

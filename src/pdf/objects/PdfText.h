@@ -4,6 +4,8 @@
 
 #include <podofo/podofo.h>
 
+#include <string>
+
 namespace VellumLib {
 
 /// A key or name; what Latin-1 cannot hold becomes a question mark.
@@ -14,6 +16,10 @@ PoDoFo::PdfString ToPlainString(const QString& text);
 PoDoFo::PdfString ToUnicodeString(const QString& text);
 /// Bytes up to the first zero, one character each; a null pointer is empty text.
 QString FromPdfBytes(const char* bytes);
+
+/// Shortest text that reads back as the same double, without an exponent, which PDF does not
+/// know. A PdfError for a value that is not finite.
+std::string PreciseDigits(double value);
 
 /// The value under the key of a dictionary, a reference followed once; null when it is
 /// missing, leads nowhere, or the holder is no dictionary.

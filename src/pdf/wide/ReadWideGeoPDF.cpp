@@ -3,6 +3,7 @@
 #include "PdfParameters.h"
 #include "import/GeoPDFSteps.h"
 #include "wide/ExactFit.h"
+#include "wide/GradSystem.h"
 #include "wide/MapChoice.h"
 #include "wide/ShownPage.h"
 #include "wide/WideDocument.h"
@@ -111,12 +112,6 @@ bool AreGroundPositions(const CMeasureDictionaryData& record, const BCoordSys& s
     });
 }
 
-/// A system whose geographic base counts in grads: then so do positions, for who writes such.
-bool CountsInGrads(const BCoordSys& system) {
-    BString text = system.ToWholeWKT();
-    return text.ToLower().StdStr().find("unit[\"grad\"") != std::string::npos;
-}
-
 BPoint WorldOf(const CMeasureDictionaryData& record, std::size_t index, const BCoordSys* system,
                double degrees) {
     const auto& [first, second] = record.GPTS[index];
@@ -158,7 +153,6 @@ bool Store(WideMap& map, const ShownPage& shown, BGeoReference& reference, Stric
                            "\"GPTS\" is expected to hold latitudes and longitudes; here it "
                            "holds northings and eastings.");
     }
-    constexpr double kDegreesOfGrad = 0.9;
     const bool grads = !record.GPTSInCoordSys && CountsInGrads(*system);
     if (grads)
         map.remarks.Beyond("gpts-degrees",

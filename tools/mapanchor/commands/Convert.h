@@ -27,6 +27,8 @@ struct ConvertOptions {
     bool dry_run = false;
     bool backup = false;
     bool verify = false;
+    std::optional<bool> incremental;  ///< of a PDF; empty: where it is the better way
+    int target_page = 1;              ///< of a PDF, counted from 1
 };
 
 /// A save that is about to happen, or would.

@@ -33,6 +33,7 @@ constexpr const char* kDescription =
     "  mapanchor convert --dry-run map.tfw other.wld\n"
     "  mapanchor convert --overwrite map.tfw map.tif\n"
     "  mapanchor convert --overwrite --backup --verify --size 3000x1500 map.tfw map.pdf\n"
+    "  mapanchor convert --overwrite --incremental map.tfw signed.pdf\n"
     "  mapanchor convert --to wld --overwrite map.pgw map.txt";
 
 Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
@@ -353,6 +354,16 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
     convert->add_flag("--verify", options->verify,
                       "Read a PDF back, and tell how far it lies from the reference at the corners");
     convert->add_flag("--dry-run", options->dry_run, "Say what would be written and write nothing");
+    convert->add_flag_callback(
+        "--incremental", [options] { options->incremental = true; },
+        "Append to a PDF and leave every byte that it has; without it where that is the better way");
+    convert->add_flag_callback(
+        "--no-incremental", [options] { options->incremental = false; }, "Write the whole PDF");
+    convert
+        ->add_option("--target-page", options->target_page,
+                     "The page of a PDF that is georeferenced, counted from 1")
+        ->check(CLI::Range(1, 0x7FFFFFFF))
+        ->type_name("N");
     options->read.AddTo(*convert);
     options->common.AddTo(*convert);
     convert->callback([options, &status] { status = Run(*options); });

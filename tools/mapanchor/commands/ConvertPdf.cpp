@@ -2,7 +2,8 @@
 
 #include "read/PdfWorkplace.h"
 
-#include <MapAnchor/BGeoPDFPage.h>
+#include <MapAnchor/BGeoPDFPages.h>
+#include <MapAnchor/BGeoPDFTraits.h>
 #include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/Numbers.h>
 
@@ -12,8 +13,11 @@
 
 namespace Tool {
 
+using MapAnchor::BDiagnostic;
 using MapAnchor::BGeoPDFBox;
 using MapAnchor::BGeoPDFPage;
+using MapAnchor::BGeoPDFPages;
+using MapAnchor::BGeoPDFTraits;
 using MapAnchor::BMapAnchor;
 using namespace Tellurion;
 
@@ -71,7 +75,7 @@ void WarnOfMisfit(const ConvertOptions& options, const BGeoPDFPage& page, Outcom
         outcome.Warn("the raster does not fill the page: it covers " +
                      SizeText(width * shrunk, height * shrunk) + " at " + PrintShortest(options.read.dpi) +
                      " dots per inch, the page has " + SizeText(Width(box), Height(box)));
-    if (std::fabs(box.Left) > pixel || std::fabs(box.Bottom) > pixel)
+    if (options.read.pdf_by_rules && (std::fabs(box.Left) > pixel || std::fabs(box.Bottom) > pixel))
         outcome.Warn("the page begins at " + PrintShortest(box.Left) + ", " + PrintShortest(box.Bottom) +
                      "; the raster is taken to begin at 0, 0");
     if (page.Rotate != 0)
@@ -80,12 +84,23 @@ void WarnOfMisfit(const ConvertOptions& options, const BGeoPDFPage& page, Outcom
     if (!page.Maps.empty()) outcome.Warn("the reference that the page has already is replaced");
 }
 
+/// A remark that the library logs under an id has that in front.
+void SplitId(Diagnostic& line) {
+    const std::size_t end = line.text.find(": ");
+    if (end == std::string::npos || line.text.compare(0, 4, "pdf-") != 0 ||
+        line.text.find_first_not_of("abcdefghijklmnopqrstuvwxyz-") != end)
+        return;
+    line.id = line.text.substr(0, end);
+    line.text.erase(0, end + 2);
+}
+
 /// The library's log, in words that mean something to the caller.
 void TakeLog(const PdfWorkplace& place, LogCollector& log, Outcome& outcome) {
     Diagnostics lines;
     log.MoveTo(lines, false);
     for (Diagnostic& line : lines) {
         line.text = place.InWordsOfTarget(line.text);
+        SplitId(line);
         if (!place.IsAboutLeftovers(line.text)) outcome.diagnostics.push_back(std::move(line));
     }
 }
@@ -95,6 +110,8 @@ void ReadBack(const ConvertOptions& options, const PdfWorkplace& place, LogColle
     how.width = options.read.width;
     how.height = options.read.height;
     how.type = EReferenceType::GeoPDF;
+    how.pdf_page = options.target_page;
+    how.params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
     ReadResult back = ReadFile(place.File(), how, log);
     back.file = back.used_file = options.target;
     if (back.failure) {
@@ -156,10 +173,65 @@ void WorkAt(PdfWorkplace& place, const ConvertOptions& options, const BGeoRefere
         outcome.Warn(loss);
 }
 
+/// The page that is georeferenced, in points of 1/72 inch.
+BGeoPDFPage TargetPage(const ConvertOptions& options, const BGeoPDFTraits& traits) {
+    const BString target(options.target);
+    // What our own reader does not open is for the parser, and so for the rules.
+    if (options.read.pdf_by_rules || !traits.Known) return BGeoPDFPage::Describe(target);
+    BParamList params;
+    params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
+    BGeoPDFPage page = BGeoPDFPages::Describe(target, &params).Pages.front().Page;
+    page.Encrypted = page.Encrypted || traits.Encrypted;
+    for (double* side :
+         {&page.MediaBox.Left, &page.MediaBox.Bottom, &page.MediaBox.Right, &page.MediaBox.Top})
+        *side *= page.UserUnit;
+    return page;
+}
+
+/// Lets the library append where that is asked for, or the better way; true where it will.
+bool ChooseUpdate(ConvertOptions& options, const BGeoPDFTraits& traits, Outcome& outcome) {
+    if (options.read.pdf_by_rules && !options.incremental) return false;
+    enum Wish { kNever, kAlways, kWhereNeeded };
+    const bool chosen = !options.incremental && traits.WantsUpdate();
+    options.read.params.SetInteger(BMapAnchor::kValPDFIncremental, options.incremental.value_or(false)
+                                                                       ? kAlways
+                                                                   : options.incremental ? kNever
+                                                                                         : kWhereNeeded);
+    options.read.params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
+    if (chosen) {
+        std::string reasons;
+        for (const BDiagnostic& loss : traits.RewriteLosses())
+            reasons += "; " + loss.GetText().StdStr();
+        if (reasons.empty()) reasons = "; the file is large";
+        outcome.diagnostics.push_back(
+            {false, "the reference is appended to the file" + reasons, "pdf-appended", true});
+    }
+    return chosen || options.incremental.value_or(false);
+}
+
+/// Appends to the target itself: nothing but its end changes.
+void AppendToTarget(const ConvertOptions& options, const BGeoReference& reference, LogCollector& log,
+                    Outcome& outcome) {
+    if (options.backup && !KeepCopies(outcome)) return;
+    ConvertOptions by_type = options;
+    by_type.to = EReferenceType::GeoPDF;
+    try {
+        CallSave(by_type, reference);
+    } catch (...) {
+        FailByCurrent(outcome);
+    }
+    Diagnostics lines;
+    log.MoveTo(lines, false);
+    for (Diagnostic& line : lines) {
+        SplitId(line);
+        outcome.diagnostics.push_back(std::move(line));
+    }
+}
+
 }  // namespace
 
 bool FitToPage(ConvertOptions& options, bool has_size, Outcome& outcome) {
-    const BGeoPDFPage page = BGeoPDFPage::Describe(BString(options.target));
+    const BGeoPDFPage page = TargetPage(options, BGeoPDFTraits::Of(BString(options.target)));
     if (!IsWritablePage(options.target, page, outcome)) return false;
     const BGeoPDFBox& box = page.MediaBox;
     const bool has_extent = box.Present && Width(box) > 0.0 && Height(box) > 0.0;
@@ -179,8 +251,12 @@ bool FitToPage(ConvertOptions& options, bool has_size, Outcome& outcome) {
     return true;
 }
 
-void SavePdf(const ConvertOptions& options, const BGeoReference& reference, LogCollector& log,
+void SavePdf(const ConvertOptions& given, const BGeoReference& reference, LogCollector& log,
              Outcome& outcome) {
+    ConvertOptions options = given;
+    const bool appends = ChooseUpdate(options, BGeoPDFTraits::Of(BString(options.target)), outcome);
+    if (appends && !options.verify && !options.dry_run)
+        return AppendToTarget(options, reference, log, outcome);
     try {
         PdfWorkplace place(options.target,
                            options.dry_run ? PdfWorkplace::Purpose::Rehearsal : PdfWorkplace::Purpose::Save);

@@ -24,10 +24,11 @@ fs::path MakeFolder(const fs::path& parent) {
     return pattern;
 }
 
-/// Zero when there is none.
-ino_t NumberOf(const std::string& file) {
+/// Zeros when there is none.
+struct stat StateOf(const std::string& file) {
     struct stat state {};
-    return stat(file.c_str(), &state) == 0 ? state.st_ino : 0;
+    if (stat(file.c_str(), &state) != 0) state = {};
+    return state;
 }
 
 std::optional<std::string> Environment(const char* name) {
@@ -48,7 +49,7 @@ PdfWorkplace::PdfWorkplace(const std::string& target, Purpose purpose)
         fs::remove_all(folder_, ignored);
         throw fs::filesystem_error("no copy to work on", target_, failed);
     }
-    number_ = NumberOf(file_);
+    before_ = StateOf(file_);
     setenv(kTemporaries, folder_.c_str(), 1);  // where the library moves the file aside
 }
 
@@ -62,8 +63,8 @@ PdfWorkplace::~PdfWorkplace() {
 }
 
 bool PdfWorkplace::HasResult() const {
-    const ino_t number = NumberOf(file_);
-    return number != 0 && number != number_;
+    const struct stat now = StateOf(file_);
+    return now.st_ino != 0 && (now.st_ino != before_.st_ino || now.st_size != before_.st_size);
 }
 
 std::vector<std::string> PdfWorkplace::ReplaceTarget() {

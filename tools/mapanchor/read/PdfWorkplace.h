@@ -25,7 +25,7 @@ public:
 
     /// The name to work on.
     const std::string& File() const { return file_; }
-    /// True when a new file stands there.
+    /// True when a new file is there, or the file has grown.
     bool HasResult() const;
     /// The result takes the target's place in one step. What of the old file could not be
     /// kept, in sentences.
@@ -41,7 +41,7 @@ private:
     std::filesystem::path target_;
     std::filesystem::path folder_;
     std::string file_;
-    ino_t number_ = 0;                        ///< of the file before the work
+    struct stat before_ {};                   ///< of the file before the work
     std::optional<std::string> temporaries_;  ///< TMPDIR as it was
 };
 
