@@ -3,6 +3,7 @@
 #include "read/InputNames.h"
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
+#include "read/Systems.h"
 #include "render/JsonRenderer.h"
 #include "render/TextRenderer.h"
 #include "terminal/CommonOptions.h"
@@ -65,8 +66,7 @@ std::vector<std::string> RowOf(const BReferenceSource& source) {
     const auto& reading = source.GetReading();
     std::string system = reading.GetFailureText().StdStr();
     if (reading.HasReference())
-        system =
-            reading.GetReference().HasCoordSys() ? reading.GetReference().CoordSys->GetName().StdStr() : "-";
+        system = reading.GetReference().HasCoordSys() ? NameOf(*reading.GetReference().CoordSys) : "-";
     return {source.GetKind().StdStr(),
             names,
             source.Wins() ? "yes" : "no",
