@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <set>
 
@@ -112,6 +113,60 @@ struct Refusal {
     const char* reason;
     std::string content = RichPdf(720, 360);  ///< empty for no file
 };
+
+bool Runs(const std::string& command) {
+    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+TEST_F(PdfInPlace, AppendsWhereThatIsTheBetterWay) {
+    if (!Runs("qpdf --linearize '" + (folder / "map.pdf") + "' '" + (folder / "lin.pdf") + "'"))
+        GTEST_SKIP() << "needs qpdf";
+    const std::string before = TempFolder::Slurp(folder / "lin.pdf");
+    const struct {
+        const char* options;
+        int status;
+        const char* said;
+        bool appended;
+    } rows[] = {
+        {"--dry-run", 0, "[pdf-appended]", false},
+        {"", 0, "[pdf-appended]", true},
+        {"--verify --target-page 2", 0, "off at the corners", true},
+        {"--no-incremental", 3, "[pdf-linearized]", false},
+        {"--no-incremental --dry-run", 3, "[pdf-linearized]", false},
+        {"--incremental", 0, "wrote", true},
+    };
+    for (const auto& [options, status, said, appended] : rows) {
+        SCOPED_TRACE(options);
+        folder.Write("lin.pdf", before);
+        folder.ExpectRun("convert --overwrite %map.tfw %lin.pdf " + std::string(options), status, "", {said});
+        const std::string now = TempFolder::Slurp(folder / "lin.pdf");
+        EXPECT_EQ(now.substr(0, before.size()) == before && now != before, appended);
+    }
+}
+
+// Signed by a key of its own, by other software, and checked by it again.
+TEST_F(PdfInPlace, ASignatureStaysValidAndThePageAsItWas) {
+    const std::string keys = folder / "keys";
+    folder.Write("noise", std::string(200, 'n'));
+    const std::string file = folder / "map.pdf";
+    const std::string sign = "pdfsig -nssdir '" + keys + "' ";
+    if (!Runs("mkdir '" + keys + "' && certutil -N -d '" + keys + "' --empty-password && certutil -S -d '" +
+              keys + "' -n me -s CN=me -x -t CT,C,C -z '" + (folder / "noise") + "'") ||
+        !Runs(sign + "-add-signature -nick me '" + file + "' '" + (folder / "signed.pdf") + "'") ||
+        !Runs("mutool -v"))
+        GTEST_SKIP() << "needs certutil, pdfsig and mutool";
+    const auto rendered = [&] {
+        EXPECT_TRUE(Runs("cd '" + (folder / "") +
+                         "' && pdftoppm -r 36 -singlefile signed.pdf poppler && "
+                         "mutool draw -r 36 -o mupdf.ppm signed.pdf 1"));
+        return TempFolder::Slurp(folder / "poppler.ppm") + TempFolder::Slurp(folder / "mupdf.ppm");
+    };
+    const std::string pixels = rendered();
+    folder.ExpectRun("convert --overwrite %map.tfw %signed.pdf", 0, "", {"digital signature"});
+    EXPECT_TRUE(Runs(sign + "'" + (folder / "signed.pdf") + "' | grep 'Signature is Valid'"));
+    EXPECT_EQ(rendered(), pixels);
+    folder.ExpectRun("info %signed.pdf", 0, "", {"EPSG:32632"});
+}
 
 TEST_F(PdfInPlace, RefusedWithoutTouchingTheFile) {
     folder.Write("bare.tfw", kWorldFile);
