@@ -279,7 +279,7 @@ const char* IdOfPdfRemark(std::string_view line) {
     for (const char* id :
          {DiagnosticId::kPdfBeyondRules, DiagnosticId::kPdfNoSystem, DiagnosticId::kPdfNotANumber,
           DiagnosticId::kPdfPointsRounded, DiagnosticId::kPdfScale, DiagnosticId::kPdfUnits,
-          DiagnosticId::kPdfUnknownDatum}) {
+          DiagnosticId::kPdfDialectsDiffer, DiagnosticId::kPdfUnknownDatum}) {
         const std::string_view name = id;
         if (line.substr(0, name.size()) == name && line.substr(name.size(), 2) == ": ") return id;
     }

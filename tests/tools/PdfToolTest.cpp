@@ -260,6 +260,14 @@ TEST(PdfInfo, OtherMapsARotationAndRefusedFormsAreReported) {
     folder.ExpectRun("info --page 2 %none.pdf", 2, "", {"no page 2"});
 }
 
+TEST(PdfCheckTool, ShowsFindingsWithTheirPlace) {
+    const ToolFolder folder;
+    folder.Write("good.pdf", GeoPdf::Viewport().Text());
+    folder.Write("bad.pdf", GeoPdf::Viewport{.lpts = "[0 0 0 2 1 2 1 0]"}.Text());
+    folder.ExpectRun("check %good.pdf", 0, "", {"passes"});
+    folder.ExpectRun("check %bad.pdf", 2, "", {"(page 1, VP 1/LPTS) [pdf-unit-square]"});
+}
+
 TEST(PdfInfo, ReadsBeyondTheRulesAnyMapOfAnyPage) {
     const ToolFolder folder;
     const auto page = [](const char* keys, const char* viewports) {

@@ -1,6 +1,7 @@
 #include "wide/ReadWideGeoPDF.h"
 
 #include "PdfParameters.h"
+#include "common/SourceDistance.h"
 #include "import/GeoPDFSteps.h"
 #include "wide/ExactFit.h"
 #include "wide/GradSystem.h"
@@ -11,9 +12,13 @@
 #include <MapAnchor/BGeoReferenceReadException.h>
 #include <MapAnchor/BReadParametersException.h>
 #include <Tellurion/BFileContentNotValidException.h>
+#include <Tellurion/Numbers.h>
+#include <Tellurion/ThreadLog.h>
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <string>
 
 namespace MapAnchor {
 
@@ -164,6 +169,65 @@ bool Store(WideMap& map, const ShownPage& shown, BGeoReference& reference, Stric
     return true;
 }
 
+bool Overlap(const std::vector<double>& a, const std::vector<double>& b) {
+    constexpr std::size_t kNumbers = 4;
+    if (a.size() < kNumbers || b.size() < kNumbers) return false;
+    const auto apart = [&](std::size_t low, std::size_t high) {
+        return std::max(a[low], a[high]) <= std::min(b[low], b[high]) ||
+               std::max(b[low], b[high]) <= std::min(a[low], a[high]);
+    };
+    return !apart(0, 2) && !apart(1, 3);
+}
+
+/// How far another dialect puts the raster from `reference`; 0 where the systems are not known.
+SourceDistance DistanceOf(WideMap other, const ShownPage& shown, const BGeoReference& reference,
+                          const WideReading& reading) {
+    WideReading ignored;
+    ignored.width = reading.width;
+    ignored.height = reading.height;
+    BGeoReference placed;
+    const Tellurion::ThreadLog quiet;
+    Store(other, shown, placed, Strictness(0), EMathTransformType::Affine, ignored);
+    if (!placed.HasCoordSys() || !reference.HasCoordSys()) return {0.0, 0.0};
+    return DistanceBetween({reference}, {placed}, reading.width, reading.height);
+}
+
+struct DialectDifference {
+    double pixels;
+    double metres;
+};
+
+/// How far the map of the other dialect at the same place of the page puts the raster elsewhere;
+/// nothing where there is none, or no difference that counts.
+std::optional<DialectDifference> CompareDialects(const std::vector<WideMap>& maps, std::size_t chosen,
+                                                 const ShownPage& shown, const BGeoReference& reference,
+                                                 const WideReading& reading) {
+    for (const WideMap& other : maps) {
+        if (other.lgi == maps[chosen].lgi || !other.fault.empty() ||
+            !Overlap(other.record.BBox, maps[chosen].record.BBox))
+            continue;
+        try {
+            const SourceDistance distance = DistanceOf(other, shown, reference, reading);
+            constexpr double kSamePixels = 1.0;
+            if (!(distance.pixels > kSamePixels)) return std::nullopt;
+            return DialectDifference{distance.pixels, distance.metres};
+        } catch (...) {  // it cannot be placed, and so not be compared
+            return std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string TextOf(const DialectDifference& difference, bool read_lgi) {
+    std::string text = "the page states the place of the map twice, and \"";
+    text.append(read_lgi ? "VP" : "LGIDict").append("\" puts it elsewhere");
+    if (std::isfinite(difference.metres))
+        text.append(": ").append(Tellurion::PrintFixed(difference.metres, 1)).append(" m away");
+    else if (std::isfinite(difference.pixels))
+        text.append(": ").append(Tellurion::PrintFixed(difference.pixels, 1)).append(" pixels away");
+    return text.append("; \"").append(read_lgi ? "LGIDict" : "VP").append("\" is read");
+}
+
 }  // namespace
 
 bool IsWideRead(const BParamList* params) {
@@ -197,6 +261,9 @@ WideReading ReadWideGeoPDF(WideDocument& document, unsigned int flags, BGeoRefer
     const ShownPage shown = Show(page, params, reading);
     if (!Store(map, shown, reference, Strictness(flags), mathType, reading))
         map.remarks.Doubt("pdf-no-system", "The coordinate system of the map cannot be read.");
+    if (reference.HasMathTransform())
+        if (const auto difference = CompareDialects(maps, chosen, shown, reference, reading))
+            map.remarks.Doubt("pdf-dialects-differ", TextOf(*difference, map.lgi));
     reading.remarks = map.remarks.List();
     return reading;
 }

@@ -10,6 +10,7 @@
 #include "render/JsonRenderer.h"
 #include "terminal/CommonOptions.h"
 
+#include <MapAnchor/BGeoPDFCheck.h>
 #include <Tellurion/BException.h>
 #include <Tellurion/Numbers.h>
 #include <Tellurion/Printable.h>
@@ -30,7 +31,8 @@ constexpr const char* kCheckDescription =
     "Check the georeferencing of each file against what it should be\n\n"
     "A file passes when it has a transform and meets all conditions of the options. Each fault\n"
     "is reported with a stable id: transform-missing, crs-missing, crs-mismatch, outside,\n"
-    "extent-unknown, rmse-exceeded, rmse-unknown.\n\n"
+    "extent-unknown, rmse-exceeded, rmse-unknown. The maps of a PDF are also compared with the\n"
+    "standard, ISO 32000-2, on all pages.\n\n"
     "Examples:\n"
     "  mapanchor check --expect-crs EPSG:25832 map.tif\n"
     "  mapanchor check --within 5,47,16,55 --size 2000x1000 map.tfw\n"
@@ -143,6 +145,20 @@ private:
     ReadResult& result_;
 };
 
+/// What the standard says of the maps of a PDF, on all of its pages.
+void CheckPdf(ReadResult& result) {
+    const auto findings = MapAnchor::BGeoPDFCheck::Of(Tellurion::BString(result.file));
+    for (const MapAnchor::BDiagnostic& finding : findings) {
+        const std::string id = finding.GetId().StdStr();
+        if (result.failure && finding.GetPlace().IsEmpty()) continue;  // the file itself
+        // The reading says so as well where it is its own map.
+        std::erase_if(result.diagnostics, [&](const Diagnostic& known) {
+            return known.id == id && known.text == finding.GetText().StdStr();
+        });
+        result.diagnostics.push_back(DiagnosticOf(finding));
+    }
+}
+
 bool Passes(const ReadResult& result) {
     return result.Ok() && std::none_of(result.diagnostics.begin(), result.diagnostics.end(),
                                        [](const Diagnostic& remark) { return remark.is_error; });
@@ -166,6 +182,7 @@ std::string VerdictText(const ReadResult& result) {
     if (result.failure) text += "  error: " + Printable(result.failure->Text()) + "\n";
     for (const Diagnostic& remark : result.diagnostics)
         text += std::string("  ") + remark.Severity() + ": " + Printable(remark.text) +
+                (remark.place.empty() ? "" : " (" + Printable(remark.place) + ")") +
                 (remark.id.empty() ? "" : " [" + remark.id + "]") + "\n";
     return text;
 }
@@ -177,6 +194,7 @@ ExitStatus Run(const CheckOptions& options) {
     Tally tally;
     ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
         ReadResult result = ReadFile(file, options.read, log);
+        if (result.page) CheckPdf(result);
         if (result.Ok()) Judge(demands, result).Run();
         tally.Count(StatusOf(result));
         console.Print(options.common.json ? ToText(VerdictJson(result), options.common)

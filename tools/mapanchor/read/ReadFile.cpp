@@ -37,12 +37,7 @@ std::string PlaceOf(const BDiagnostic& remark) {
 
 void Copy(const std::vector<BDiagnostic>& remarks, Diagnostics& diagnostics) {
     for (const BDiagnostic& remark : remarks)
-        diagnostics.push_back({.is_error = remark.GetSeverity() == BDiagnostic::ESeverity::Error,
-                               .text = remark.GetText().StdStr(),
-                               .id = remark.GetId().StdStr(),
-                               .is_note = remark.GetSeverity() == BDiagnostic::ESeverity::Note,
-                               .file = remark.GetFile().StdStr(),
-                               .place = PlaceOf(remark)});
+        diagnostics.push_back(DiagnosticOf(remark));
 }
 
 /// The library's words with what this program offers.
@@ -94,6 +89,15 @@ Failure CurrentFailure() {
 ExitStatus ReadResult::Status() const {
     if (failure) return StatusOf(outcome);
     return AreDoubtful(diagnostics) ? ExitStatus::Warnings : ExitStatus::Done;
+}
+
+Diagnostic DiagnosticOf(const BDiagnostic& remark) {
+    return {.is_error = remark.GetSeverity() == BDiagnostic::ESeverity::Error,
+            .text = remark.GetText().StdStr(),
+            .id = remark.GetId().StdStr(),
+            .is_note = remark.GetSeverity() == BDiagnostic::ESeverity::Note,
+            .file = remark.GetFile().StdStr(),
+            .place = PlaceOf(remark)};
 }
 
 ReadResult ResultOf(const BReading& reading, const std::string& name) {

@@ -53,6 +53,9 @@ struct ReadResult {
     ExitStatus Status() const;
 };
 
+/// A remark of the library, in this program's terms.
+Diagnostic DiagnosticOf(const MapAnchor::BDiagnostic& remark);
+
 /// What a reading says, in this program's terms.
 ReadResult ResultOf(const MapAnchor::BReading& reading, const std::string& name);
 

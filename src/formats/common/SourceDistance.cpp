@@ -1,4 +1,4 @@
-#include "SourceDistance.h"
+#include "common/SourceDistance.h"
 
 #include <Tellurion/BCoordSysException.h>
 
