@@ -37,7 +37,7 @@ private:
 // Only encodings that real files use here, one of which compresses.
 TVecFilters Filters(const PdfVariant& dictionary) {
     const PdfObject* const entry = dictionary.GetDictionary().GetKey("Filter");
-    if (!entry) return {};
+    if (!entry || entry->IsNull()) return {};
     bool direct = entry->IsName() || entry->IsArray();
     if (entry->IsArray())
         direct = std::all_of(entry->GetArray().begin(), entry->GetArray().end(),

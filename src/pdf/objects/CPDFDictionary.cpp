@@ -49,6 +49,7 @@ CPDFDictionary::~CPDFDictionary() = default;
 
 PdfObject& CPDFDictionary::Add(const QString& key, const PdfObject& value) {
     const PoDoFo::PdfName name = ToPdfName(key);
+    if (name.GetLength() == 0) ThrowNoKey(key);  // PoDoFo finds no value under it again
     dictionary_->AddKey(name, value);
     return *dictionary_->GetKey(name);
 }

@@ -1,5 +1,7 @@
 #include "objects/CPDFDocument.h"
 
+#include "load/CrossReferences.h"
+#include "load/PageSearch.h"
 #include "objects/CCorruptedPDFException.h"
 #include "objects/CPDFPage.h"
 #include "objects/CPDFString.h"
@@ -101,7 +103,8 @@ CPDFDocument::CPDFDocument(std::unique_ptr<PoDoFo::PdfMemDocument> first_page)
     : extent_(EPDFExtent::FirstPage), document_(std::move(first_page)) {}
 
 void CPDFDocument::Load(const QString& path, const std::string& password) {
-    document_ = LoadGuarded(BytesOf(path), extent_, password);
+    path_ = BytesOf(path);
+    document_ = LoadGuarded(path_, extent_, password);
     if (IsEncrypted()) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_InvalidPassword);
 }
 
@@ -141,12 +144,17 @@ QString CPDFDocument::GetCreator() {
 }
 
 QString CPDFDocument::GetInfoText(const char* key) {
-    PoDoFo::PdfInfo* info = document_->GetInfo();
-    PdfObject* holder = info ? info->GetObject() : nullptr;
-    if (!holder || !holder->IsDictionary()) return QString();
-    const PdfObject* value = holder->GetDictionary().GetKey(PoDoFo::PdfName(key));
-    if (!value || !(value->IsString() || value->IsHexString())) return QString();
-    return CPDFString(value->GetString()).ToQString();
+    try {
+        FileWindow file(path_);
+        CrossReferences references(file);
+        const PdfObject info = FollowedEntry(references, references.Trailer(), "Info");
+        if (!info.IsDictionary()) return QString();
+        const PdfObject value = FollowedEntry(references, info.GetDictionary(), key);
+        if (!value.IsString() && !value.IsHexString()) return QString();
+        return CPDFString(value.GetString()).ToQString();
+    } catch (const PoDoFo::PdfError&) {
+        return QString();
+    }
 }
 
 QString CPDFDocument::GetCreationDate() {

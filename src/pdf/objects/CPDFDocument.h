@@ -41,7 +41,8 @@ public:
     /// The XML of the document; null without. Leaves the stream uncompressed.
     QString GetMetadata();
     QString GetCreator();
-    /// As it stands in the file; null when it is missing or no string.
+    /// As it is in the file; null when it is missing or not a string, and where the file's
+    /// cross-references are damaged. PoDoFo's own values are those of the load.
     QString GetCreationDate();
     QString GetModDate();
     bool IsEncrypted() const;
@@ -74,6 +75,7 @@ private:
     const EPDFExtent extent_;
     std::unique_ptr<PoDoFo::PdfMemDocument> document_;
     std::map<int, std::unique_ptr<CPDFPage>> pages_;
+    std::string path_;  ///< empty for a document that was loaded elsewhere
 };
 
 }  // namespace VellumLib

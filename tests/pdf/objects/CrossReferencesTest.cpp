@@ -29,7 +29,7 @@ double RightOf(const std::string& pdf, long page = 0) {
 }
 
 /// Catalog, tree and page in object stream 4; object stream 5 cannot be decoded.
-PdfBuilder Packed(const std::string& page, const std::string& keys = "") {
+PdfBuilder Packed(const std::string& page, const std::string& keys = "", bool deflated = true) {
     PdfBuilder file;
     for (int i = 0; i < 3; ++i)
         file.Add("null");
@@ -37,7 +37,8 @@ PdfBuilder Packed(const std::string& page, const std::string& keys = "") {
         MakeObjectStream({7, 8, 9}, {"<</Type/Catalog/Pages 8 0 R>>",
                                      "<</Type/Pages/Count 1/Kids[9 0 R]/MediaBox[0 0 70 90]>>",
                                      "<</Type/Page/Parent 8 0 R" + page + ">>"});
-    file.AddStream(objects.keys + keys + "/Filter/FlateDecode", Deflated(objects.content));
+    file.AddStream(objects.keys + keys + (deflated ? "/Filter/FlateDecode" : "/Filter null"),
+                   deflated ? Deflated(objects.content) : objects.content);
     file.AddStream("/N 1/First 4/Filter/FlateDecode", "not deflated");
     return file;
 }
@@ -68,6 +69,7 @@ TEST(CrossReferences, LeadToThePageInEveryForm) {
         {"an update", update(table, "/Prev " + start(table)), 80},
         {"sections in a circle", update(table, "/Prev " + std::to_string(table.size() + 61)), -1},
         {"a broken object stream that is not needed", packed, 70},
+        {"no filter at all", WithRoot(Packed("", "", false).FinishWithStream({4, 4, 4})), 70},
         {"a broken object stream that is needed", WithRoot(Packed("").FinishWithStream({4, 5, 4})), -1},
         {"an object in another place of its stream", WithRoot(Packed("").FinishWithStream({4, 4})), -1},
         {"more objects stated than there are", WithRoot(Packed("", "/N 999").FinishWithStream({4, 4, 4})),

@@ -118,6 +118,13 @@ TEST_F(Objects, DocumentsRefuseWhatTheyLack) {
     EXPECT_EQ(&document.GetPage(0), &document.GetPage(0));
     EXPECT_EQ(document.GetMetadata(), "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"/>");
     EXPECT_TRUE(document.GetModDate().isNull());
+    CPDFDocument dated(QString::fromStdString(
+        folder.Write("dated.pdf", PlainPdf({"<</Type/Catalog/Pages 2 0 R>>", "<</Type/Pages/Kids[]/Count 0>>",
+                                            "<</ModDate(D:20010203040506Z)/CreationDate 7>>"},
+                                           "/Info 3 0 R"))));
+    EXPECT_EQ(dated.GetModDate(), "D:20010203040506Z");
+    EXPECT_TRUE(dated.GetCreationDate().isNull());
+    EXPECT_EQ(FailureOf([&] { dated.GetCatalog().AddBool("", true); }).substr(0, 19), "ePdfError_InvalidKe");
     // A missing object is told apart from other faults.
     std::string rootless = RichPdf(200, 100);
     rootless.replace(rootless.find("/Root 1 0 R"), 11, "/Root 99 0 R");
