@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "../pdf/import/GeoPdfFiles.h"
 #include "RunTool.h"
 
 #include <gdal_priv.h>
@@ -254,6 +255,28 @@ TEST_F(BatchRun, RowsOfOtherKinds) {
     EXPECT_EQ(first["bbox"], json({10.0, 40.0, 20.0, 50.0}));
     EXPECT_EQ(first["geometry"]["type"], "Polygon");
     EXPECT_NE(sequence.find("\n\x1e{\"type\":\"Feature\",\"geometry\":null"), std::string::npos) << sequence;
+}
+
+TEST_F(BatchRun, AllMapsOfAllPagesHaveARow) {
+    const GeoPdf::Viewport map;
+    const std::string page = "<< /Type /Page /Parent 2 0 R " + map.page + " /VP [ " + map.Entry();
+    const std::string pdf =
+        PlainPdf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R 6 0 R] /Count 2 >>",
+                  page + GeoPdf::Viewport{.box = "[0 0 306 396]"}.Entry() + " ] >>", map.Measure(),
+                  "<< " + map.system + " >>", page + " ] >>"});
+    folder.Write("maps.pdf", pdf);
+    const ToolRun run = folder.ExpectRun("batch --all-maps %a.tfw %maps.pdf", 0);
+    EXPECT_EQ(FilesOf(run), (Strings{"a.tfw", "maps.pdf", "maps.pdf", "maps.pdf"}));
+    std::vector<int> pages;
+    std::vector<bool> first_in_use;
+    for (const json& row : run.Objects()) {
+        if (!row["mapanchor"].contains("pdfPage")) continue;
+        pages.push_back(row["mapanchor"]["pdfPage"]["number"]);
+        first_in_use.push_back(row["mapanchor"]["pdfPage"]["maps"][0]["inUse"]);
+    }
+    EXPECT_EQ(pages, (std::vector<int>{1, 1, 2}));
+    EXPECT_EQ(first_in_use, (std::vector<bool>{true, false, true}));
+    folder.ExpectRun("batch --all-maps --to stac %maps.pdf", 64);
 }
 
 TEST_F(BatchRun, AnIndexHoldsTheFootprints) {

@@ -5,6 +5,8 @@
 #include "read/Residuals.h"
 #include "render/Feature.h"
 
+#include <MapAnchor/BGeoPDFPages.h>
+#include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/Numbers.h>
 
 #include <algorithm>
@@ -12,6 +14,7 @@
 
 namespace Tool {
 
+using MapAnchor::BMapAnchor;
 using Tellurion::PrintShortest;
 
 namespace {
@@ -80,6 +83,33 @@ Row MakeRow(ReadResult& result, const RowSettings& settings) {
     if (has_place) row.text = TextOf(result, footprint, settings.format);
     if (settings.with_feature) row.feature = Line(FeatureJson(result, footprint));
     return row;
+}
+
+Row MakeRowsOfMaps(const std::string& name, const ReadOptions& options, const RowSettings& settings,
+                   LogCollector& log) {
+    ReadResult first = ReadFile(name, options, log);
+    const auto list = first.page && !options.pdf_by_rules
+                          ? MapAnchor::BGeoPDFPages::List(Tellurion::BString(name))
+                          : MapAnchor::BGeoPDFPages();
+    std::optional<Row> rows;
+    for (const auto& [number, page] : list.Pages) {
+        for (std::size_t map = 1; map <= page.Maps.size(); ++map) {
+            ReadOptions one = options;
+            one.pdf_page = static_cast<int>(number);
+            one.params.SetInteger(BMapAnchor::kValPDFPage, one.pdf_page);
+            one.params.SetString(BMapAnchor::kValPDFMap, Tellurion::BString(std::to_string(map)));
+            ReadResult result = ReadFile(name, one, log);
+            // The other maps have rows of their own.
+            std::erase_if(result.diagnostics,
+                          [](const Diagnostic& remark) { return remark.id == "other-maps"; });
+            const Row row = MakeRow(result, settings);
+            if (!rows) rows.emplace().status = row.status;
+            if (rows->status != row.status) rows->status = ExitStatus::Warnings;
+            rows->text += row.text;
+            rows->feature += row.feature;
+        }
+    }
+    return rows ? *rows : MakeRow(first, settings);
 }
 
 Row MakeLostRow(const std::string& name, const std::string& type, const std::string& detail,

@@ -22,6 +22,11 @@ struct Row {
 
 Row MakeRow(ReadResult& result, const RowSettings& settings);
 
+/// Of a PDF one row for each map of all its pages, in the order of the file; of other inputs and
+/// of a PDF without maps the one row. The status is that of all, or Warnings where they differ.
+Row MakeRowsOfMaps(const std::string& name, const ReadOptions& options, const RowSettings& settings,
+                   LogCollector& log);
+
 /// Of an input that no worker could finish.
 Row MakeLostRow(const std::string& name, const std::string& type, const std::string& detail,
                 const RowSettings& settings);

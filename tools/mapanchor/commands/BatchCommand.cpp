@@ -45,6 +45,7 @@ struct BatchOptions {
     std::vector<std::string> roots;
     bool nul_separated = false;
     bool every_file = false;
+    bool all_maps = false;
     bool unordered = false;
     bool progress = false;
     bool overwrite = false;
@@ -154,6 +155,7 @@ Batch::Batch(const BatchOptions& options)
       source_(SourceSettings()),
       pool_(JobsOf(options),
             [this](const std::string& name) {
+                if (options_.all_maps) return Pack(MakeRowsOfMaps(name, options_.read, settings_, log_));
                 ReadResult result = ReadFile(name, options_.read, log_);
                 return Pack(MakeRow(result, settings_));
             },
@@ -192,7 +194,12 @@ void Batch::Deal() {
 
 void Batch::Write(const Row& row) {
     out_.Print(row.text);
-    if (index_) index_->Add(row.feature);
+    // Of several maps a file has several features, each on its own line.
+    for (std::size_t at = 0; index_ && at < row.feature.size();) {
+        const std::size_t end = std::min(row.feature.find('\n', at), row.feature.size() - 1) + 1;
+        index_->Add(row.feature.substr(at, end - at));
+        at = end;
+    }
     ++written_;
 }
 
@@ -278,6 +285,8 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
                                             "put before a text like a formula), stac")
                                 ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case))
                                 ->type_name("KIND");
+    CLI::Option* const all_maps =
+        batch.add_flag("--all-maps", options.all_maps, "Print a row for each map of all pages of a PDF");
     batch.add_flag("--unordered", options.unordered, "Print each row as soon as it is ready");
     CLI::Option* const index =
         batch
@@ -294,7 +303,8 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
         ->check(RefuseEmpty)
         ->type_name("FILE")
         ->excludes(to)
-        ->excludes(index);
+        ->excludes(index)
+        ->excludes(all_maps);
     batch.add_flag("--progress", options.progress, "Show progress on stderr even if it is not a terminal");
 }
 
@@ -324,6 +334,8 @@ void AddBatchCommand(CLI::App& app, ExitStatus& status) {
     options->common.AddTo(*batch);
     batch->callback([options, &status] {
         if (options->roots.empty()) options->roots.emplace_back("-");
+        if (options->all_maps && options->format == RowFormat::Stac)
+            throw CLI::ValidationError("--all-maps", "an item of STAC is one file; use another --to");
         status = Run(*options);
     });
 }

@@ -47,6 +47,7 @@ struct ReadResult {
     std::optional<long> width;  ///< of the raster, as given or as the file implies
     std::optional<long> height;
     std::optional<MapAnchor::BGeoPDFPage> page;  ///< of a PDF
+    int page_number = 1;                         ///< counted from 1
     Diagnostics diagnostics;
 
     bool Ok() const { return !failure; }

@@ -101,7 +101,10 @@ Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals) {
         ours["files"] = result.files;
         PutReference(top, ours, result, residuals);
     }
-    if (result.page) ours["pdfPage"] = PdfPageJson(*result.page);
+    if (result.page) {
+        ours["pdfPage"] = PdfPageJson(*result.page);
+        ours["pdfPage"]["number"] = result.page_number;
+    }
     ours["diagnostics"] = RenderJson(result.diagnostics);
     top["mapanchor"] = std::move(ours);
     return top;
