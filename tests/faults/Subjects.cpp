@@ -188,6 +188,17 @@ std::vector<Subject> AllSubjects() {
              }});
     all.push_back({"PDF", "map.pdf", EReferenceType::GeoPDF,
                    [](const std::string& path) { std::ofstream(path) << RichPdf(200, 100); }});
+    // Tagged, so that the tool appends to it.
+    all.push_back({"convert: PDF appended", "map.pdf", EReferenceType::GeoPDF,
+                   [](const std::string& path) {
+                       std::ofstream(path)
+                           << PlainPdf({"<< /Type /Catalog /Pages 2 0 R /StructTreeRoot 4 0 R >>",
+                                        "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                                        "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 200 100] >>",
+                                        "<< /Type /StructTreeRoot /K 5 0 R >>",
+                                        "<< /Type /StructElem /S /Document /P 4 0 R >>"});
+                   },
+                   true});
     const auto add = [&all](const char* name, const char* prefix) -> Subject& {
         Subject copy = *std::ranges::find(all, name, &Subject::name);
         copy.name = prefix + copy.name;

@@ -37,7 +37,10 @@ class Descriptor {
 public:
     Descriptor(const BString& file, int access)
         : number_(::open(file.StdStr().c_str(), access | O_CLOEXEC)), error_(number_ < 0 ? errno : 0) {}
-    ~Descriptor() { Close(); }
+    /// What was synced is there, whatever closing says.
+    ~Descriptor() {
+        if (number_ >= 0) ::close(number_);
+    }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 
@@ -46,11 +49,6 @@ public:
     bool HasSize(std::uint64_t size) const {
         struct stat state {};
         return ::fstat(number_, &state) == 0 && static_cast<std::uint64_t>(state.st_size) == size;
-    }
-    int Close() {
-        const int failed = number_ >= 0 && ::close(number_) != 0 ? errno : 0;
-        number_ = -1;
-        return failed;
     }
 
 private:
@@ -83,7 +81,7 @@ void Restore(int file, std::uint64_t size, BString& reason) {
                                       static_cast<unsigned long long>(size), std::strerror(errno));
 }
 
-void AppendInPlace(const BString& file, Descriptor& open, std::uint64_t size, std::string_view tail) {
+void AppendInPlace(const BString& file, const Descriptor& open, std::uint64_t size, std::string_view tail) {
     int error = Reserve(open.Number(), size, tail.size());
     if (error == 0) error = WriteAt(open.Number(), size, tail);
     if (error == 0 && ::fdatasync(open.Number()) != 0) error = errno;
@@ -92,7 +90,6 @@ void AppendInPlace(const BString& file, Descriptor& open, std::uint64_t size, st
         Restore(open.Number(), size, reason);
         ThrowUnwritten(file, reason);
     }
-    if (const int failed = open.Close()) ThrowUnwritten(file, BString(std::strerror(failed)));
 }
 
 void AppendToCopy(const BString& file, std::uint64_t size, std::string_view tail) {
@@ -118,7 +115,7 @@ void AppendToCopy(const BString& file, std::uint64_t size, std::string_view tail
 }  // namespace
 
 void AppendToFile(const BString& file, std::uint64_t size, std::string_view tail) {
-    Descriptor open(file, O_RDWR);
+    const Descriptor open(file, O_RDWR);
     if (open.Error() == EACCES || open.Error() == EPERM) return AppendToCopy(file, size, tail);
     if (open.Number() < 0) ThrowUnwritten(file, BString(std::strerror(open.Error())));
     if (!open.HasSize(size)) ThrowChanged(file);
