@@ -32,6 +32,8 @@ using ESeverity = BDiagnostic::ESeverity;
 
 namespace {
 
+constexpr const char* kGiven = "given by the caller";
+
 std::u16string LowerExtension(const BString& file) {
     return BFileUtilities::GetExtension(file).ToLower().GetUnits();
 }
@@ -101,6 +103,7 @@ void AddPrj(ReadingState& state) {
         if (BCoordSys* system = BCoordSys::FromFile(prj)) {
             state.reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
             state.files.push_back(prj);
+            if (state.explains) state.origins.push_back({"system", prj, LinePlace(1)});
         }
     } catch (const BException& error) {
         state.Add(
@@ -204,6 +207,7 @@ void ReadRasterItself(const BReadingOptions& options, ReadingState& state) {
     ReadingState by_gdal;
     by_gdal.width = state.width;
     by_gdal.height = state.height;
+    by_gdal.explains = state.explains;
     ReadAsGdal(state.file, options, by_gdal);
     if (by_gdal.failure && !by_gdal.is_raster) return;
     by_gdal.by_name = false;
@@ -242,6 +246,16 @@ void AssignSystem(const BReadingOptions& options, ReadingState& state) {
     const BSharedPtr<BCoordSys> system = options.GetCoordSys();
     if (system.IsEmpty() || (state.reference.HasCoordSys() && !options.OverridesCoordSys())) return;
     state.reference.SetCoordSys(system);
+    if (!state.explains) return;
+    std::erase_if(state.origins, [](const auto& origin) { return origin.Value == BString("system"); });
+    state.origins.push_back({"system", "", kGiven});
+}
+
+/// The size that the caller gave is the one that counts.
+void ExplainSize(const BReadingOptions& options, ReadingState& state) {
+    if (!state.explains || options.GetWidth() <= 0) return;
+    std::erase_if(state.origins, [](const auto& origin) { return origin.Value == BString("size"); });
+    state.origins.push_back({"size", "", kGiven});
 }
 
 }  // namespace
@@ -302,6 +316,9 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     }
     for (const BString& file : notes.files)
         if (file != state.used_file) state.files.push_back(file);
+    for (const ReadNotes::Origin& origin : notes.origins)
+        state.origins.push_back(
+            {origin.value, origin.file.IsEmpty() ? state.used_file : origin.file, origin.place});
     for (const BDiagnostic& remark : notes.diagnostics)
         if (IsAboutThis(remark, state)) state.diagnostics.push_back(remark);
     for (const BString& entry : log.Take()) {
@@ -319,14 +336,17 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
     const GdalDrivers::Scope allowed(&options.GetState().params);
     state.width = options.GetWidth();
     state.height = options.GetHeight();
+    state.explains = options.Explains();
     Read(options, state, sources);
     ExplainFailure(state);
     if (state.failure) {
         state.reference = BGeoReference();
+        state.origins.clear();
     } else {
         if (std::find(state.files.begin(), state.files.end(), state.used_file) == state.files.end())
             state.files.insert(state.files.begin(), state.used_file);
         AssignSystem(options, state);
+        ExplainSize(options, state);
         if (options.FindsSize() && state.width <= 0) FindRasterSize(state);
         CheckReading(options, state);
         if (state.width <= 0 && state.stated_width > 0) {

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace MapAnchor {
 
@@ -204,6 +205,7 @@ WideReading ReadWideGeoPDF(WideDocument& document, unsigned int flags, BGeoRefer
     if (!Store(map, shown, reference, Strictness(flags), mathType, reading))
         map.remarks.Doubt("pdf-no-system", "The coordinate system of the map cannot be read.");
     reading.remarks = map.remarks.List();
+    reading.origins = std::move(map.origins);
     return reading;
 }
 

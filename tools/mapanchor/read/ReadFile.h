@@ -48,6 +48,7 @@ struct ReadResult {
     std::optional<long> height;
     std::optional<MapAnchor::BGeoPDFPage> page;  ///< of a PDF
     Diagnostics diagnostics;
+    std::vector<MapAnchor::BReading::Origin> origins;  ///< of --explain
 
     bool Ok() const { return !failure; }
     ExitStatus Status() const;

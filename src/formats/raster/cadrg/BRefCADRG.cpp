@@ -88,6 +88,15 @@ void NotePolarFrame(const BString& file, const CadrgCoverage& corners) {
                 .file = file});
 }
 
+void NoteOrigins(const BString& file, const CadrgFrame& frame) {
+    constexpr std::uint64_t kIntervals = 80;  // behind the corners and two resolutions
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    notes->AddOrigin("system", file, "fixed by the format");
+    notes->AddOrigin("position", file, BytePlace(frame.coverage_at) + " (coverage section)");
+    notes->AddOrigin("pixel size", file, BytePlace(frame.coverage_at + kIntervals) + " (coverage section)");
+}
+
 }  // namespace
 
 bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
@@ -96,6 +105,7 @@ bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
     const CadrgFrame frame = ParseCadrgFrame(in);
     if (FaultOf(frame)) return false;
     NotePolarFrame(file, frame.coverage);
+    NoteOrigins(file, frame);
     StoreWhatThereIs(reference, frame.coverage.ToAffine(), Wgs84(),
                      "BRefCADRG::Read Failure setting the BGeoReference ERROR (%ls)");
     return true;

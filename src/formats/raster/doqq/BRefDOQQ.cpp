@@ -14,6 +14,22 @@ namespace MapAnchor {
 using Tellurion::BGeoReference;
 using Tellurion::BString;
 
+namespace {
+
+void NoteOrigins(const BString& file, const DoqHeader& header) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    const auto add = [&](const char* value, std::int64_t at) {
+        if (at >= 0) notes->AddOrigin(value, file, BytePlace(static_cast<std::uint64_t>(at)));
+    };
+    notes->AddOrigin("system", file,
+                     BytePlace(DoqHeader::kZoneAt) + " (the zone; the datum is fixed by the reader)");
+    add("position", header.position_at);
+    add("pixel size", header.pixel_size_at);
+}
+
+}  // namespace
+
 bool BRefDOQQ::Read(const BString& file, BGeoReference& reference) {
     Tellurion::RandomAccessFile in(file);
     if (!in.IsOpen()) return false;
@@ -23,7 +39,8 @@ bool BRefDOQQ::Read(const BString& file, BGeoReference& reference) {
                     .text = "the datum is taken for NAD27 and the zone " + header.zone +
                             " for one of the northern hemisphere, whatever the header states",
                     .file = file,
-                    .offset = 198});
+                    .offset = DoqHeader::kZoneAt});
+    NoteOrigins(file, header);
     StoreWhatThereIs(reference, header.ToAffine(), {"UTM-" + header.zone + "N", "NAD27", "METERS"},
                      "BRefDOQQ::Read Failure setting the BMathTransform or BCoordSys ERROR (%ls)");
     return true;

@@ -43,6 +43,8 @@ struct RsfFile {
     /// comments does not hold what it says.
     bool HoldsItsCount() const { return static_cast<std::int64_t>(points.size()) == count; }
     bool HasBlock() const { return block.size() == kBlockLines; }
+    /// The first line behind the rows, from 1.
+    long LineOfBlock() const { return long{count} + 2; }
 };
 
 /// Which pixels a row may name.

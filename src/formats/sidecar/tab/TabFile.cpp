@@ -1,6 +1,7 @@
 #include "sidecar/tab/TabFile.h"
 
 #include "common/QuotedName.h"
+#include "common/ReadNotes.h"
 #include "common/Text.h"
 #include "common/TextLines.h"
 #include "lookups/CoordSysLookups.h"
@@ -76,12 +77,18 @@ TabFile ParseTab(BFile& file) {
     TextLines lines(file);
     std::string_view line;
     std::string cut;
-    while (lines.Next(line)) {
+    const bool explains = ReadNotes::Explaining() != nullptr;
+    for (long number = 1; lines.Next(line); ++number) {
         if (!tab.has_table_mark) tab.has_table_mark = ContainsInAnyCase(line, "!table");
         if (!tab.has_raster_mark) tab.has_raster_mark = line.find("RASTER") != std::string_view::npos;
+        if (explains && tab.clause_line == 0 && ContainsInAnyCase(line, "coordsys")) tab.clause_line = number;
         if (line.size() < kShortestPoint) continue;
         cut.assign(line);
+        const std::size_t before = tab.points.size();
         ParsePoint(cut, tab.points);
+        if (tab.points.size() == before) continue;
+        if (before == 0) tab.first_point_line = number;
+        tab.last_point_line = number;
     }
     return tab;
 }
