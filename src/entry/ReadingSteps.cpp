@@ -348,11 +348,11 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
         AssignSystem(options, state);
         ExplainSize(options, state);
         if (options.FindsSize() && state.width <= 0) FindRasterSize(state);
-        CheckReading(options, state);
         if (state.width <= 0 && state.stated_width > 0) {
             state.width = state.stated_width;
             state.height = state.stated_height;
         }
+        CheckReading(options, state);
     }
     state.outcome = OutcomeOf(state);
 }

@@ -121,6 +121,7 @@ void NoteFacts(const KapHeader& header, const BString& file) {
     ReadNotes* const notes = ReadNotes::Current();
     if (!notes) return;
     notes->SetStatedSize(header.width, header.height);
+    header.dropped.Report(file);
     if (header.skew != 0.0 && header.points.empty())
         notes->Add({.id = DiagnosticId::kRotationNotRead,
                     .text = "the chart is turned by " + Tellurion::PrintShortest(header.skew) +

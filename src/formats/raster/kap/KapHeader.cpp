@@ -148,6 +148,8 @@ void Parser::ParsePoint(std::string_view line) {
     double row = 0.0;
     complete = complete && ParsePixel(fields[0], column) && ParsePixel(fields[1], row);
     if (!complete) return header.incomplete_points.push_back(line_number_);
+    header.dropped.Count(ParseDouble(fields[0]), ParseDouble(fields[1]), static_cast<long>(column),
+                         static_cast<long>(row));
     if (header.points.empty()) header.first_point_line = line_number_;
     header.last_point_line = line_number_;
     header.points.emplace_back(static_cast<long>(column), static_cast<long>(row), ParseDouble(fields[3]),

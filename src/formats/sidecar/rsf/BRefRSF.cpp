@@ -166,6 +166,7 @@ bool BRefRSF::Read(const BString& file, BGeoReference& reference, EMathTransform
         LogCountDiffers();
         return false;
     }
+    rsf.dropped.Report(file);
     StoreControlPoints(reference, std::move(rsf.points), mathType, {width, height}, OnFailure::GoOn,
                        kReadTexts);
     const BSharedPtr<BCoordSys> system = FindSystem(rsf, OnFailure::GoOn);

@@ -95,6 +95,7 @@ bool BRefTAB::Read(const BString& file, BGeoReference& reference, EMathTransform
     const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::All, OnFailure::GoOn);
     if (system) reference.SetCoordSys(system);
     NoteOrigins(file, tab, !system.IsEmpty());
+    tab.dropped.Report(file);
     if (tab.points.empty()) return !system.IsEmpty();
     StoreControlPoints(reference, std::move(tab.points), mathType, {width, height}, OnFailure::GoOn,
                        kReadTexts);
@@ -117,6 +118,7 @@ void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference
     const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::ValidOnly, strictness.CoordSys());
     if (system) reference.SetCoordSys(system);
     NoteOrigins(file, tab, !system.IsEmpty());
+    tab.dropped.Report(file);
     if (!tab.points.empty())
         StoreControlPoints(reference, std::move(tab.points), mathType, {width, height},
                            strictness.Transform(), kReadTexts);
