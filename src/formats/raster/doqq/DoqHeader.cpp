@@ -38,6 +38,7 @@ std::string Digits(const std::string& text) {
 DoqHeader ParseDoqHeader(Tellurion::RandomAccessFile& file) {
     DoqHeader header;
     header.line_length = ParseLong(Field(file, 150, 6));
+    header.datum = ParseLong(Field(file, DoqHeader::kDatumAt, 2));
     header.zone = Digits(Field(file, DoqHeader::kZoneAt, 6));
     const std::int64_t third_line = 2 * std::int64_t{header.line_length};
     const std::int64_t fourth_line = 3 * std::int64_t{header.line_length};
