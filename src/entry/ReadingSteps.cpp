@@ -4,8 +4,10 @@
 #include "ReadingSources.h"
 #include "ReferenceFormats.h"
 #include "SidecarNames.h"
+#include "VirtualSidecars.h"
 #include "common/DiagnosticIds.h"
 #include "raster/gdal/GdalDrivers.h"
+#include "raster/gdal/VirtualFiles.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
@@ -154,6 +156,16 @@ void FailByName(int error, ReadingState& state) {
             "File <%ls> cannot be opened: %s.", state.file, std::generic_category().message(error)));
 }
 
+/// The same for a name of GDAL's file layer.
+bool CheckVirtualName(ReadingState& state) {
+    const VirtualFiles::Kind kind = VirtualFiles::KindOf(state.file);
+    if (kind == VirtualFiles::Kind::None) FailByName(ENOENT, state);
+    if (kind == VirtualFiles::Kind::Folder)
+        state.failure = ReadingFailure::Of<BFileAccessException>(
+            BString::Format("<%ls> is a folder, not a file.", state.file));
+    return kind == VirtualFiles::Kind::File;
+}
+
 /// False, with a failure, for what is not a file that can be read.
 bool CheckName(ReadingState& state) {
     const std::string name = state.file.StdStr();
@@ -162,6 +174,7 @@ bool CheckName(ReadingState& state) {
         FailByName(ENOENT, state);
         return false;
     }
+    if (VirtualFiles::IsName(state.file)) return CheckVirtualName(state);
     if (stat(name.c_str(), &status) != 0) {
         FailByName(errno, state);
         return false;
@@ -183,14 +196,14 @@ void ExplainFailure(ReadingState& state) {
         of_name.width = state.width;
         of_name.height = state.height;
         state = std::move(of_name);
+    } else if (VirtualFiles::IsName(state.file)) {
+        if (state.failure->type != BString("BFileNotFoundException")) return;
+        state.failure = ReadingFailure::Of<BUnsupportedFileTypeException>(BString::Format(
+            "File <%ls> is of a kind that is read only as a plain file; copy it to a folder first.",
+            state.file));
     } else if (access(state.file.Utf8(), R_OK) != 0 && errno == EACCES) {
         FailByName(EACCES, state);
     }
-}
-
-bool IsSidecarName(const BString& file) {
-    const ReferenceFormat* const row = FindFormatToRead(LowerExtension(file));
-    return (row && row->sidecar) || HasWorldFileExtension(file);
 }
 
 void ReadSidecar(const BReadingOptions& options, ReadingState& state) {
@@ -337,6 +350,7 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
     state.width = options.GetWidth();
     state.height = options.GetHeight();
     state.explains = options.Explains();
+    const VirtualSidecars virtual_files(state.file);
     Read(options, state, sources);
     ExplainFailure(state);
     if (state.failure) {

@@ -126,6 +126,32 @@ TEST(Sources, TheTableComparesThemWithGdal) {
                      {"WLD    map.wld, map.prj no        no           0.50   5.000"});
 }
 
+TEST(Sources, FilesInAnArchiveAreRead) {
+    const ToolFolder folder;
+    MakePng(folder / "map.png");
+    const std::string archive = "/vsizip/" + (folder / "maps.zip");
+    VSILFILE* const zip = VSIFOpenL(archive.c_str(), "wb");
+    for (const auto& [name, text] :
+         {std::pair<std::string, std::string>{"map.png", folder.Slurp(folder / "map.png")},
+          {"map.pgw", kWorld},
+          {"map.PRJ", PrjOf("32633")},
+          {"page.pdf", "%PDF-1.4"}}) {
+        VSILFILE* const entry = VSIFOpenL((archive + "/" + name).c_str(), "wb");
+        EXPECT_EQ(VSIFWriteL(text.data(), 1, text.size(), entry), text.size());
+        VSIFCloseL(entry);
+    }
+    VSIFCloseL(zip);
+    const std::string in = "info --json " + archive;
+    folder.ExpectRun(
+        in + "/map.png", 0,
+        R"("size":[20,10],"geoTransform":[500000,10,0,4100000,0,-10],"coordSys":{"epsg":"EPSG:32633"})");
+    folder.ExpectRun(in + "/map.pgw", 0, R"("referenceType":"WLD","size":[20,10])");
+    folder.ExpectRun(in + "/missing.pgw", 2, R"("error":{"type":"BFileNotFoundException","class":"access"})");
+    folder.ExpectRun(in + "/page.pdf", 5, R"("error":{"class":"unsupported"})",
+                     {"read only as a plain file"});
+    folder.ExpectRun("convert --overwrite " + archive + "/map.png %out.tfw", 0);
+}
+
 TEST(Sources, EveryCommandTakesTheRaster) {
     const ToolFolder folder;
     MakePng(folder / "map.png");
