@@ -22,8 +22,9 @@ using namespace Tellurion;
 
 namespace {
 
+/// For people; JSON has all digits.
 std::string Number(double value) {
-    return PrintShortest(value);
+    return BString::Format("%.12g", value).StdStr();
 }
 
 /// Characters, not bytes: names align beyond ASCII too.
@@ -122,8 +123,8 @@ std::string TransformText(const ReadResult& result, const Residuals& residuals, 
     if (const auto affine = AffineOf(result.reference)) text += AffineText(*affine, console);
     if (residuals.root_mean_square)
         text += Line(console, "residuals",
-                     "root mean square " + Number(*residuals.root_mean_square) + ", largest " +
-                         Number(*residuals.maximum) + " pixels");
+                     "root mean square " + PrintFixed(*residuals.root_mean_square, 3) + ", largest " +
+                         PrintFixed(*residuals.maximum, 3) + " pixels");
     return text + PixelText(result, console) + CornersText(result, console);
 }
 
