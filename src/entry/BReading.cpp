@@ -78,6 +78,10 @@ const std::vector<BDiagnostic>& BReading::GetDiagnostics() const {
     return state_->diagnostics;
 }
 
+std::vector<BReading::Origin> BReading::GetOrigins() const {
+    return state_->origins;
+}
+
 BString BReading::GetFailureText() const {
     return state_->failure ? state_->failure->Text() : BString();
 }

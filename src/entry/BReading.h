@@ -33,6 +33,13 @@ public:
         OutOfMemory = 6,  ///< the process has no memory left
     };
 
+    /// Where a value of the reference is written.
+    struct MAPANCHOR_EXPORT Origin {
+        Tellurion::BString Value;  ///< "size", "system", "points", "transform", "position", "pixel size" ...
+        Tellurion::BString File;   ///< empty for what the caller gave
+        Tellurion::BString Place;  ///< a line, a byte, a tag or an object, such as "lines 5 and 6"
+    };
+
     /// Reads what a person means by the name: the file itself, by its name or, where only a
     /// read by type takes its kind, by type, then the sidecars of a raster. Nothing throws for
     /// the file's sake, and nothing is logged: what readers log becomes a diagnostic. Throws a
@@ -65,6 +72,10 @@ public:
     const BGeoPDFPage* GetPdfPage() const;
 
     const std::vector<BDiagnostic>& GetDiagnostics() const;  ///< in the order in which they arose
+
+    /// Where each value is written, as far as its reader knows; empty unless
+    /// BReadingOptions::SetExplains() asks for it.
+    std::vector<Origin> GetOrigins() const;
 
     /// Why there is no reference; the texts are empty when there is one.
     Tellurion::BString GetFailureText() const;     ///< message and detail

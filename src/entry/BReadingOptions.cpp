@@ -186,6 +186,14 @@ bool BReadingOptions::IsPdfStrict() const {
     return state_->pdf_strict;
 }
 
+void BReadingOptions::SetExplains(bool explains) {
+    Change().explains = explains;
+}
+
+bool BReadingOptions::Explains() const {
+    return state_->explains;
+}
+
 void BReadingOptions::SetGdalDrivers(const BString& names) {
     Change().params.SetString(BMapAnchor::kValGdalDrivers, names);
 }

@@ -75,6 +75,10 @@ public:
     void SetPdfStrict(bool strict);
     bool IsPdfStrict() const;  ///< false until set
 
+    /// States where each value is written, see BReading::GetOrigins().
+    void SetExplains(bool explains);
+    bool Explains() const;  ///< false until set
+
     /// Further drivers of GDAL that may read, with commas between their names; see BGdalAccess.
     void SetGdalDrivers(const Tellurion::BString& names);
 

@@ -12,12 +12,14 @@ using Tellurion::BString;
 
 void FindRasterSize(ReadingState& state) {
     const bool is_sidecar = state.kind && state.kind->sidecar;
-    if (!is_sidecar) {
-        ReadRasterSize(state.used_file, state.width, state.height);
-        return;
-    }
-    const BString raster = state.file == state.used_file ? FindRasterBeside(state.used_file) : state.file;
-    if (!raster.IsEmpty()) ReadRasterSize(raster, state.width, state.height);
+    const bool is_named = is_sidecar && state.file == state.used_file;
+    const BString raster = is_named     ? FindRasterBeside(state.used_file)
+                           : is_sidecar ? state.file
+                                        : state.used_file;
+    if (raster.IsEmpty() || !ReadRasterSize(raster, state.width, state.height)) return;
+    if (!state.explains) return;
+    std::erase_if(state.origins, [](const auto& origin) { return origin.Value == BString("size"); });
+    state.origins.push_back({"size", raster, "header of the raster"});
 }
 
 }  // namespace MapAnchor

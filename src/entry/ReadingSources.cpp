@@ -52,6 +52,7 @@ void ReadSystemFile(ReadingState& state) {
     BCoordSys* const system = BCoordSys::FromFile(state.used_file);
     if (!system) return FailUnread(state);
     state.reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
+    if (state.explains) state.origins.push_back({"system", state.used_file, LinePlace(1)});
 }
 
 /// A sidecar by the reader of its kind; the read by type where the other refuses tiny terms.
@@ -98,10 +99,17 @@ std::shared_ptr<ReferenceSourceState> ReadSource(const char* kind, const BString
     auto source = std::make_shared<ReferenceSourceState>(kind);
     ReadingState& state = *source->reading;
     state.file = state.used_file = file;
+    state.explains = options.Explains();
     RunReader(state, [&] { ReadKind(kind, options, state); });
     if (state.failure) state.reference = BGeoReference();
     state.files.insert(state.files.begin(), state.used_file);
     return source;
+}
+
+/// What another reading states of where a value is written.
+void TakeOrigins(const ReadingState& from, const char* value, ReadingState& to) {
+    for (const BReading::Origin& origin : from.origins)
+        if (origin.Value == BString(value)) to.origins.push_back(origin);
 }
 
 /// A prj of another spelling than the reader of world files looks for.
@@ -116,6 +124,7 @@ void AddPrj(SourceList& sources) {
         if (!source->HasSystem()) {
             state.reference.SetCoordSys((*prj)->reading->reference.CoordSys);
             state.files.push_back((*prj)->reading->used_file);
+            TakeOrigins(*(*prj)->reading, "system", state);
         }
         is_taken = true;
     }
@@ -165,6 +174,7 @@ void BorrowSystem(const SourceList& sources, ReadingState& state) {
     for (const auto& source : sources) {
         if (!source->HasSystem()) continue;
         state.reference.SetCoordSys(source->reading->reference.CoordSys);
+        TakeOrigins(*source->reading, "system", state);
         state.files.push_back(source->reading->files.back());  // a world file's system is in its prj
         return;
     }
@@ -231,6 +241,7 @@ SourceList ReadSources(const BString& raster, const std::vector<SidecarName>& be
 
 void ReadAsGdal(const BString& raster, const BReadingOptions& options, ReadingState& state) {
     state.file = state.used_file = raster;
+    state.explains = options.Explains();
     RunReader(state, [&] { StoreGdal(ReadGdalReference(raster, RasterKinds::All), options, state); });
 }
 
@@ -278,6 +289,8 @@ void ReadFromWinner(SourceList& sources, const BReadingOptions& options, const R
     state.by_name = read.by_name;
     state.used_file = read.used_file;
     state.files.assign(read.files.begin(), read.files.end());
+    state.origins = read.origins;
+    if (name != "internal") TakeOrigins(gdal, "size", state);  // of the raster itself
     for (const BDiagnostic& remark : read.diagnostics)
         state.diagnostics.push_back(remark);
     BorrowSystem(sources, state);

@@ -49,6 +49,8 @@ struct ReadingState {
     bool is_raster = false;  ///< GDAL opened it
     std::optional<BGeoPDFPage> page;
     std::vector<BDiagnostic> diagnostics;
+    bool explains = false;  ///< readers state where values are written
+    std::vector<BReading::Origin> origins;
 
     void Add(const DiagnosticParts& parts) { diagnostics.push_back(parts.Make()); }
 };

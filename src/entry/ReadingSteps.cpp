@@ -4,8 +4,10 @@
 #include "ReadingSources.h"
 #include "ReferenceFormats.h"
 #include "SidecarNames.h"
+#include "VirtualSidecars.h"
 #include "common/DiagnosticIds.h"
 #include "raster/gdal/GdalDrivers.h"
+#include "raster/gdal/VirtualFiles.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
@@ -31,6 +33,8 @@ using EOutcome = BReading::EOutcome;
 using ESeverity = BDiagnostic::ESeverity;
 
 namespace {
+
+constexpr const char* kGiven = "given by the caller";
 
 std::u16string LowerExtension(const BString& file) {
     return BFileUtilities::GetExtension(file).ToLower().GetUnits();
@@ -101,6 +105,7 @@ void AddPrj(ReadingState& state) {
         if (BCoordSys* system = BCoordSys::FromFile(prj)) {
             state.reference.SetCoordSys(BSharedPtr<BCoordSys>(system));
             state.files.push_back(prj);
+            if (state.explains) state.origins.push_back({"system", prj, LinePlace(1)});
         }
     } catch (const BException& error) {
         state.Add(
@@ -151,6 +156,16 @@ void FailByName(int error, ReadingState& state) {
             "File <%ls> cannot be opened: %s.", state.file, std::generic_category().message(error)));
 }
 
+/// The same for a name of GDAL's file layer.
+bool CheckVirtualName(ReadingState& state) {
+    const VirtualFiles::Kind kind = VirtualFiles::KindOf(state.file);
+    if (kind == VirtualFiles::Kind::None) FailByName(ENOENT, state);
+    if (kind == VirtualFiles::Kind::Folder)
+        state.failure = ReadingFailure::Of<BFileAccessException>(
+            BString::Format("<%ls> is a folder, not a file.", state.file));
+    return kind == VirtualFiles::Kind::File;
+}
+
 /// False, with a failure, for what is not a file that can be read.
 bool CheckName(ReadingState& state) {
     const std::string name = state.file.StdStr();
@@ -159,6 +174,7 @@ bool CheckName(ReadingState& state) {
         FailByName(ENOENT, state);
         return false;
     }
+    if (VirtualFiles::IsName(state.file)) return CheckVirtualName(state);
     if (stat(name.c_str(), &status) != 0) {
         FailByName(errno, state);
         return false;
@@ -180,14 +196,14 @@ void ExplainFailure(ReadingState& state) {
         of_name.width = state.width;
         of_name.height = state.height;
         state = std::move(of_name);
+    } else if (VirtualFiles::IsName(state.file)) {
+        if (state.failure->type != BString("BFileNotFoundException")) return;
+        state.failure = ReadingFailure::Of<BUnsupportedFileTypeException>(BString::Format(
+            "File <%ls> is of a kind that is read only as a plain file; copy it to a folder first.",
+            state.file));
     } else if (access(state.file.Utf8(), R_OK) != 0 && errno == EACCES) {
         FailByName(EACCES, state);
     }
-}
-
-bool IsSidecarName(const BString& file) {
-    const ReferenceFormat* const row = FindFormatToRead(LowerExtension(file));
-    return (row && row->sidecar) || HasWorldFileExtension(file);
 }
 
 void ReadSidecar(const BReadingOptions& options, ReadingState& state) {
@@ -204,6 +220,7 @@ void ReadRasterItself(const BReadingOptions& options, ReadingState& state) {
     ReadingState by_gdal;
     by_gdal.width = state.width;
     by_gdal.height = state.height;
+    by_gdal.explains = state.explains;
     ReadAsGdal(state.file, options, by_gdal);
     if (by_gdal.failure && !by_gdal.is_raster) return;
     by_gdal.by_name = false;
@@ -242,6 +259,16 @@ void AssignSystem(const BReadingOptions& options, ReadingState& state) {
     const BSharedPtr<BCoordSys> system = options.GetCoordSys();
     if (system.IsEmpty() || (state.reference.HasCoordSys() && !options.OverridesCoordSys())) return;
     state.reference.SetCoordSys(system);
+    if (!state.explains) return;
+    std::erase_if(state.origins, [](const auto& origin) { return origin.Value == BString("system"); });
+    state.origins.push_back({"system", "", kGiven});
+}
+
+/// The size that the caller gave is the one that counts.
+void ExplainSize(const BReadingOptions& options, ReadingState& state) {
+    if (!state.explains || options.GetWidth() <= 0) return;
+    std::erase_if(state.origins, [](const auto& origin) { return origin.Value == BString("size"); });
+    state.origins.push_back({"size", "", kGiven});
 }
 
 }  // namespace
@@ -302,6 +329,9 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     }
     for (const BString& file : notes.files)
         if (file != state.used_file) state.files.push_back(file);
+    for (const ReadNotes::Origin& origin : notes.origins)
+        state.origins.push_back(
+            {origin.value, origin.file.IsEmpty() ? state.used_file : origin.file, origin.place});
     for (const BDiagnostic& remark : notes.diagnostics)
         if (IsAboutThis(remark, state)) state.diagnostics.push_back(remark);
     for (const BString& entry : log.Take()) {
@@ -319,20 +349,24 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
     const GdalDrivers::Scope allowed(&options.GetState().params);
     state.width = options.GetWidth();
     state.height = options.GetHeight();
+    state.explains = options.Explains();
+    const VirtualSidecars virtual_files(state.file);
     Read(options, state, sources);
     ExplainFailure(state);
     if (state.failure) {
         state.reference = BGeoReference();
+        state.origins.clear();
     } else {
         if (std::find(state.files.begin(), state.files.end(), state.used_file) == state.files.end())
             state.files.insert(state.files.begin(), state.used_file);
         AssignSystem(options, state);
+        ExplainSize(options, state);
         if (options.FindsSize() && state.width <= 0) FindRasterSize(state);
-        CheckReading(options, state);
         if (state.width <= 0 && state.stated_width > 0) {
             state.width = state.stated_width;
             state.height = state.stated_height;
         }
+        CheckReading(options, state);
     }
     state.outcome = OutcomeOf(state);
 }

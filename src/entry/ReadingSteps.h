@@ -21,7 +21,7 @@ void TakeNotes(const ReadNotes& notes, Tellurion::ThreadLog& log, ReadingState& 
 /// Runs `read`, which throws or sets a failure where there is no reference, and adds its notes.
 template <class Work>
 void RunReader(ReadingState& state, Work read) {
-    const ReadNotes notes;
+    const ReadNotes notes(state.explains);
     Tellurion::ThreadLog log;
     try {
         read();

@@ -1,6 +1,7 @@
 #include "SidecarNames.h"
 
 #include "ReferenceFormats.h"
+#include "raster/gdal/VirtualFiles.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/Ascii.h>
@@ -80,9 +81,10 @@ struct Listing {
     }
 };
 
+constexpr int kMaxEntries = 8192;
+
 /// Empties the listing of a folder that is too long or cannot be read.
 bool Fill(Listing& listing, const std::string& path, const struct stat& status) {
-    constexpr int kMaxEntries = 8192;
     constexpr time_t kSettled = 2;  // seconds, above the granularity of any file system
     listing = {path, status.st_dev, status.st_ino, status.st_mtim, false, {}};
     const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
@@ -99,9 +101,18 @@ bool Fill(Listing& listing, const std::string& path, const struct stat& status) 
     return true;
 }
 
+/// The same of a folder that only GDAL's file layer can list.
+std::vector<std::string> ListVirtual(const Place& place) {
+    std::vector<std::string> names = VirtualFiles::List(place.folder, kMaxEntries);
+    std::erase_if(
+        names, [&](const std::string& name) { return !name.starts_with(place.stem) || name == place.name; });
+    return names;
+}
+
 /// The names in a folder that begin with a stem; empty for a folder that is too long to list.
 /// Rasters are read folder by folder, so each thread keeps the latest list.
 std::optional<std::vector<std::string>> List(const Place& place) {
+    if (VirtualFiles::IsName(BString(place.folder + place.name))) return ListVirtual(place);
     constexpr off_t kLongFolder = off_t{128} << 10;  // some thousand entries
     thread_local Listing latest;
     const std::string path = place.folder.empty() ? "." : place.folder;
@@ -116,7 +127,9 @@ std::optional<std::vector<std::string>> List(const Place& place) {
 }
 
 bool IsRegular(const std::string& file) {
-    return BFileUtilities::IsRegularFile(BString(file));
+    const BString name(file);
+    return BFileUtilities::IsRegularFile(name) ||
+           (VirtualFiles::IsName(name) && VirtualFiles::KindOf(name) == VirtualFiles::Kind::File);
 }
 
 /// The spelling of a name that is there, lower case before upper and mixed; empty for none.
@@ -171,6 +184,14 @@ BString FindRasterBeside(const BString& sidecar) {
         if (!file.empty() && file != sidecar.StdStr()) return BString(file);
     }
     return {};
+}
+
+bool IsSidecarName(const BString& file) {
+    const std::u16string extension = BFileUtilities::GetExtension(file).ToLower().GetUnits();
+    const ReferenceFormat* const row = FindFormatToRead(extension);
+    if (row && row->sidecar) return true;
+    const auto& of_world_files = FindFormatByType(Tellurion::EReferenceType::WLD)->save_extensions;
+    return std::find(of_world_files.begin(), of_world_files.end(), extension) != of_world_files.end();
 }
 
 bool IsRasterExtension(const BString& extension) {

@@ -19,6 +19,9 @@ std::vector<SidecarName> FindSidecars(const Tellurion::BString& raster);
 /// The raster beside a sidecar, found in the same way; empty when there is none.
 Tellurion::BString FindRasterBeside(const Tellurion::BString& sidecar);
 
+/// True for the name of a text file beside a raster, such as a world file.
+bool IsSidecarName(const Tellurion::BString& file);
+
 /// True for an extension that names a raster, with its dot and in lower case.
 bool IsRasterExtension(const Tellurion::BString& extension);
 

@@ -20,6 +20,8 @@ TEST(ChartTool, InfoNamesTheKindOrRefuses) {
         {}, {}, {10, 0, 0, 500000, 0, 10, 0, 4100000, 0, 0, 0, 0, 0, 0, 0, 1}, {3072, 0, 1, 32633}, ""};
     // Whatever the anchor of the kind, the geotransform is that of the outer edge.
     const std::string place = R"(,"coordSys":{"epsg":"EPSG:32633"},"geoTransform":[500000,10,0,4100000,0,)";
+    FrameFile frame;
+    frame.coverage = {11.536, -100, 10, -100, 11.536, -96.928, 10, -96.928, 150, 150, 0.001, 0.002};
     const struct {
         std::string file;
         std::string content;
@@ -29,10 +31,12 @@ TEST(ChartTool, InfoNamesTheKindOrRefuses) {
         {"chart.kap", chart, R"("KAP","pixelAnchor":"corner","usedFile":"%chart.kap")"},
         {"chart.dat", chart, R"("KAP","pixelAnchor":"corner","usedFile":"%chart.dat")"},
         {"map.dat", "1\n0\n0\n-1\n5\n5\n", R"("WLD","pixelAnchor":"corner")", "guessed-world-file"},
-        {"frame.on1", FrameFile().Bytes(), R"("CADRG","pixelAnchor":"centre")"},
+        {"frame.on1", frame.Bytes(), R"("CADRG","pixelAnchor":"centre")"},
         {"TPSGI001.img", AdrgLeader(true), R"("ADRG","pixelAnchor":"centre","usedFile":"%TPSGI001.gen")"},
-        {"quad.doq", DoqFile().Bytes(), R"("DOQ","pixelAnchor":"corner","usedFile":"%quad.doq")",
-         "system-replaced"},
+        {"quad.doq", DoqFile().Bytes(),
+         R"("DOQ","pixelAnchor":"corner","usedFile":"%quad.doq","diagnostics":[{"severity":"note"}])"},
+        {"nad27.doq", DoqFile{.datum = " 1"}.Bytes(), R"("DOQ","diagnostics":[])"},
+        {"nad83.doq", DoqFile{.datum = " 4"}.Bytes(), R"("DOQ")", "the datum NAD83"},
         {"a.ecw", HeaderFiles::Ecw2({.datum = "EPSG:32633", .projection = "EPSG:32633"}),
          R"("ECW","pixelAnchor":"corner")" + place + "-10]"},
         {"b.sid", HeaderFiles::Sid2(sid), R"("SID","pixelAnchor":"centre")" + place + "-10]"},

@@ -1,12 +1,17 @@
 #include <gtest/gtest.h>
 
+#include "../formats/raster/ChartFiles.h"
 #include "GdalFiles.h"
 #include "RunTool.h"
 
+#include <algorithm>
+#include <array>
 #include <regex>
 #include <set>
 
 namespace {
+
+using MapAnchor::FrameFile;
 
 constexpr const char* kWorld = "10\n0\n0\n-10\n500005\n4099995\n";
 constexpr const char* kShifted = "10\n0\n0\n-10\n500010\n4099995\n";  // half a pixel to the east
@@ -121,6 +126,32 @@ TEST(Sources, TheTableComparesThemWithGdal) {
                      {"WLD    map.wld, map.prj no        no           0.50   5.000"});
 }
 
+TEST(Sources, FilesInAnArchiveAreRead) {
+    const ToolFolder folder;
+    MakePng(folder / "map.png");
+    const std::string archive = "/vsizip/" + (folder / "maps.zip");
+    VSILFILE* const zip = VSIFOpenL(archive.c_str(), "wb");
+    for (const auto& [name, text] :
+         {std::pair<std::string, std::string>{"map.png", folder.Slurp(folder / "map.png")},
+          {"map.pgw", kWorld},
+          {"map.PRJ", PrjOf("32633")},
+          {"page.pdf", "%PDF-1.4"}}) {
+        VSILFILE* const entry = VSIFOpenL((archive + "/" + name).c_str(), "wb");
+        EXPECT_EQ(VSIFWriteL(text.data(), 1, text.size(), entry), text.size());
+        VSIFCloseL(entry);
+    }
+    VSIFCloseL(zip);
+    const std::string in = "info --json " + archive;
+    folder.ExpectRun(
+        in + "/map.png", 0,
+        R"("size":[20,10],"geoTransform":[500000,10,0,4100000,0,-10],"coordSys":{"epsg":"EPSG:32633"})");
+    folder.ExpectRun(in + "/map.pgw", 0, R"("referenceType":"WLD","size":[20,10])");
+    folder.ExpectRun(in + "/missing.pgw", 2, R"("error":{"type":"BFileNotFoundException","class":"access"})");
+    folder.ExpectRun(in + "/page.pdf", 5, R"("error":{"class":"unsupported"})",
+                     {"read only as a plain file"});
+    folder.ExpectRun("convert --overwrite " + archive + "/map.png %out.tfw", 0);
+}
+
 TEST(Sources, EveryCommandTakesTheRaster) {
     const ToolFolder folder;
     MakePng(folder / "map.png");
@@ -173,6 +204,12 @@ TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
                "RegistrationCoord End\nRasterInfo End\nDatasetHeader End\n";
     };
     const auto rsf = [](const std::string& rows) { return "1 4\n" + rows; };
+    const auto chart = [](const std::string& points) { return "BSB/NA=x,RA=9,9\nKNP/GD=WGS84\n" + points; };
+    const auto frame = [](std::array<double, 8> corners) {
+        FrameFile file;
+        std::copy(corners.begin(), corners.end(), file.coverage.begin());
+        return file.Bytes();
+    };
     const DoubtCase cases[] = {
         {"plain.tfw", "1\r\n0\r\n0\r\n-1\r\n5\r\n5\r\nmore", ""},
         {"commas.tfw", "1,\n0,\n0,\n-1,\n5,\n5", ""},
@@ -192,6 +229,20 @@ TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
         {"names.ers",
          ers("CoordinateSpace Begin\nDatum = \"WGS84\"\nProjection = \"NOSUCH\"\nCoordinateSpace End\n"),
          "system-unknown"},
+        {"part.rsf", rsf("a 0.5 9.75 0 0 9 0 1\nb 8 9 0 8 9 0 1\nc 0 0 0 0 0 0 1\nd 8 0 0 8 0 0 1\n"),
+         "points-rounded"},
+        {"part.tab",
+         "!table\nType \"RASTER\"\n(0, 0) (0.25, 0) Label \"a\",\n(9, 0) (9, 0) Label \"b\",\n"
+         "(9, 9) (9, 9) Label \"c\"\nCoordSys Earth Projection 1, 104\n",
+         "points-rounded"},
+        {"whole.rsf", rsf("a 0 9 0 0 9 0 1\nb 8 9 0 8 9 0 1\nc 0 0 0 0 0 0 1\nd 8 0 0 8 0 0 1\n"), ""},
+        {"part.kap", chart("REF/1,0,0,1,1\nREF/2,9.5,0,1,2\nREF/3,9,9,2,2\n"), "points-rounded"},
+        {"date.kap", chart("REF/1,0,0,1,179\nREF/2,9,0,1,-179\nREF/3,9,9,2,-179\n"), "crosses-antimeridian"},
+        {"few.kap", chart("REF/1,0,0,1,1\nREF/2,1,0,1,2\nREF/3,1,1,2,2\n"), "points-cover-little"},
+        {"far.kap", chart("REF/1,0,0,1,1\nREF/2,99,0,1,2\nREF/3,99,9,2,2\n"), "points-outside"},
+        {"level.on1", frame({11.536, -100, 10, -100, 11.536, -96.928, 10, -96.928}), ""},
+        {"polar.on1", frame({85, -100, 84, -90, 85, -80, 84, -70}), "polar-frame"},
+        {"apart.on1", frame({11.536, -100, 10, -100, 11.536, -96.926, 10, -96.926}), "frame-corners-differ"},
         {"turned.ers", ers("CoordinateSpace Begin\nRotation = 0:30:0.0\nCoordinateSpace End\n"),
          "rotation-not-read"},
     };
@@ -207,6 +258,12 @@ TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
         EXPECT_EQ(ids.contains(test.id), *test.id != '\0') << run.out;
         EXPECT_EQ(ids.empty(), *test.id == '\0') << run.out;
     }
+    MakePng(folder / "map.png");
+    folder.Write("map.pgw", kWorld);
+    folder.Write("map.prj", PrjOf("4326"));
+    folder.ExpectRun("info --json %map.png", 3, R"("diagnostics":[{},{"id":"degrees-out-of-range"}])");
+    folder.Write("map.ers", std::regex_replace(ers(""), std::regex("NrOfLines = 10"), "NrOfLines = 11"));
+    folder.ExpectRun("info --json %map.ers", 3, R"("diagnostics":[{"id":"raster-size-differs"}])");
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ thread_local ReadNotes* listener = nullptr;
 
 }  // namespace
 
-ReadNotes::ReadNotes() : outer_(std::exchange(listener, this)) {}
+ReadNotes::ReadNotes(bool explains) : outer_(std::exchange(listener, this)), explains_(explains) {}
 
 ReadNotes::~ReadNotes() {
     listener = outer_;
@@ -24,6 +24,20 @@ ReadNotes::~ReadNotes() {
 
 ReadNotes* ReadNotes::Current() {
     return listener;
+}
+
+ReadNotes* ReadNotes::Explaining() {
+    return listener && listener->explains_ ? listener : nullptr;
+}
+
+std::string LinePlace(long first, long last) {
+    if (first <= 0) return {};
+    if (last <= first) return "line " + std::to_string(first);
+    return "lines " + std::to_string(first) + " to " + std::to_string(last);
+}
+
+std::string BytePlace(std::uint64_t offset) {
+    return "byte " + std::to_string(offset);
 }
 
 void DroppedFractions::Count(double column, double row, long whole_column, long whole_row) {

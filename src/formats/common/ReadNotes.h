@@ -4,6 +4,8 @@
 
 #include <Tellurion/BString.h>
 
+#include <cstdint>
+#include <string>
 #include <vector>
 
 namespace MapAnchor {
@@ -14,23 +16,26 @@ namespace MapAnchor {
 ///     if (ReadNotes* const notes = ReadNotes::Current()) notes->Add({.id = ...});
 class ReadNotes {
 public:
-    ReadNotes();
+    /// With `explains`, readers also state where each value is written.
+    explicit ReadNotes(bool explains = false);
     ~ReadNotes();
     ReadNotes(const ReadNotes&) = delete;
     ReadNotes& operator=(const ReadNotes&) = delete;
 
-    static ReadNotes* Current();  ///< null when nothing listens in this thread
+    static ReadNotes* Current();     ///< null when nothing listens in this thread
+    static ReadNotes* Explaining();  ///< the same, but null where origins are not asked for
 
     /// Where a value of the reference comes from.
     struct Origin {
-        const char* value;  ///< such as "transform"
+        const char* value;  ///< such as "position"
         Tellurion::BString file;
         Tellurion::BString place;  ///< a line, a tag, an object
     };
 
     void Add(const DiagnosticParts& parts) { diagnostics.push_back(parts.Make()); }
+    /// A value without a place is left out.
     void AddOrigin(const char* value, const Tellurion::BString& file, const Tellurion::BString& place) {
-        origins.push_back({value, file, place});
+        if (!place.IsEmpty()) origins.push_back({value, file, place});
     }
     void SetRasterSize(long columns, long rows) {
         width = columns;
@@ -53,7 +58,13 @@ public:
 
 private:
     ReadNotes* outer_;
+    bool explains_;
 };
+
+/// "line 3", or "lines 3 to 7"; empty for a line that was not met (0).
+std::string LinePlace(long first, long last = 0);
+/// "byte 198", counted from 0.
+std::string BytePlace(std::uint64_t offset);
 
 /// The largest distance in pixels between places as a source states them and as whole pixels.
 class DroppedFractions {

@@ -1,5 +1,7 @@
 #include <Tellurion/BFileUtilities.h>
 
+#include <Tellurion/FileStandIns.h>
+
 #include <sys/stat.h>
 #include <filesystem>
 #include <string>
@@ -25,7 +27,7 @@ std::size_t ExtensionStart(const std::u16string& path) {
 
 bool BFileUtilities::Exists(const BString& path) {
     struct stat status;
-    return ::stat(path.Ascii(), &status) == 0;
+    return FileStandIns::Has(path.Ascii()) || ::stat(path.Ascii(), &status) == 0;
 }
 
 bool BFileUtilities::IsRegularFile(const BString& path) {

@@ -2,6 +2,7 @@
 
 #include "BRefGeoPDF.h"
 
+#include "common/ReadNotes.h"
 #include "common/ReferenceFormat.h"
 
 #include "import/ReadGeoPDF.h"
@@ -23,8 +24,11 @@ using VellumLib::CPDFDocument;
 bool BRefGeoPDF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference,
                       EMathTransformType mathType, long width, long height, const BParamList* params) {
     if (IsWideRead(params)) {
-        for (const VellumLib::WideRemark& remark :
-             ReadWideGeoPDF(file, flags, reference, mathType, width, height, params).remarks)
+        const WideReading reading = ReadWideGeoPDF(file, flags, reference, mathType, width, height, params);
+        if (ReadNotes* const notes = ReadNotes::Explaining())
+            for (const VellumLib::WideOrigin& origin : reading.origins)
+                notes->AddOrigin(origin.value, file, origin.place);
+        for (const VellumLib::WideRemark& remark : reading.remarks)
             BLogger::Instance()->Write(ELogSeverity::Warning, BString(remark.id + ": " + remark.text));
         return !reference.CoordSys.IsEmpty();
     }

@@ -19,6 +19,7 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace MapAnchor {
 
@@ -265,6 +266,7 @@ WideReading ReadWideGeoPDF(WideDocument& document, unsigned int flags, BGeoRefer
         if (const auto difference = CompareDialects(maps, chosen, shown, reference, reading))
             map.remarks.Doubt("pdf-dialects-differ", TextOf(*difference, map.lgi));
     reading.remarks = map.remarks.List();
+    reading.origins = std::move(map.origins);
     return reading;
 }
 

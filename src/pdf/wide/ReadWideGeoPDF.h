@@ -26,6 +26,7 @@ struct WidePoint {
 /// What a wide read knows beyond the reference.
 struct WideReading {
     std::vector<VellumLib::WideRemark> remarks;
+    std::vector<VellumLib::WideOrigin> origins;
     std::vector<WidePoint> points;  ///< as many as the reference has; none of a matrix
     long width = 0;                 ///< of the raster, as given or as the page implies at 72 dpi
     long height = 0;

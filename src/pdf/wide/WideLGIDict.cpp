@@ -42,11 +42,24 @@ void WideLGIDict::Read() {
     Neatline.clear();
     Import();
     map_.record = std::move(Measures.front());
+    NoteOrigins();
     UseOwnText();
     DoubtUnits();
     if (!CanBeInverted(map_.record.CTM) && !map_.record.GPTS.empty()) map_.record.CTM.clear();
     if (map_.record.CTM.size() < kMatrix && map_.record.GPTS.empty())
         map_.fault = "The \"LGIDict\" has neither \"CTM\" nor \"Registration\".";
+}
+
+void WideLGIDict::NoteOrigins() {
+    const std::string path = "/LGIDict [" + std::to_string(map_.entry) + "] ";
+    const auto add = [&](const char* value, const char* key) {
+        if (entry_[key])
+            map_.origins.push_back(
+                {value, PlaceOf({entry_[key], entry_, page_.dictionary}, path + "/" + key)});
+    };
+    add("system", "Projection");
+    add("transform", "CTM");
+    add("points", "Registration");
 }
 
 std::vector<double> WideLGIDict::ReadNumbers(const char* key) {

@@ -41,6 +41,7 @@ private:
     void AmendPolar(OGRSpatialReference& srs);
     double ParameterNumber(LGIParameter number) const;
     std::vector<double> ReadNumbers(const char* key);
+    void NoteOrigins();
     void UseOwnText();
     void DoubtUnits();
 

@@ -21,6 +21,7 @@ struct WideMap {
     /// geographic base; of two dialects only that of viewports has such.
     std::string fault;  ///< why it cannot be read; usually empty
     WideRemarks remarks;
+    std::vector<WideOrigin> origins;
 };
 
 /// The maps of the page's "VP", in the order of the file. A fault is that map's own.

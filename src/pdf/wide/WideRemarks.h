@@ -12,6 +12,12 @@ struct WideRemark {
     std::string text;  ///< a sentence for people
 };
 
+/// Where a value of a map is written.
+struct WideOrigin {
+    const char* value;  ///< "system", "points", "transform" or "name"
+    std::string place;  ///< such as "object 12, /VP [0] /Measure /GPTS"
+};
+
 constexpr const char* kBeyondRules = "pdf-beyond-rules";
 
 /// The remarks of one read, each rule once.

@@ -115,6 +115,13 @@ std::vector<double> NumbersOf(const WideValue& array, ReadingBudget& budget, boo
     return numbers;
 }
 
+std::string PlaceOf(std::initializer_list<WideValue> values, const std::string& path) {
+    for (const WideValue& value : values)
+        if (const std::uint32_t number = value.ObjectNumber())
+            return "object " + std::to_string(number) + ", " + path;
+    return path;
+}
+
 bool HoldsStrings(const WideValue& array) {
     for (std::size_t i = 0; i < array.Size(); ++i)
         if (array.At(i).IsString()) return true;

@@ -5,6 +5,8 @@
 #include <podofo/podofo.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,6 +30,8 @@ public:
     bool IsWhole() const { return object_ && object_->IsNumber(); }
     /// It was a reference where it was asked for.
     bool WasReference() const { return was_reference_; }
+    /// Of the object, where it is one of the file's own and not a part of another; else 0.
+    std::uint32_t ObjectNumber() const { return object_ ? object_->Reference().ObjectNumber() : 0; }
     /// The object itself, to know it again.
     const PoDoFo::PdfObject* Object() const { return object_; }
 
@@ -52,6 +56,10 @@ private:
 /// The numbers of an array in order; a PdfError where `budget` does not allow as many.
 /// An element that is no number counts as 0, and `all_numbers` becomes false.
 std::vector<double> NumbersOf(const WideValue& array, ReadingBudget& budget, bool* all_numbers = nullptr);
+
+/// "object 12, /VP [0]": the number of the first of these values that is an object of its own,
+/// innermost first, and a path from the page.
+std::string PlaceOf(std::initializer_list<WideValue> values, const std::string& path);
 
 /// True for an array that holds a number which is written as a string.
 bool HoldsStrings(const WideValue& array);

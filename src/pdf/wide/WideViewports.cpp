@@ -21,8 +21,8 @@ std::string Quoted(const char* key) {
 
 class Viewport {
 public:
-    Viewport(const WideValue& entry, ReadingBudget& budget, WideMap& map)
-        : entry_(entry), budget_(budget), map_(map), record_(map.record) {}
+    Viewport(const WideValue& page, const WideValue& entry, ReadingBudget& budget, WideMap& map)
+        : page_(page), entry_(entry), budget_(budget), map_(map), record_(map.record) {}
 
     void Read() {
         map_.name = entry_["Name"].Text().value_or("");
@@ -42,6 +42,9 @@ public:
             return Fail("The viewport's \"Measure\" is of the kind \"" + *kind + "\" and not \"GEO\".");
         ReadSystem(measure);
         ReadPoints(measure);
+        const std::string path = "/VP [" + std::to_string(map_.entry) + "] /Measure ";
+        map_.origins = {{"system", PlaceOf({measure["GCS"], measure, entry_, page_}, path + "/GCS")},
+                        {"points", PlaceOf({measure["GPTS"], measure, entry_, page_}, path + "/GPTS")}};
     }
 
 private:
@@ -155,6 +158,7 @@ private:
         record_.LPTS.resize(count);
     }
 
+    WideValue page_;
     WideValue entry_;
     ReadingBudget& budget_;
     WideMap& map_;
@@ -176,7 +180,7 @@ std::vector<WideMap> ReadViewports(const WidePage& page) {
             map.remarks.Beyond("vp-in-place",
                                "\"VP\" is expected to be an array in place; here it is a reference.");
         try {
-            Viewport(entry, budget, map).Read();
+            Viewport(page.dictionary, entry, budget, map).Read();
         } catch (...) {
             map.fault = CurrentPdfFailure().StdStr();
         }

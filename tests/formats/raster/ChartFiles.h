@@ -86,6 +86,7 @@ inline std::string AdrgLeader(bool image = false) {
 struct DoqFile {
     long line = 400;
     std::string zone = "    12";
+    std::string datum = "  ";  ///< " 1" is NAD27
     std::string x = "   0.500000125000000D+06";
     std::string y = "   0.412345675000000D+07";
     std::string x_size = "         1.5";
@@ -95,6 +96,7 @@ struct DoqFile {
         std::string bytes(160, ' ');
         const std::string line_text = std::to_string(line);
         Put(bytes, 156 - line_text.size(), line_text);
+        Put(bytes, 167, datum);
         Put(bytes, 198, zone);
         const auto length = static_cast<std::size_t>(line);
         Put(bytes, 2 * length + 336, x + y);

@@ -21,6 +21,7 @@ constexpr const char* kInfoDescription =
     "  mapanchor info --size 2000x1000 --fit affine map.tab\n"
     "  mapanchor info --pdf-box crop --dpi 150 map.pdf\n"
     "  mapanchor info --print epsg,bounds photo.jpg\n"
+    "  mapanchor info --explain photo.jpg\n"
     "  find . -name '*.tfw' -print0 | mapanchor info -0 --json -";
 
 struct InfoOptions {
@@ -70,6 +71,8 @@ void AddInfoCommand(CLI::App& app, ExitStatus& status) {
         ->allow_extra_args(false)
         ->check(CLI::IsMember(PrintableValues()))
         ->type_name("VALUE,...");
+    info->add_flag("--explain", options->read.explains,
+                   "Show where each value is written: the file and the line, byte, tag or object in it");
     options->read.pdf_list_pages = true;
     options->read.AddTo(*info);
     options->common.AddTo(*info);

@@ -118,6 +118,7 @@ ReadResult ResultOf(const BReading& reading, const std::string& name) {
     }
     if (!reading.IsSidecar() || reading.GetUsedFile() != reading.GetFile()) result.raster = name;
     if (reading.GetPdfPage()) result.page = *reading.GetPdfPage();
+    result.origins = reading.GetOrigins();
     Copy(reading.GetDiagnostics(), result.diagnostics);
     return result;
 }

@@ -49,6 +49,7 @@ struct ReadResult {
     std::optional<MapAnchor::BGeoPDFPage> page;  ///< of a PDF
     int page_number = 1;                         ///< counted from 1
     Diagnostics diagnostics;
+    std::vector<MapAnchor::BReading::Origin> origins;  ///< of --explain
 
     bool Ok() const { return !failure; }
     ExitStatus Status() const;

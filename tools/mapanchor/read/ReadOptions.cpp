@@ -153,6 +153,7 @@ MapAnchor::BReadingOptions ReadOptions::ForReading() const {
     if (pdf_page != 1) reading.SetPdfPage(pdf_page);
     reading.SetPdfShown(pdf_shown);
     reading.SetListsPdfPages(pdf_list_pages);
+    reading.SetExplains(explains);
     for (const Tellurion::BString& key : {BMapAnchor::kValPDFMap, BMapAnchor::kValPDFPassword})
         if (params.HasProperty(key)) reading.SetParam(key, params.GetString(key, ""));
     reading.SetResolution(dpi);

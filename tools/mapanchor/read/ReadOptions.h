@@ -30,6 +30,7 @@ struct ReadOptions {
     bool pdf_by_rules = false;   ///< and not beyond them, where this and what is below count
     bool pdf_shown = false;
     int pdf_page = 1;
+    bool explains = false;        ///< state where each value is written; of no option
     bool pdf_list_pages = false;  ///< say which other pages have maps; of no option
     double dpi = kPointsPerInch;
     std::string source;  ///< of a raster; empty for the one that wins

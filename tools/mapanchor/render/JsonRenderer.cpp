@@ -63,6 +63,17 @@ Json Transform(const BMathTransform& transform, const Residuals& residuals) {
     return json;
 }
 
+Json OriginsJson(const ReadResult& result) {
+    Json list = Json::array();
+    for (const auto& origin : result.origins) {
+        Json json = {{"value", origin.Value.StdStr()}};
+        PutText(json, "file", origin.File);
+        PutText(json, "place", origin.Place);
+        list.push_back(std::move(json));
+    }
+    return list;
+}
+
 /// The lists of control points stay empty.
 void PutReference(Json& top, Json& ours, const ReadResult& result, const Residuals& residuals) {
     const BGeoReference& reference = result.reference;
@@ -99,6 +110,7 @@ Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals) {
         ours["road"] = result.road == Road::Name ? "name" : "type";
         ours["usedFile"] = result.used_file;
         ours["files"] = result.files;
+        if (!result.origins.empty()) ours["origins"] = OriginsJson(result);
         PutReference(top, ours, result, residuals);
     }
     if (result.page) {

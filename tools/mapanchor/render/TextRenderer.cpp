@@ -22,8 +22,9 @@ using namespace Tellurion;
 
 namespace {
 
+/// For people; JSON has all digits.
 std::string Number(double value) {
-    return PrintShortest(value);
+    return BString::Format("%.12g", value).StdStr();
 }
 
 /// Characters, not bytes: names align beyond ASCII too.
@@ -122,8 +123,8 @@ std::string TransformText(const ReadResult& result, const Residuals& residuals, 
     if (const auto affine = AffineOf(result.reference)) text += AffineText(*affine, console);
     if (residuals.root_mean_square)
         text += Line(console, "residuals",
-                     "root mean square " + Number(*residuals.root_mean_square) + ", largest " +
-                         Number(*residuals.maximum) + " pixels");
+                     "root mean square " + PrintFixed(*residuals.root_mean_square, 3) + ", largest " +
+                         PrintFixed(*residuals.maximum, 3) + " pixels");
     return text + PixelText(result, console) + CornersText(result, console);
 }
 
@@ -169,6 +170,16 @@ void WritePoints(const std::vector<BPointPair>& pairs, const Residuals& residual
     WriteTable(pairs.size() + 1, row_at, console, out);
 }
 
+void WriteOrigins(const ReadResult& result, const Console& console, TextPieces& out) {
+    const auto row_at = [&](std::size_t i) -> TableRow {
+        if (i == 0) return {"value", "written in", "at"};
+        const auto& origin = result.origins[i - 1];
+        return {origin.Value.StdStr(), origin.File.IsEmpty() ? "-" : origin.File.StdStr(),
+                origin.Place.StdStr()};
+    };
+    WriteTable(result.origins.size() + 1, row_at, console, out);
+}
+
 const char* RoadText(Road road) {
     return road == Road::Name ? "by name" : "by type";
 }
@@ -207,6 +218,7 @@ void PrintReference(const ReadResult& result, const CommonOptions& common, const
         text += Line(console, "heights", "in " + unit->GetName().StdStr());
     if (reference.IsPixelAsPointRegistered()) text += Line(console, "pixels", "stand for points");
     if (!reference.PointPairVector.empty()) WritePoints(reference.PointPairVector, residuals, console, out);
+    if (!result.origins.empty()) WriteOrigins(result, console, out);
     if (result.page) text += RenderPdfPage(*result.page, console);
     if (common.verbose && reference.HasCoordSys())
         text += Line(console, "text", reference.CoordSys->ToWKT().StdStr());

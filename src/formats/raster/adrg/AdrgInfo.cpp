@@ -32,6 +32,7 @@ std::string_view Take(std::string_view& text, std::size_t count) {
 bool ReadValues(std::string_view bytes, std::size_t at, AdrgInfo& info) {
     std::string_view text = at < bytes.size() ? bytes.substr(at) : std::string_view();
     if (text.size() < 2 * kCount + kLongitude + kLatitude) return false;
+    info.values_at = at;
     info.columns_per_turn = ParseLong(Take(text, kCount));
     info.rows_per_turn = ParseLong(Take(text, kCount));
     info.longitude = ParseAdrgAngle(Take(text, kLongitude));

@@ -27,6 +27,7 @@ struct AdrgInfo {
     long rows_per_turn = 0;
     double longitude = 0.0;  ///< of the outer corner of the top left pixel, in degrees
     double latitude = 0.0;
+    std::size_t values_at = 0;  ///< the byte where they begin, one behind the other
 
     /// The affine whose column 0, row 0 is the centre of the top left pixel.
     AffineTerms ToAffine() const;

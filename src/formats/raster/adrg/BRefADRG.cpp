@@ -6,6 +6,7 @@
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
 #include "common/PlainNames.h"
+#include "common/ReadNotes.h"
 #include "common/StoreTransform.h"
 #include "raster/adrg/AdrgInfo.h"
 
@@ -67,6 +68,15 @@ bool OpenBeside(const BString& image, BString& name, std::optional<BFile>& in) {
     return true;
 }
 
+void NoteOrigins(const BString& file, const AdrgInfo& info) {
+    constexpr std::size_t kCounts = 16;  // the two counts, of eight characters each
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    notes->AddOrigin("system", file, "fixed by the format");
+    notes->AddOrigin("pixel size", file, BytePlace(info.values_at));
+    notes->AddOrigin("position", file, BytePlace(info.values_at + kCounts));
+}
+
 /// What `in` says of `image`; nothing when less could be read than the file is long.
 std::optional<AdrgInfo> ReadInfo(BFile& in, const BString& image) {
     const bool overview = BFileUtilities::GetExtension(image).ToLower() == BString(".ovr");
@@ -89,6 +99,7 @@ bool BRefADRG::Read(const BString& file, BGeoReference& reference, BString& refe
     if (!OpenBeside(file, referenceFile, in)) return false;
     const std::optional<AdrgInfo> info = ReadInfo(*in, file);
     if (!info || info->fault != AdrgInfo::Fault::None) return false;
+    NoteOrigins(referenceFile, *info);
     StoreWhatThereIs(reference, info->ToAffine(), Wgs84(),
                      "BRefADRG::Read Failure setting the BMathTransform or BCoordSys ERROR (%ls)");
     return true;

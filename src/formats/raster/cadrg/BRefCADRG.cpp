@@ -63,29 +63,70 @@ const char* FaultOf(const CadrgFrame& frame) {
     return nullptr;
 }
 
-/// A frame of a polar zone is no rectangle of longitude and latitude; the affine meets its
+constexpr double kRows = 1536.0;  // and as many columns
+
+bool IsRectangle(const CadrgCoverage& c) {
+    constexpr double kLevel = 1e-6;
+    return std::fabs(c.nw_latitude - c.ne_latitude) < kLevel &&
+           std::fabs(c.sw_latitude - c.se_latitude) < kLevel &&
+           std::fabs(c.nw_longitude - c.sw_longitude) < kLevel &&
+           std::fabs(c.ne_longitude - c.se_longitude) < kLevel;
+}
+
+/// A frame of a polar zone is not a rectangle of longitude and latitude; the affine meets its
 /// north-west corner alone.
 void NotePolarFrame(const BString& file, const CadrgCoverage& corners) {
-    constexpr double kLevel = 1e-6;
-    constexpr double kRows = 1536.0;
     constexpr double kMetresPerDegree = 111195.08;
-    ReadNotes* const notes = ReadNotes::Current();
-    if (!notes) return;
-    notes->SetStatedSize(static_cast<long>(kRows), static_cast<long>(kRows));
-    const bool is_level = std::fabs(corners.nw_latitude - corners.ne_latitude) < kLevel &&
-                          std::fabs(corners.sw_latitude - corners.se_latitude) < kLevel &&
-                          std::fabs(corners.nw_longitude - corners.sw_longitude) < kLevel;
-    if (is_level) return;
     const AffineTerms t = corners.ToAffine();
     const double edge = kRows - 0.5;  // the affine counts from the centre of the first pixel
     const double east = std::remainder(t.a * edge + t.c - corners.se_longitude, 360.0) *
                         std::cos(corners.se_latitude * std::acos(-1.0) / 180.0);
     const double north = t.e * edge + t.f - corners.se_latitude;
-    notes->Add({.id = DiagnosticId::kPolarFrame,
-                .text = "the frame's corners are not a rectangle of longitude and latitude, as which it is "
-                        "read; its south-east corner is off by " +
-                        Tellurion::PrintFixed(std::hypot(east, north) * kMetresPerDegree / 1000.0, 1) + " km",
-                .file = file});
+    ReadNotes::Current()->Add(
+        {.id = DiagnosticId::kPolarFrame,
+         .text = "the frame's corners are not a rectangle of longitude and latitude, as which it "
+                 "is read; its south-east corner is off by " +
+                 Tellurion::PrintFixed(std::hypot(east, north) * kMetresPerDegree / 1000.0, 1) + " km",
+         .file = file});
+}
+
+/// How far the affine's worst corner is from the stated one, in pixels.
+void NoteCornersApart(const BString& file, const CadrgFrame& frame) {
+    constexpr double kNoticeable = 0.5;
+    const CadrgCoverage& c = frame.coverage;
+    const AffineTerms t = c.ToAffine();
+    const double edge = kRows - 0.5;
+    const double east = std::remainder(t.a * edge + t.c - c.se_longitude, 360.0) / t.a;
+    const double north = (t.e * -0.5 + t.f - c.nw_latitude) / t.e;
+    const double south = (t.e * edge + t.f - c.se_latitude) / t.e;
+    const double worst = std::hypot(east, std::fmax(std::fabs(north), std::fabs(south)));
+    if (!(worst > kNoticeable) || !std::isfinite(worst)) return;
+    ReadNotes::Current()->Add({.id = DiagnosticId::kFrameCornersDiffer,
+                               .text = "the frame's pixel size and its corners contradict each other: 1536 "
+                                       "pixels end up to " +
+                                       Tellurion::PrintFixed(worst, 2) +
+                                       " px from the corners that it states, by which GDAL places it",
+                               .file = file,
+                               .offset = static_cast<long long>(frame.coverage_at)});
+}
+
+void NoteFrame(const BString& file, const CadrgFrame& frame) {
+    ReadNotes* const notes = ReadNotes::Current();
+    if (!notes) return;
+    notes->SetStatedSize(static_cast<long>(kRows), static_cast<long>(kRows));
+    if (IsRectangle(frame.coverage))
+        NoteCornersApart(file, frame);
+    else
+        NotePolarFrame(file, frame.coverage);
+}
+
+void NoteOrigins(const BString& file, const CadrgFrame& frame) {
+    constexpr std::uint64_t kIntervals = 80;  // behind the corners and two resolutions
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    notes->AddOrigin("system", file, "fixed by the format");
+    notes->AddOrigin("position", file, BytePlace(frame.coverage_at) + " (coverage section)");
+    notes->AddOrigin("pixel size", file, BytePlace(frame.coverage_at + kIntervals) + " (coverage section)");
 }
 
 }  // namespace
@@ -95,7 +136,8 @@ bool BRefCADRG::Read(const BString& file, BGeoReference& reference) {
     if (!in.IsOpen()) return false;
     const CadrgFrame frame = ParseCadrgFrame(in);
     if (FaultOf(frame)) return false;
-    NotePolarFrame(file, frame.coverage);
+    NoteFrame(file, frame);
+    NoteOrigins(file, frame);
     StoreWhatThereIs(reference, frame.coverage.ToAffine(), Wgs84(),
                      "BRefCADRG::Read Failure setting the BGeoReference ERROR (%ls)");
     return true;

@@ -37,7 +37,7 @@ struct Table {
 class Walk {
 public:
     explicit Walk(Tellurion::RandomAccessFile& file) : file_(file) {}
-    Fault ToCoverage(CadrgCoverage& coverage);
+    Fault ToCoverage(CadrgFrame& frame);
 
 private:
     ByteReader At(std::uint64_t offset, std::size_t count);
@@ -104,15 +104,14 @@ bool Walk::ReadCoverage(std::uint64_t offset, CadrgCoverage& c) {
     return reader.Ok();
 }
 
-Fault Walk::ToCoverage(CadrgCoverage& coverage) {
+Fault Walk::ToCoverage(CadrgFrame& frame) {
     std::uint64_t section = 0;
-    std::uint64_t offset = 0;
     Table table;
     if (!FindLocationSection(section)) return Fault::EndOfHeader;
     if (!ReadLocationSection(section, table)) return Fault::LocationSection;
-    const Fault fault = FindCoverage(table, offset);
+    const Fault fault = FindCoverage(table, frame.coverage_at);
     if (fault != Fault::None) return fault;
-    return ReadCoverage(offset, coverage) ? Fault::None : Fault::NoCoverage;
+    return ReadCoverage(frame.coverage_at, frame.coverage) ? Fault::None : Fault::NoCoverage;
 }
 
 }  // namespace
@@ -141,7 +140,7 @@ AffineTerms CadrgCoverage::ToAffine() const {
 
 CadrgFrame ParseCadrgFrame(Tellurion::RandomAccessFile& file) {
     CadrgFrame frame;
-    frame.fault = Walk(file).ToCoverage(frame.coverage);
+    frame.fault = Walk(file).ToCoverage(frame);
     return frame;
 }
 

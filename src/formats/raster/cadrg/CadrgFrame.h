@@ -3,6 +3,8 @@
 #include <Tellurion/RandomAccessFile.h>
 #include "common/Affine.h"
 
+#include <cstdint>
+
 namespace MapAnchor {
 
 /// The corners of an RPF frame, in degrees; they are outer corners.
@@ -39,6 +41,7 @@ struct CadrgFrame {
 
     Fault fault = Fault::None;
     CadrgCoverage coverage;
+    std::uint64_t coverage_at = 0;  ///< where its bytes begin in the file
 };
 
 /// Walks from the header section to the coverage. Reads those sections alone.

@@ -9,23 +9,55 @@
 
 #include <Tellurion/ReferenceTags.h>
 
+#include <iterator>
+#include <string>
+
 namespace MapAnchor {
 
 using Tellurion::BGeoReference;
 using Tellurion::BString;
 
+namespace {
+
+void NoteOrigins(const BString& file, const DoqHeader& header) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    const auto add = [&](const char* value, std::int64_t at) {
+        if (at >= 0) notes->AddOrigin(value, file, BytePlace(static_cast<std::uint64_t>(at)));
+    };
+    notes->AddOrigin("system", file,
+                     BytePlace(DoqHeader::kZoneAt) + " (the zone; the datum is fixed by the reader)");
+    add("position", header.position_at);
+    add("pixel size", header.pixel_size_at);
+}
+
+/// The system is on NAD27, whatever the header states; one that states another datum is misread.
+void NoteDatum(const BString& file, const DoqHeader& header) {
+    constexpr const char* kDatums[] = {"NAD27", "WGS72", "WGS84", "NAD83"};
+    constexpr long kNad27 = 1;
+    ReadNotes* const notes = ReadNotes::Current();
+    if (!notes || header.datum == kNad27) return;
+    const bool is_other = header.datum > kNad27 && header.datum <= static_cast<long>(std::size(kDatums));
+    const std::string stated = is_other ? kDatums[header.datum - 1] : "";
+    notes->Add({.id = DiagnosticId::kSystemReplaced,
+                .severity = is_other ? BDiagnostic::ESeverity::Warning : BDiagnostic::ESeverity::Note,
+                .text = is_other ? "the header states the datum " + stated +
+                                       ", which is not read; NAD27 takes its place"
+                                 : std::string("the header states no datum; it is read as NAD27"),
+                .file = file,
+                .offset = DoqHeader::kDatumAt});
+}
+
+}  // namespace
+
 bool BRefDOQQ::Read(const BString& file, BGeoReference& reference) {
     Tellurion::RandomAccessFile in(file);
     if (!in.IsOpen()) return false;
     const DoqHeader header = ParseDoqHeader(in);
-    if (ReadNotes* const notes = ReadNotes::Current())
-        notes->Add({.id = DiagnosticId::kSystemReplaced,
-                    .text = "the datum is taken for NAD27 and the zone " + header.zone +
-                            " for one of the northern hemisphere, whatever the header states",
-                    .file = file,
-                    .offset = 198});
+    NoteOrigins(file, header);
     StoreWhatThereIs(reference, header.ToAffine(), {"UTM-" + header.zone + "N", "NAD27", "METERS"},
                      "BRefDOQQ::Read Failure setting the BMathTransform or BCoordSys ERROR (%ls)");
+    if (reference.HasCoordSys()) NoteDatum(file, header);
     return true;
 }
 

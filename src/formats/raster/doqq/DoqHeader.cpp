@@ -38,13 +38,16 @@ std::string Digits(const std::string& text) {
 DoqHeader ParseDoqHeader(Tellurion::RandomAccessFile& file) {
     DoqHeader header;
     header.line_length = ParseLong(Field(file, 150, 6));
-    header.zone = Digits(Field(file, 198, 6));
+    header.datum = ParseLong(Field(file, DoqHeader::kDatumAt, 2));
+    header.zone = Digits(Field(file, DoqHeader::kZoneAt, 6));
     const std::int64_t third_line = 2 * std::int64_t{header.line_length};
     const std::int64_t fourth_line = 3 * std::int64_t{header.line_length};
-    header.x = FortranNumber(Field(file, third_line + 336, 24));
-    header.y = FortranNumber(Field(file, third_line + 360, 24));
-    header.x_size = ParseDouble(Field(file, fourth_line + 59, 12));
-    header.y_size = ParseDouble(Field(file, fourth_line + 71, 12));
+    header.position_at = third_line + 336;
+    header.pixel_size_at = fourth_line + 59;
+    header.x = FortranNumber(Field(file, header.position_at, 24));
+    header.y = FortranNumber(Field(file, header.position_at + 24, 24));
+    header.x_size = ParseDouble(Field(file, header.pixel_size_at, 12));
+    header.y_size = ParseDouble(Field(file, header.pixel_size_at + 12, 12));
     return header;
 }
 

@@ -3,6 +3,7 @@
 #include <Tellurion/RandomAccessFile.h>
 #include "common/Affine.h"
 
+#include <cstdint>
 #include <string>
 
 namespace MapAnchor {
@@ -17,6 +18,12 @@ struct DoqHeader {
     double y = 0.0;
     double x_size = 0.0;  ///< of a pixel
     double y_size = 0.0;
+
+    std::int64_t position_at = 0;  ///< where the origin and the pixel size are written
+    std::int64_t pixel_size_at = 0;
+    static constexpr std::int64_t kZoneAt = 198;
+    static constexpr std::int64_t kDatumAt = 167;
+    long datum = 0;  ///< 1 NAD27, 2 WGS72, 3 WGS84, 4 NAD83; kept for the record
 
     /// The origin as the file states it, without a shift; rows go down.
     AffineTerms ToAffine() const { return {x_size, 0.0, x, 0.0, -y_size, y}; }

@@ -1,6 +1,7 @@
 #include "raster/ecw/EcwHeader.h"
 
 #include "common/ByteReader.h"
+#include "common/ReadNotes.h"
 #include "raster/geotiff/GeoTiffTags.h"
 #include "raster/jp2/BoxFile.h"
 #include "raster/jp2/Jp2Reference.h"
@@ -71,10 +72,30 @@ bool IsFinite(const EcwHeader& header) {
            std::isfinite(header.origin_x) && std::isfinite(header.origin_y);
 }
 
+/// Where version 2 has its fields.
+void NoteVersion2() {
+    constexpr std::uint64_t kIncrements = 25;
+    constexpr std::uint64_t kOrigin = 41;
+    constexpr std::uint64_t kNames = 57;
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    notes->AddOrigin("pixel size", {}, BytePlace(kIncrements));
+    notes->AddOrigin("position", {}, BytePlace(kOrigin));
+    notes->AddOrigin("system", {}, BytePlace(kNames));
+}
+
+void NoteBox(const Box& box) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    for (const char* value : {"pixel size", "position", "system"})
+        notes->AddOrigin(value, {}, BytePlace(box.offset) + " (box \"gtif\")");
+}
+
 std::optional<EcwHeader> ReadVersion2(std::string_view head) {
     auto parsed = ParseVersion2(head);
     if (!parsed || parsed->columns == 0 || parsed->rows == 0 || !IsFinite(parsed->header))
         return std::nullopt;
+    NoteVersion2();
     return std::move(parsed->header);
 }
 
@@ -163,6 +184,7 @@ std::optional<EcwHeader> ReadVersion3(Tellurion::RandomAccessFile& file) {
     Box box;
     while (walk.Next(box)) {
         if (box.type != "gtif") continue;
+        NoteBox(box);
         const GeoTiffTags tags = ParseEcwTags(walk.Content(box, kLongestContent));
         header.units = UnitsOf(tags);
         TakeNames(tags, tags.SystemCode(), header);

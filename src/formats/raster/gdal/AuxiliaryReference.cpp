@@ -64,6 +64,16 @@ void ReadPoints(CPLXMLNode* list, const BString& file, GdalReference& out) {
     out.point_count = static_cast<int>(out.points.size());
 }
 
+void NoteOrigins(const BString& file, const GdalReference& stated, bool system_of_points) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    for (const char* value : {"pixel size", "rotation", "position"})
+        if (stated.terms) notes->AddOrigin(value, file, "element GeoTransform");
+    if (!stated.points.empty()) notes->AddOrigin("points", file, "element GCPList");
+    if (!stated.well_known_texts.empty())
+        notes->AddOrigin("system", file, system_of_points ? "element GCPList, Projection" : "element SRS");
+}
+
 }  // namespace
 
 std::optional<GdalReference> ReadAuxiliaryReference(const BString& file) {
@@ -80,6 +90,7 @@ std::optional<GdalReference> ReadAuxiliaryReference(const BString& file) {
     for (const char* text :
          {CPLGetXMLValue(dataset, "SRS", ""), list ? CPLGetXMLValue(list, "Projection", "") : ""})
         if (*text) out.well_known_texts.emplace_back(text);
+    NoteOrigins(file, out, list != nullptr && *CPLGetXMLValue(dataset, "SRS", "") == '\0');
     const bool states_nothing = !out.terms && out.points.empty() && out.well_known_texts.empty();
     return states_nothing ? std::nullopt : std::optional(std::move(out));
 }

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -86,6 +87,19 @@ GdalRaster OpenConfined(const BString& file, RasterKinds kinds, Sidecars sidecar
     return opened;
 }
 
+/// A name of GDAL's file layer. Its drivers find files beside it on their own.
+GdalRaster OpenVirtual(const BString& file, RasterKinds kinds, Sidecars sidecars) {
+    const bool hides = sidecars == Sidecars::Hidden;
+    std::optional<CPLConfigOptionSetter> folder;
+    std::optional<CPLConfigOptionSetter> auxiliary;
+    if (hides) {
+        folder.emplace("GDAL_DISABLE_READDIR_ON_OPEN", "EMPTY_DIR", false);
+        auxiliary.emplace("GDAL_PAM_ENABLED", "NO", false);
+    }
+    return GdalRaster(
+        Open(file.Utf8(), kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain()));
+}
+
 }  // namespace
 
 bool HasGdalDriver(const char* name) {
@@ -97,8 +111,7 @@ GdalRaster OpenRaster(const BString& file, RasterKinds kinds, Sidecars sidecars)
     RegisterDrivers();
     if (!BFileUtilities::IsRegularFile(file)) {
         if (BFileUtilities::Exists(file)) return nullptr;
-        return GdalRaster(Open(
-            file.Utf8(), kinds == RasterKinds::OfName ? GdalDrivers::ForName(file) : GdalDrivers::Plain()));
+        return OpenVirtual(file, kinds, sidecars);
     }
     GdalRaster raster = OpenConfined(file, kinds, sidecars);
     if (raster) return raster;

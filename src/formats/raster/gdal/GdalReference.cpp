@@ -1,6 +1,7 @@
 #include "raster/gdal/GdalReference.h"
 
 #include "raster/gdal/CoordEpoch.h"
+#include "raster/gdal/GdalOrigins.h"
 #include "raster/gdal/GdalRaster.h"
 
 #include "common/ReadNotes.h"
@@ -115,6 +116,7 @@ std::optional<GdalReference> ReadGdalReference(const BString& file, RasterKinds 
     out.vertical_unit = ReadVerticalUnit(*raster);
     if (auxiliary) out.auxiliary_vertical_unit = ReadVerticalUnit(*auxiliary);
     NoteFiles(*raster, raster.get_deleter().files.get());
+    NoteGdalOrigins(*raster, out, file);
     return IsUsable(raster) ? std::optional(std::move(out)) : std::nullopt;
 }
 

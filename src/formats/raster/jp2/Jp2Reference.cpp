@@ -1,5 +1,7 @@
 #include "raster/jp2/Jp2Reference.h"
 
+#include "common/ReadNotes.h"
+#include "raster/gdal/GdalOrigins.h"
 #include "raster/gdal/GdalRaster.h"
 #include "raster/jp2/BoxFile.h"
 
@@ -10,7 +12,10 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <limits>
+#include <string>
+#include <string_view>
 
 namespace MapAnchor {
 
@@ -26,6 +31,27 @@ constexpr auto kCodeStream = "\xFF\x4F\xFF\x51"sv;
 constexpr auto kGeoTiffUuid = "\xB1\x4B\xF8\xBD\x08\x3D\x4B\x43\xA5\xAE\x8C\xD7\xD5\xA6\xCE\x03"sv;
 constexpr std::size_t kLongestContent = std::size_t{1} << 20;
 
+void NoteBox(const Box& box, const GeoTiffTags& tags) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    const std::string place = BytePlace(box.offset) + " (GeoTIFF box)";
+    notes->origins.clear();
+    for (const char* value : {"pixel size", "position"})
+        notes->AddOrigin(value, {}, place);
+    if (tags.SystemCode() != 0) notes->AddOrigin("system", {}, place);
+}
+
+/// Where GDAL finds something, it does not say in which box.
+void NoteGdal(const GDALDataset& raster, std::initializer_list<const char*> values) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    for (const char* value : values) {
+        std::erase_if(notes->origins,
+                      [&](const auto& origin) { return std::string_view(origin.value) == value; });
+        notes->AddOrigin(value, {}, GdalPlace(raster));
+    }
+}
+
 /// Some writers leave a second GeoTIFF box that places nothing; of the first two the
 /// one that names a system counts, else the one that has a position.
 GeoTiffTags FindGeoTiff(Tellurion::RandomAccessFile& file) {
@@ -40,8 +66,10 @@ GeoTiffTags FindGeoTiff(Tellurion::RandomAccessFile& file) {
         auto tags = ParseTiffTags(content.substr(kGeoTiffUuid.size()));
         if (!tags) continue;
         const bool placed = tags->CornerAffine().has_value();
+        const bool is_better = placed && (tags->SystemCode() != 0 || !best.CornerAffine());
+        if (is_better) NoteBox(box, *tags);
         if (placed && tags->SystemCode() != 0) return *std::move(tags);
-        if (placed && !best.CornerAffine()) best = *std::move(tags);
+        if (is_better) best = *std::move(tags);
     }
     return best;
 }
@@ -85,10 +113,14 @@ void AskGdal(const BString& path, bool overrules, Jp2Reference& out) {
     const GdalRaster raster = OpenRaster(path);
     if (!raster) return;
     double gt[6] = {};
-    if ((overrules || !out.corner) && raster->GetGeoTransform(gt) == CE_None)
+    if ((overrules || !out.corner) && raster->GetGeoTransform(gt) == CE_None) {
         out.corner = AffineTerms{gt[1], gt[2], gt[0], gt[4], gt[5], gt[3]};
+        NoteGdal(*raster, {"pixel size", "position"});
+    }
     const OGRSpatialReference* const system = raster->GetSpatialRef();
-    if (system && (overrules || out.system == 0)) TakeSystem(*system, out);
+    if (!system || (!overrules && out.system != 0)) return;
+    TakeSystem(*system, out);
+    NoteGdal(*raster, {"system"});
 }
 
 bool IsSettled(const Jp2Reference& reference) {

@@ -106,10 +106,22 @@ void StoreDatum(BGeoReference& reference, const KapHeader& header, const BString
                     .place = "KNP/GD"});
 }
 
+void NoteOrigins(const KapHeader& header, const BGeoReference& reference, const BString& file) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    const auto add = [&](const char* value, const std::string& lines, const char* record) {
+        if (!lines.empty()) notes->AddOrigin(value, file, lines + " (" + record + ")");
+    };
+    add("size", LinePlace(header.size_line), "BSB RA");
+    add("points", LinePlace(header.first_point_line, header.last_point_line), "REF");
+    if (reference.HasCoordSys()) add("system", LinePlace(header.datum_line), "KNP GD");
+}
+
 void NoteFacts(const KapHeader& header, const BString& file) {
     ReadNotes* const notes = ReadNotes::Current();
     if (!notes) return;
     notes->SetStatedSize(header.width, header.height);
+    header.dropped.Report(file);
     if (header.skew != 0.0 && header.points.empty())
         notes->Add({.id = DiagnosticId::kRotationNotRead,
                     .text = "the chart is turned by " + Tellurion::PrintShortest(header.skew) +
@@ -129,6 +141,7 @@ bool BRefKAP::Read(const BString& file, BGeoReference& reference) {
     NoteFacts(header, file);
     StorePoints(reference, header, OnFailure::GoOn);
     StoreDatum(reference, header, file, OnFailure::GoOn);
+    NoteOrigins(header, reference, file);
     return header.has_data || !header.points.empty();
 }
 
@@ -142,6 +155,7 @@ void BRefKAP::Read(const BString& file, const unsigned int& flags, BGeoReference
     const Strictness strictness(flags);
     StorePoints(reference, header, strictness.Transform());
     StoreDatum(reference, header, file, strictness.CoordSys());
+    NoteOrigins(header, reference, file);
 }
 
 void BRefKAP::Write(const BString&, const BGeoReference&) {

@@ -106,6 +106,7 @@ void Parser::ParseSize(std::string_view line) {
     std::string_view height;
     header.height = TakeField(rest, height) ? ParseLong(height) : 0;
     header.has_data = true;
+    header.size_line = line_number_;
 }
 
 /// Wherever an equals sign stands, the two characters before it are a key.
@@ -127,6 +128,7 @@ void Parser::ParseKey(std::string_view key, std::string_view value) {
         if (!StartsWith(key, row.key) || value.empty()) continue;
         *row.text = value;
         header.has_data = true;
+        if (row.text == &header.datum) header.datum_line = line_number_;
     }
     if (StartsWith(key, "SK")) header.skew = ParseDouble(value);
     for (const char* number : {"DX", "DY", "SK", "PP"})
@@ -146,6 +148,10 @@ void Parser::ParsePoint(std::string_view line) {
     double row = 0.0;
     complete = complete && ParsePixel(fields[0], column) && ParsePixel(fields[1], row);
     if (!complete) return header.incomplete_points.push_back(line_number_);
+    header.dropped.Count(ParseDouble(fields[0]), ParseDouble(fields[1]), static_cast<long>(column),
+                         static_cast<long>(row));
+    if (header.points.empty()) header.first_point_line = line_number_;
+    header.last_point_line = line_number_;
     header.points.emplace_back(static_cast<long>(column), static_cast<long>(row), ParseDouble(fields[3]),
                                ParseDouble(fields[2]), 0.0, name, true);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/ReadNotes.h"
+
 #include <Tellurion/BPointPair.h>
 
 #include <cstddef>
@@ -18,9 +20,14 @@ struct KapHeader {
     std::string units;
     double skew = 0.0;                          ///< degrees; kept for the record
     std::vector<Tellurion::BPointPair> points;  ///< x is the longitude, y the latitude
-    std::vector<int> incomplete_points;         ///< the lines, from 1, whose point lacks a number
-    bool has_data = false;                      ///< a BSB or KNP record gave anything; points do not count
-    bool ended = false;                         ///< the Ctrl-Z behind the header was met
+    DroppedFractions dropped;
+    std::vector<int> incomplete_points;  ///< the lines, from 1, whose point lacks a number
+    int size_line = 0;                   ///< from 1, as those below; 0 when not stated
+    int datum_line = 0;
+    int first_point_line = 0;
+    int last_point_line = 0;
+    bool has_data = false;  ///< a BSB or KNP record gave anything; points do not count
+    bool ended = false;     ///< the Ctrl-Z behind the header was met
 };
 
 /// No header of a chart comes near this size; a file without a Ctrl-Z is not read further.

@@ -1,6 +1,7 @@
 #include "raster/mrsid/SidHeader.h"
 
 #include "common/ByteReader.h"
+#include "common/ReadNotes.h"
 #include "raster/mrsid/SidRecords.h"
 
 #include <array>
@@ -32,6 +33,17 @@ SidRecords ReadRecords(const Tellurion::RandomAccessFile& file, std::uint64_t of
     return records;
 }
 
+void NoteOrigins(const SidRecords& records, const std::optional<SidPosition>& stated, std::uint64_t offset) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    const std::string place = BytePlace(offset) + " (metadata records)";
+    const std::string chunk = BytePlace(offset + records.end) + " (position chunk)";
+    if (stated || records.origin_x) notes->AddOrigin("position", {}, stated ? chunk : place);
+    if (stated || records.x_resolution) notes->AddOrigin("pixel size", {}, stated ? chunk : place);
+    if (records.projected || records.geographic || !records.well_known_text.empty())
+        notes->AddOrigin("system", {}, place);
+}
+
 /// Behind the fixed head stands a table of offsets, and behind it the place of the
 /// metadata block, where there is one.
 SidRecords ReadSecondGeneration(const Tellurion::RandomAccessFile& file, std::string_view head) {
@@ -44,7 +56,9 @@ SidRecords ReadSecondGeneration(const Tellurion::RandomAccessFile& file, std::st
     if (reader.Bytes(kMetadataMark.size()) != kMetadataMark) return {};
     const std::uint32_t offset = reader.U32();
     if (!reader.Ok() || file.Window(offset, kBlockMark.size()) != kBlockMark) return {};
-    return ReadRecords(file, offset + kBlockMark.size());
+    SidRecords records = ReadRecords(file, offset + kBlockMark.size());
+    NoteOrigins(records, std::nullopt, offset + kBlockMark.size());
+    return records;
 }
 
 /// Six doubles in the chunk behind the records: the centres of the first and of the
@@ -102,6 +116,7 @@ SidHeader ReadLaterGeneration(const Tellurion::RandomAccessFile& file, bool must
     SidRecords records = ReadRecords(file, *offset);
     if (must_be_complete && !records.complete) return {};
     const auto stated = records.complete ? ReadPositionChunk(file, *offset + records.end) : std::nullopt;
+    NoteOrigins(records, stated, *offset);
     return HeaderOf(std::move(records), stated);
 }
 

@@ -27,6 +27,7 @@
 #include <array>
 #include <cmath>
 #include <ctime>
+#include <initializer_list>
 #include <optional>
 
 namespace MapAnchor {
@@ -92,6 +93,23 @@ AffineTerms SetSystem(BGeoReference& reference, const BSharedPtr<BCoordSys>& sys
                       const ErsHeader& header) {
     if (system) reference.SetCoordSys(system);
     return header.HasTerms() ? header.ToAffine(system ? UnitsPerMetre(*system) : 1.0) : AffineTerms();
+}
+
+void NoteOrigins(const BString& file, const ErsHeader& header, bool has_system) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    const auto add = [&](const char* value, std::initializer_list<const char*> tags) {
+        std::string place;
+        for (const char* tag : tags)
+            if (const long line = header.LineOf(tag))
+                place += (place.empty() ? "" : ", ") + LinePlace(line) + " (" + tag + ")";
+        notes->AddOrigin(value, file, place);
+    };
+    add("size", {"NrOfCellsPerLine", "NrOfLines"});
+    if (has_system) add("system", {"Datum", "Projection"});
+    if (!header.HasTerms()) return;
+    add("pixel size", {"Xdimension", "Ydimension"});
+    add("position", {"Eastings", "Northings", "RegistrationCellX", "RegistrationCellY"});
 }
 
 /// What a host would not notice of the header's names and its rotation.
@@ -283,6 +301,7 @@ bool BRefERS::Read(const BString& file, BGeoReference& reference) {
     if (!header.has_raster_info_end) return false;
     const auto system = NamesSystem(header) ? LookUpSystem(header) : BSharedPtr<BCoordSys>();
     NoteNames(file, header, system);
+    NoteOrigins(file, header, !system.IsEmpty());
     const AffineTerms terms = SetSystem(reference, system, header);
     if (header.HasTerms()) StoreAffine(reference, terms, OnFailure::GoOn, kReadTexts);
     return true;
@@ -301,6 +320,7 @@ void BRefERS::Read(const BString& file, const unsigned int& flags, BGeoReference
     RequireTerms(header);
     RequireExtent(file, terms);
     StoreAffine(reference, terms, strictness.Transform(), kReadTexts);
+    NoteOrigins(file, header, !system.IsEmpty());
 }
 
 bool BRefERS::Write(const BString& file, const BGeoReference& reference, long width, long height,

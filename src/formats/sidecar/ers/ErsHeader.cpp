@@ -81,7 +81,7 @@ void NoteRotation(std::string_view line, ErsHeader& header) {
 }
 
 /// False when reading ends with this line.
-bool ReadTag(std::string_view line, ErsHeader& header) {
+bool ReadTag(std::string_view line, long number, ErsHeader& header) {
     for (const TagRule& rule : kRules) {
         const std::size_t at = line.find(rule.tag);
         if (at == std::string_view::npos) continue;
@@ -93,6 +93,7 @@ bool ReadTag(std::string_view line, ErsHeader& header) {
             if (rule.faulty) header.faulty_tag = rule.tag;
             return false;
         }
+        header.lines.emplace_back(rule.tag, number);
         return true;
     }
     NoteRotation(line, header);
@@ -149,6 +150,13 @@ std::string RegionPart(const ErsContent& c) {
 
 }  // namespace
 
+long ErsHeader::LineOf(const char* tag) const {
+    long found = 0;
+    for (const auto& [name, line] : lines)
+        if (std::string_view(name) == tag) found = line;
+    return found;
+}
+
 AffineTerms ErsHeader::ToAffine(double units_per_metre) const {
     const double x = *x_dimension * units_per_metre;
     const double y = *y_dimension * units_per_metre;
@@ -159,7 +167,8 @@ ErsHeader ParseErs(BFile& file) {
     ErsHeader header;
     TextLines lines(file);
     std::string_view line;
-    while (lines.Next(line) && ReadTag(line, header)) {
+    long number = 0;
+    while (lines.Next(line) && ReadTag(line, ++number, header)) {
     }
     if (header.y_dimension) header.y_dimension = -std::fabs(*header.y_dimension);
     return header;

@@ -7,6 +7,8 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace MapAnchor {
 
@@ -29,6 +31,10 @@ struct ErsHeader {
 
     const char* faulty_tag = nullptr;  ///< where reading stopped, if that is a fault to tell
     const char* empty_tag = nullptr;   ///< the first name tag without a name; reading went on
+
+    /// The line of each tag that was read, from 1; the last one where a tag is there twice.
+    std::vector<std::pair<const char*, long>> lines;
+    long LineOf(const char* tag) const;  ///< 0 for a tag that is not there
 
     bool HasTerms() const { return x_dimension && y_dimension && eastings && northings; }
     /// The affine of a pixel's corner; only with all terms. Dimensions are in metres

@@ -6,6 +6,7 @@
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
 #include "common/PointsToWrite.h"
+#include "common/ReadNotes.h"
 #include "common/StoreControlPoints.h"
 #include "lookups/CoordSysLookups.h"
 #include "sidecar/rsf/RsfFile.h"
@@ -125,6 +126,17 @@ BSharedPtr<BCoordSys> FindSystem(const RsfFile& rsf, OnFailure on_failure) {
     return {};
 }
 
+void NoteOrigins(const BString& file, const RsfFile& rsf, bool has_system) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    constexpr long kLineOfRows = 2;
+    const long block = rsf.LineOfBlock();
+    const bool has_wkt = rsf.version == 4;
+    const long wkt = block + static_cast<long>(RsfFile::kBlockLines) + 1;  // behind the line of the mode
+    notes->AddOrigin("points", file, LinePlace(kLineOfRows, block - 1));
+    if (has_system) notes->AddOrigin("system", file, has_wkt ? LinePlace(wkt) : LinePlace(block, block + 2));
+}
+
 bool HasPointsOrTransform(const std::vector<Tellurion::BPointPair>& points) {
     if (!points.empty()) return true;
     BLogger::Instance()->WriteLine(
@@ -154,10 +166,12 @@ bool BRefRSF::Read(const BString& file, BGeoReference& reference, EMathTransform
         LogCountDiffers();
         return false;
     }
+    rsf.dropped.Report(file);
     StoreControlPoints(reference, std::move(rsf.points), mathType, {width, height}, OnFailure::GoOn,
                        kReadTexts);
     const BSharedPtr<BCoordSys> system = FindSystem(rsf, OnFailure::GoOn);
     if (system) reference.SetCoordSys(system);
+    NoteOrigins(file, rsf, !system.IsEmpty());
     return true;
 }
 
@@ -174,6 +188,7 @@ void BRefRSF::Read(const BString& file, const unsigned int& flags, BGeoReference
     RequireGoodBlock(file, rsf);
     const BSharedPtr<BCoordSys> system = FindSystem(rsf, strictness.CoordSys());
     if (system && system->IsValid()) reference.SetCoordSys(system);
+    NoteOrigins(file, rsf, system && system->IsValid());
 }
 
 bool BRefRSF::Write(const BString& file, const BGeoReference& reference, long width, long height) {

@@ -35,6 +35,8 @@ struct RsfRow {
     double x = 0.0;
     double z = 0.0;
     std::int32_t enabled = 0;
+    double exact_row = 0.0;  // as the file states it
+    double exact_column = 0.0;
 };
 
 /// In quotes, or a word. False for a quote without its end.
@@ -67,9 +69,8 @@ bool ScanWholePixels(RowScanner scanner, RsfRow& row) {
            ScanWorld(scanner, row);
 }
 
-bool ScanCutPixel(RowScanner& scanner, std::int32_t& pixel) {
+bool ScanCutPixel(RowScanner& scanner, std::int32_t& pixel, double& value) {
     using Limits = std::numeric_limits<std::int32_t>;
-    double value = 0.0;
     if (!scanner.Real(value)) return false;
     const double cut = std::isnan(value) ? 0.0 : std::trunc(value);
     pixel = static_cast<std::int32_t>(std::clamp<double>(cut, Limits::min(), Limits::max()));
@@ -77,18 +78,22 @@ bool ScanCutPixel(RowScanner& scanner, std::int32_t& pixel) {
 }
 
 bool ScanFractionalPixels(RowScanner scanner, RsfRow& row) {
-    return ScanCutPixel(scanner, row.row) && ScanCutPixel(scanner, row.column) &&
-           ScanCutPixel(scanner, row.third) && ScanWorld(scanner, row);
+    double third = 0.0;
+    return ScanCutPixel(scanner, row.row, row.exact_row) &&
+           ScanCutPixel(scanner, row.column, row.exact_column) && ScanCutPixel(scanner, row.third, third) &&
+           ScanWorld(scanner, row);
 }
 
-bool ParseRow(std::string_view text, RsfPixels pixels, std::vector<BPointPair>& points) {
+bool ParseRow(std::string_view text, RsfPixels pixels, RsfFile& rsf) {
     RsfRow row;
     if (!TakeName(text, row.name)) return false;
     const RowScanner rest(text);
-    if (!ScanWholePixels(rest, row) && (pixels == RsfPixels::Whole || !ScanFractionalPixels(rest, row)))
-        return false;
-    points.emplace_back(row.column, row.row, row.x, row.y, row.z, BString(std::string(row.name)),
-                        row.enabled != 0);
+    const bool is_whole = ScanWholePixels(rest, row);
+    if (!is_whole && (pixels == RsfPixels::Whole || !ScanFractionalPixels(rest, row))) return false;
+    rsf.dropped.Count(is_whole ? row.column : row.exact_column, is_whole ? row.row : row.exact_row,
+                      row.column, row.row);
+    rsf.points.emplace_back(row.column, row.row, row.x, row.y, row.z, BString(std::string(row.name)),
+                            row.enabled != 0);
     return true;
 }
 
@@ -113,7 +118,7 @@ void ParseRows(BFile& file, RsfPixels pixels, RsfFile& rsf) {
     for (std::int32_t row = 0; row < rsf.count; ++row) {
         if (!lines.Next(line)) {
             rsf.fault = RsfFile::Fault::NoRow;
-        } else if (!line.starts_with('#') && !ParseRow(line, pixels, rsf.points)) {
+        } else if (!line.starts_with('#') && !ParseRow(line, pixels, rsf)) {
             rsf.fault = RsfFile::Fault::BadRow;
             rsf.faulty_line = BString(std::string(line));
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/ReadNotes.h"
+
 #include <Tellurion/BFile.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BString.h>
@@ -34,6 +36,7 @@ struct RsfFile {
     std::int32_t version = 0;
     std::int32_t count = 0;  ///< of rows, as the header says
     std::vector<Tellurion::BPointPair> points;
+    DroppedFractions dropped;
 
     std::vector<Tellurion::BString> block;  ///< up to four lines
     bool has_mode = false;                  ///< the reference mode's line came, version 4 only
@@ -43,6 +46,8 @@ struct RsfFile {
     /// comments does not hold what it says.
     bool HoldsItsCount() const { return static_cast<std::int64_t>(points.size()) == count; }
     bool HasBlock() const { return block.size() == kBlockLines; }
+    /// The first line behind the rows, from 1.
+    long LineOfBlock() const { return long{count} + 2; }
 };
 
 /// Which pixels a row may name.

@@ -6,6 +6,7 @@
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
 #include "common/PointsToWrite.h"
+#include "common/ReadNotes.h"
 #include "common/StoreControlPoints.h"
 #include "sidecar/tab/TabFile.h"
 
@@ -61,6 +62,13 @@ BSharedPtr<BCoordSys> FindSystem(const BString& file, Systems systems, OnFailure
     return FindCoordSys(look_up, on_failure, {kReadSource, "BRefTab::Read", log_line, nothing_found});
 }
 
+void NoteOrigins(const BString& file, const TabFile& tab, bool has_system) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    notes->AddOrigin("points", file, LinePlace(tab.first_point_line, tab.last_point_line));
+    if (has_system) notes->AddOrigin("system", file, LinePlace(tab.clause_line));
+}
+
 bool HasPointsOrTransform(const std::vector<Tellurion::BPointPair>& points) {
     if (!points.empty()) return true;
     BLogger::Instance()->WriteLine(
@@ -86,6 +94,8 @@ bool BRefTAB::Read(const BString& file, BGeoReference& reference, EMathTransform
     if (!tab.IsRaster()) return false;
     const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::All, OnFailure::GoOn);
     if (system) reference.SetCoordSys(system);
+    NoteOrigins(file, tab, !system.IsEmpty());
+    tab.dropped.Report(file);
     if (tab.points.empty()) return !system.IsEmpty();
     StoreControlPoints(reference, std::move(tab.points), mathType, {width, height}, OnFailure::GoOn,
                        kReadTexts);
@@ -107,6 +117,8 @@ void BRefTAB::Read(const BString& file, const unsigned int& flags, BGeoReference
     const Strictness strictness(flags);
     const BSharedPtr<BCoordSys> system = FindSystem(file, Systems::ValidOnly, strictness.CoordSys());
     if (system) reference.SetCoordSys(system);
+    NoteOrigins(file, tab, !system.IsEmpty());
+    tab.dropped.Report(file);
     if (!tab.points.empty())
         StoreControlPoints(reference, std::move(tab.points), mathType, {width, height},
                            strictness.Transform(), kReadTexts);

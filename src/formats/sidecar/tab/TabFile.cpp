@@ -1,6 +1,7 @@
 #include "sidecar/tab/TabFile.h"
 
 #include "common/QuotedName.h"
+#include "common/ReadNotes.h"
 #include "common/Text.h"
 #include "common/TextLines.h"
 #include "lookups/CoordSysLookups.h"
@@ -38,14 +39,17 @@ constexpr std::size_t kMostTokens = 32;
 constexpr std::size_t kShortestPoint = 9;
 
 /// World x and y, column and row, the word Label, the name. Cuts the line up.
-void ParsePoint(std::string& line, std::vector<BPointPair>& points) {
+void ParsePoint(std::string& line, TabFile& tab) {
     static constexpr Delimiters kDelimiters("( ,)");
     std::array<char*, kMostTokens> tokens;
     const std::size_t count = SplitTokens(line.data(), kDelimiters, tokens.data(), tokens.size());
     constexpr char kLabel[] = "label";
     if (count < 5 || CompareNoCase(tokens[4], kLabel, sizeof kLabel) != 0) return;
-    points.emplace_back(ParseLong(tokens[2]), ParseLong(tokens[3]), ParseDouble(tokens[0]),
-                        ParseDouble(tokens[1]), 0.0, count > 5 ? tokens[5] : "", true);
+    const long column = ParseLong(tokens[2]);
+    const long row = ParseLong(tokens[3]);
+    if (ReadNotes::Current()) tab.dropped.Count(ParseDouble(tokens[2]), ParseDouble(tokens[3]), column, row);
+    tab.points.emplace_back(column, row, ParseDouble(tokens[0]), ParseDouble(tokens[1]), 0.0,
+                            count > 5 ? tokens[5] : "", true);
 }
 
 /// Characters that the charset lacks are no reason to lose the file.
@@ -76,12 +80,18 @@ TabFile ParseTab(BFile& file) {
     TextLines lines(file);
     std::string_view line;
     std::string cut;
-    while (lines.Next(line)) {
+    const bool explains = ReadNotes::Explaining() != nullptr;
+    for (long number = 1; lines.Next(line); ++number) {
         if (!tab.has_table_mark) tab.has_table_mark = ContainsInAnyCase(line, "!table");
         if (!tab.has_raster_mark) tab.has_raster_mark = line.find("RASTER") != std::string_view::npos;
+        if (explains && tab.clause_line == 0 && ContainsInAnyCase(line, "coordsys")) tab.clause_line = number;
         if (line.size() < kShortestPoint) continue;
         cut.assign(line);
-        ParsePoint(cut, tab.points);
+        const std::size_t before = tab.points.size();
+        ParsePoint(cut, tab);
+        if (tab.points.size() == before) continue;
+        if (before == 0) tab.first_point_line = number;
+        tab.last_point_line = number;
     }
     return tab;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/ReadNotes.h"
+
 #include <Tellurion/BFile.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BString.h>
@@ -15,6 +17,10 @@ struct TabFile {
     bool has_table_mark = false;   ///< "!table" in any case
     bool has_raster_mark = false;  ///< "RASTER", in capitals alone
     std::vector<Tellurion::BPointPair> points;
+    DroppedFractions dropped;
+    long first_point_line = 0;  ///< from 1; 0 without points
+    long last_point_line = 0;
+    long clause_line = 0;  ///< of the word CoordSys; 0 for none and where nobody asks for it
 
     bool IsRaster() const { return has_table_mark && has_raster_mark; }
 };

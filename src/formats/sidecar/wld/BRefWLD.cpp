@@ -66,6 +66,14 @@ bool HasExtent(const WorldFile& world_file, IsZero is_zero) {
     return false;
 }
 
+void NoteOrigins(const BString& file) {
+    ReadNotes* const notes = ReadNotes::Explaining();
+    if (!notes) return;
+    notes->AddOrigin("pixel size", file, "lines 1 and 4");
+    notes->AddOrigin("rotation", file, "lines 2 and 3");
+    notes->AddOrigin("position", file, "lines 5 and 6");
+}
+
 BString PrjBeside(const BString& file) {
     return BFileUtilities::ChangeExtension(file, "prj");
 }
@@ -78,6 +86,7 @@ void ReadPrjBeside(const BString& file, BGeoReference& reference) {
         if (!coord_sys) return;
         reference.SetCoordSys(Tellurion::BSharedPtr<BCoordSys>(coord_sys));
         if (ReadNotes* const notes = ReadNotes::Current()) notes->files.push_back(prj);
+        if (ReadNotes* const notes = ReadNotes::Explaining()) notes->AddOrigin("system", prj, LinePlace(1));
     } catch (...) {
     }
 }
@@ -130,6 +139,7 @@ bool BRefWLD::Read(const BString& file, BGeoReference& reference) {
     if (!world_file.IsComplete()) return false;
     const bool stored = HasExtent(world_file, IsLooseZero) &&
                         StoreAffine(reference, world_file.ToAffine(), OnFailure::GoOn, kReadTexts);
+    if (stored) NoteOrigins(file);
     ReadPrjBeside(file, reference);
     return stored;
 }
@@ -150,6 +160,7 @@ void BRefWLD::Read(const BString& file, const unsigned int& flags, BGeoReference
             kReadSource,
             BString::Format("File <%ls> is an invalid WLD file.  A & E (or B & C) are zero", file));
     StoreAffine(reference, world_file.ToAffine(), Strictness(flags).Transform(), kReadTexts);
+    NoteOrigins(file);
 }
 
 bool BRefWLD::Write(const BString& file, const BGeoReference& reference) {
