@@ -35,16 +35,6 @@ std::string PlaceOf(const BDiagnostic& remark) {
     return place;
 }
 
-void Copy(const std::vector<BDiagnostic>& remarks, Diagnostics& diagnostics) {
-    for (const BDiagnostic& remark : remarks)
-        diagnostics.push_back({.is_error = remark.GetSeverity() == BDiagnostic::ESeverity::Error,
-                               .text = remark.GetText().StdStr(),
-                               .id = remark.GetId().StdStr(),
-                               .is_note = remark.GetSeverity() == BDiagnostic::ESeverity::Note,
-                               .file = remark.GetFile().StdStr(),
-                               .place = PlaceOf(remark)});
-}
-
 /// The library's words with what this program offers.
 std::string Detail(const BReading& reading) {
     constexpr std::string_view kFolder = " is a folder, not a file.";
@@ -62,6 +52,16 @@ std::optional<Failure> FailureOf(const BReading& reading) {
 }
 
 }  // namespace
+
+void AddRemarks(const std::vector<BDiagnostic>& remarks, Diagnostics& diagnostics) {
+    for (const BDiagnostic& remark : remarks)
+        diagnostics.push_back({.is_error = remark.GetSeverity() == BDiagnostic::ESeverity::Error,
+                               .text = remark.GetText().StdStr(),
+                               .id = remark.GetId().StdStr(),
+                               .is_note = remark.GetSeverity() == BDiagnostic::ESeverity::Note,
+                               .file = remark.GetFile().StdStr(),
+                               .place = PlaceOf(remark)});
+}
 
 std::string Failure::Text() const {
     std::string text = message;
@@ -114,7 +114,7 @@ ReadResult ResultOf(const BReading& reading, const std::string& name) {
     }
     if (!reading.IsSidecar() || reading.GetUsedFile() != reading.GetFile()) result.raster = name;
     if (reading.GetPdfPage()) result.page = *reading.GetPdfPage();
-    Copy(reading.GetDiagnostics(), result.diagnostics);
+    AddRemarks(reading.GetDiagnostics(), result.diagnostics);
     return result;
 }
 

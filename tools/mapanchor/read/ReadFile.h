@@ -53,6 +53,9 @@ struct ReadResult {
     ExitStatus Status() const;
 };
 
+/// Adds what the library remarks, in this program's terms.
+void AddRemarks(const std::vector<MapAnchor::BDiagnostic>& remarks, Diagnostics& diagnostics);
+
 /// What a reading says, in this program's terms.
 ReadResult ResultOf(const MapAnchor::BReading& reading, const std::string& name);
 

@@ -187,7 +187,9 @@ ReferenceFormat BRefGeoTIFF::Format() {
             .vertical_unit = Keeps::ByType,
             .rotation = true,
             .points = true,
-            .disabled_points = true};
+            .skips_disabled_points = true,
+            .point_heights = true,
+            .datum_shift = true};
 }
 
 }  // namespace MapAnchor
