@@ -21,7 +21,10 @@ build: setup ## build everything, optimised, into build/release
 	@rm -f build-configure.log
 	@cmake --build --preset release -j $(JOBS)
 
-run: build ## show the main job on the input in examples/
+run: ## build the command line, and show its main jobs on the input in examples/
+	@scripts/setup.sh tool
+	@test -e build/release/build.ninja || cmake --preset release -DMAPANCHOR_BUILD_TESTS=OFF -DMAPANCHOR_PYTHON=OFF
+	@cmake --build --preset release -j $(JOBS) --target mapanchor
 	@examples/run.sh $(TOOL)
 
 test: build ## run all tests

@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# Installs the packages of packages.txt that are missing; as root, or with sudo.
+# Installs the packages of packages.txt that are missing, as root or with sudo: setup.sh [tool]
+# With "tool" only those that the command line needs, which are listed above the line of dashes.
 set -euo pipefail
 cd "$(dirname "$0")"
 
-mapfile -t wanted < <(sed 's/#.*//; s/[[:space:]]*$//' packages.txt | grep -v '^$')
+last='$'
+[ "${1:-}" != tool ] || last='/^# ---/'
+mapfile -t wanted < <(sed -n "1,${last}p" packages.txt | sed 's/#.*//; s/[[:space:]]*$//' | grep -v '^$')
 missing=()
 for package in "${wanted[@]}"; do
     dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Holds the man page and the completions against what --help lists, and completes in a
+# Compares the man page and the completions with what --help lists, and completes in a
 # real bash and, where there is one, a real zsh: generated.sh <tool>
 set -euo pipefail
 tool=$(realpath "$1")
@@ -10,19 +10,20 @@ fail() { echo "FAILED: $*"; failures=$((failures + 1)); }
 
 for kind in man bash zsh; do "$tool" --generate $kind >"$scratch/$kind"; done
 sed 's/\\-/-/g; s/\\f[BIR]//g' "$scratch/man" >"$scratch/man.plain"
-mapfile -t commands < <("$tool" --help | sed -n '/^Subcommands:/,$s/^  \([a-z]\+\)  .*/\1/p')
-[ ${#commands[@]} -ge 5 ] || fail "--help lists ${#commands[@]} commands"
+mapfile -t commands < <("$tool" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]\+\)  .*/\1/p')
+[ ${#commands[@]} -ge 12 ] || fail "--help lists ${#commands[@]} commands"
 
 man=$(cat "$scratch/man.plain")
 bash=$(cat "$scratch/bash")
 zsh=$(cat "$scratch/zsh")
 for command in "" "${commands[@]}"; do
+    # shellcheck disable=SC2086
+    ! "$tool" $command --help | grep -E '.{81}|[{}]|->|REQUIRED' || fail "$command --help is too wide or shows the parser"
     [[ -z $command || $man == *$'\n'".SS $command"$'\n'* ]] || fail "$command is not in the man page"
     in_zsh=${zsh#*"_mapanchor_${command:-without}()"}
     in_bash=${bash#*"${command:-info}) _mapanchor_words '"}
     # shellcheck disable=SC2086
-    for option in $("$tool" $command --help | grep -oP '^  -\S+' | tr ',' ' '); do
-        option=${option%%:*}
+    for option in $("$tool" $command --help | grep -oP '^ {2,6}-\S+(, --\S+)?' | tr ',' ' '); do
         [[ $man =~ $'\n'[^$'\n']*"$option"[$'\n'\ ,] ]] || fail "$command $option is not in the man page"
         [[ ${in_zsh%%$'\n}'*} == *"$option["* ]] || fail "$command $option is not in the zsh completion"
         [[ "'${in_bash%%\'*} " == *[\'\ ]"$option "* ]] || fail "$command $option is not in the bash completion"

@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 #include "commands/Generate.h"
+#include "commands/Help.h"
 #include "render/JsonRenderer.h"
 #include "terminal/Console.h"
 
@@ -9,6 +10,7 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,12 +20,12 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Read and write where rasters and maps lie on the Earth\n\n"
+    "Read, write and convert the georeferencing of rasters and maps\n\n"
     "Examples:\n"
-    "  mapanchor map.tfw                   tell the reference of a file\n"
-    "  mapanchor --json *.tfw              one JSON object a line\n"
-    "  mapanchor convert map.tfw copy.jgw  save it as another kind\n"
-    "  mapanchor formats                   what can be read and saved here";
+    "  mapanchor photo.jpg                    show its georeferencing and its files\n"
+    "  mapanchor --json *.tif                 one JSON object per line\n"
+    "  mapanchor convert map.tfw map.tab      save it as another kind\n"
+    "  mapanchor georeference scan.tif --gcps scan.points -o scan.tab";
 
 /// True when the option takes the next word as its value.
 bool TakesValue(CLI::App& command, const std::string& word) {
@@ -32,17 +34,38 @@ bool TakesValue(CLI::App& command, const std::string& word) {
     return option && option->get_items_expected_max() > 0;
 }
 
+bool Exists(const std::string& name) {
+    return Tellurion::BFileUtilities::Exists(Tellurion::BString(name));
+}
+
 bool IsSubcommand(const CLI::App& app, const std::string& word) {
     return !app.get_subcommands([&word](const CLI::App* command) { return command->get_name() == word; })
                 .empty();
 }
 
-/// "mapanchor [options] FILE..." means info, and a subcommand may stand behind the
+/// Without a command the words are files; a word that is close to a command's name and not a file is
+/// a mistake that deserves a better answer than a missing file.
+void RefuseMisspelt(const CLI::App& app, const std::string& word) {
+    if (word.find_first_of("./") != std::string::npos || Exists(word)) return;
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    const std::string meant = ClosestWord(word, names);
+    if (!meant.empty())
+        throw CLI::ParseError(word + " is neither a command nor a file; did you mean " + meant + "?",
+                              CLI::ExitCodes::ExtrasError);
+}
+
+/// "mapanchor [options] FILE..." means info, and a subcommand may follow the
 /// options: it moves to the front, where the parser looks for it. The parser would read a
 /// name in brackets as a list of names.
 std::vector<std::string> NormalWords(CLI::App& app, std::vector<std::string> words) {
     for (std::string& word : words)
         if (word.size() > 1 && word.front() == '[' && word.back() == ']') word.insert(0, "./");
+    if (!words.empty() && words[0] == "help" && !Exists("help")) {
+        words.erase(words.begin());
+        if (words.empty() || IsSubcommand(app, words[0])) words.push_back("--help");
+    }
     CLI::App& info = *app.get_subcommand("info");
     auto first = words.begin();
     while (first != words.end() && first->size() > 1 && first->front() == '-') {
@@ -54,10 +77,12 @@ std::vector<std::string> NormalWords(CLI::App& app, std::vector<std::string> wor
         first += TakesValue(info, *first) && first + 1 != words.end() ? 2 : 1;
     }
     if (words.empty()) return words;
-    if (first != words.end() && IsSubcommand(app, *first))
+    if (first != words.end() && IsSubcommand(app, *first)) {
         std::rotate(words.begin(), first, first + 1);
-    else
-        words.insert(words.begin(), "info");
+        return words;
+    }
+    if (first != words.end()) RefuseMisspelt(app, *first);
+    words.insert(words.begin(), "info");
     return words;
 }
 
@@ -68,8 +93,18 @@ std::string Generate(const std::string& what, const CLI::App& app) {
     return what == "bash" ? BashCompletion(table) : ZshCompletion(table);
 }
 
-/// What the parser answers by itself: help, the version, and what is wrong with the words, which
-/// are a user's or names of files.
+/// The option that a misspelt word was probably meant to be, or empty.
+std::string MeantOption(const CLI::App& command, const std::string& word) {
+    const std::string option = word.substr(0, word.find('='));
+    if (option.compare(0, 2, "--") != 0 || command.get_option_no_throw(option)) return "";
+    std::vector<std::string> names;
+    for (const CLI::Option* known : command.get_options())
+        for (const std::string& name : known->get_lnames())
+            names.push_back("--" + name);
+    return ClosestWord(option, names);
+}
+
+/// What the parser answers by itself: help, the version, and what is wrong with the words.
 ExitStatus Answer(CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& words) {
     std::ostringstream out;
     std::ostringstream ignored;
@@ -79,11 +114,16 @@ ExitStatus Answer(CLI::App& app, const CLI::ParseError& error, const std::vector
         return ExitStatus::Done;
     }
     console.Complain(std::string("mapanchor: error: ") + error.what());
-    for (const std::string& word : words)
-        if (word.size() > 1 && word.front() == '-' &&
-            Tellurion::BFileUtilities::Exists(Tellurion::BString(word)))
+    const std::vector<CLI::App*> commands = app.get_subcommands();
+    const CLI::App& command = commands.empty() ? app : *commands.front();
+    for (const std::string& word : words) {
+        if (word.size() > 1 && word.front() == '-' && Exists(word))
             console.Complain("mapanchor: for the file " + word + " write ./" + word);
-    console.Complain("Run with --help for more information.");
+        const std::string meant = MeantOption(command, word);
+        if (!meant.empty()) console.Complain("mapanchor: did you mean " + meant + "?");
+    }
+    console.Complain(commands.empty() ? "mapanchor help lists the commands."
+                                      : "mapanchor help " + command.get_name() + " lists its options.");
     return ExitStatus::Usage;
 }
 
@@ -91,22 +131,24 @@ ExitStatus RunProgram(int argc, char** argv) {
     CLI::App app(kDescription, "mapanchor");
     ExitStatus status = ExitStatus::Done;
     bool schema = false;
-    app.set_version_flag("--version", "mapanchor " MAPANCHOR_VERSION);
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.set_help_flag("-h,--help", "Show this help");
+    app.set_version_flag("-V,--version", "mapanchor " MAPANCHOR_VERSION, "Show the version");
     app.add_flag("--json-schema", schema, "Print the schema of the JSON output");
     std::string generate;
     app.add_option("--generate", generate)->group("")->check(CLI::IsMember({"man", "bash", "zsh"}));
     AddInfoCommand(app, status);
     AddConvertCommand(app, status);
-    AddFormatsCommand(app, status);
-    AddExtCommand(app, status);
-    AddCrsCommand(app, status);
-    AddDiffCommand(app, status);
-    AddCheckCommand(app, status);
-    AddFootprintCommand(app, status);
-    AddBatchCommand(app, status);
-    AddPreviewCommand(app, status);
     AddGeoreferenceCommand(app, status);
     AddSourcesCommand(app, status);
+    AddBatchCommand(app, status);
+    AddCheckCommand(app, status);
+    AddDiffCommand(app, status);
+    AddFootprintCommand(app, status);
+    AddPreviewCommand(app, status);
+    AddCrsCommand(app, status);
+    AddFormatsCommand(app, status);
+    AddExtCommand(app, status);
     app.require_subcommand(0, 1);
     try {
         std::vector<std::string> words = NormalWords(app, {argv + 1, argv + argc});

@@ -7,6 +7,41 @@ namespace PoDoFo {
 class PdfMemDocument;
 }
 
+/// How a PDF of unknown origin is opened
+/// -------------------------------------
+/// PoDoFo parses PDF, but it trusts its input: a small file can make it allocate gigabytes, recurse
+/// until the stack is gone, or decode without end. This folder puts a guard between the file and the
+/// parser, and it answers the common question, which is about the first page, without the parser.
+///
+///     file --> FileWindow --+--> PlainTables, FirstPageDocument --------------> document with
+///                           |         | not plain           ^                   the first page
+///                           |         v                     | ObjectSearch
+///                           |    a damaged file, in the wide reading
+///                           |
+///                           +--> GuardedReader --> GuardedDevice --> PoDoFo --> whole document
+///                                  |       |
+///                         SyntaxTracker   StreamInspection, ObjectStreamContent
+///                                  |       |
+///                                 LoadBudget
+///
+/// - FileWindow reads the file by position through two windows. Another process may cut the file
+///   short meanwhile; the end then comes early and nothing crashes.
+/// - PlainTables finds single objects through cross-reference tables, and FirstPageDocument collects
+///   the catalog, the page tree down to the first page, the page, its boxes and its maps. The cost
+///   depends on these few objects, not on the size of the file. Any doubt ends this path, and the
+///   file goes to the parser.
+/// - ObjectSearch replaces cross-references that cannot be used: it finds objects in the bytes.
+/// - GuardedReader sees each byte that PoDoFo asks for. SyntaxTracker follows the syntax of what is
+///   read and counts nesting and values; StreamInspection decodes a stream in a bounded way before
+///   PoDoFo does. Both charge LoadBudget, which knows the size of the file and refuses (RefusePdf)
+///   what no honest file of that size needs.
+/// - The guard stays in place after loading, because PoDoFo reads objects and streams on demand: the
+///   document owns the device, the device owns the reader and the open file.
+/// - PoDoFoSettings changes PoDoFo's global settings for the length of one call and puts the host's
+///   settings back.
+///
+/// GuardedLoad.h is the entrance: LoadGuarded() and LoadBySearch().
+
 namespace VellumLib {
 
 /// How much of a document is asked for.

@@ -28,10 +28,10 @@ using Tellurion::BFileUtilities;
 using Tellurion::BString;
 
 constexpr const char* kBatchDescription =
-    "Tell the references of many files, a row each\n\n"
-    "Names come from stdin, or from folders with all that lies below. Each file is read in a\n"
-    "worker process with a limit of time and memory: one that crashes, hangs or wants too much\n"
-    "costs its own row and nothing else. Rows come in the order of the inputs.\n\n"
+    "Show the georeferencing of many files, one row per file\n\n"
+    "Names are read from stdin, or found in folders and the folders below them. Each file is\n"
+    "read in a worker process with limits of time and memory: a file that crashes its worker or\n"
+    "exceeds a limit fails only its own row. Rows are printed in the order of the inputs.\n\n"
     "Examples:\n"
     "  find . -name '*.tif' -print0 | mapanchor batch -0 > rows.jsonl\n"
     "  mapanchor batch --jobs 8 --resume rows.jsonl /archive\n"
@@ -255,15 +255,15 @@ void ParseShard(const std::string& text, BatchOptions& options) {
 }
 
 void AddInputs(CLI::App& batch, BatchOptions& options) {
-    batch.add_option("NAME", options.roots,
-                     "Files, folders, or - for names on stdin, which is what none means");
-    batch.add_flag("-0,--null", options.nul_separated, "Names on stdin end in NUL");
+    batch.add_option("NAME", options.roots, "Files or folders; - reads names from stdin (default)");
+    batch.add_flag("-0,--null", options.nul_separated,
+                   "Names on stdin end in NUL, as find -print0 writes them");
     batch.add_flag("--all", options.every_file,
-                   "Every file of a folder, sidecars of rasters and unknown extensions too");
+                   "Read every file of a folder, including sidecars of rasters and unknown extensions");
     batch
         .add_option_function<std::string>(
             "--shard", [&options](const std::string& text) { ParseShard(text, options); },
-            "Part i of n of the inputs, told by their names alone")
+            "Process part i of n of the inputs, chosen by their names")
         ->type_name("i/n");
 }
 
@@ -272,19 +272,20 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
                                                       {"geojsonseq", RowFormat::GeoJsonSequence},
                                                       {"csv", RowFormat::Csv},
                                                       {"stac", RowFormat::Stac}};
-    CLI::Option* const to =
-        batch
-            .add_option(
-                "--to", options.format,
-                "Rows as jsonl, geojsonseq, csv (with an apostrophe before a text like a formula) or stac")
-            ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case))
-            ->type_name("KIND");
-    batch.add_flag("--unordered", options.unordered, "Each row as soon as it is there");
+    CLI::Option* const to = batch
+                                .add_option("--to", options.format,
+                                            "Format of the rows: jsonl, geojsonseq, csv (an apostrophe is "
+                                            "put before a text like a formula), stac")
+                                ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case))
+                                ->type_name("KIND");
+    batch.add_flag("--unordered", options.unordered, "Print each row as soon as it is ready");
     CLI::Option* const index =
-        batch.add_option("--index", options.index, "Footprints for a map: .gpkg or what else GDAL writes")
+        batch
+            .add_option("--index", options.index,
+                        "Also write the footprints as a map layer: .gpkg or another format that GDAL writes")
             ->check(RefuseEmpty)
             ->type_name("FILE");
-    batch.add_flag("--overwrite", options.overwrite, "Replace an index of an earlier run");
+    batch.add_flag("--overwrite", options.overwrite, "Replace an existing index");
     batch
         .add_option(
             "--resume", options.resume,
@@ -294,20 +295,19 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
         ->type_name("FILE")
         ->excludes(to)
         ->excludes(index);
-    batch.add_flag("--progress", options.progress,
-                   "Tell on stderr how far it is, even if that is no terminal");
+    batch.add_flag("--progress", options.progress, "Show progress on stderr even if it is not a terminal");
 }
 
 void AddLimits(CLI::App& batch, BatchOptions& options) {
     constexpr int kMostJobs = 1024;
-    batch.add_option("-j,--jobs", options.jobs, "Worker processes; one for each processor without it")
+    batch.add_option("-j,--jobs", options.jobs, "Number of worker processes (default: one per processor)")
         ->check(CLI::Range(1, kMostJobs))
         ->type_name("N");
     AddNumber(
         batch, "--timeout", [&options](double value) { options.seconds = value; }, {0.001, 1e6},
-        "The most seconds for a file; 60 without it")
+        "Limit of seconds per file (default 60)")
         ->type_name("S");
-    batch.add_option("--memory", options.megabytes, "The most megabytes for a file; 2048 without it")
+    batch.add_option("--memory", options.megabytes, "Limit of memory per file in megabytes (default 2048)")
         ->check(CLI::Range(1, 1 << 20))
         ->type_name("MB");
 }

@@ -27,9 +27,9 @@ using Tellurion::Printable;
 using Tellurion::PrintShortest;
 
 constexpr const char* kCheckDescription =
-    "Judge each file by what its reference should be\n\n"
-    "A file passes when it has a transform and all that the options ask. What is wrong is\n"
-    "told with an id that stays: transform-missing, crs-missing, crs-mismatch, outside,\n"
+    "Check the georeferencing of each file against what it should be\n\n"
+    "A file passes when it has a transform and meets all conditions of the options. Each fault\n"
+    "is reported with a stable id: transform-missing, crs-missing, crs-mismatch, outside,\n"
     "extent-unknown, rmse-exceeded, rmse-unknown.\n\n"
     "Examples:\n"
     "  mapanchor check --expect-crs EPSG:25832 map.tif\n"
@@ -190,20 +190,22 @@ ExitStatus Run(const CheckOptions& options) {
 void AddCheckCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<CheckOptions>();
     CLI::App* check = app.add_subcommand("check", kCheckDescription);
-    check->add_option("FILE", options->files, "Files to judge; - reads names from stdin, one a line")
+    check->add_option("FILE", options->files, "Files to check; - reads names from stdin, one per line")
         ->required();
-    check->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    check->add_flag("-0,--null", options->nul_separated,
+                    "Names on stdin end in NUL, as find -print0 writes them");
     check
-        ->add_option("--expect-crs", options->crs, "The coordinate system, in any words that crs understands")
+        ->add_option("--expect-crs", options->crs,
+                     "Expected coordinate system, in any notation that crs reads")
         ->type_name("CRS");
     check
         ->add_option(
             "--within", options->within,
-            "The area on WGS 84 in degrees, or a file whose area it is; W above E crosses the antimeridian")
+            "Area in degrees on WGS 84 (W above E crosses the antimeridian), or a georeferenced file")
         ->type_name("W,S,E,N");
     AddNumber(
         *check, "--max-rmse", [o = options.get()](double value) { o->max_rmse = value; }, {},
-        "The most that the residuals may be, in pixels")
+        "Largest allowed RMSE of the control points, in pixels")
         ->type_name("PX");
     options->read.AddTo(*check);
     options->common.AddTo(*check);

@@ -23,7 +23,7 @@ bool IsWord(const std::string& text) {
     });
 }
 
-/// The words of "{a,b}" or "value in {a->0,b->1} OR {0,1}", which validators tell.
+/// The words of "{a,b}" or "value in {a->0,b->1} OR {0,1}", which validators print.
 std::vector<std::string> ChoicesOfValidator(const std::string& text) {
     const std::size_t open = text.find('{');
     const std::size_t close = text.find('}', open);
@@ -49,6 +49,9 @@ OptionRow RowOf(const CLI::Option& option) {
     row.required = option.get_required();
     row.repeated = option.get_expected_max() > 1;
     row.description = option.get_description();
+    row.heading = option.get_group();
+    for (const CLI::Option* other : option.get_excludes())
+        row.excludes.push_back(other->get_name());
     for (const std::string& name : option.get_snames())
         row.names.push_back("-" + name);
     for (const std::string& name : option.get_lnames())
@@ -62,7 +65,7 @@ OptionRow RowOf(const CLI::Option& option) {
     return row;
 }
 
-/// Values of one name have one set of words, wherever it is told.
+/// Values of one name have one set of words, wherever it is written.
 void ShareChoices(std::vector<OptionRow>& options) {
     for (OptionRow& row : options) {
         if (row.positional || row.value.empty() || !row.choices.empty()) continue;
@@ -91,6 +94,20 @@ bool OptionRow::TakesFile() const {
     for (const char* word : {"FILE", "NAME", "DIR", "FOLDER", "PATH", "JSONL", "GPKG"})
         if (value.find(word) != std::string::npos) return true;
     return false;
+}
+
+std::string OptionRow::Described() const {
+    std::string text = description;
+    const bool listed = std::ranges::all_of(
+        choices, [&text](const std::string& choice) { return text.find(choice) != std::string::npos; });
+    if (!listed) text += ": " + Join(choices, ", ");
+    if (!excludes.empty()) text += "; not with " + Join(excludes, ", ");
+    return text;
+}
+
+std::string OptionRow::Usage() const {
+    const std::string name = names[0] + (repeated ? "..." : "");
+    return required ? name : "[" + name + "]";
 }
 
 CommandTable::CommandTable(const CLI::App& app) : program(CommandOf(app)) {

@@ -7,12 +7,14 @@
 
 namespace Tool {
 
-/// One option or positional of a command, as --help tells it.
+/// One option or positional of a command, as --help shows it.
 struct OptionRow {
     std::vector<std::string> names;  ///< "-q", "--quiet"; of a positional its name
     std::string value;               ///< what it takes, such as "KIND"; empty for a flag
     std::vector<std::string> choices;
     std::string description;
+    std::string heading;                ///< under which --help lists it
+    std::vector<std::string> excludes;  ///< options that it cannot be combined with
     bool positional = false;
     bool required = false;
     bool repeated = false;
@@ -20,8 +22,12 @@ struct OptionRow {
     bool operator==(const OptionRow& other) const {
         return names == other.names && description == other.description;
     }
-    /// True when it names a file or a folder, as far as the name of its value tells.
+    /// True when it names a file or a folder, as far as the name of its value shows.
     bool TakesFile() const;
+    /// The description with the words that it accepts and the options that it excludes.
+    std::string Described() const;
+    /// Of a positional: "SRC" or "[NAME...]".
+    std::string Usage() const;
 };
 
 struct CommandRow {

@@ -30,7 +30,7 @@ using MapAnchor::BSaving;
 using MapAnchor::BSavingProof;
 
 constexpr const char* kDescription =
-    "Read a reference and save it as the kind that the target's extension names\n\n"
+    "Convert georeferencing to the kind that the target's extension names\n\n"
     "Examples:\n"
     "  mapanchor convert map.tfw copy.jgw\n"
     "  mapanchor convert --dry-run map.tfw other.wld\n"
@@ -323,13 +323,13 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
     convert
         ->add_option_function<std::string>(
             "--to", [options](const std::string& word) { options->to = KindFromWord("--to", word); },
-            "Save as this kind, by type, whatever the target's name")
+            "Save as this kind, whatever the target's name: " + KindWords(true))
         ->type_name("KIND");
-    convert->add_option("--image", options->image, "The raster's file name, which some kinds write down")
+    convert->add_option("--image", options->image, "File name of the raster, which some kinds store")
         ->type_name("NAME");
     convert->add_flag("--overwrite", options->overwrite,
-                      "Replace files that exist; georeference a raster or a PDF in place");
-    convert->add_flag("--backup", options->backup, "Keep a copy, .bak, of each file that is written over");
+                      "Replace existing files; georeference a raster or a PDF in place");
+    convert->add_flag("--backup", options->backup, "Keep a copy, .bak, of each file that is overwritten");
     convert->add_flag("--no-verify", options->no_verify,
                       "Do not read the saved file back and compare it with the reference");
     convert->add_flag_callback(
@@ -341,7 +341,7 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
         ->type_name("PX");
     convert->add_flag("--require-exact", options->require_exact,
                       "Keep the old file when what is read back is farther away");
-    convert->add_flag("--dry-run", options->dry_run, "Say what would be written and write nothing");
+    convert->add_flag("--dry-run", options->dry_run, "Show what would be written, and write nothing");
     options->read.AddTo(*convert);
     options->common.AddTo(*convert);
     convert->callback([options, &status] { status = Run(*options); });

@@ -24,10 +24,10 @@ using Tellurion::PrintFixed;
 using Tellurion::PrintShortest;
 
 constexpr const char* kDescription =
-    "Tell how far two references of one raster lie apart\n\n"
-    "At the corners and the centre, in pixels and map units of the first. A second one in\n"
-    "another coordinate system is transformed; of rasters of different size the same parts\n"
-    "are compared.\n\n"
+    "Measure the distance between two references of one raster\n\n"
+    "The distance is measured at the corners and the centre, in pixels and map units of A. B is\n"
+    "transformed if its coordinate system differs. Rasters of different sizes are compared at\n"
+    "the same relative positions.\n\n"
     "Examples:\n"
     "  mapanchor diff map.tfw map.tab --size 2000x1000\n"
     "  mapanchor diff --max-pixels 0.1 map.tif map.pdf";
@@ -268,11 +268,11 @@ ExitStatus Run(const DiffOptions& options) {
 void AddDiffCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<DiffOptions>();
     CLI::App* diff = app.add_subcommand("diff", kDescription);
-    diff->add_option("A", options->first, "The reference to measure from")->required();
-    diff->add_option("B", options->second, "The one to measure")->required();
+    diff->add_option("A", options->first, "Reference to measure from")->required();
+    diff->add_option("B", options->second, "Reference to compare with it")->required();
     AddNumber(
         *diff, "--max-pixels", [o = options.get()](double value) { o->max_pixels = value; }, {},
-        "Complain when they lie further apart")
+        "Report a difference above this distance in pixels")
         ->type_name("PX");
     options->read.AddTo(*diff);
     options->common.AddTo(*diff);

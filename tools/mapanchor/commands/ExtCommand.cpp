@@ -13,7 +13,7 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Tell the world file extension that belongs to a raster's name\n\n"
+    "Show the world file extension for a raster's name\n\n"
     "Examples:\n"
     "  mapanchor ext orthophoto.tif";
 
@@ -43,7 +43,8 @@ void AddExtCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<ExtOptions>();
     CLI::App* ext = app.add_subcommand("ext", kDescription);
     ext->add_option("FILE", options->files, "Names of rasters; - reads names from stdin")->required();
-    ext->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    ext->add_flag("-0,--null", options->nul_separated,
+                  "Names on stdin end in NUL, as find -print0 writes them");
     options->common.AddTo(*ext);
     ext->callback([options, &status] { status = Run(*options); });
 }

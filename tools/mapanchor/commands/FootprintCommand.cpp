@@ -14,9 +14,9 @@ namespace Tool {
 namespace {
 
 constexpr const char* kFootprintDescription =
-    "Tell the area of each file on the Earth, as GeoJSON\n\n"
-    "Longitude and latitude on WGS 84, with as many points as the curves of the edge need,\n"
-    "cut at the antimeridian. One collection of features or, with --json, a feature a line.\n\n"
+    "Show the area that each file covers on the Earth, as GeoJSON\n\n"
+    "Longitude and latitude on WGS 84, with as many points as the curves of the edge need, cut\n"
+    "at the antimeridian. Prints one feature collection or, with --json, one feature per line.\n\n"
     "Examples:\n"
     "  mapanchor footprint map.tif > map.geojson\n"
     "  mapanchor footprint --size 2000x1000 map.tfw\n"
@@ -81,9 +81,10 @@ ExitStatus Run(const FootprintOptions& options) {
 void AddFootprintCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<FootprintOptions>();
     CLI::App* footprint = app.add_subcommand("footprint", kFootprintDescription);
-    footprint->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
+    footprint->add_option("FILE", options->files, "Files to read; - reads names from stdin, one per line")
         ->required();
-    footprint->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    footprint->add_flag("-0,--null", options->nul_separated,
+                        "Names on stdin end in NUL, as find -print0 writes them");
     options->read.AddTo(*footprint);
     options->common.AddTo(*footprint);
     footprint->callback([options, &status] { status = Run(*options); });

@@ -1,10 +1,11 @@
 #include "commands/Commands.h"
 #include "render/JsonRenderer.h"
-#include "render/TextRenderer.h"
 #include "terminal/CommonOptions.h"
+#include "terminal/Wrap.h"
 
 #include <MapAnchor/BReferenceFormats.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace Tool {
@@ -16,7 +17,7 @@ using MapAnchor::BReferenceFormats;
 using Tellurion::BString;
 
 constexpr const char* kFormatsDescription =
-    "Tell what can be read and saved here, and by which reader\n\n"
+    "List the formats that can be read and saved here\n\n"
     "Examples:\n"
     "  mapanchor formats\n"
     "  mapanchor formats --json";
@@ -25,7 +26,7 @@ std::string Joined(const std::vector<BString>& texts) {
     std::string joined;
     for (const BString& text : texts)
         joined += (joined.empty() ? "" : " ") + text.StdStr();
-    return joined.empty() ? "-" : joined;
+    return joined;
 }
 
 Json List(const std::vector<BString>& texts) {
@@ -55,10 +56,26 @@ Json RenderJson(const BReferenceFormat& format) {
     return json;
 }
 
-std::string TypeRoads(const BReferenceFormat& format) {
-    if (!format.ReadsByType() && !format.SavesByType()) return "-";
-    const std::string number = std::to_string(static_cast<int>(format.GetType()));
-    return number + (format.ReadsByType() ? " read" : "") + (format.SavesByType() ? " save" : "");
+std::string Actions(bool reads, bool saves) {
+    if (reads) return saves ? "read save" : "read";
+    return saves ? "save" : "-";
+}
+
+/// The extensions: those that are read, and those that are saved where they differ.
+std::string Extensions(const BReferenceFormat& format) {
+    const std::vector<BString> read = format.GetReadExtensions();
+    const std::vector<BString> saved = format.GetSaveExtensions();
+    std::string text = Joined(read);
+    if (format.IsProbed()) text += text.empty() ? "by content" : ", and by content";
+    std::vector<BString> more;
+    for (const BString& extension : saved)
+        if (std::ranges::count(read, extension) == 0) more.push_back(extension);
+    if (!more.empty()) text += "; saved also as " + Joined(more);
+    std::vector<BString> fewer;
+    for (const BString& extension : read)
+        if (std::ranges::count(saved, extension) == 0) fewer.push_back(extension);
+    if (!saved.empty() && !fewer.empty()) text += "; not saved as " + Joined(fewer);
+    return text;
 }
 
 std::string Described(const BReferenceFormat& format) {
@@ -68,19 +85,37 @@ std::string Described(const BReferenceFormat& format) {
     return text;
 }
 
+constexpr std::size_t kNameColumn = 8;
+constexpr std::size_t kTypeColumn = 19;
+constexpr std::size_t kTextColumn = 30;
+
+std::string Row(const std::string& kind, const std::string& by_name, const std::string& by_type,
+                const std::string& text) {
+    std::string left = kind;
+    left.resize(kNameColumn, ' ');
+    left += by_name;
+    left.resize(kTypeColumn, ' ');
+    return Entry(left + by_type, text, kTextColumn);
+}
+
+std::string Row(const BReferenceFormat& format) {
+    const bool by_name = !format.GetReadExtensions().empty() || format.IsProbed();
+    const std::string extensions = Extensions(format);
+    return Row(format.GetName().StdStr(), Actions(by_name, !format.GetSaveExtensions().empty()),
+               Actions(format.ReadsByType(), format.SavesByType()), Described(format)) +
+           (extensions.empty() ? "" : Entry("", extensions, kTextColumn));
+}
+
 ExitStatus Run(const CommonOptions& common) {
     const Console console = common.MakeConsole();
-    std::vector<std::vector<std::string>> rows = {{"name", "by type", "reads", "saves", "what it is"}};
+    std::string table = Row("kind", "by name", "by type", "format, extensions");
     for (const BReferenceFormat& format : BReferenceFormats::List()) {
-        if (common.json) {
+        if (common.json)
             console.Print(ToText(RenderJson(format), common));
-            continue;
-        }
-        rows.push_back({format.GetName().StdStr(), TypeRoads(format),
-                        Joined(format.GetReadExtensions()) + (format.IsProbed() ? " and by content" : ""),
-                        Joined(format.GetSaveExtensions()), Described(format)});
+        else
+            table += Row(format);
     }
-    if (!common.json) console.Print(RenderTable(rows, console));
+    if (!common.json) console.Print(table);
     return ExitStatus::Done;
 }
 

@@ -25,10 +25,9 @@ using MapAnchor::BControlPointFile;
 namespace {
 
 constexpr const char* kGeoreferenceDescription =
-    "Fit a reference through control points, report how good it is, and save it\n\n"
-    "The left-out residual of a point is its distance from the fit through all\n"
-    "others. A point that stands out is marked as suspect. Without -o nothing is\n"
-    "written.\n\n"
+    "Georeference a raster or PDF from control points, with a report\n\n"
+    "The left-out residual of a point is its distance from the fit through all other points. An\n"
+    "outlier is marked as suspect. Nothing is written without -o.\n\n"
     "Examples:\n"
     "  mapanchor georeference scan.tif --gcps scan.points\n"
     "  mapanchor georeference scan.jpg --gcps clicks.csv --crs EPSG:25832 -o scan.jgw\n"
@@ -283,17 +282,17 @@ void AddPointOptions(CLI::App& command, GeoreferenceOptions& options) {
         ->type_name("PIXEL,LINE,X,Y[,Z[,NAME]]")
         ->allow_extra_args(false)
         ->take_all();
-    command
-        .add_option("--order", options.order, "The columns of a table without header, such as pixel,line,x,y")
+    command.add_option("--order", options.order, "Columns of a table without header, such as pixel,line,x,y")
         ->type_name("COLUMNS");
     command.add_option("--drop", options.drop, "Leave out these points")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("NAME,...");
     command
-        .add_option("--points-crs", options.points_crs, "The points' coordinate system, where it is another")
+        .add_option("--points-crs", options.points_crs,
+                    "Coordinate system of the points, if it differs from --crs")
         ->type_name("CRS");
-    command.add_option("--crs", options.crs, "The coordinate system of the reference")->type_name("CRS");
+    command.add_option("--crs", options.crs, "Coordinate system of the result")->type_name("CRS");
     command
         .add_option_function<std::string>(
             "--bounds",
@@ -303,7 +302,7 @@ void AddPointOptions(CLI::App& command, GeoreferenceOptions& options) {
                 if (options.bounds.size() != 4 || !rest.empty())
                     throw CLI::ValidationError("--bounds", "wants W,S,E,N");
             },
-            "The outer edges of the raster, in place of points")
+            "Outer edges of the raster, instead of points")
         ->type_name("W,S,E,N");
 }
 
@@ -323,21 +322,21 @@ void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status) {
             [o = options.get()](const std::string& word) {
                 if (word != "auto") o->fit = static_cast<EMathTransformType>(kFits.at(word));
             },
-            "The fit: auto, affine, conformal, poly2, poly3, projective, tps")
+            "Transform to fit: auto, affine, conformal, poly2, poly3, projective, tps")
         ->check(CLI::IsMember({"auto", "affine", "conformal", "poly2", "poly3", "projective", "tps"}))
         ->type_name("FIT");
     AddNumber(
         *command, "--max-rmse", [o = options.get()](double value) { o->max_rmse = value; }, {},
-        "Save nothing when the residuals' root mean square is larger, in pixels")
+        "Save nothing if the RMSE of the control points is larger, in pixels")
         ->type_name("PX");
-    command->add_option("-o,--output", options->convert.target, "File to save; its name says the kind")
+    command->add_option("-o,--output", options->convert.target, "File to save; its extension names the kind")
         ->type_name("FILE");
     command->add_flag("--overwrite", options->convert.overwrite,
-                      "Replace files that exist; georeference a raster or a PDF in place");
+                      "Replace existing files; georeference a raster or a PDF in place");
     command
         ->add_option_function<std::string>(
             "--size", [o = options.get()](const std::string& text) { ParseSize(text, o->convert.read); },
-            "The raster's size in pixels")
+            "Size of the raster in pixels")
         ->type_name("WxH");
     options->convert.common.AddTo(*command);
     command->callback([options, &status] { status = Run(*options); });

@@ -15,7 +15,7 @@ namespace Tool {
 namespace {
 
 constexpr const char* kInfoDescription =
-    "Tell the reference of each file\n\n"
+    "Show the georeferencing of each file\n\n"
     "Examples:\n"
     "  mapanchor info map.tfw\n"
     "  mapanchor info --size 2000x1000 --fit affine map.tab\n"
@@ -60,9 +60,10 @@ ExitStatus Run(const InfoOptions& options) {
 void AddInfoCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<InfoOptions>();
     CLI::App* info = app.add_subcommand("info", kInfoDescription);
-    info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one a line")
+    info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one per line")
         ->required();
-    info->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    info->add_flag("-0,--null", options->nul_separated,
+                   "Names on stdin end in NUL, as find -print0 writes them");
     info->add_option("--print", options->values,
                      "Print only these values, one line per file: crs, epsg, bounds, size, affine, wkt")
         ->delimiter(',')

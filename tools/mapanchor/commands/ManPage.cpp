@@ -15,7 +15,7 @@ All done.
 Error; nothing usable.
 .TP
 .B 3
-Done with warnings; with many inputs: some failed, their rows say so.
+Succeeded with warnings, or some of several inputs failed (see their rows).
 .TP
 .B 4
 Read, but the file carries no georeference.
@@ -36,7 +36,7 @@ asks for it.
 .BR projinfo (1)
 )";
 
-/// Text as it is meant: no character of it is a request or another character to troff.
+/// Text that troff prints as it is.
 std::string Escaped(const std::string& text) {
     std::string out;
     for (const char c : text) {
@@ -82,7 +82,7 @@ std::string Item(const OptionRow& option) {
         names.push_back((option.positional ? "\\fI" : "\\fB") + Escaped(name) + "\\fR");
     std::string out = ".TP\n" + Join(names, ", ");
     if (!option.positional && !option.value.empty()) out += " \\fI" + Escaped(option.value) + "\\fR";
-    return out + "\n" + Escaped(option.description) + "\n";
+    return out + "\n" + Escaped(option.Described()) + "\n";
 }
 
 std::string Synopsis(const std::string& words, const CommandRow& command) {

@@ -17,9 +17,9 @@ namespace Tool {
 namespace {
 
 constexpr const char* kPreviewDescription =
-    "Draw where a file lies, as SVG\n\n"
-    "Its area on a map of the Earth; the control points with arrows to where the transform\n"
-    "puts them, much enlarged; of a PDF the page with its boxes and maps.\n\n"
+    "Draw where a file is on the Earth, as SVG\n\n"
+    "Shows its area on a map of the Earth, the control points with enlarged arrows to where the\n"
+    "transform puts them, and for a PDF the page with its boxes and maps.\n\n"
     "Examples:\n"
     "  mapanchor preview map.tif -o map.svg\n"
     "  mapanchor preview --pdf-box crop map.pdf > map.svg";
@@ -107,10 +107,10 @@ void AddPreviewCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<PreviewOptions>();
     CLI::App* preview = app.add_subcommand("preview", kPreviewDescription);
     preview->add_option("FILE", options->file, "File to draw")->required();
-    preview->add_option("-o,--output", options->target, "SVG file to write; stdout without it")
+    preview->add_option("-o,--output", options->target, "SVG file to write (default: stdout)")
         ->check(RefuseEmpty)
         ->type_name("SVG");
-    preview->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
+    preview->add_flag("--overwrite", options->overwrite, "Replace an existing file");
     options->read.AddTo(*preview);
     options->common.AddTo(*preview);
     preview->callback([options, &status] { status = Run(*options); });

@@ -3,6 +3,7 @@
 #include "read/InputNames.h"
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
+#include "read/Systems.h"
 #include "render/JsonRenderer.h"
 #include "render/TextRenderer.h"
 #include "terminal/CommonOptions.h"
@@ -23,10 +24,10 @@ using MapAnchor::BReferenceSources;
 using Tellurion::BString;
 
 constexpr const char* kSourcesDescription =
-    "List where a raster's georeferencing is written\n\n"
-    "The raster's own tags or control points and the files beside it, which of them is read\n"
-    "here, which one GDAL takes, and how far each is from the one that is read, at the worst\n"
-    "corner. --source NAME makes every command read another one.\n\n"
+    "List all sources of a raster's georeferencing\n\n"
+    "Sources are the raster's own tags or control points and the files beside it. The table\n"
+    "shows which one is read here, which one GDAL reads, and the distance of each from the one\n"
+    "that is read, at the worst corner. --source NAME makes every command read another one.\n\n"
     "Examples:\n"
     "  mapanchor sources photo.jpg\n"
     "  mapanchor sources --json *.tif\n"
@@ -65,8 +66,7 @@ std::vector<std::string> RowOf(const BReferenceSource& source) {
     const auto& reading = source.GetReading();
     std::string system = reading.GetFailureText().StdStr();
     if (reading.HasReference())
-        system =
-            reading.GetReference().HasCoordSys() ? reading.GetReference().CoordSys->GetName().StdStr() : "-";
+        system = reading.GetReference().HasCoordSys() ? NameOf(*reading.GetReference().CoordSys) : "-";
     return {source.GetKind().StdStr(),
             names,
             source.Wins() ? "yes" : "no",
@@ -115,7 +115,8 @@ void AddSourcesCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* sources = app.add_subcommand("sources", kSourcesDescription);
     sources->add_option("RASTER", options->files, "Rasters; - reads names from stdin, one per line")
         ->required();
-    sources->add_flag("-0,--null", options->nul_separated, "Names on stdin end in NUL");
+    sources->add_flag("-0,--null", options->nul_separated,
+                      "Names on stdin end in NUL, as find -print0 writes them");
     options->read.AddTo(*sources);
     options->common.AddTo(*sources);
     sources->callback([options, &status] { status = Run(*options); });

@@ -64,22 +64,23 @@ void ParseSize(const std::string& text, ReadOptions& options) {
     long height = 0;
     if (cross == std::string::npos || !ParseWhole(text.substr(0, cross), width) ||
         !ParseWhole(text.substr(cross + 1), height))
-        throw CLI::ValidationError("--size", "wants WxH in pixels, such as 2000x1000");
+        throw CLI::ValidationError("--size", "expected WxH in pixels, such as 2000x1000");
     options.width = width;
     options.height = height;
 }
 
-std::string KindWords() {
+std::string KindWords(bool saved) {
     std::string words;
     for (const BReferenceFormat& format : BReferenceFormats::List())
-        if (format.HasType()) words += (words.empty() ? "" : ", ") + WordOf(format);
+        if (format.HasType() && (!saved || format.SavesByType()))
+            words += (words.empty() ? "" : ", ") + WordOf(format);
     return words;
 }
 
 EReferenceType KindFromWord(const std::string& option, const std::string& word) {
     for (const BReferenceFormat& format : BReferenceFormats::List())
         if (format.HasType() && WordOf(format) == CLI::detail::to_lower(word)) return format.GetType();
-    throw CLI::ValidationError(option, word + " is none of " + KindWords());
+    throw CLI::ValidationError(option, word + " is not one of " + KindWords());
 }
 
 ReadOptions::ReadOptions() {
@@ -91,8 +92,7 @@ ReadOptions::ReadOptions() {
 void ReadOptions::AskBeyondRules(const char* option) {
     const bool asked = pdf_page != 1 || pdf_shown || params.HasProperty(BMapAnchor::kValPDFMap) ||
                        params.HasProperty(BMapAnchor::kValPDFPassword);
-    if (pdf_by_rules && asked)
-        throw CLI::ValidationError(option, "--strict pdf reads the first page alone, as the rules have it");
+    if (pdf_by_rules && asked) throw CLI::ValidationError(option, "--strict pdf reads only the first page");
 }
 
 void ReadOptions::AddPdfTo(CLI::App& app) {
@@ -102,7 +102,7 @@ void ReadOptions::AddPdfTo(CLI::App& app) {
                pdf_box = kPdfBoxes.at(box);
                params.SetInteger(BMapAnchor::kValPDFCropType, *pdf_box);
            },
-           "The box of a PDF page that the raster shows: art, trim, bleed, crop, media")
+           "Box of the PDF page that the raster covers: art, trim, bleed, crop, media")
         ->check(CLI::IsMember({"art", "trim", "bleed", "crop", "media"}))
         ->type_name("BOX");
     app.add_option_function<int>(
@@ -112,7 +112,7 @@ void ReadOptions::AddPdfTo(CLI::App& app) {
                params.SetInteger(BMapAnchor::kValPDFPage, number);
                AskBeyondRules("--page");
            },
-           "The page of a PDF, counted from 1")
+           "Page of a PDF, counted from 1")
         ->check(CLI::Range(1, 0x7FFFFFFF))
         ->type_name("N");
     app.add_option_function<std::string>(
@@ -121,7 +121,7 @@ void ReadOptions::AddPdfTo(CLI::App& app) {
                params.SetString(BMapAnchor::kValPDFMap, Tellurion::BString(map));
                AskBeyondRules("--map");
            },
-           "The map of a PDF page: its name, its number from 1, or largest")
+           "Map of a PDF page: its name, its number from 1, or largest")
         ->type_name("MAP");
     app.add_flag_callback(
         "--shown",
@@ -130,14 +130,14 @@ void ReadOptions::AddPdfTo(CLI::App& app) {
             params.SetInteger(BMapAnchor::kValPDFShown, 1);
             AskBeyondRules("--shown");
         },
-        "The raster shows a PDF page as viewers draw it, turned and cropped");
+        "Use the PDF page as viewers show it, rotated and cropped");
     app.add_option_function<std::string>(
            "--password",
            [this](const std::string& password) {
                params.SetString(BMapAnchor::kValPDFPassword, Tellurion::BString(password));
                AskBeyondRules("--password");
            },
-           "Opens a PDF that is encrypted with AES-256")
+           "Password of a PDF that is encrypted with AES-256")
         ->type_name("TEXT");
 }
 
@@ -175,24 +175,25 @@ void ReadOptions::AddSystemsTo(CLI::App& app) {
     CLI::Option* const assigned =
         app.add_option_function<std::string>(
                "--crs", [take](const std::string& text) { take("--crs", text, false); },
-               "Coordinate system of files that state none, in any notation")
+               "Assign this coordinate system, in any notation, to files without one")
             ->type_name("TEXT");
     app.add_option_function<std::string>(
            "--override-crs", [take](const std::string& text) { take("--override-crs", text, true); },
-           "Coordinate system of all files, whatever they state")
+           "Assign this coordinate system to all files, with or without one of their own")
         ->type_name("TEXT")
         ->excludes(assigned);
 }
 
 void ReadOptions::AddTo(CLI::App& app) {
+    app.option_defaults()->group("Reading options");
     app.add_option("--source", source,
-                   "Read a raster from this source, by kind or file name; mapanchor sources lists them")
+                   "Read a raster from this source, a kind or a file name; mapanchor sources lists them")
         ->check(RefuseEmpty)
         ->type_name("NAME");
     AddSystemsTo(app);
     app.add_option_function<std::string>(
            "--type", [this](const std::string& word) { type = KindFromWord("--type", word); },
-           "Read as this kind, whatever the name: " + KindWords())
+           "Read as this kind, whatever the file's name: " + KindWords())
         ->type_name("KIND");
     app.add_option_function<std::vector<std::string>>(
            "--strict",
@@ -204,19 +205,20 @@ void ReadOptions::AddTo(CLI::App& app) {
                params.SetInteger(BMapAnchor::kValPDFWide, pdf_by_rules ? 0 : 1);
                AskBeyondRules("--strict");
            },
-           "Fail when that part cannot be had (with --type): transform, crs; pdf: read a PDF by the "
-           "rules alone")
+           "With --type: fail without a transform or a coordinate system (crs). pdf: read PDFs by the "
+           "strict rules only")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember({"transform", "crs", "pdf"}))
         ->type_name("PART,...");
     app.add_option_function<std::string>(
            "--size", [this](const std::string& text) { ParseSize(text, *this); },
-           "The raster's size in pixels; of a PDF without it: its box at the resolution")
+           "The raster's size in pixels. Default for a PDF: the size of its box at --dpi")
         ->type_name("WxH");
     app.add_option(
            "--fit", fit,
-           "Fit through control points: affine, conformal, poly2, poly3, projective, tps, bilinear, none")
+           "Transform to fit to the control points: affine, conformal, poly2, poly3, projective, tps, "
+           "bilinear, none")
         ->transform(CLI::CheckedTransformer(kFits, CLI::ignore_case))
         ->type_name("FIT");
     AddPdfTo(app);
@@ -226,12 +228,13 @@ void ReadOptions::AddTo(CLI::App& app) {
             dpi = value;
             params.SetDouble(BMapAnchor::kValPDFResolution, value);
         },
-        {1.0, 1e5}, "Resolution of a PDF page in dots per inch; 72 without it")
+        {1.0, 1e5}, "Resolution of a PDF page in dots per inch (default 72)")
         ->type_name("N");
     app.add_option_function<std::string>(
            "--gdal-drivers", AllowDrivers,
-           "Also let these GDAL drivers read, such as VRT; they open what a file names")
+           "Allow more GDAL drivers, such as VRT, which may open other files that a file names")
         ->type_name("DRIVER,...");
+    app.option_defaults()->group("Options");
 }
 
 }  // namespace Tool

@@ -54,6 +54,6 @@ void ParseSize(const std::string& text, ReadOptions& options);
 Tellurion::EReferenceType KindFromWord(const std::string& option, const std::string& word);
 
 /// All these words, for descriptions.
-std::string KindWords();
+std::string KindWords(bool saved = false);
 
 }  // namespace Tool

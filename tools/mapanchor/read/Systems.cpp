@@ -26,14 +26,15 @@ bool IsSameSystem(const BCoordSys& a, const BCoordSys& b) {
 
 std::string TitleOf(const BCoordSys& system) {
     const std::string name = system.GetName().StdStr();
-    return name.empty() ? "without a name" : name;
+    // MapInfo clauses and PROJ strings have no names; OGR and PROJ put these words in their place.
+    if (!name.empty() && name != "unnamed" && name != "unknown") return name;
+    const std::unique_ptr<BCoordSys> known(BCoordSys::FromEPSGCode(system.ToEPSGCode()));
+    return known ? known->GetName().StdStr() : "without a name";
 }
 
 std::string NameOf(const BCoordSys& system) {
-    const std::string name = system.GetName().StdStr();
     const std::string code = system.ToEPSGCode().StdStr();
-    if (name.empty() || code.empty()) return name.empty() && !code.empty() ? code : TitleOf(system);
-    return name + " (" + code + ")";
+    return TitleOf(system) + (code.empty() ? "" : " (" + code + ")");
 }
 
 }  // namespace Tool

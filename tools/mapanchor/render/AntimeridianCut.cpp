@@ -38,7 +38,7 @@ OGRPolygon Strip(double west, double east) {
 
 void AddRing(const OGRPolygon& polygon, double shift, Footprint& footprint) {
     std::unique_ptr<OGRLinearRing> ring(polygon.getExteriorRing()->clone());
-    if (ring->isClockwise()) ring->reverseWindingOrder();
+    if (ring->isClockwise()) ring->reversePoints();
     std::vector<Position> positions;
     for (const OGRPoint& point : *ring) {
         const Position position{Rounded(point.getX() + shift), Rounded(point.getY())};

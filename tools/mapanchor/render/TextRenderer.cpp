@@ -143,9 +143,9 @@ void WriteTable(std::size_t count, RowAt row_at, const Console& console, TextPie
         const TableRow row = row_at(i);
         std::string line = " ";
         for (std::size_t column = 0; column < row.size(); ++column) {
-            const std::string cell = Printable(row[column]);
-            line += " " + (column + 1 < row.size() ? Padded(cell, widths[column]) : cell);
+            line += " " + Padded(Printable(row[column]), widths[column]);
         }
+        line.erase(line.find_last_not_of(' ') + 1);
         out.Text() += (i == 0 ? console.Bold(line) : line) + "\n";
         out.PassOn();
     }

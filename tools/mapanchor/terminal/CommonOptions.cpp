@@ -10,16 +10,20 @@
 namespace Tool {
 
 void CommonOptions::AddTo(CLI::App& app) {
-    app.add_flag("--json", json, "Print JSON, one object a line for each input");
-    app.add_option("--indent", indent, "Spread the JSON over lines with that indent")
-        ->check(CLI::Range(0, 16));
-    app.add_flag("-q,--quiet", quiet, "Say nothing on stderr but errors");
+    app.option_defaults()->group("Output options");
+    app.get_help_ptr()->group("Output options");
+    app.add_flag("--json", json, "Print JSON, one object per line and input");
+    app.add_option("--indent", indent, "Indent the JSON by this number of blanks (0 to 16)")
+        ->check(CLI::Range(0, 16))
+        ->type_name("N");
+    app.add_flag("-q,--quiet", quiet, "Print only errors to stderr");
     app.add_flag("-v,--verbose", verbose, "Print more, such as the well-known text");
     const std::map<std::string, ColorMode> modes = {
         {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
-    app.add_option("--color", color, "auto, always or never; NO_COLOR is heeded")
+    app.add_option("--color", color, "Colour on a terminal, unless NO_COLOR is set: auto, always, never")
         ->transform(CLI::CheckedTransformer(modes, CLI::ignore_case))
         ->type_name("WHEN");
+    app.option_defaults()->group("Options");
 }
 
 std::string RefuseEmpty(const std::string& name) {
@@ -33,7 +37,7 @@ CLI::Option* AddNumber(CLI::App& app, const std::string& name, std::function<voi
         double value = 0.0;
         if (!Tellurion::ScanDouble(rest, value) || !rest.empty() ||
             !(value >= range.least && value <= range.most))
-            throw CLI::ValidationError(name, "\"" + word + "\" is no number from " +
+            throw CLI::ValidationError(name, "\"" + word + "\" is not a number from " +
                                                  Tellurion::PrintShortest(range.least) + " to " +
                                                  Tellurion::PrintShortest(range.most));
         take(value);

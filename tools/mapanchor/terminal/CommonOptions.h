@@ -20,7 +20,7 @@ struct CommonOptions {
     bool verbose = false;
     ColorMode color = ColorMode::Auto;
 
-    void AddTo(CLI::App& app);
+    void AddTo(CLI::App& app);  ///< under the heading "Output options"
     Console MakeConsole() const { return Console(color, quiet); }
 };
 
