@@ -3,6 +3,7 @@
 #include "PdfParameters.h"
 #include "ReferenceFormats.h"
 #include "raster/gdal/GdalDrivers.h"
+#include "raster/geotiff/BRefGeoTIFF.h"
 #include "sidecar/ers/BRefERS.h"
 
 #include <Tellurion/BException.h>
@@ -38,6 +39,7 @@ const BString BMapAnchor::kValPDFMap(PdfParameters::kMap);
 const BString BMapAnchor::kValPDFShown(PdfParameters::kShown);
 const BString BMapAnchor::kValPDFPassword(PdfParameters::kPassword);
 const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
+const BString BMapAnchor::kValReplaceSystem(BRefGeoTIFF::kReplaceSystemKey);
 const BString BMapAnchor::kValErsCodes(BRefERS::kCodesKey);
 
 namespace {

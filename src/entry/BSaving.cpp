@@ -6,6 +6,7 @@
 #include "SavingProof.h"
 #include "common/DiagnosticIds.h"
 #include "common/DiagnosticParts.h"
+#include "common/ReadNotes.h"
 
 #include <MapAnchor/BGeoReferenceWriteException.h>
 #include <MapAnchor/BMapAnchor.h>
@@ -110,6 +111,7 @@ void SaveAndListen(const ReferenceFormat* kind, const BString& file, const BGeoR
                    const BSavingOptions& options, std::vector<BDiagnostic>& diagnostics) {
     std::vector<BString> lines;
     try {
+        const ReadNotes notes;
         ThreadLog log;
         try {
             SaveFully(kind, file, reference, options);
@@ -118,6 +120,7 @@ void SaveAndListen(const ReferenceFormat* kind, const BString& file, const BGeoR
             throw;
         }
         AddLog(log.Take(), diagnostics);
+        diagnostics.insert(diagnostics.end(), notes.diagnostics.begin(), notes.diagnostics.end());
     } catch (...) {
         for (const BString& line : lines)
             BLogger::Instance()->WriteLine(ELogSeverity::Error, "%ls", line);
@@ -147,6 +150,9 @@ BSaving BSaving::Of(const BString& file, const BGeoReference& reference, const B
     auto state = std::make_shared<State>();
     BSavingOptions saved = options;
     saved.SetCentreAnchored(false);
+    BParamList params = options.GetParams();
+    params.SetInteger(BMapAnchor::kValReplaceSystem, 1);
+    saved.SetParams(params);
     if (kind) state->diagnostics = FindSavingLosses(*kind, meant, saved);
     KeptFiles kept;
     if (options.RequiresExact()) kept.Keep(FilesOf(kind, file, meant));

@@ -62,8 +62,14 @@ bool IsSameWhole(const BCoordSys& meant, const BCoordSys& found) {
 
 void CompareSystems(const BGeoReference& meant, const BGeoReference& found, const PartsHeld& held,
                     SavedComparison& out) {
-    if (!meant.HasCoordSys() || !held.system) {
-        out.is_same_system = !found.HasCoordSys() || !held.system;
+    if (!held.system || (!meant.HasCoordSys() && !found.HasCoordSys())) {
+        out.is_same_system = true;
+        return;
+    }
+    if (!meant.HasCoordSys()) {
+        out.differences.push_back(
+            {DiagnosticId::kSavedSystemKept,
+             "the reference has no coordinate system, and " + NameOf(*found.CoordSys) + " is read back"});
         return;
     }
     if (!found.HasCoordSys()) {

@@ -35,7 +35,8 @@ bool Holds(const std::vector<std::u16string_view>& extensions, const BString& ex
 PartsHeld PartsOf(const ReferenceFormat& kind, const BGeoReference& meant, const BSavingOptions& options) {
     const auto enabled = std::count_if(meant.PointPairVector.begin(), meant.PointPairVector.end(),
                                        [](const BPointPair& pair) { return pair.Enabled; });
-    return {.system = KeepsPart(kind.coord_sys, options, kind),
+    const bool has_default = kind.needs_coord_sys && !meant.HasCoordSys();
+    return {.system = KeepsPart(kind.coord_sys, options, kind) && !has_default,
             .whole_system = kind.vertical_unit != Keeps::Nothing,
             .points = kind.points && static_cast<std::size_t>(enabled) >= kind.min_points,
             .disabled_points = !kind.skips_disabled_points,
@@ -94,6 +95,18 @@ void Report(const BString& file, const char* who, const SavedComparison& found, 
                 .Make());
 }
 
+/// Another source of the raster that states another place.
+void ReportStale(const BReading& reading, BSavingProof::Parts& proof) {
+    for (const BDiagnostic& remark : reading.GetDiagnostics())
+        if (remark.GetId() == BString(DiagnosticId::kSourcesDiffer))
+            proof.diagnostics.push_back(
+                DiagnosticParts{.id = DiagnosticId::kSavedStale,
+                                .text = BString("another source of the raster states another place: " +
+                                                remark.GetText().StdStr()),
+                                .file = remark.GetFile()}
+                    .Make());
+}
+
 void ReadBack(const ReferenceFormat& kind, const BString& file, const BGeoReference& meant,
               const BSavingOptions& options, BSavingProof::Parts& proof) {
     const BReading reading = BReading::Of(file, ReadingOptionsOf(kind, meant, options));
@@ -120,6 +133,7 @@ void ReadBack(const ReferenceFormat& kind, const BString& file, const BGeoRefere
     proof.text = "read back: " + distance + (distance.empty() || system.empty() ? "" : "; ") + system;
     if (distance.empty() && system.empty()) proof.text += "nothing to compare";
     Report(file, "", compared, options, proof);
+    if (kind.in_place) ReportStale(reading, proof);
     if (reading.GetUsedFile() != file && kind.in_place)
         proof.diagnostics.push_back(
             DiagnosticParts{.id = DiagnosticId::kSavedOverridden,
