@@ -1,7 +1,7 @@
 #include "SavingLosses.h"
 
 #include "SavingProof.h"
-#include "common/AffineTerms.h"
+#include "common/Affine.h"
 #include "common/DiagnosticIds.h"
 #include "common/DiagnosticParts.h"
 

@@ -1,6 +1,6 @@
 #include "SavingPdf.h"
 
-#include "common/AffineTerms.h"
+#include "common/Affine.h"
 #include "common/DiagnosticIds.h"
 #include "common/DiagnosticParts.h"
 

@@ -3,6 +3,7 @@
 #include "ReferenceFormats.h"
 
 #include <MapAnchor/BMapAnchor.h>
+#include <Tellurion/Ascii.h>
 #include <Tellurion/BFileUtilities.h>
 
 #include <dirent.h>
@@ -46,18 +47,6 @@ std::vector<Ending> RasterEndings() {
          {".tif", ".tiff", ".jpg", ".jpeg", ".png", ".jp2", ".bmp", ".gif", ".img", ".kap", ".sid", ".ecw"})
         endings.push_back({"", text});
     return endings;
-}
-
-std::string Lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
-std::string Upper(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return text;
 }
 
 struct FolderCloser {
@@ -137,8 +126,9 @@ std::string FindIn(const std::vector<std::string>& names, const std::string& bas
     for (const std::string& name : names) {
         if (name.size() != base.size() + ending.size() || !name.starts_with(base)) continue;
         const std::string rest = name.substr(base.size());
-        if (Lower(rest) != ending) continue;
-        if (found.empty() || rest == ending || (rest == Upper(ending) && found != base + ending))
+        if (Tellurion::LowerAscii(rest) != ending) continue;
+        if (found.empty() || rest == ending ||
+            (rest == Tellurion::UpperAscii(ending) && found != base + ending))
             found = name;
     }
     return found;
@@ -151,7 +141,7 @@ std::string Find(const Place& place, const std::optional<std::vector<std::string
         const std::string name = FindIn(*names, base, ending.text);
         return !name.empty() && IsRegular(place.folder + name) ? place.folder + name : "";
     }
-    for (const std::string& text : {ending.text, Upper(ending.text)}) {
+    for (const std::string& text : {ending.text, Tellurion::UpperAscii(ending.text)}) {
         if (text == ending.text || !ending.behind_name)
             if (IsRegular(place.folder + base + text)) return place.folder + base + text;
     }

@@ -12,18 +12,18 @@
 namespace Tellurion {
 
 /// Values by text, those asked for last. Bounded; safe to use from several threads.
-template <class Value>
+template <class Value, class Text = std::u16string>
 class LruCache {
 public:
     explicit LruCache(std::size_t most_entries) : most_entries_(most_entries) {}
 
-    /// Longer texts are rare and not worth their memory: made anew each time.
+    /// Longer texts are rare and not worth their memory: made each time.
     static constexpr std::size_t kLongestText = std::size_t{16} << 10;
 
     /// The value of `text`: kept, or what `make` gives. Two threads that ask for a new
     /// text at once may both make it; both get the one that is kept.
     template <class Maker>
-    Value Get(const std::u16string& text, Maker make) {
+    Value Get(const Text& text, Maker make) {
         if (text.size() > kLongestText) return make();
         if (Value kept; Find(text, kept)) return kept;
         return Keep(text, make());
@@ -35,12 +35,14 @@ public:
     }
 
 private:
+    using View = std::basic_string_view<typename Text::value_type>;
+
     struct Entry {
-        std::u16string text;
+        Text text;
         Value value;
     };
 
-    bool Find(std::u16string_view text, Value& value) {
+    bool Find(View text, Value& value) {
         const std::lock_guard lock(mutex_);
         const auto found = index_.find(text);
         if (found == index_.end()) return false;
@@ -49,7 +51,7 @@ private:
         return true;
     }
 
-    Value Keep(const std::u16string& text, Value value) {
+    Value Keep(const Text& text, Value value) {
         std::list<Entry> dropped;  // destroyed after the lock is released
         const std::lock_guard lock(mutex_);
         if (const auto found = index_.find(text); found != index_.end()) return found->second->value;
@@ -65,7 +67,7 @@ private:
     const std::size_t most_entries_;
     mutable std::mutex mutex_;
     std::list<Entry> entries_;  ///< the one used last in front
-    std::unordered_map<std::u16string_view, typename std::list<Entry>::iterator> index_;
+    std::unordered_map<View, typename std::list<Entry>::iterator> index_;
 };
 
 }  // namespace Tellurion

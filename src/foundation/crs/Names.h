@@ -1,13 +1,12 @@
 #pragma once
 
+#include "text/Ascii.h"
+
 #include <string>
 #include <string_view>
 
 /// Comparison of names that are spelled in many ways.
 namespace Tellurion {
-
-std::string UpperAscii(std::string_view text);
-std::string LowerAscii(std::string_view text);
 
 /// The ASCII letters and digits of a text, nothing else.
 std::string LettersAndDigits(std::string_view text);

@@ -1,8 +1,9 @@
 #include <Tellurion/BFile.h>
 #include <Tellurion/BImage.h>
 
+#include "text/Ascii.h"
+
 #include <algorithm>
-#include <cctype>
 #include <string>
 #include <string_view>
 
@@ -16,10 +17,6 @@ std::string FirstBytes(const BString& path, std::size_t count) {
     std::string bytes(count, '\0');
     bytes.resize(file.Read(bytes.data(), count));
     return bytes;
-}
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 /// The leader of an ISO 8211 file: 24 characters that say how its directory of
@@ -81,7 +78,7 @@ bool BImage::CheckIfADRGReader(const BString& path) {
 bool BImage::CheckIfCADRGReader(const BString& path) {
     constexpr std::string_view kTag = "RPFHDR";
     const std::string bytes = FirstBytes(path, 512);
-    const auto same = [](char a, char b) { return std::toupper(static_cast<unsigned char>(a)) == b; };
+    const auto same = [](char a, char b) { return UpperAscii(a) == b; };
     return IsBareRpf(bytes) ||
            std::search(bytes.begin(), bytes.end(), kTag.begin(), kTag.end(), same) != bytes.end();
 }

@@ -19,12 +19,8 @@ namespace {
 constexpr std::size_t kLongestClause = std::size_t{8} << 10;
 constexpr int kMostLines = 32;
 
-bool IsBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
-}
-
 bool IsWordCharacter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    return IsLetterOrDigit(c) || c == '_';
 }
 
 struct Token {
@@ -88,7 +84,6 @@ private:
         return static_cast<std::size_t>(
             std::distance(rest_.begin(), std::ranges::find_if_not(rest_, IsWordCharacter)));
     }
-    static bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
     std::string_view rest_;
     Token now_;

@@ -1,5 +1,7 @@
 #include <Tellurion/Numbers.h>
 
+#include "text/Ascii.h"
+
 #include <locale.h>
 #include <algorithm>
 #include <array>
@@ -12,11 +14,6 @@
 
 namespace Tellurion {
 namespace {
-
-// White space of the C locale.
-constexpr bool IsBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 std::string_view SkipBlanks(std::string_view text) {
     const auto first = std::find_if_not(text.begin(), text.end(), IsBlank);

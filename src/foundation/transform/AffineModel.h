@@ -1,15 +1,11 @@
 #pragma once
 
+#include "AffineTerms.h"
 #include "TransformModel.h"
 
 #include <memory>
 
 namespace Tellurion {
-
-/// x' = a * x + b * y + c, y' = d * x + e * y + f
-struct AffineTerms {
-    double a, b, c, d, e, f;
-};
 
 /// An affine transform; a conformal one is the same with fewer degrees of freedom.
 class AffineModel : public TransformModel {

@@ -4,7 +4,8 @@
 
 #include "import/LGINumbers.h"
 #include "import/LGIProjectionMapping.h"
-#include "import/TextCache.h"
+
+#include <Tellurion/LruCache.h>
 
 #include <cpl_conv.h>
 #include <cpl_error.h>
@@ -56,8 +57,9 @@ std::string CacheKey(const std::map<int, std::string>& parameters) {
     return key;
 }
 
-TextCache& SystemTexts() {
-    static TextCache cache;
+Tellurion::LruCache<std::string, std::string>& SystemTexts() {
+    constexpr std::size_t kMaxTexts = 64;
+    static Tellurion::LruCache<std::string, std::string> cache(kMaxTexts);
     return cache;
 }
 

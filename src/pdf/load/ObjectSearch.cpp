@@ -3,12 +3,16 @@
 #include "load/FileWindow.h"
 #include "load/LoadBudget.h"
 
+#include <Tellurion/Ascii.h>
+
 #include <algorithm>
 #include <string>
 #include <string_view>
 
 namespace VellumLib {
 namespace {
+
+using Tellurion::IsDigit;
 
 constexpr std::int64_t kMaxFile = std::int64_t{512} * 1024 * 1024;
 constexpr std::size_t kPiece = std::size_t{1024} * 1024;
@@ -18,10 +22,6 @@ constexpr std::size_t kMaxTrailers = 1000;
 
 bool IsWhite(char byte) {
     return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t' || byte == '\f' || byte == 0;
-}
-
-bool IsDigit(char byte) {
-    return byte >= '0' && byte <= '9';
 }
 
 /// Steps back over the number that ends before `end`, and the blanks behind it; -1 for none.

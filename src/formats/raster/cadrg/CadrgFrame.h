@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Tellurion/RandomAccessFile.h>
-#include "common/AffineTerms.h"
+#include "common/Affine.h"
 
 namespace MapAnchor {
 

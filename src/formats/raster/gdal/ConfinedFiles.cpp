@@ -1,5 +1,6 @@
 #include "raster/gdal/ConfinedFiles.h"
 
+#include <Tellurion/Ascii.h>
 #include <Tellurion/FileBytes.h>
 #include <Tellurion/NamedFiles.h>
 #include <Tellurion/RegularFile.h>
@@ -75,12 +76,6 @@ ConfinedFiles* Find(const char* name, std::string& path) {
     const std::lock_guard lock(registry.mutex);
     const auto found = registry.files.find(number);
     return found == registry.files.end() ? nullptr : found->second;
-}
-
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return std::tolower(c); });
-    return lower;
 }
 
 std::string_view NameOf(std::string_view path) {
@@ -335,8 +330,9 @@ bool ConfinedFiles::ShowsName(const std::string& name) const {
     if (name.find('/') != std::string::npos) return false;
     const std::string_view own = NameOf(path_);
     if (name == own) return true;
-    const std::string lower = Lower(name);
-    return IsSidecar(Lower(own), lower) && !(sidecars_ == Sidecars::Hidden && IsOwnSource(lower));
+    const std::string lower = Tellurion::LowerAscii(name);
+    return IsSidecar(Tellurion::LowerAscii(own), lower) &&
+           !(sidecars_ == Sidecars::Hidden && IsOwnSource(lower));
 }
 
 void ConfinedFiles::Refuse(const std::string& path, const std::string& reason) {

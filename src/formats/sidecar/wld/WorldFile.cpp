@@ -1,5 +1,7 @@
 #include "sidecar/wld/WorldFile.h"
 
+#include "common/Text.h"
+
 #include "common/DiagnosticIds.h"
 #include "common/ReadNotes.h"
 
@@ -19,10 +21,6 @@ WorldFile WorldFile::FromAffine(const AffineTerms& t) {
 }
 
 namespace {
-
-bool IsBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 /// What a line holds beside its number, in words; empty for a plain line. A comma or semicolon
 /// at the end is common and harmless.

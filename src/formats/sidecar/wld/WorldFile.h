@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/AffineTerms.h"
+#include "common/Affine.h"
 
 #include <Tellurion/BFile.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-namespace MapAnchor {
+namespace Tellurion {
 
 /// The terms of an affine, in the order in which CreateAffine takes them:
-/// x' = a * column + b * row + c, y' = d * column + e * row + f.
+/// x' = a * x + b * y + c, y' = d * x + e * y + f.
 struct AffineTerms {
     double a = 0.0;
     double b = 0.0;
@@ -13,4 +13,4 @@ struct AffineTerms {
     double f = 0.0;
 };
 
-}  // namespace MapAnchor
+}  // namespace Tellurion
