@@ -3,6 +3,7 @@
 #include "PdfParameters.h"
 #include "ReferenceFormats.h"
 #include "raster/gdal/GdalDrivers.h"
+#include "raster/geotiff/BRefGeoTIFF.h"
 #include "sidecar/ers/BRefERS.h"
 
 #include <Tellurion/BException.h>
@@ -40,6 +41,7 @@ const BString BMapAnchor::kValPDFPassword(PdfParameters::kPassword);
 const BString BMapAnchor::kValPDFIncremental(PdfParameters::kIncremental);
 const BString BMapAnchor::kValPDFWkt2(PdfParameters::kWkt2);
 const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
+const BString BMapAnchor::kValReplaceSystem(BRefGeoTIFF::kReplaceSystemKey);
 const BString BMapAnchor::kValErsCodes(BRefERS::kCodesKey);
 
 namespace {

@@ -45,6 +45,11 @@ public:
     /// EPSG code, such as "EPSG:2056", in place of names that are missing or mean another system.
     static const Tellurion::BString kValErsCodes;
 
+    /// Key of a BParamList, a whole number: when it is not 0, a GeoTIFF that is saved with a
+    /// transform or points and without a coordinate system loses the system that it had. Without
+    /// it the file keeps that system under the new transform.
+    static const Tellurion::BString kValReplaceSystem;
+
     /// Key of a BParamList, a whole number: when it is not 0, a PDF is read beyond the rules of
     /// this kind. References, numbers, datums and boxes then count in every form that other
     /// software writes, and the transform goes through the exact places of the control points.

@@ -1,5 +1,6 @@
 #include "ReadingSteps.h"
 
+#include "PdfRemarks.h"
 #include "ReadingOptionsState.h"
 #include "ReadingSources.h"
 #include "ReferenceFormats.h"
@@ -299,18 +300,6 @@ bool IsAboutThis(const BDiagnostic& remark, const ReadingState& state) {
                                   remark.GetId() == BString(DiagnosticId::kScaleZero);
     if (!is_of_world_file || (state.kind && std::string_view(state.kind->name) == "WLD")) return true;
     return !state.kind && HasWorldFileExtension(state.file);
-}
-
-/// The id with which the reader of PDF begins a remark, such as "pdf-units: ..."; else null.
-const char* IdOfPdfRemark(std::string_view line) {
-    for (const char* id :
-         {DiagnosticId::kPdfBeyondRules, DiagnosticId::kPdfNoSystem, DiagnosticId::kPdfNotANumber,
-          DiagnosticId::kPdfPointsRounded, DiagnosticId::kPdfScale, DiagnosticId::kPdfUnits,
-          DiagnosticId::kPdfDialectsDiffer, DiagnosticId::kPdfUnknownDatum}) {
-        const std::string_view name = id;
-        if (line.substr(0, name.size()) == name && line.substr(name.size(), 2) == ": ") return id;
-    }
-    return nullptr;
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "GdalFiles.h"
 #include "RunTool.h"
 
@@ -44,6 +46,65 @@ TEST(GeoTiffTool, InfoPrintsPointsUnitAndRegistration) {
                         "verticalUnit":{"name":"US survey foot"})");
     folder.ExpectRun("convert %points.tif %map.tif --overwrite", 3, "", {"the vertical unit is not saved"});
     EXPECT_EQ(GdalFiles::Open(folder / "map.tif")->GetGCPCount(), 3);
+}
+
+struct SaveCase {
+    const char* source;
+    int status;
+    const char* id;  ///< of a diagnostic; empty for none
+    std::function<void(GDALDataset&)> finish;
+    const char* beside = "";  ///< the content of map.tif.aux.xml
+    double column = -1.0;     ///< of the first control point as GDAL reads it; -1 for none
+    const char* system = "WGS 84 / UTM zone 32N";
+};
+
+TEST(GeoTiffTool, WhatIsSavedIsWhatGdalReads) {
+    const auto placed = [](GDALDataset& raster) {
+        double terms[] = {1, 2, 0, 3, 0, -2};
+        raster.SetGeoTransform(terms);
+        OGRSpatialReference system;
+        system.importFromEPSG(25833);
+        raster.SetSpatialRef(&system);
+    };
+    const auto of_centres = [](GDALDataset& raster) { raster.SetMetadataItem("AREA_OR_POINT", "Point"); };
+    const SaveCase cases[] = {
+        {"place.tfw", 0, "", placed},
+        {"bare.tfw", 0, "", placed, "", -1.0, ""},  // kept its old system under the new transform
+        {"place.tfw", 0, "", [](GDALDataset&) {}, "<PAMDataset><SRS>EPSG:25833</SRS></PAMDataset>"},
+        {"points.rsf", 0, "lost-point-names", of_centres, "", 2.0},  // went one pixel off
+    };
+    for (const SaveCase& test : cases) {
+        const ToolFolder folder;
+        for (const char* name : {"place.tfw", "bare.tfw"})
+            folder.Write(name, "0.5\n0\n0\n-0.5\n676000.25\n5241999.75\n");
+        folder.Write("place.prj", PrjOf("32632"));
+        folder.ExpectRun("convert --size 20x10 %place.tfw %corners.rsf", 0);
+        std::string points = TempFolder::Slurp(folder / "corners.rsf");
+        for (std::size_t at = 0; (at = points.find(" 0 0 0 ", at)) != std::string::npos; ++at)
+            points.replace(at, 7, " 3 2 0 ");
+        folder.Write("points.rsf", points);
+        GdalFiles::MakeTiff(folder / "map.tif", 1, test.finish);
+        if (*test.beside) folder.Write("map.tif.aux.xml", test.beside);
+        folder.ExpectRun("convert --overwrite --json %" + std::string(test.source) + " %map.tif", test.status,
+                         R"("proof":{"exact":true,"confirmedByGdal":true})", {test.id});
+        const auto raster = GdalFiles::Open(folder / "map.tif");
+        const auto* system = raster->GetGCPCount() > 0 ? raster->GetGCPSpatialRef() : raster->GetSpatialRef();
+        EXPECT_STREQ(system ? system->GetName() : "", test.system);
+        EXPECT_EQ(raster->GetGCPCount() > 0 ? raster->GetGCPs()->dfGCPPixel : -1.0, test.column);
+    }
+}
+
+TEST(GeoTiffTool, AnInexactSaveIsTakenBack) {
+    const ToolFolder folder;
+    folder.Write("place.tfw", "0.0000000000005\n0\n0\n-0.0000000000005\n10\n50\n");
+    GdalFiles::MakeTiff(folder / "map.tif");
+    folder.Write("old.wld", "old");
+    folder.ExpectRun("convert --overwrite --json --type wld --size 20x10 %place.tfw %old.wld", 3, "",
+                     {"lost-digits"});
+    folder.Write("old.wld", "old");
+    folder.ExpectRun("convert --overwrite --require-exact --json --type wld --size 20x10 %place.tfw %old.wld",
+                     2);
+    folder.ExpectFile("old.wld", "old");
 }
 
 TEST(GeoTiffTool, NothingOfGdalOrProjReachesStderr) {

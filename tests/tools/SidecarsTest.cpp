@@ -96,10 +96,10 @@ TEST(Sidecars, ResidualsOfControlPoints) {
         EXPECT_NEAR(residual.get<double>(), 0.05585, 1e-5);
     // A disabled point has a residual, but no part in the error.
     EXPECT_GT(ours["points"][4]["residualPixels"].get<double>(), 400.0);
-    folder.ExpectRun(
-        "info %map.rsf", 0, "",
-        {"residuals    root mean square 0.056, largest 0.056 pixels", "  point column row x        y         z    residual used\n",
-         "  SW \xC3\xA9  0      99  676000   5241802   12.5 0.056    yes\n", "452.343  no\n"});
+    folder.ExpectRun("info %map.rsf", 0, "",
+                     {"residuals    root mean square 0.056, largest 0.056 pixels",
+                      "  point column row x        y         z    residual used\n",
+                      "  SW \xC3\xA9  0      99  676000   5241802   12.5 0.056    yes\n", "452.343  no\n"});
     // Without a fit there are points and no residuals.
     folder.ExpectRun("info --json --fit none %map.rsf", 0,
                      R"("points":[{"residualPixels":null},{},{},{},{}],"transform":null)");

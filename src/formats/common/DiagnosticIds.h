@@ -2,7 +2,7 @@
 
 namespace MapAnchor::DiagnosticId {
 
-// The ids of all diagnostics of readings. Each has a section in docs/diagnostics.md, which a
+// The ids of all diagnostics of readings and saves. Each has a section in docs/diagnostics.md, which a
 // test compares with this list; an id that was released keeps its meaning.
 inline constexpr const char* kCrossesAntimeridian = "crosses-antimeridian";
 inline constexpr const char* kDegreesOutOfRange = "degrees-out-of-range";
@@ -55,5 +55,38 @@ inline constexpr const char* kSystemUnknown = "system-unknown";
 inline constexpr const char* kTransformMissing = "transform-missing";
 inline constexpr const char* kUnitsMixed = "units-mixed";
 inline constexpr const char* kWorldFileText = "world-file-text";
+
+// Of saves.
+inline constexpr const char* kLostDatumShift = "lost-datum-shift";
+inline constexpr const char* kLostDigits = "lost-digits";
+inline constexpr const char* kLostDisabledPoints = "lost-disabled-points";
+inline constexpr const char* kLostEpoch = "lost-epoch";
+inline constexpr const char* kLostFit = "lost-fit";
+inline constexpr const char* kLostPointHeights = "lost-point-heights";
+inline constexpr const char* kLostPointNames = "lost-point-names";
+inline constexpr const char* kLostPoints = "lost-points";
+inline constexpr const char* kLostRotation = "lost-rotation";
+inline constexpr const char* kLostSystem = "lost-system";
+inline constexpr const char* kLostVerticalPart = "lost-vertical-part";
+inline constexpr const char* kLostVerticalUnit = "lost-vertical-unit";
+inline constexpr const char* kMapReplaced = "map-replaced";
+inline constexpr const char* kPageNotFilled = "page-not-filled";
+inline constexpr const char* kRasterSizeUnstated = "raster-size-unstated";
+inline constexpr const char* kRasterUnnamed = "raster-unnamed";
+inline constexpr const char* kSaveRemark = "save-remark";
+inline constexpr const char* kSavedElsewhere = "saved-elsewhere";
+inline constexpr const char* kSavedLayout = "saved-layout";
+inline constexpr const char* kSavedNotInGdal = "saved-not-in-gdal";
+inline constexpr const char* kSavedOverridden = "saved-overridden";
+inline constexpr const char* kSavedPointsDiffer = "saved-points-differ";
+inline constexpr const char* kSavedRegistration = "saved-registration";
+inline constexpr const char* kSavedStale = "saved-stale";
+inline constexpr const char* kSavedSystemDiffers = "saved-system-differs";
+inline constexpr const char* kSavedSystemKept = "saved-system-kept";
+inline constexpr const char* kSavedSystemLost = "saved-system-lost";
+inline constexpr const char* kSavedTransformLost = "saved-transform-lost";
+inline constexpr const char* kSavedUnreadable = "saved-unreadable";
+inline constexpr const char* kSavedVerticalUnit = "saved-vertical-unit";
+inline constexpr const char* kSystemAssumed = "system-assumed";
 
 }  // namespace MapAnchor::DiagnosticId

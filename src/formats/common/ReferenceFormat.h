@@ -6,6 +6,7 @@
 #include <Tellurion/EMathTransformType.h>
 #include <Tellurion/EReferenceType.h>
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -77,8 +78,15 @@ struct ReferenceFormat {
     Keeps coord_sys = Keeps::Nothing;
     Keeps vertical_unit = Keeps::Nothing;
     bool rotation = false;
-    bool points = false;            ///< and with them a transform beyond affine
-    bool disabled_points = false;   ///< with the mark that they are disabled
+    bool points = false;                 ///< and with them a transform beyond affine
+    bool disabled_points = false;        ///< with the mark that they are disabled
+    bool skips_disabled_points = false;  ///< they are left out; else written like the others
+    bool point_names = false;
+    bool point_heights = false;
+    std::size_t min_points = 0;     ///< fewer are not written; the transform takes their place
+    bool datum_shift = false;       ///< a shift that the system's text states
+    int decimals = 0;               ///< of positions; 0 where no digit is lost
+    int scale_decimals = 0;         ///< of the other terms of an affine
     bool own_system_names = false;  ///< coordinate systems go by names or numbers of the kind's own
     bool needs_coord_sys = false;   ///< without one a default is written
     bool needs_size = false;        ///< for a transform without points, which becomes the corners

@@ -64,23 +64,33 @@ double Metres(const BCoordSys& system, Place a, Place b) {
 
 }  // namespace
 
-SourceDistance DistanceBetween(const PlacedRaster& from, const PlacedRaster& to, long width, long height) {
+double MetresBetween(const BCoordSys& system, const BPoint& a, const BPoint& b) {
+    return Metres(system, {a.x, a.y}, {b.x, b.y});
+}
+
+SourceDistance DistanceAt(const PlacedRaster& from, const PlacedRaster& to,
+                          const std::vector<BPoint>& places) {
     SourceDistance worst{kNone, kNone};
     if (!from.reference.HasMathTransform() || !to.reference.HasMathTransform()) return worst;
-    const auto w = static_cast<double>(std::max(width, 0L));
-    const auto h = static_cast<double>(std::max(height, 0L));
-    for (const Place corner : {Place{0, 0}, Place{w, 0}, Place{w, h}, Place{0, h}}) {
-        const auto here = WorldOf(from, corner);
-        auto there = WorldOf(to, corner);
+    for (const BPoint& point : places) {
+        const Place place{point.x, point.y};
+        const auto here = WorldOf(from, place);
+        auto there = WorldOf(to, place);
         if (there) there = Converted(to, from, *there);
         if (!here || !there) return {kNone, kNone};
         const auto pixel = PixelOf(from, *there);
         if (!pixel) return {kNone, kNone};
-        worst.pixels = std::fmax(worst.pixels, std::hypot(pixel->x - corner.x, pixel->y - corner.y));
+        worst.pixels = std::fmax(worst.pixels, std::hypot(pixel->x - place.x, pixel->y - place.y));
         if (from.reference.HasCoordSys())
             worst.metres = std::fmax(worst.metres, Metres(*from.reference.CoordSys, *here, *there));
     }
     return worst;
+}
+
+SourceDistance DistanceBetween(const PlacedRaster& from, const PlacedRaster& to, long width, long height) {
+    const auto w = static_cast<double>(std::max(width, 0L));
+    const auto h = static_cast<double>(std::max(height, 0L));
+    return DistanceAt(from, to, {BPoint(0, 0, 0), BPoint(w, 0, 0), BPoint(w, h, 0), BPoint(0, h, 0)});
 }
 
 }  // namespace MapAnchor

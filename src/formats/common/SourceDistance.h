@@ -2,6 +2,8 @@
 
 #include <Tellurion/BGeoReference.h>
 
+#include <vector>
+
 namespace MapAnchor {
 
 /// A reference and how its transform counts pixels.
@@ -17,5 +19,15 @@ struct SourceDistance {
     double metres;
 };
 SourceDistance DistanceBetween(const PlacedRaster& from, const PlacedRaster& to, long width, long height);
+
+/// The same at these places, which are counted from the outer corner of the top left pixel; z
+/// means nothing.
+SourceDistance DistanceAt(const PlacedRaster& from, const PlacedRaster& to,
+                          const std::vector<Tellurion::BPoint>& places);
+
+/// Between two positions of a system, in metres, on a sphere for longitude and latitude. Not a
+/// number for a system without a length or an angle.
+double MetresBetween(const Tellurion::BCoordSys& system, const Tellurion::BPoint& a,
+                     const Tellurion::BPoint& b);
 
 }  // namespace MapAnchor

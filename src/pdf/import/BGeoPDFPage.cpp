@@ -177,6 +177,15 @@ BGeoPDFBox BGeoPDFPage::BoxForCropType(int cropType) const {
     return MediaBox;
 }
 
+BGeoPDFPage BGeoPDFPage::InPoints() const {
+    BGeoPDFPage page = *this;
+    for (BGeoPDFBox* box : {&page.MediaBox, &page.CropBox, &page.BleedBox, &page.TrimBox, &page.ArtBox})
+        for (double* side : {&box->Left, &box->Bottom, &box->Right, &box->Top})
+            *side *= UserUnit;
+    page.UserUnit = 1.0;
+    return page;
+}
+
 BGeoPDFPage BGeoPDFPage::Describe(const BString& file) {
     BGeoPDFPage page;
     const BString fault = FaultOf([&] {

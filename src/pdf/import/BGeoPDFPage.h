@@ -53,6 +53,8 @@ public:
 
     /// The box that the crop type of a read shows; not Present when there is none.
     BGeoPDFBox BoxForCropType(int cropType) const;
+    /// The same page with its boxes in points of 1/72 inch, whatever its UserUnit is.
+    BGeoPDFPage InPoints() const;
 
     /// Never throws for what the file holds: faults are told in the result.
     static BGeoPDFPage Describe(const Tellurion::BString& file);

@@ -61,7 +61,9 @@ ReferenceFormat BRefGeoPDF::Format() {
             .in_place = true,
             .coord_sys = Keeps::Always,
             .rotation = true,
-            .points = true};
+            .points = true,
+            .skips_disabled_points = true,
+            .min_points = 4};
 }
 
 }  // namespace MapAnchor

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "commands/Closeness.h"
 #include "read/Diagnostics.h"
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
@@ -8,6 +7,7 @@
 #include "terminal/ExitStatus.h"
 
 #include <MapAnchor/BReferenceFormats.h>
+#include <MapAnchor/BSaving.h>
 #include <Tellurion/EReferenceType.h>
 
 #include <optional>
@@ -26,9 +26,11 @@ struct ConvertOptions {
     bool overwrite = false;
     bool dry_run = false;
     bool backup = false;
-    bool verify = false;
     std::optional<bool> incremental;  ///< of a PDF; empty: where it is the better way
     int target_page = 1;              ///< of a PDF, counted from 1
+    bool no_verify = false;
+    std::optional<double> tolerance;  ///< in pixels
+    bool require_exact = false;
 };
 
 /// A save that is about to happen, or would.
@@ -48,9 +50,10 @@ struct Outcome {
     ExitStatus status = ExitStatus::Done;
     Plan plan;
     Diagnostics diagnostics;
-    std::vector<std::string> kept;       ///< copies of what was there before
-    std::optional<ReadResult> saved;     ///< a PDF as it is read back, when asked for
-    std::optional<Closeness> closeness;  ///< of what was read back to what was meant
+    std::size_t losses = 0;                        ///< how many of the diagnostics say what cannot be saved
+    std::vector<std::string> kept;                 ///< copies of what was there before
+    std::optional<ReadResult> saved;               ///< a PDF as it is read back, for JSON and a dry run
+    std::optional<MapAnchor::BSavingProof> proof;  ///< of what was read back
 
     void Fail(ExitStatus with, const char* type, const std::string& detail) {
         failure = Failure{type, "", "mapanchor", detail};
@@ -59,18 +62,21 @@ struct Outcome {
     void Warn(const std::string& text) { diagnostics.push_back({false, text}); }
 };
 
-/// Saves what was read as the options say. `has_size` is true when the caller gave the size.
-Outcome SaveReading(ConvertOptions options, bool has_size, ReadResult source, LogCollector& log);
+/// Saves what was read as the options say.
+Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log);
 
-/// Says what of the reference this kind of target has no place for.
+/// Reports what of the reference this kind of target cannot hold.
 void WarnOfLosses(const ConvertOptions& options, const Tellurion::BGeoReference& reference, Outcome& outcome);
 
 /// False, with a failure, for corners that would be made up.
 bool HasWhatItNeeds(const ConvertOptions& options, const Tellurion::BGeoReference& reference,
                     Outcome& outcome);
 
-/// The library's save under the options' target and kind; it throws.
-void CallSave(const ConvertOptions& options, const Tellurion::BGeoReference& reference);
+/// How the library is to save.
+MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options);
+
+/// A save whose proof fails is an error where an exact one is required; true then.
+bool FailWhenInexact(const ConvertOptions& options, Outcome& outcome);
 
 /// The failure that is being handled, with its exit status. To be called in a
 /// catch (...) block.
@@ -79,13 +85,13 @@ void FailByCurrent(Outcome& outcome);
 /// Copies the files that the plan writes over. False, with a failure, when that fails.
 bool KeepCopies(Outcome& outcome);
 
-/// Looks at the page that is to be georeferenced, and sets size and resolution where
-/// they are not given: the raster fills the page. False, with a failure, for a file
-/// that cannot be georeferenced.
-bool FitToPage(ConvertOptions& options, bool has_size, Outcome& outcome);
+/// Looks at the page that is to be georeferenced, and sets the raster's size where it is not
+/// known: the page at the resolution that was given or, with a warning, at 72 dots per inch.
+/// False, with a failure, for a file that cannot be georeferenced.
+bool FitToPage(ConvertOptions& options, Outcome& outcome);
 
 /// Georeferences a PDF in place, or rehearses it on a copy. Until the end the target
-/// stands as it was.
+/// is what it was.
 void SavePdf(const ConvertOptions& options, const Tellurion::BGeoReference& reference, LogCollector& log,
              Outcome& outcome);
 

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 
@@ -25,6 +26,8 @@ using namespace Tellurion;
 using MapAnchor::BMapAnchor;
 using MapAnchor::BReferenceFormat;
 using MapAnchor::BReferenceFormats;
+using MapAnchor::BSaving;
+using MapAnchor::BSavingProof;
 
 constexpr const char* kDescription =
     "Convert georeferencing to the kind that the target's extension names\n\n"
@@ -90,16 +93,26 @@ ExitStatus StatusOf(const Failure& failure) {
 
 }  // namespace
 
-void CallSave(const ConvertOptions& options, const BGeoReference& reference) {
-    const BString target(options.target);
-    const long width = options.read.width.value_or(0);
-    const long height = options.read.height.value_or(0);
-    const BString image(options.image);
-    if (options.to)
-        BMapAnchor::Save(*options.to, target, reference, width, height, image,
-                         options.read.flags | BMapAnchor::kStrictTransform, &options.read.params);
-    else
-        BMapAnchor::Save(target, reference, width, height, image, &options.read.params);
+MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
+    constexpr double kAnyMetres = std::numeric_limits<double>::infinity();
+    MapAnchor::BSavingOptions saving;
+    if (options.to) saving.SetType(*options.to);
+    saving.SetFlags(options.read.flags | BMapAnchor::kStrictTransform);
+    saving.SetSize(options.read.width.value_or(0), options.read.height.value_or(0));
+    saving.SetImageName(BString(options.image));
+    saving.SetParams(options.read.params);
+    saving.SetVerifies(!options.no_verify);
+    saving.SetRequiresExact(options.require_exact);
+    if (options.tolerance) saving.SetTolerance(*options.tolerance, kAnyMetres);
+    return saving;
+}
+
+bool FailWhenInexact(const ConvertOptions& options, Outcome& outcome) {
+    if (!options.require_exact || outcome.proof->IsExact()) return false;
+    outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
+                 "The save is not exact and was taken back; <" + options.target +
+                     "> is what it was: " + outcome.proof->GetText().StdStr() + ".");
+    return true;
 }
 
 void FailByCurrent(Outcome& outcome) {
@@ -140,6 +153,12 @@ std::vector<ReservedTarget> Reserve(const ConvertOptions& options, Outcome& outc
     return reserved;
 }
 
+void RemoveFiles(const std::vector<std::string>& files) {
+    std::error_code ignored;
+    for (const std::string& file : files)
+        std::filesystem::remove(file, ignored);
+}
+
 bool IsEmptyFile(const std::string& file) {
     std::error_code error;
     return std::filesystem::is_regular_file(file, error) && std::filesystem::file_size(file, error) == 0;
@@ -157,72 +176,23 @@ void CleanUp(const std::string& target, bool existed, Outcome& outcome) {
         std::filesystem::remove(target, error);
 }
 
-/// The reference as the file has it now, as far as it can be read.
-BGeoReference Saved(EReferenceType kind, const std::string& target) {
-    BGeoReference back;
-    try {
-        BMapAnchor::Read(kind, BString(target), back, 0, 0, EMathTransformType::Affine, 0, nullptr);
-    } catch (...) {
-    }
-    return back;
-}
-
-/// Each road of the library knows some systems in an ERS header that the other one
-/// leaves out without a word.
-BGeoReference SaveSystemInErs(const ConvertOptions& options, const BGeoReference& reference) {
-    BGeoReference back = Saved(EReferenceType::ERS, options.target);
-    if (back.HasCoordSys() || options.to) return back;
-    ConvertOptions by_type = options;
-    by_type.to = EReferenceType::ERS;
-    CallSave(by_type, reference);
-    return Saved(EReferenceType::ERS, options.target);
-}
-
-/// Names may be lost and systems may be written as another one of the same place: what counts
-/// is where positions come to be on the Earth.
-void WarnOfDistance(const BCoordSys& system, const BCoordSys& back, Outcome& outcome) {
-    constexpr double kSameDatum = 10.0;  // metres between ways to shift one datum
-    if (IsSameSystem(system, back) && back.IsSame(system, kSameDatum)) return;
-    const double metres = back.DistanceTo(system);
-    if (metres <= kSameDatum && (system.ToEPSGCode().IsEmpty() || back.ToEPSGCode().IsEmpty())) return;
-    outcome.Warn(
-        "this kind of file has no name for " + NameOf(system) + ": it is read back as " + NameOf(back) +
-        (std::isfinite(metres) ? ", up to " + Tellurion::PrintFixed(metres, 1) + " m away" : std::string()));
-}
-
-/// The text that goes into a prj file and into a PDF.
-void WarnOfEsriText(const BCoordSys& system, Outcome& outcome) {
-    const std::unique_ptr<BCoordSys> back(BCoordSys::FromWKT(system.ToPRJ()));
-    if (back)
-        WarnOfDistance(system, *back, outcome);
-    else if (system.IsValid())
-        outcome.Warn("the coordinate system " + NameOf(system) +
-                     " is not saved: ESRI's well-known text cannot describe it");
-}
-
-/// ERS and TAB name systems in a language of their own; a prj file has no shifts of datums.
-void WarnOfOtherSystem(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    const bool ers = outcome.plan.Is(EReferenceType::ERS);
-    if (!reference.HasCoordSys()) return;
-    if (outcome.plan.writes_prj || outcome.plan.IsPdf()) return WarnOfEsriText(*reference.CoordSys, outcome);
-    if (!outcome.plan.format->HasOwnSystemNames()) return;
-    const BGeoReference back =
-        ers ? SaveSystemInErs(options, reference) : Saved(outcome.plan.format->GetType(), options.target);
-    if (!back.HasCoordSys())
-        return outcome.Warn("the coordinate system is not saved: it has no name in this kind of file");
-    WarnOfDistance(*reference.CoordSys, *back.CoordSys, outcome);
-}
-
 void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
     const std::vector<ReservedTarget> reserved = Reserve(options, outcome);
     if (outcome.failure) return;
     const bool existed = reserved.empty() || !reserved.front().IsNew();
+    const std::size_t known = outcome.losses;
     try {
-        CallSave(options, reference);
-        WarnOfOtherSystem(options, reference, outcome);
+        const BSaving saving = BSaving::Of(BString(options.target), reference, SavingOptionsOf(options));
+        const auto& remarks = saving.GetDiagnostics();
+        AddRemarks(
+            {remarks.begin() + static_cast<std::ptrdiff_t>(std::min(known, remarks.size())), remarks.end()},
+            outcome.diagnostics);
+        if (!options.no_verify || options.require_exact) outcome.proof = saving.GetProof();
     } catch (...) {
         FailByCurrent(outcome);
     }
+    if (!outcome.failure && outcome.proof && FailWhenInexact(options, outcome) && !existed)
+        RemoveFiles(outcome.plan.files);
     if (!outcome.failure && IsEmptyFile(options.target))
         outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
                      "Nothing was saved: the reference has no part that this kind of file holds.");
@@ -231,17 +201,14 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
 }
 
 /// False, with a failure, for a plan that cannot be.
-bool IsPossible(ConvertOptions& options, const ReadResult& source, bool has_size, Outcome& outcome) {
+bool IsPossible(ConvertOptions& options, const ReadResult& source, Outcome& outcome) {
     if (!outcome.plan.format)
         outcome.Fail(
             ExitStatus::Refused, "BUnsupportedFileTypeException",
             "File <" + options.target + "> is not of a kind that can be saved here; see mapanchor formats.");
-    else if (options.verify && !outcome.plan.IsPdf())
-        outcome.Fail(ExitStatus::Usage, "BReadParametersException",
-                     "--verify reads back a PDF; <" + options.target + "> is none.");
     return !outcome.failure && HasWhatItNeeds(options, source.reference, outcome) &&
            MayWrite(options, source.used_file, outcome) &&
-           (!outcome.plan.IsPdf() || FitToPage(options, has_size, outcome));
+           (!outcome.plan.IsPdf() || FitToPage(options, outcome));
 }
 
 void CarryOut(const ConvertOptions& options, const BGeoReference& reference, LogCollector& log,
@@ -253,7 +220,7 @@ void CarryOut(const ConvertOptions& options, const BGeoReference& reference, Log
 
 }  // namespace
 
-Outcome SaveReading(ConvertOptions options, bool has_size, ReadResult source, LogCollector& log) {
+Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log) {
     options.read.width = source.width;
     options.read.height = source.height;
     if (options.image.empty() && !source.raster.empty())
@@ -263,8 +230,10 @@ Outcome SaveReading(ConvertOptions options, bool has_size, ReadResult source, Lo
     outcome.failure = source.failure;
     outcome.diagnostics = std::move(source.diagnostics);
     if (outcome.failure) return outcome;
+    // Writers count from the corner of the top left pixel.
+    if (source.centre_anchored) source.reference = BSaving::FromCentre(source.reference);
     outcome.plan = MakePlan(options, source.reference);
-    if (!IsPossible(options, source, has_size, outcome)) return outcome;
+    if (!IsPossible(options, source, outcome)) return outcome;
     WarnOfLosses(options, source.reference, outcome);
     CarryOut(options, source.reference, log, outcome);
     log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
@@ -277,7 +246,7 @@ namespace {
 
 Outcome Convert(const ConvertOptions& options, LogCollector& log) {
     ReadResult source = ReadFile(options.source, options.read, log);
-    return SaveReading(options, options.read.width.has_value(), std::move(source), log);
+    return SaveReading(options, std::move(source), log);
 }
 
 /// What a PDF says now, or would say.
@@ -288,6 +257,19 @@ void PutSaved(Json& top, Json& ours, const Outcome& outcome) {
     if (saved["mapanchor"].contains("points")) ours["points"] = PointsJson(*outcome.saved);
     for (const char* key : {"coordSys", "pdfPage"})
         if (saved["mapanchor"].contains(key)) ours[key] = saved["mapanchor"][key];
+}
+
+void PutProof(const BSavingProof& proof, Json& ours) {
+    Json shown = {{"exact", proof.IsExact()},
+                  {"sameSystem", proof.IsSameSystem()},
+                  {"confirmedByGdal", proof.IsConfirmedByGdal()},
+                  {"text", proof.GetText().StdStr()}};
+    if (std::isfinite(proof.GetSystemMetres())) shown["systemMetres"] = proof.GetSystemMetres();
+    Json closeness;
+    if (std::isfinite(proof.GetPixels())) closeness["pixels"] = proof.GetPixels();
+    if (std::isfinite(proof.GetMetres())) closeness["metres"] = proof.GetMetres();
+    if (!closeness.empty()) ours["closeness"] = std::move(closeness);
+    ours["proof"] = std::move(shown);
 }
 
 Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
@@ -302,8 +284,7 @@ Json RenderJson(const ConvertOptions& options, const Outcome& outcome) {
         PutSaved(top, ours, outcome);
     }
     if (!outcome.kept.empty()) ours["kept"] = outcome.kept;
-    if (outcome.closeness)
-        ours["closeness"] = {{"pixels", outcome.closeness->pixels}, {"metres", outcome.closeness->metres}};
+    if (outcome.proof) PutProof(*outcome.proof, ours);
     ours["diagnostics"] = Tool::RenderJson(outcome.diagnostics);
     top["mapanchor"] = std::move(ours);
     return top;
@@ -316,9 +297,8 @@ void PrintText(const ConvertOptions& options, const Outcome& outcome, const Cons
     for (const std::string& file : outcome.plan.files)
         console.Print((options.dry_run ? "would write " : "wrote ") + Printable(file) + "\n");
     if (outcome.saved && options.dry_run) PrintReference(*outcome.saved, options.common, console);
-    if (outcome.closeness)
-        console.Print("read back: at most " + PrintFixed(outcome.closeness->pixels, 6) + " pixels, " +
-                      PrintFixed(outcome.closeness->metres, 6) + " metres off at the corners\n");
+    if (outcome.proof && outcome.proof->IsRead())
+        console.Print(Printable(outcome.proof->GetText().StdStr()) + "\n");
 }
 
 ExitStatus Run(const ConvertOptions& options) {
@@ -351,8 +331,17 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
     convert->add_flag("--overwrite", options->overwrite,
                       "Replace existing files; georeference a raster or a PDF in place");
     convert->add_flag("--backup", options->backup, "Keep a copy, .bak, of each file that is overwritten");
-    convert->add_flag("--verify", options->verify,
-                      "Read a PDF back, and tell how far it lies from the reference at the corners");
+    convert->add_flag("--no-verify", options->no_verify,
+                      "Do not read the saved file back and compare it with the reference");
+    convert->add_flag_callback(
+        "--verify", [o = options.get()] { o->no_verify = false; },
+        "Read the saved file back and compare it; the default");
+    AddNumber(
+        *convert, "--tolerance", [o = options.get()](double value) { o->tolerance = value; }, {0.0, 1e9},
+        "How far what is read back may be from the reference, in pixels; 0.001 and 1 mm without it")
+        ->type_name("PX");
+    convert->add_flag("--require-exact", options->require_exact,
+                      "Keep the old file when what is read back is farther away");
     convert->add_flag("--dry-run", options->dry_run, "Show what would be written, and write nothing");
     convert->add_flag_callback(
         "--incremental", [options] { options->incremental = true; },

@@ -1,6 +1,7 @@
 #include "commands/Convert.h"
 
 #include "read/PdfWorkplace.h"
+#include "read/RemarkIds.h"
 
 #include <MapAnchor/BGeoPDFPages.h>
 #include <MapAnchor/BGeoPDFTraits.h>
@@ -19,14 +20,11 @@ using MapAnchor::BGeoPDFPage;
 using MapAnchor::BGeoPDFPages;
 using MapAnchor::BGeoPDFTraits;
 using MapAnchor::BMapAnchor;
+using MapAnchor::BSaving;
+using MapAnchor::BSavingOptions;
 using namespace Tellurion;
 
 namespace {
-
-/// The longest edge of a viewport in points; larger ones are written shrunk to it.
-constexpr double kLongestEdge = 14400.0;
-/// What control points rounded to whole pixels hold.
-constexpr double kCloseInPixels = 0.5;
 
 double Width(const BGeoPDFBox& box) {
     return box.Right - box.Left;
@@ -34,10 +32,6 @@ double Width(const BGeoPDFBox& box) {
 
 double Height(const BGeoPDFBox& box) {
     return box.Top - box.Bottom;
-}
-
-std::string SizeText(double width, double height) {
-    return PrintShortest(width) + " by " + PrintShortest(height) + " points";
 }
 
 /// False, with a failure, for what is no PDF page that can be written.
@@ -52,46 +46,10 @@ bool IsWritablePage(const std::string& target, const BGeoPDFPage& page, Outcome&
     return !outcome.failure;
 }
 
-/// The resolution at which a raster of that width fills the page.
-void SetResolution(ConvertOptions& options, double dpi) {
-    options.read.dpi = dpi;
-    options.read.params.SetDouble(BMapAnchor::kValPDFResolution, dpi);
-}
-
 void SetSize(ConvertOptions& options, const BGeoPDFBox& box) {
     const double per_point = options.read.dpi / ReadOptions::kPointsPerInch;
     options.read.width = std::lround(Width(box) * per_point);
     options.read.height = std::lround(Height(box) * per_point);
-}
-
-/// The viewport that is written starts at the origin and is as large as the raster.
-void WarnOfMisfit(const ConvertOptions& options, const BGeoPDFPage& page, Outcome& outcome) {
-    const BGeoPDFBox& box = page.MediaBox;
-    const double pixel = ReadOptions::kPointsPerInch / options.read.dpi;
-    const double width = static_cast<double>(*options.read.width) * pixel;
-    const double height = static_cast<double>(*options.read.height) * pixel;
-    const double shrunk = std::min(1.0, kLongestEdge / std::max(width, height));
-    if (std::fabs(width * shrunk - Width(box)) > pixel || std::fabs(height * shrunk - Height(box)) > pixel)
-        outcome.Warn("the raster does not fill the page: it covers " +
-                     SizeText(width * shrunk, height * shrunk) + " at " + PrintShortest(options.read.dpi) +
-                     " dots per inch, the page has " + SizeText(Width(box), Height(box)));
-    if (options.read.pdf_by_rules && (std::fabs(box.Left) > pixel || std::fabs(box.Bottom) > pixel))
-        outcome.Warn("the page begins at " + PrintShortest(box.Left) + ", " + PrintShortest(box.Bottom) +
-                     "; the raster is taken to begin at 0, 0");
-    if (page.Rotate != 0)
-        outcome.Warn("the page is shown turned by " + std::to_string(page.Rotate) +
-                     " degrees; the reference lies in the page as it is unturned");
-    if (!page.Maps.empty()) outcome.Warn("the reference that the page has already is replaced");
-}
-
-/// A remark that the library logs under an id has that in front.
-void SplitId(Diagnostic& line) {
-    const std::size_t end = line.text.find(": ");
-    if (end == std::string::npos || line.text.compare(0, 4, "pdf-") != 0 ||
-        line.text.find_first_not_of("abcdefghijklmnopqrstuvwxyz-") != end)
-        return;
-    line.id = line.text.substr(0, end);
-    line.text.erase(0, end + 2);
 }
 
 /// The library's log, in words that mean something to the caller.
@@ -100,19 +58,18 @@ void TakeLog(const PdfWorkplace& place, LogCollector& log, Outcome& outcome) {
     log.MoveTo(lines, false);
     for (Diagnostic& line : lines) {
         line.text = place.InWordsOfTarget(line.text);
-        SplitId(line);
         if (!place.IsAboutLeftovers(line.text)) outcome.diagnostics.push_back(std::move(line));
     }
 }
 
-void ReadBack(const ConvertOptions& options, const PdfWorkplace& place, LogCollector& log, Outcome& outcome) {
+void ReadBack(const ConvertOptions& options, const std::string& file, LogCollector& log, Outcome& outcome) {
     ReadOptions how;
     how.width = options.read.width;
     how.height = options.read.height;
     how.type = EReferenceType::GeoPDF;
     how.pdf_page = options.target_page;
     how.params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
-    ReadResult back = ReadFile(place.File(), how, log);
+    ReadResult back = ReadFile(file, how, log);
     back.file = back.used_file = options.target;
     if (back.failure) {
         outcome.failure = back.failure;
@@ -122,15 +79,35 @@ void ReadBack(const ConvertOptions& options, const PdfWorkplace& place, LogColle
     outcome.saved = std::move(back);
 }
 
-void Verify(const ConvertOptions& options, const BGeoReference& reference, Outcome& outcome) {
-    std::string fault;
-    outcome.closeness = CompareAtCorners(reference, outcome.saved->reference, *options.read.width,
-                                         *options.read.height, fault);
-    if (!outcome.closeness)
-        outcome.Warn("the distance at the corners cannot be told: " + fault);
-    else if (outcome.closeness->pixels > kCloseInPixels)
-        outcome.Warn("what is read back lies " + PrintFixed(outcome.closeness->pixels, 2) +
-                     " pixels from the reference at the worst corner");
+BSavingOptions SavingOptionsAt(const ConvertOptions& options) {
+    BSavingOptions saving = SavingOptionsOf(options);
+    saving.SetType(EReferenceType::GeoPDF);
+    return saving;
+}
+
+/// What a save remarks beyond the losses, which were printed before it.
+void AddNewRemarks(const BSaving& saved, Outcome& outcome) {
+    const auto& remarks = saved.GetDiagnostics();
+    const auto known = static_cast<std::ptrdiff_t>(std::min(outcome.losses, remarks.size()));
+    AddRemarks({remarks.begin() + known, remarks.end()}, outcome.diagnostics);
+}
+
+void AddInWordsOfTarget(const std::vector<BDiagnostic>& remarks, const PdfWorkplace& place,
+                        Outcome& outcome) {
+    Diagnostics lines;
+    AddRemarks(remarks, lines);
+    for (Diagnostic& line : lines) {
+        line.text = place.InWordsOfTarget(line.text);
+        line.file = place.InWordsOfTarget(line.file);
+        if (!place.IsAboutLeftovers(line.text)) outcome.diagnostics.push_back(std::move(line));
+    }
+}
+
+void Verify(const ConvertOptions& options, const BGeoReference& reference, const PdfWorkplace& place,
+            Outcome& outcome) {
+    outcome.proof = BSaving::Verify(BString(place.File()), reference, SavingOptionsAt(options));
+    AddInWordsOfTarget(outcome.proof->GetDiagnostics(), place, outcome);
+    FailWhenInexact(options, outcome);
 }
 
 /// Why the library left the page alone without an exception.
@@ -145,11 +122,16 @@ std::string ReasonOfNothing(const BGeoReference& reference) {
 /// True when the library wrote the file; a warning of its own is no exception.
 bool IsSaved(const ConvertOptions& options, const BGeoReference& reference, const PdfWorkplace& place,
              LogCollector& log, Outcome& outcome) {
-    ConvertOptions at_work = options;
-    at_work.target = place.File();
-    at_work.to = EReferenceType::GeoPDF;
+    BSavingOptions saving = SavingOptionsAt(options);
+    saving.SetVerifies(false);
+    saving.SetRequiresExact(false);
     try {
-        CallSave(at_work, reference);
+        const BSaving saved = BSaving::Of(BString(place.File()), reference, saving);
+        const auto& remarks = saved.GetDiagnostics();
+        AddInWordsOfTarget(
+            {remarks.begin() + static_cast<std::ptrdiff_t>(std::min(outcome.losses, remarks.size())),
+             remarks.end()},
+            place, outcome);
     } catch (...) {
         FailByCurrent(outcome);
         outcome.failure->detail = place.InWordsOfTarget(outcome.failure->detail);
@@ -164,10 +146,10 @@ bool IsSaved(const ConvertOptions& options, const BGeoReference& reference, cons
 void WorkAt(PdfWorkplace& place, const ConvertOptions& options, const BGeoReference& reference,
             LogCollector& log, Outcome& outcome) {
     if (!IsSaved(options, reference, place, log, outcome)) return;
-    if (options.verify || options.dry_run) ReadBack(options, place, log, outcome);
+    if (options.common.json || options.dry_run) ReadBack(options, place.File(), log, outcome);
     if (outcome.failure) return;
-    if (options.verify) Verify(options, reference, outcome);
-    if (options.dry_run) return;
+    if (!options.no_verify || options.require_exact) Verify(options, reference, place, outcome);
+    if (outcome.failure || options.dry_run) return;
     if (options.backup && !KeepCopies(outcome)) return;
     for (const std::string& loss : place.ReplaceTarget())
         outcome.Warn(loss);
@@ -182,10 +164,7 @@ BGeoPDFPage TargetPage(const ConvertOptions& options, const BGeoPDFTraits& trait
     params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
     BGeoPDFPage page = BGeoPDFPages::Describe(target, &params).Pages.front().Page;
     page.Encrypted = page.Encrypted || traits.Encrypted;
-    for (double* side :
-         {&page.MediaBox.Left, &page.MediaBox.Bottom, &page.MediaBox.Right, &page.MediaBox.Top})
-        *side *= page.UserUnit;
-    return page;
+    return page.InPoints();
 }
 
 /// Lets the library append where that is asked for, or the better way; true where it will.
@@ -209,45 +188,52 @@ bool ChooseUpdate(ConvertOptions& options, const BGeoPDFTraits& traits, Outcome&
     return chosen || options.incremental.value_or(false);
 }
 
-/// Appends to the target itself: nothing but its end changes.
+/// Appends to the target itself: only its end changes.
 void AppendToTarget(const ConvertOptions& options, const BGeoReference& reference, LogCollector& log,
                     Outcome& outcome) {
     if (options.backup && !KeepCopies(outcome)) return;
-    ConvertOptions by_type = options;
-    by_type.to = EReferenceType::GeoPDF;
     try {
-        CallSave(by_type, reference);
+        const BSaving saved = BSaving::Of(BString(options.target), reference, SavingOptionsAt(options));
+        AddNewRemarks(saved, outcome);
+        if (!options.no_verify || options.require_exact) {
+            outcome.proof = saved.GetProof();
+            FailWhenInexact(options, outcome);
+        }
     } catch (...) {
         FailByCurrent(outcome);
     }
-    Diagnostics lines;
-    log.MoveTo(lines, false);
-    for (Diagnostic& line : lines) {
-        SplitId(line);
-        outcome.diagnostics.push_back(std::move(line));
-    }
+    log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
+    if (!outcome.failure && options.common.json) ReadBack(options, options.target, log, outcome);
 }
 
 }  // namespace
 
-bool FitToPage(ConvertOptions& options, bool has_size, Outcome& outcome) {
+bool FitToPage(ConvertOptions& options, Outcome& outcome) {
+    constexpr int kMediaBox = 5;
     const BGeoPDFPage page = TargetPage(options, BGeoPDFTraits::Of(BString(options.target)));
     if (!IsWritablePage(options.target, page, outcome)) return false;
-    const BGeoPDFBox& box = page.MediaBox;
-    const bool has_extent = box.Present && Width(box) > 0.0 && Height(box) > 0.0;
-    if (has_size && !has_extent) return true;
-    if (!has_extent) {
+    if (options.read.width) return true;
+    const BGeoPDFBox box = page.BoxForCropType(options.read.pdf_box.value_or(kMediaBox));
+    if (!box.Present || Width(box) <= 0.0 || Height(box) <= 0.0) {
         outcome.Fail(ExitStatus::Error, "BFileAccessException",
                      "The first page of <" + options.target +
                          "> has no media box of its own; --size WxH gives the raster's size.");
         return false;
     }
-    if (!has_size)
-        SetSize(options, box);
-    else if (!options.read.params.HasProperty(BMapAnchor::kValPDFResolution))
-        SetResolution(options,
-                      static_cast<double>(*options.read.width) / Width(box) * ReadOptions::kPointsPerInch);
-    WarnOfMisfit(options, page, outcome);
+    SetSize(options, box);
+    if (options.read.params.HasProperty(BMapAnchor::kValPDFResolution)) return true;
+    options.read.params.SetDouble(BMapAnchor::kValPDFResolution, options.read.dpi);
+    const std::string size = std::to_string(*options.read.width) + "x" + std::to_string(*options.read.height);
+    if (options.require_exact) {
+        outcome.Fail(
+            ExitStatus::Error, "BReadParametersException",
+            "The raster's size is not known, so that the save cannot be exact: --size WxH, or --dpi N "
+            "for a raster that fills the page.");
+        return false;
+    }
+    outcome.diagnostics.push_back({.text = "the raster's size is not known: the page at 72 dots per inch, " +
+                                           size + " pixels, is assumed; --size WxH or --dpi N corrects it",
+                                   .id = RemarkId::kSizeAssumed});
     return true;
 }
 
@@ -255,8 +241,7 @@ void SavePdf(const ConvertOptions& given, const BGeoReference& reference, LogCol
              Outcome& outcome) {
     ConvertOptions options = given;
     const bool appends = ChooseUpdate(options, BGeoPDFTraits::Of(BString(options.target)), outcome);
-    if (appends && !options.verify && !options.dry_run)
-        return AppendToTarget(options, reference, log, outcome);
+    if (appends && !options.dry_run) return AppendToTarget(options, reference, log, outcome);
     try {
         PdfWorkplace place(options.target,
                            options.dry_run ? PdfWorkplace::Purpose::Rehearsal : PdfWorkplace::Purpose::Save);

@@ -207,8 +207,7 @@ void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced
     ConvertOptions convert = options.convert;
     convert.source = options.file;
     convert.image = BFileUtilities::GetFileName(BString(options.image)).StdStr();
-    const bool has_size = convert.read.width.has_value();
-    Outcome outcome = SaveReading(convert, has_size, made.result, log);
+    Outcome outcome = SaveReading(convert, made.result, log);
     made.result.failure = outcome.failure;
     made.result.diagnostics = std::move(outcome.diagnostics);
     made.status = outcome.status;
@@ -225,12 +224,6 @@ void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced
                                     : "an unknown amount"),
                  "rounded"});
     }
-    const EMathTransformType type = made.result.reference.MathTransform->GetMathTransformType();
-    if (outcome.plan.format->HoldsPoints() && made.report && type != EMathTransformType::Affine)
-        made.result.diagnostics.push_back(
-            {false,
-             std::string("the file holds the points, not the fit: read it with --fit ") + WordFor(type),
-             "fit-not-saved"});
     if (!made.result.diagnostics.empty()) made.status = ExitStatus::Warnings;
 }
 

@@ -35,11 +35,6 @@ std::string PlaceOf(const BDiagnostic& remark) {
     return place;
 }
 
-void Copy(const std::vector<BDiagnostic>& remarks, Diagnostics& diagnostics) {
-    for (const BDiagnostic& remark : remarks)
-        diagnostics.push_back(DiagnosticOf(remark));
-}
-
 /// The library's words with what this program offers.
 std::string Detail(const BReading& reading) {
     constexpr std::string_view kFolder = " is a folder, not a file.";
@@ -57,6 +52,11 @@ std::optional<Failure> FailureOf(const BReading& reading) {
 }
 
 }  // namespace
+
+void AddRemarks(const std::vector<BDiagnostic>& remarks, Diagnostics& diagnostics) {
+    for (const BDiagnostic& remark : remarks)
+        diagnostics.push_back(DiagnosticOf(remark));
+}
 
 std::string Failure::Text() const {
     std::string text = message;
@@ -119,7 +119,7 @@ ReadResult ResultOf(const BReading& reading, const std::string& name) {
     if (!reading.IsSidecar() || reading.GetUsedFile() != reading.GetFile()) result.raster = name;
     if (reading.GetPdfPage()) result.page = *reading.GetPdfPage();
     result.origins = reading.GetOrigins();
-    Copy(reading.GetDiagnostics(), result.diagnostics);
+    AddRemarks(reading.GetDiagnostics(), result.diagnostics);
     return result;
 }
 

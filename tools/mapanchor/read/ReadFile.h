@@ -57,6 +57,8 @@ struct ReadResult {
 
 /// A remark of the library, in this program's terms.
 Diagnostic DiagnosticOf(const MapAnchor::BDiagnostic& remark);
+/// Adds what the library remarks, in this program's terms.
+void AddRemarks(const std::vector<MapAnchor::BDiagnostic>& remarks, Diagnostics& diagnostics);
 
 /// What a reading says, in this program's terms.
 ReadResult ResultOf(const MapAnchor::BReading& reading, const std::string& name);

@@ -16,6 +16,7 @@ inline constexpr const char* kOutside = "outside";
 inline constexpr const char* kReadRemark = "read-remark";
 inline constexpr const char* kRmseExceeded = "rmse-exceeded";
 inline constexpr const char* kRmseUnknown = "rmse-unknown";
+inline constexpr const char* kSizeAssumed = "size-assumed";
 inline constexpr const char* kSizeDiffers = "size-differs";
 inline constexpr const char* kSizeUnknown = "size-unknown";
 inline constexpr const char* kTransformMissing = "transform-missing";

@@ -4,6 +4,7 @@
 #include <cpl_minixml.h>
 
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 
 namespace MapAnchor {
@@ -34,20 +35,32 @@ std::string AuxiliaryXmlOf(const StagingFolder& folder) {
     return folder.NameOfRaster() + ".aux.xml";
 }
 
-bool RemovePlaceFromAuxiliaryXml(StagingFolder& folder) {
+namespace {
+
+bool RemoveElements(StagingFolder& folder, std::initializer_list<const char*> names) {
     StagedFile* const file = folder.Open(AuxiliaryXmlOf(folder), StagedFile::Access::Update);
     if (!file || file->Length() > kMaxLength) return false;
     const Tree tree(CPLParseXMLString(file->Bytes(0, static_cast<std::size_t>(file->Length())).c_str()));
     CPLXMLNode* const dataset = tree ? CPLGetXMLNode(tree.get(), "=PAMDataset") : nullptr;
     if (!dataset) return false;
     bool removed = false;
-    for (const char* name : {"GeoTransform", "GCPList"})
+    for (const char* name : names)
         removed = RemoveChild(dataset, name) || removed;
     if (!removed) return false;
     const std::unique_ptr<char, TextDeleter> text(CPLSerializeXMLTree(tree.get()));
     file->Truncate(0);
     file->WriteAt(0, {text.get(), std::strlen(text.get())});
     return true;
+}
+
+}  // namespace
+
+bool RemovePlaceFromAuxiliaryXml(StagingFolder& folder) {
+    return RemoveElements(folder, {"GeoTransform", "GCPList"});
+}
+
+bool RemoveSystemFromAuxiliaryXml(StagingFolder& folder) {
+    return RemoveElements(folder, {"SRS"});
 }
 
 }  // namespace MapAnchor

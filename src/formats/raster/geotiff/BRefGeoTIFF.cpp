@@ -166,28 +166,31 @@ void BRefGeoTIFF::Read(const BString& file, const unsigned int& flags, BGeoRefer
 }
 
 ReferenceFormat BRefGeoTIFF::Format() {
-    return {.name = "TIF",
-            .title = "GeoTIFF and other rasters that GDAL opens",
-            .type = Tellurion::EReferenceType::GeoTIFF,
-            .typed_read =
-                [](const ReadCall& call) {
-                    Read(call.file, call.flags, call.reference, call.width, call.height);
-                },
-            .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference); },
-            .named_read =
-                [](const ReadCall& call) { return Read(call.file, call.reference, call.width, call.height); },
-            .named_save = [](const SaveCall& call) { return Write(call.file, call.reference); },
-            .read_extensions = {Tellurion::REFERENCE_TIF_TAG.GetUnits(),
-                                Tellurion::REFERENCE_TIFF_TAG.GetUnits(), u".ddf", u".dem", u".dt0", u".dt1",
-                                u".dt2", u".dt3", u".dt4", u".dt5", u".asc", u".adf"},
-            .save_extensions = {Tellurion::REFERENCE_TIF_TAG.GetUnits(),
-                                Tellurion::REFERENCE_TIFF_TAG.GetUnits()},
-            .in_place = true,
-            .coord_sys = Keeps::Always,
-            .vertical_unit = Keeps::ByType,
-            .rotation = true,
-            .points = true,
-            .disabled_points = true};
+    return {
+        .name = "TIF",
+        .title = "GeoTIFF and other rasters that GDAL opens",
+        .type = Tellurion::EReferenceType::GeoTIFF,
+        .typed_read =
+            [](const ReadCall& call) {
+                Read(call.file, call.flags, call.reference, call.width, call.height);
+            },
+        .typed_save = [](const SaveCall& call) { Write(call.file, call.flags, call.reference, call.params); },
+        .named_read =
+            [](const ReadCall& call) { return Read(call.file, call.reference, call.width, call.height); },
+        .named_save = [](const SaveCall& call) { return Write(call.file, call.reference, call.params); },
+        .read_extensions = {Tellurion::REFERENCE_TIF_TAG.GetUnits(), Tellurion::REFERENCE_TIFF_TAG.GetUnits(),
+                            u".ddf", u".dem", u".dt0", u".dt1", u".dt2", u".dt3", u".dt4", u".dt5", u".asc",
+                            u".adf"},
+        .save_extensions = {Tellurion::REFERENCE_TIF_TAG.GetUnits(),
+                            Tellurion::REFERENCE_TIFF_TAG.GetUnits()},
+        .in_place = true,
+        .coord_sys = Keeps::Always,
+        .vertical_unit = Keeps::ByType,
+        .rotation = true,
+        .points = true,
+        .skips_disabled_points = true,
+        .point_heights = true,
+        .datum_shift = true};
 }
 
 }  // namespace MapAnchor

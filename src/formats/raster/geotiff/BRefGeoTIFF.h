@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Tellurion/BGeoReference.h>
+#include <Tellurion/BParamList.h>
 #include <Tellurion/BString.h>
 
 namespace MapAnchor {
@@ -18,9 +19,14 @@ public:
                      long height);
     static void Read(const Tellurion::BString& file, const unsigned int& flags,
                      Tellurion::BGeoReference& reference, long width, long height);
-    static bool Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference);
+    static bool Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference,
+                      const Tellurion::BParamList* params = nullptr);
     static void Write(const Tellurion::BString& file, const unsigned int& flags,
-                      const Tellurion::BGeoReference& reference);
+                      const Tellurion::BGeoReference& reference,
+                      const Tellurion::BParamList* params = nullptr);
+
+    /// Of a BParamList: see BMapAnchor::kValReplaceSystem.
+    static constexpr const char* kReplaceSystemKey = "MAP_ANCHOR_REPLACE_SYSTEM";
 
     static ReferenceFormat Format();
 };

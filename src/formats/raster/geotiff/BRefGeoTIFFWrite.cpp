@@ -11,9 +11,12 @@
 #include <Tellurion/BLogger.h>
 #include <Tellurion/BResourceException.h>
 
+#include <cpl_vsi.h>
+
 #include <deque>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace MapAnchor {
@@ -66,22 +69,54 @@ void MarkPointRegistration(GDALDataset& raster, const BGeoReference& reference) 
         raster.SetMetadataItem(kKey, "Point", "");
 }
 
+/// What GDAL adds to the pixels of control points between writing and reading them in a TIFF
+/// whose positions are those of pixel centres: 1 in GDAL 3.6. Found out once.
+double ShiftOfPoints() {
+    static const double shift = [] {
+        constexpr const char* kName = "/vsimem/mapanchor-shift-of-points.tif";
+        constexpr double kPixel = 2.0;
+        static char nothing[] = "";
+        GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+        const GDAL_GCP point = {nothing, nothing, kPixel, kPixel, 1.0, 1.0, 0.0};
+        if (GdalRaster made{driver ? driver->Create(kName, 4, 4, 1, GDT_Byte, nullptr) : nullptr}) {
+            made->SetMetadataItem("AREA_OR_POINT", "Point");
+            made->SetGCPs(1, &point, static_cast<const char*>(nullptr));
+        }
+        const GdalRaster raster = ReopenRaster("GTiff", kName);
+        const double found =
+            raster && raster->GetGCPCount() == 1 ? raster->GetGCPs()->dfGCPPixel - kPixel : 0.0;
+        VSIUnlink(kName);
+        return found;
+    }();
+    return shift;
+}
+
+/// The same for this raster.
+double ShiftOfPoints(GDALDataset& raster) {
+    const char* const registration = raster.GetMetadataItem("AREA_OR_POINT", "");
+    const GDALDriver* const driver = raster.GetDriver();
+    const bool is_concerned = registration && std::string_view(registration) == "Point" && driver &&
+                              std::string_view(driver->GetDescription()) == "GTiff";
+    return is_concerned ? ShiftOfPoints() : 0.0;
+}
+
 /// GDAL's records of the enabled points; `names` holds their texts.
-std::vector<GDAL_GCP> RecordsOf(const std::vector<BPointPair>& pairs, std::deque<std::string>& names) {
+std::vector<GDAL_GCP> RecordsOf(const std::vector<BPointPair>& pairs, double shift,
+                                std::deque<std::string>& names) {
     std::vector<GDAL_GCP> records;
     static char no_info[] = "";
     for (const BPointPair& pair : pairs) {
         if (!pair.Enabled) continue;
         names.emplace_back(pair.Name.Ascii());
-        records.push_back({names.back().data(), no_info, static_cast<double>(pair.Column),
-                           static_cast<double>(pair.Row), pair.World.x, pair.World.y, pair.World.z});
+        records.push_back({names.back().data(), no_info, static_cast<double>(pair.Column) - shift,
+                           static_cast<double>(pair.Row) - shift, pair.World.x, pair.World.y, pair.World.z});
     }
     return records;
 }
 
 bool PutPoints(GDALDataset& raster, const BGeoReference& reference, const BString& text) {
     std::deque<std::string> names;
-    const std::vector<GDAL_GCP> records = RecordsOf(reference.PointPairVector, names);
+    const std::vector<GDAL_GCP> records = RecordsOf(reference.PointPairVector, ShiftOfPoints(raster), names);
     const int count = static_cast<int>(records.size());
     const double epoch = text.IsEmpty() ? 0.0 : reference.CoordSys->GetCoordinateEpoch();
     if (epoch == 0.0)
@@ -97,6 +132,12 @@ bool PutTransform(GDALDataset& raster, const BGeoReference& reference) {
     return raster.SetGeoTransform(geotransform) == CE_None;
 }
 
+/// What becomes of the system of a raster when a reference without one is saved.
+bool IsReplaced(const Tellurion::BParamList* params) {
+    static const BString kKey(BRefGeoTIFF::kReplaceSystemKey);
+    return params && params->GetInteger(kKey, 0) != 0;
+}
+
 /// On the road by name a refusal of the points is forgiven when the vertical unit is
 /// taken, and only then is that unit written at all.
 enum class OnPointsRefused { Throw, TryVerticalUnit };
@@ -104,7 +145,7 @@ enum class OnPointsRefused { Throw, TryVerticalUnit };
 /// True when the raster took a part of the reference. Points stand in the place of the
 /// transform through them.
 bool Put(GDALDataset& raster, const BGeoReference& reference, const BString& text,
-         OnPointsRefused on_points_refused) {
+         OnPointsRefused on_points_refused, bool replaces) {
     MarkPointRegistration(raster, reference);
     const bool has_points = !reference.PointPairVector.empty();
     if (has_points)
@@ -114,7 +155,10 @@ bool Put(GDALDataset& raster, const BGeoReference& reference, const BString& tex
             kPointsRefused);
     else if (reference.HasMathTransform())
         Require(PutTransform(raster, reference), kTransformRefused);
-    if (!text.IsEmpty()) Require(PutSystem(raster, reference, text), kSystemRefused);
+    if (!text.IsEmpty())
+        Require(PutSystem(raster, reference, text), kSystemRefused);
+    else if (replaces && (has_points || reference.HasMathTransform()))
+        raster.SetSpatialRef(nullptr);
     return has_points || reference.HasMathTransform() || !text.IsEmpty();
 }
 
@@ -153,16 +197,18 @@ void RequireCoordSysWritten(const BString& file, const BGeoReference& reference)
 
 }  // namespace
 
-bool BRefGeoTIFF::Write(const BString& file, const BGeoReference& reference) {
+bool BRefGeoTIFF::Write(const BString& file, const BGeoReference& reference,
+                        const Tellurion::BParamList* params) {
     GdalUpdate update(file);
     RequireOpen(update, file, "GeoTIFF write could not open file");
-    const bool written =
-        Put(update.Raster(), reference, TextOfCoordSys(reference), OnPointsRefused::TryVerticalUnit);
+    const bool written = Put(update.Raster(), reference, TextOfCoordSys(reference),
+                             OnPointsRefused::TryVerticalUnit, IsReplaced(params));
     RequireNone(update.Close(), file);
     return written;
 }
 
-void BRefGeoTIFF::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference) {
+void BRefGeoTIFF::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
+                        const Tellurion::BParamList* params) {
     const bool strict = reference.HasCoordSys() && Strictness(flags).CoordSys() == OnFailure::Throw;
     GdalUpdate update(file);
     if (!update.MemoryFault().empty()) throw BResourceException(kSource, update.MemoryFault());
@@ -172,7 +218,7 @@ void BRefGeoTIFF::Write(const BString& file, const unsigned int& flags, const BG
         throw BGeoReferenceInvalidCoordSysException(
             kSource, BString::Format("Couldn't generate a valid WKT string from CoordSys <%ls>",
                                      reference.CoordSys->GetName()));
-    Put(update.Raster(), reference, text, OnPointsRefused::Throw);
+    Put(update.Raster(), reference, text, OnPointsRefused::Throw, IsReplaced(params));
     WriteVerticalUnit(update.Raster(), reference);
     RequireNone(update.Close(), file);
     if (strict) RequireCoordSysWritten(file, reference);

@@ -1,5 +1,7 @@
 #include "raster/geotiff/GdalUpdate.h"
 
+#include "common/DiagnosticIds.h"
+#include "common/ReadNotes.h"
 #include "raster/geotiff/AuxiliaryXml.h"
 #include "raster/geotiff/TiffBlocks.h"
 
@@ -37,6 +39,16 @@ std::vector<std::string> FilesBeside(GDALDataset& raster) {
     return names;
 }
 
+void Note(const char* id, const char* text) {
+    if (ReadNotes* const notes = ReadNotes::Current()) notes->Add({.id = id, .text = text});
+}
+
+/// GDAL updates such a file, and drops the layout.
+bool HasCloudLayout(GDALDataset& raster) {
+    const char* const layout = raster.GetMetadataItem("LAYOUT", "IMAGE_STRUCTURE");
+    return layout && std::strcmp(layout, "COG") == 0;
+}
+
 }  // namespace
 
 GdalUpdate::GdalUpdate(const BString& file) {
@@ -50,6 +62,7 @@ GdalUpdate::GdalUpdate(const BString& file) {
     if (!raster_ || !folder_) return;
     refusal_ = RefusalOf(*lock_, folder_->Raster());
     layout_ = RasterState::Of(*raster_).layout;
+    has_cloud_layout_ = HasCloudLayout(*raster_);
     if (GDALDriver* driver = raster_->GetDriver()) driver_ = driver->GetDescription();
 }
 
@@ -62,16 +75,24 @@ GdalUpdate::~GdalUpdate() {
 /// itself says, so what it says of the place is taken out where it says something else.
 std::string GdalUpdate::CheckStaged(const RasterState& wanted) {
     std::vector<std::string> beside;
+    RasterState found;
     const auto difference = [&]() -> std::string {
         const GdalRaster staged = ReopenRaster(driver_.c_str(), BString(folder_->RasterName()));
         beside = staged ? FilesBeside(*staged) : std::vector<std::string>();
-        return staged ? DifferenceOf(wanted, RasterState::Of(*staged)) : "the raster would not open again";
+        if (!staged) return "the raster would not open again";
+        found = RasterState::Of(*staged);
+        return DifferenceOf(wanted, found);
     };
-    std::string found = difference();
-    if (!found.empty() && RemovePlaceFromAuxiliaryXml(*folder_)) found = difference();
-    for (const std::string& name : found.empty() ? std::vector<std::string>() : beside)
-        found += "; see whether " + name + " overrides it";
-    return found;
+    std::string fault = difference();
+    if (!fault.empty() && RemovePlaceFromAuxiliaryXml(*folder_)) fault = difference();
+    if (fault.empty() && HasOtherSystem(wanted, found) && RemoveSystemFromAuxiliaryXml(*folder_))
+        fault = difference();
+    if (fault.empty() && wanted.registration == "Point" && found.registration != "Point")
+        Note(DiagnosticId::kSavedRegistration,
+             "the file no longer states that its positions are those of pixel centres (AREA_OR_POINT)");
+    for (const std::string& name : fault.empty() ? std::vector<std::string>() : beside)
+        fault += "; see whether " + name + " overrides it";
+    return fault;
 }
 
 std::string GdalUpdate::CloseStaged() {
@@ -82,6 +103,9 @@ std::string GdalUpdate::CloseStaged() {
     if (!quiet_.FirstFailure().empty()) return quiet_.FirstFailure();
     std::string fault = CheckStaged(wanted);
     if (fault.empty()) fault = Commit(*folder_, *lock_);
+    if (fault.empty() && has_cloud_layout_)
+        Note(DiagnosticId::kSavedLayout,
+             "the file is no longer a cloud optimized GeoTIFF: GDAL's COG driver makes one of it again");
     return fault;
 }
 

@@ -44,7 +44,8 @@ private:
     std::optional<StagingFolder> folder_;
     GdalRaster raster_;
     RasterState::Layout layout_;  ///< as opened
-    std::string driver_;          ///< GDAL's name of it
+    bool has_cloud_layout_ = false;
+    std::string driver_;  ///< GDAL's name of it
     std::string memory_fault_;
     std::string refusal_;
 };

@@ -69,7 +69,16 @@ RasterState RasterState::Of(GDALDataset& raster) {
     std::array<double, 6> transform{};
     if (state.point_count == 0 && raster.GetGeoTransform(transform.data()) == CE_None)
         state.transform = transform;
+    if (const OGRSpatialReference* const system =
+            state.point_count > 0 ? raster.GetGCPSpatialRef() : raster.GetSpatialRef())
+        state.system = *system;
+    if (const char* const registration = raster.GetMetadataItem("AREA_OR_POINT", ""))
+        state.registration = registration;
     return state;
+}
+
+bool HasOtherSystem(const RasterState& wanted, const RasterState& found) {
+    return !wanted.system.IsEmpty() && !found.system.IsEmpty() && !wanted.system.IsSame(&found.system);
 }
 
 std::string DifferenceOf(const RasterState& wanted, const RasterState& found) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gdal_priv.h>
+#include <ogr_spatialref.h>
 
 #include <array>
 #include <optional>
@@ -30,12 +31,18 @@ struct RasterState {
     Layout layout;
     std::optional<std::array<double, 6>> transform;  ///< in GDAL's order
     int point_count = 0;
+    OGRSpatialReference system;  ///< empty for none
+    std::string registration;    ///< AREA_OR_POINT; empty where it is not stated
 
     static RasterState Of(GDALDataset& raster);
 };
 
 /// Why `found`, which was read back, is not what `wanted` says; empty when it is. The
 /// transform may differ by a millionth of a pixel: some files store it in other terms.
+/// Systems are not compared: not every system finds room in every file.
 std::string DifferenceOf(const RasterState& wanted, const RasterState& found);
+
+/// True when another system was found in place of the one that was set.
+bool HasOtherSystem(const RasterState& wanted, const RasterState& found);
 
 }  // namespace MapAnchor

@@ -391,6 +391,9 @@ ReferenceFormat BRefERS::Format() {
             .save_extensions = {Tellurion::REFERENCE_ERS_TAG.GetUnits()},
             .sidecar = true,
             .coord_sys = Keeps::Always,
+            .datum_shift = true,
+            .decimals = 12,
+            .scale_decimals = 18,
             .own_system_names = true,
             .states_size = true,
             .names_image = true};

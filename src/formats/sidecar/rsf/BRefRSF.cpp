@@ -252,6 +252,10 @@ ReferenceFormat BRefRSF::Format() {
         .rotation = true,
         .points = true,
         .disabled_points = true,
+        .point_names = true,
+        .point_heights = true,
+        .datum_shift = true,
+        .decimals = 15,
         .needs_size = true};
 }
 

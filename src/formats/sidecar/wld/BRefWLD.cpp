@@ -201,7 +201,9 @@ ReferenceFormat BRefWLD::Format() {
         .sidecar = true,
         // In a prj file, which is not written by type.
         .coord_sys = Keeps::ByName,
-        .rotation = true};
+        .rotation = true,
+        .decimals = 12,
+        .scale_decimals = 12};
     format.save_extensions = format.read_extensions;
     // Saved like the others, but not read by name: there the content decides.
     format.save_extensions.insert(format.save_extensions.end(), {u".j2w", u".kpw"});
