@@ -50,8 +50,8 @@ public:
     BSaving& operator=(const BSaving&);
     ~BSaving();
 
-    bool IsTakenBack() const;  ///< the proof failed, and the old file is there again
-    const BSavingProof& GetProof() const;
+    bool IsTakenBack() const;              ///< the proof failed, and the old file is there again
+    const BSavingProof& GetProof() const;  ///< nothing read where the save was not verified
     /// The losses, what writers logged, and those of the proof, in this order.
     const std::vector<BDiagnostic>& GetDiagnostics() const;
 

@@ -41,7 +41,7 @@ TEST(Explain, EachValueHasAPlace) {
     folder.ExpectRun("convert --size 9x9 --image a.png %b.rsf %c.tab", 0);
     folder.ExpectRun("convert --size 9x9 --image a.png %a.tfw %d.ers", 0);
     folder.Write("l.pdf", RichPdf(720, 360));
-    folder.ExpectRun("convert --overwrite %a.tfw %l.pdf", 0);
+    folder.ExpectRun("convert --overwrite --dpi 72 %a.tfw %l.pdf", 0);
     folder.Write("e.kap", "!\nBSB/NA=x,RA=9,9\nKNP/GD=WGS84\nREF/1,0,0,1,1\nREF/2,9,0,1,2\nREF/3,9,9,2,2\n");
     folder.Write("f.doq", DoqFile().Bytes());
     folder.Write("g.on1", FrameFile().Bytes());

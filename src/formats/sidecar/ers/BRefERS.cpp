@@ -1,12 +1,11 @@
 #include "sidecar/ers/BRefERS.h"
 
 #include "common/DiagnosticIds.h"
-#include "common/ReadNotes.h"
-#include "common/ReferenceFormat.h"
-
 #include "common/FindCoordSys.h"
 #include "common/InputFile.h"
 #include "common/OutputFile.h"
+#include "common/ReadNotes.h"
+#include "common/ReferenceFormat.h"
 #include "common/StoreTransform.h"
 #include "lookups/CoordSysLookups.h"
 #include "sidecar/ers/ErsHeader.h"
