@@ -192,7 +192,7 @@ TEST_F(PdfInPlace, RefusedWithoutTouchingTheFile) {
         {"--overwrite %bare.tfw %map.pdf", 2, "Coordinate system is required"},
         {"--overwrite %map.tfw %map.pdf", 2, "has no media box of its own", PagePdf("").Text()},
         {"--overwrite %none.tfw %map.pdf", 2, "does NOT exist"},
-        {"--overwrite --size 4x4 %map.tfw %map.pdf", 2, "too small to tell them apart"},
+        {"--overwrite --size 4x4 %map.tfw %map.pdf", 2, "too small to distinguish them"},
         {"--overwrite %far.tfw %map.pdf", 2, "have no longitude and latitude"},
         {"--overwrite --require-exact %map.tfw %map.pdf", 2, "size is not known"},
     };

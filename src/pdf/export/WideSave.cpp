@@ -168,7 +168,7 @@ MapToWrite MapOf(const BGeoReference& reference, long width, long height, const 
         throw BException("Could not generate Tie points", kSource,
                          map.points.pixels.empty() && reference.HasMathTransform()
                              ? "The raster's corners have no longitude and latitude, or the raster is too "
-                               "small to tell them apart."
+                               "small to distinguish them."
                              : "A PDF needs a transform, or four control points that are enabled.");
     PlaceOnGround(map.points, system, map.projected);
     return map;

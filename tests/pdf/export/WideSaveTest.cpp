@@ -258,7 +258,7 @@ TEST(WideSave, RefusedWithTheFileAsItWas) {
     } rows[] = {
         {"Coordinate system is required", good, bare},
         {"beyond the pole", good, polar},
-        {"too small to tell them apart", good, placed, {.width = 2, .height = 2}},
+        {"too small to distinguish them", good, placed, {.width = 2, .height = 2}},
         {"is encrypted", encrypted, placed},
         {"password protected", encrypted, placed, {.update = kWhereNeeded}},
         {"cannot be updated", good.substr(0, good.size() - 40), placed},

@@ -116,7 +116,7 @@ std::string ReasonOfNothing(const BGeoReference& reference) {
     return reference.PointPairVector.size() >= kPointsThatSuffice
                ? "Nothing was saved: a PDF needs a transform, or four control points that are enabled."
                : "Nothing was saved: the raster's corners have no longitude and latitude, or the raster is "
-                 "too small to tell them apart.";
+                 "too small to distinguish them.";
 }
 
 /// True when the library wrote the file; a warning of its own is no exception.

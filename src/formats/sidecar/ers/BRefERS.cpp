@@ -26,7 +26,6 @@
 #include <array>
 #include <cmath>
 #include <ctime>
-#include <initializer_list>
 #include <optional>
 
 namespace MapAnchor {
@@ -97,7 +96,7 @@ AffineTerms SetSystem(BGeoReference& reference, const BSharedPtr<BCoordSys>& sys
 void NoteOrigins(const BString& file, const ErsHeader& header, bool has_system) {
     ReadNotes* const notes = ReadNotes::Explaining();
     if (!notes) return;
-    const auto add = [&](const char* value, std::initializer_list<const char*> tags) {
+    const auto add = [&](const char* value, const std::vector<const char*>& tags) {
         std::string place;
         for (const char* tag : tags)
             if (const long line = header.LineOf(tag))
