@@ -59,7 +59,7 @@ bool BReading::IsSidecar() const {
 }
 
 bool BReading::IsCentreAnchored() const {
-    return state_->kind && state_->kind->centre_anchored;
+    return state_->IsCentreAnchored();
 }
 
 long BReading::GetWidth() const {

@@ -252,8 +252,7 @@ void MeasureSources(SourceList& sources, const ReadingState& gdal, long width, l
     for (auto& source : sources) {
         const std::string_view kind = source->kind;
         if (!source->HasPosition() || kind == "RSF" || kind == "ERS" || gdal.failure) continue;
-        const PlacedRaster own{source->reading->reference,
-                               source->reading->kind && source->reading->kind->centre_anchored};
+        const PlacedRaster own{source->reading->reference, source->reading->IsCentreAnchored()};
         const double distance = DistanceBetween({gdal.reference}, own, width, height).pixels;
         const bool is_listed =
             kind == "internal" ||
@@ -272,11 +271,11 @@ void ReadFromWinner(SourceList& sources, const BReadingOptions& options, const R
     if (!winner) return FailNothing(sources, options, state);
     winner->wins = true;
     const ReadingState& read = *winner->reading;
-    const PlacedRaster here{read.reference, read.kind && read.kind->centre_anchored};
+    const PlacedRaster here{read.reference, read.IsCentreAnchored()};
     for (auto& source : sources) {
         const ReadingState& other = *source->reading;
-        const auto distance = DistanceBetween(
-            here, {other.reference, other.kind && other.kind->centre_anchored}, state.width, state.height);
+        const auto distance =
+            DistanceBetween(here, {other.reference, other.IsCentreAnchored()}, state.width, state.height);
         source->pixels = distance.pixels;
         source->metres = distance.metres;
     }

@@ -46,12 +46,14 @@ struct ReadingState {
     long height = 0;
     long stated_width = 0;  ///< as the file that was read states it; 0 for none
     long stated_height = 0;
-    bool is_raster = false;  ///< GDAL opened it
+    bool is_raster = false;               ///< GDAL opened it
+    std::optional<bool> centre_anchored;  ///< of this file; empty for what its kind has
     std::optional<BGeoPDFPage> page;
     std::vector<BDiagnostic> diagnostics;
     bool explains = false;  ///< readers state where values are written
     std::vector<BReading::Origin> origins;
 
+    bool IsCentreAnchored() const { return centre_anchored.value_or(kind && kind->centre_anchored); }
     void Add(const DiagnosticParts& parts) { diagnostics.push_back(parts.Make()); }
 };
 

@@ -312,6 +312,7 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
             state.height = notes.height;
         }
     }
+    state.centre_anchored = notes.centre_anchored;
     if (notes.stated_width > 0 && notes.stated_height > 0) {
         state.stated_width = notes.stated_width;
         state.stated_height = notes.stated_height;

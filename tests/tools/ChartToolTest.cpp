@@ -1,5 +1,6 @@
 // Rasters that are known by their headers, and charts, at the command line.
 
+#include <gdal.h>
 #include <gtest/gtest.h>
 
 #include "../formats/raster/ChartFiles.h"
@@ -78,6 +79,29 @@ TEST(ChartTool, AHeaderOfAnyLengthIsReadInLittleTime) {
         folder.Write("long.kap", chart + rows);
         folder.ExpectRun("preview %long.kap", 0, "", {"4 by 3 pixels"});
     }
+}
+
+// A JPEG 2000 without a scale is placed by GDAL, which counts from the corner.
+TEST(ChartTool, PointsOfAJpeg2000CountFromTheCorner) {
+    GDALAllRegister();
+    GDALDriverH writer = GDALGetDriverByName("JP2OpenJPEG");
+    if (!writer) GTEST_SKIP() << "GDAL has no writer of JPEG 2000";
+    const ToolFolder folder;
+    GDALDatasetH raster = GDALCreate(GDALGetDriverByName("MEM"), "", 64, 48, 1, GDT_Byte, nullptr);
+    GDAL_GCP points[4] = {};
+    GDALInitGCPs(4, points);
+    for (int i = 0; i < 4; ++i) {
+        points[i].dfGCPPixel = i % 2 * 64;
+        points[i].dfGCPLine = i / 2 * 48;
+        points[i].dfGCPX = 500000 + 10 * points[i].dfGCPPixel;
+        points[i].dfGCPY = 4000000 - 10 * points[i].dfGCPLine;
+    }
+    GDALSetGCPs(raster, 4, points, PrjOf("32633").c_str());
+    GDALClose(GDALCreateCopy(writer, (folder / "p.jp2").c_str(), raster, 0, nullptr, nullptr, nullptr));
+    GDALClose(raster);
+    GDALDeinitGCPs(4, points);
+    folder.ExpectRun("--json %p.jp2", 0,
+                     R"("pixelAnchor":"corner","geoTransform":[500000,10,0,4000000,0,-10])");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <Tellurion/BString.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,8 @@ public:
     long stated_height = 0;
     long width = 0;  ///< of the raster; 0 when the reader does not state it
     long height = 0;
+    /// Where column 0, row 0 of this file's affine is, if that is not where its kind has it.
+    std::optional<bool> centre_anchored;
     std::vector<Tellurion::BString> files;  ///< that took part beside the one that was named
     std::vector<BDiagnostic> diagnostics;
     std::vector<Origin> origins;

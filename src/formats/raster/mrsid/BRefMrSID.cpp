@@ -4,6 +4,7 @@
 #include "raster/jp2/HeaderReaders.h"
 
 #include "common/InputFile.h"
+#include "common/ReadNotes.h"
 #include "common/StoreTransform.h"
 #include "common/Strictness.h"
 #include "raster/gdal/GdalRaster.h"
@@ -181,7 +182,11 @@ void FillByGdal(const BString& file, const SidImage& image, BGeoReference& refer
     BGeoReference local;
     if (!ReadByGdal(file, image, local)) return;
     if (!reference.HasCoordSys() && local.HasCoordSys()) reference.SetCoordSys(local.CoordSys);
-    if (!reference.HasMathTransform() && local.HasMathTransform()) CopyAffine(local, reference);
+    if (reference.HasMathTransform() || !local.HasMathTransform()) return;
+    CopyAffine(local, reference);
+    // GDAL counts from the corner, unlike the stand-in for its driver.
+    ReadNotes* const notes = ReadNotes::Current();
+    if (notes && !image.is_mrsid) notes->centre_anchored = false;
 }
 
 void RequireResolution(const BString& file, const SidImage& image) {
