@@ -73,7 +73,8 @@ std::string HeadingOf(RowFormat format) {
 
 Row MakeRow(ReadResult& result, const RowSettings& settings) {
     Row row;
-    if (result.failure && result.failure->type == "std::bad_alloc") result.failure->type = "OutOfMemory";
+    if (result.failure && result.failure->kind == FailureKind::Memory)
+        result.failure->type = FailureTypes::kOutOfMemory.name;
     row.status = result.Status();
     // Only the formats with a place show what is found out about it.
     const bool has_place = settings.format != RowFormat::JsonLines;
@@ -112,11 +113,11 @@ Row MakeRowsOfMaps(const std::string& name, const ReadOptions& options, const Ro
     return rows ? *rows : MakeRow(first, settings);
 }
 
-Row MakeLostRow(const std::string& name, const std::string& type, const std::string& detail,
+Row MakeLostRow(const std::string& name, const FailureType& type, const std::string& detail,
                 const RowSettings& settings) {
     ReadResult result;
     result.file = name;
-    result.failure = Failure{type, "", "mapanchor", detail};
+    result.failure = MakeFailure(type, detail);
     return MakeRow(result, settings);
 }
 

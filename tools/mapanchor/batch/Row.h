@@ -28,7 +28,7 @@ Row MakeRowsOfMaps(const std::string& name, const ReadOptions& options, const Ro
                    LogCollector& log);
 
 /// Of an input that no worker could finish.
-Row MakeLostRow(const std::string& name, const std::string& type, const std::string& detail,
+Row MakeLostRow(const std::string& name, const FailureType& type, const std::string& detail,
                 const RowSettings& settings);
 
 /// What stands above the rows; empty for most formats.

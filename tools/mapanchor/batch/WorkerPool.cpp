@@ -55,13 +55,13 @@ JobOutcome WorkerPool::Lose(Seat& seat, bool timed_out) {
     seat.job.reset();
     const std::string end = seat.worker->End();
     if (timed_out) {
-        outcome.loss = "Timeout";
+        outcome.loss = FailureTypes::kTimeout;
         outcome.loss_detail = "Not done within " + Tellurion::PrintShortest(limits_.seconds) + " seconds.";
     } else if (seat.worker->EndedForMemory()) {
-        outcome.loss = "OutOfMemory";
+        outcome.loss = FailureTypes::kOutOfMemory;
         outcome.loss_detail = "The memory allowed for a file is not enough.";
     } else {
-        outcome.loss = "Crash";
+        outcome.loss = FailureTypes::kCrash;
         outcome.loss_detail = "The reading process ended by " + end + ".";
     }
     Hire(seat);

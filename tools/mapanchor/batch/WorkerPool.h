@@ -1,8 +1,10 @@
 #pragma once
 
 #include "batch/Worker.h"
+#include "read/Failure.h"
 
 #include <memory>
+#include <optional>
 
 namespace Tool {
 
@@ -15,8 +17,8 @@ struct Job {
 struct JobOutcome {
     Job job;
     std::string answer;
-    std::string loss;         ///< "Timeout", "OutOfMemory" or "Crash"; empty when there is an answer
-    std::string loss_detail;  ///< a sentence
+    std::optional<FailureType> loss;  ///< a timeout, want of memory or a crash; empty with an answer
+    std::string loss_detail;          ///< a sentence
 };
 
 /// A fixed number of workers. One that is lost is replaced, and costs its job only.

@@ -211,9 +211,8 @@ void Batch::WriteInOrder() {
 }
 
 void Batch::Finish(JobOutcome outcome) {
-    Row row = outcome.loss.empty()
-                  ? Unpack(std::move(outcome.answer))
-                  : MakeLostRow(outcome.job.name, outcome.loss, outcome.loss_detail, settings_);
+    Row row = !outcome.loss ? Unpack(std::move(outcome.answer))
+                            : MakeLostRow(outcome.job.name, *outcome.loss, outcome.loss_detail, settings_);
     tally_.Count(row.status);
     progress_.Count(row.status != ExitStatus::Done && row.status != ExitStatus::Warnings);
     waiting_.emplace(outcome.job.number, std::move(row));

@@ -55,8 +55,8 @@ struct Outcome {
     std::optional<ReadResult> saved;               ///< a PDF as it is read back, for JSON and a dry run
     std::optional<MapAnchor::BSavingProof> proof;  ///< of what was read back
 
-    void Fail(ExitStatus with, const char* type, const std::string& detail) {
-        failure = Failure{type, "", "mapanchor", detail};
+    void Fail(ExitStatus with, const FailureType& type, const std::string& detail) {
+        failure = MakeFailure(type, detail);
         status = with;
     }
     void Warn(const std::string& text) { diagnostics.push_back({false, text}); }

@@ -60,19 +60,19 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
 bool MayWrite(const ConvertOptions& options, const std::string& used_file, Outcome& outcome) {
     for (const std::string& file : outcome.plan.files) {
         if (IsSameFile(options.source, file) || IsSameFile(used_file, file)) {
-            outcome.Fail(ExitStatus::Error, "BFileAccessException",
+            outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
                          "Source and target are the same file <" + file + ">.");
             return false;
         }
         if (options.overwrite || !BFileUtilities::Exists(BString(file))) continue;
-        outcome.Fail(ExitStatus::Error, "BFileAccessException",
+        outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
                      outcome.plan.IsInPlace()
                          ? "File <" + file + "> exists; --overwrite georeferences it in place."
                          : ExistsText(file));
         return false;
     }
     if (!outcome.plan.IsInPlace() || BFileUtilities::Exists(BString(options.target))) return true;
-    outcome.Fail(ExitStatus::Error, "BFileAccessException",
+    outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
                  "File <" + options.target + "> does NOT exist; a reference is saved into a " +
                      (outcome.plan.IsPdf() ? "PDF" : "raster") + " that is there.");
     return false;
@@ -86,9 +86,7 @@ std::string FreeName(const std::string& stem) {
 }
 
 ExitStatus StatusOf(const Failure& failure) {
-    const bool refused = failure.type == "BUnsupportedFileTypeException" ||
-                         failure.type == "BGeoReferenceNotSupportedException";
-    return refused ? ExitStatus::Refused : ExitStatus::Error;
+    return failure.kind == FailureKind::Unsupported ? ExitStatus::Refused : ExitStatus::Error;
 }
 
 }  // namespace
@@ -109,7 +107,7 @@ MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
 
 bool FailWhenInexact(const ConvertOptions& options, Outcome& outcome) {
     if (!options.require_exact || outcome.proof->IsExact()) return false;
-    outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
+    outcome.Fail(ExitStatus::Error, FailureTypes::kWrite,
                  "The save is not exact and was taken back; <" + options.target +
                      "> is what it was: " + outcome.proof->GetText().StdStr() + ".");
     return true;
@@ -126,7 +124,7 @@ bool KeepCopies(Outcome& outcome) {
         const std::string copy = FreeName(file + ".bak");
         std::error_code error;
         if (!std::filesystem::copy_file(file, copy, error)) {
-            outcome.Fail(ExitStatus::Error, "BFileAccessException",
+            outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
                          "No copy <" + copy + "> can be kept: " + error.message() + ".");
             std::filesystem::remove(copy, error);
             return false;
@@ -147,7 +145,7 @@ std::vector<ReservedTarget> Reserve(const ConvertOptions& options, Outcome& outc
         for (const std::string& file : outcome.plan.files)
             reserved.emplace_back(file, options.overwrite);
     } catch (const std::runtime_error& error) {
-        outcome.Fail(ExitStatus::Error, "BFileAccessException", error.what());
+        outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess, error.what());
         reserved.clear();
     }
     return reserved;
@@ -194,7 +192,7 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
     if (!outcome.failure && outcome.proof && FailWhenInexact(options, outcome) && !existed)
         RemoveFiles(outcome.plan.files);
     if (!outcome.failure && IsEmptyFile(options.target))
-        outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
+        outcome.Fail(ExitStatus::Error, FailureTypes::kWrite,
                      "Nothing was saved: the reference has no part that this kind of file holds.");
     if (!outcome.failure) return;
     if (outcome.status != ExitStatus::Refused) CleanUp(options.target, existed, outcome);
@@ -204,7 +202,7 @@ void Save(const ConvertOptions& options, const BGeoReference& reference, Outcome
 bool IsPossible(ConvertOptions& options, const ReadResult& source, Outcome& outcome) {
     if (!outcome.plan.format)
         outcome.Fail(
-            ExitStatus::Refused, "BUnsupportedFileTypeException",
+            ExitStatus::Refused, FailureTypes::kUnsupportedFile,
             "File <" + options.target + "> is not of a kind that can be saved here; see mapanchor formats.");
     return !outcome.failure && HasWhatItNeeds(options, source.reference, outcome) &&
            MayWrite(options, source.used_file, outcome) &&

@@ -18,7 +18,7 @@ bool HasWhatItNeeds(const ConvertOptions& options, const BGeoReference& referenc
     if (!format || !format->NeedsRasterSize() || has_size || !reference.PointPairVector.empty() ||
         !reference.HasMathTransform())
         return true;
-    outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException",
+    outcome.Fail(ExitStatus::Error, FailureTypes::kWrite,
                  "The reference has no control points, and the corners that stand for them need the raster's "
                  "size, two pixels at least each way: --size WxH.");
     return false;

@@ -38,10 +38,10 @@ double Height(const BGeoPDFBox& box) {
 bool IsWritablePage(const std::string& target, const BGeoPDFPage& page, Outcome& outcome) {
     const std::string file = "File <" + target + ">";
     if (page.Encrypted)
-        outcome.Fail(ExitStatus::Refused, "BGeoReferenceNotSupportedException",
+        outcome.Fail(ExitStatus::Refused, FailureTypes::kNotSupported,
                      file + " is encrypted; it can be georeferenced without a password alone.");
     else if (!page.Loaded)
-        outcome.Fail(ExitStatus::Error, "BFileAccessException",
+        outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
                      file + " is no PDF that can be read: " + page.Fault.StdStr());
     return !outcome.failure;
 }
@@ -139,7 +139,7 @@ bool IsSaved(const ConvertOptions& options, const BGeoReference& reference, cons
     }
     TakeLog(place, log, outcome);
     if (!outcome.failure && !place.HasResult())
-        outcome.Fail(ExitStatus::Error, "BGeoReferenceWriteException", ReasonOfNothing(reference));
+        outcome.Fail(ExitStatus::Error, FailureTypes::kWrite, ReasonOfNothing(reference));
     return !outcome.failure;
 }
 
@@ -215,7 +215,7 @@ bool FitToPage(ConvertOptions& options, Outcome& outcome) {
     if (options.read.width) return true;
     const BGeoPDFBox box = page.BoxForCropType(options.read.pdf_box.value_or(kMediaBox));
     if (!box.Present || Width(box) <= 0.0 || Height(box) <= 0.0) {
-        outcome.Fail(ExitStatus::Error, "BFileAccessException",
+        outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
                      "The first page of <" + options.target +
                          "> has no media box of its own; --size WxH gives the raster's size.");
         return false;
@@ -226,7 +226,7 @@ bool FitToPage(ConvertOptions& options, Outcome& outcome) {
     const std::string size = std::to_string(*options.read.width) + "x" + std::to_string(*options.read.height);
     if (options.require_exact) {
         outcome.Fail(
-            ExitStatus::Error, "BReadParametersException",
+            ExitStatus::Error, FailureTypes::kParameters,
             "The raster's size is not known, so that the save cannot be exact: --size WxH, or --dpi N "
             "for a raster that fills the page.");
         return false;
@@ -247,7 +247,7 @@ void SavePdf(const ConvertOptions& given, const BGeoReference& reference, LogCol
                            options.dry_run ? PdfWorkplace::Purpose::Rehearsal : PdfWorkplace::Purpose::Save);
         WorkAt(place, options, reference, log, outcome);
     } catch (const std::filesystem::filesystem_error& error) {
-        outcome.Fail(ExitStatus::Error, "BFileAccessException",
+        outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
                      "File <" + options.target + "> was not georeferenced: " + error.what());
     }
 }

@@ -71,8 +71,8 @@ struct Comparison {
     std::optional<Failure> failure;
     ExitStatus status = ExitStatus::Done;
 
-    void Fail(ExitStatus with, const char* type, const std::string& detail) {
-        failure = Failure{type, "", "mapanchor", detail};
+    void Fail(ExitStatus with, const FailureType& type, const std::string& detail) {
+        failure = MakeFailure(type, detail);
         status = with;
     }
     double MostUnits() const {
@@ -94,7 +94,7 @@ bool IsUsable(const ReadResult& read, Comparison& comparison) {
         comparison.failure = read.failure;
         comparison.status = read.Status();
     } else if (!read.reference.HasMathTransform()) {
-        comparison.Fail(ExitStatus::NoReference, "BFileContentNotValidException",
+        comparison.Fail(ExitStatus::NoReference, FailureTypes::kNoReference,
                         "File <" + read.file + "> has no transform.");
     }
     return !comparison.failure;
@@ -112,7 +112,7 @@ std::optional<Conversion> WayBetween(const ReadResult& a, const ReadResult& b, C
     if (IsSameSystem(to, from)) return std::nullopt;
     Conversion conversion(from, to);
     if (!conversion.IsPossible())
-        comparison.Fail(ExitStatus::Error, "BCoordSysException",
+        comparison.Fail(ExitStatus::Error, FailureTypes::kCoordSys,
                         "No way leads from " + NameOf(from) + " to " + NameOf(to) + ".");
     return conversion;
 }
@@ -158,7 +158,7 @@ void MeasureAll(ReadResult& a, ReadResult& b, Comparison& comparison) {
     const auto frame_a = FrameOf(a);
     const auto frame_b = a.width ? FrameOf(b) : frame_a;
     if (!frame_a || !frame_b)
-        return comparison.Fail(ExitStatus::Error, "BFileContentNotValidException",
+        return comparison.Fail(ExitStatus::Error, FailureTypes::kNoReference,
                                "The raster's size is not known: --size WxH.");
     if (a.width != b.width || a.height != b.height)
         comparison.diagnostics.push_back({false,
@@ -175,7 +175,7 @@ void MeasureAll(ReadResult& a, ReadResult& b, Comparison& comparison) {
                  RemarkId::kNoPosition});
     }
     if (comparison.distances.empty())
-        comparison.Fail(ExitStatus::Error, "BGeoReferenceInvalidTransformException",
+        comparison.Fail(ExitStatus::Error, FailureTypes::kTransform,
                         "The references have no place in common.");
 }
 

@@ -168,10 +168,10 @@ void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
     if (report.NearLine)
         remarks.push_back({false, "the points are near a line: the fit is weak across it", "near-line"});
     if (options.max_rmse && report.RmsePixels > *options.max_rmse)
-        made.result.failure =
-            Failure{"BGeoReferenceInvalidTransformException", "", "mapanchor",
-                    "The root mean square of the residuals is " + PrintFixed(report.RmsePixels, 3) +
-                        " pixels, more than " + PrintShortest(*options.max_rmse) + "; nothing was saved."};
+        made.result.failure = MakeFailure(FailureTypes::kTransform,
+                                          "The root mean square of the residuals is " +
+                                              PrintFixed(report.RmsePixels, 3) + " pixels, more than " +
+                                              PrintShortest(*options.max_rmse) + "; nothing was saved.");
 }
 
 /// What whole pixels cost: the largest distance of the fit through them, in pixels, at the corners

@@ -73,7 +73,7 @@ Json OutcomeJson(const PreviewOptions& options, const ReadResult& result) {
 /// The drawing never takes the place of what it shows.
 void WriteDrawing(const PreviewOptions& options, ReadResult& result) {
     const auto fail = [&result](const std::string& why) {
-        result.failure = Failure{"BFileAccessException", "", "mapanchor", why};
+        result.failure = MakeFailure(FailureTypes::kFileAccess, why);
     };
     for (const std::string& source : {options.file, result.used_file})
         if (IsSameFile(options.target, source))

@@ -2,8 +2,6 @@
 
 #include <MapAnchor/BReading.h>
 
-#include <exception>
-#include <new>
 #include <string_view>
 
 namespace Tool {
@@ -16,15 +14,25 @@ namespace {
 
 using EOutcome = BReading::EOutcome;
 
-ExitStatus StatusOf(EOutcome outcome) {
+FailureKind KindOf(EOutcome outcome) {
     switch (outcome) {
         case EOutcome::NoReference:
-            return ExitStatus::NoReference;
+            return FailureKind::NoReference;
         case EOutcome::Refused:
-            return ExitStatus::Refused;
+            return FailureKind::Unsupported;
+        case EOutcome::NotFound:
+        case EOutcome::NoAccess:
+            return FailureKind::Access;
+        case EOutcome::OutOfMemory:
+            return FailureKind::Memory;
         default:
-            return ExitStatus::Error;
+            return FailureKind::Invalid;
     }
+}
+
+ExitStatus StatusOf(FailureKind kind) {
+    if (kind == FailureKind::NoReference) return ExitStatus::NoReference;
+    return kind == FailureKind::Unsupported ? ExitStatus::Refused : ExitStatus::Error;
 }
 
 std::string PlaceOf(const BDiagnostic& remark) {
@@ -48,7 +56,7 @@ std::string Detail(const BReading& reading) {
 std::optional<Failure> FailureOf(const BReading& reading) {
     if (reading.HasReference()) return std::nullopt;
     return Failure{reading.GetFailureType().StdStr(), reading.GetFailureMessage().StdStr(),
-                   reading.GetFailureSource().StdStr(), Detail(reading)};
+                   reading.GetFailureSource().StdStr(), Detail(reading), KindOf(reading.GetOutcome())};
 }
 
 }  // namespace
@@ -58,36 +66,8 @@ void AddRemarks(const std::vector<BDiagnostic>& remarks, Diagnostics& diagnostic
         diagnostics.push_back(DiagnosticOf(remark));
 }
 
-std::string Failure::Text() const {
-    std::string text = message;
-    if (!text.empty() && !detail.empty()) text += " ";
-    text += detail;
-    while (text.ends_with('\n'))  // some of the library's texts end so
-        text.pop_back();
-    return text.empty() ? type : text;
-}
-
-Failure FailureOf(const BException& error) {
-    return {error.GetTypeName(), error.GetMessageText().StdStr(), error.GetSource().StdStr(),
-            error.GetDetail().StdStr()};
-}
-
-Failure CurrentFailure() {
-    try {
-        throw;
-    } catch (const BException& error) {
-        return FailureOf(error);
-    } catch (const std::bad_alloc&) {
-        return {"std::bad_alloc", "Out of memory.", "", ""};
-    } catch (const std::exception& error) {
-        return {"std::exception", error.what(), "", ""};
-    } catch (...) {
-        return {"unknown", "A failure of another library that has no text here.", "", ""};
-    }
-}
-
 ExitStatus ReadResult::Status() const {
-    if (failure) return StatusOf(outcome);
+    if (failure) return StatusOf(failure->kind);
     return AreDoubtful(diagnostics) ? ExitStatus::Warnings : ExitStatus::Done;
 }
 
@@ -104,7 +84,6 @@ ReadResult ResultOf(const BReading& reading, const std::string& name) {
     ReadResult result;
     result.file = name;
     result.failure = FailureOf(reading);
-    result.outcome = reading.GetOutcome();
     result.reference = reading.GetReference();
     result.road = reading.IsByName() ? Road::Name : Road::Type;
     result.kind = reading.GetKind().StdStr();

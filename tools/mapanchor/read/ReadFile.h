@@ -1,12 +1,12 @@
 #pragma once
 
 #include "read/Diagnostics.h"
+#include "read/Failure.h"
 #include "read/ReadOptions.h"
 #include "terminal/ExitStatus.h"
 
 #include <MapAnchor/BGeoPDFPage.h>
 #include <MapAnchor/BReading.h>
-#include <Tellurion/BException.h>
 #include <Tellurion/BGeoReference.h>
 
 #include <optional>
@@ -14,21 +14,6 @@
 #include <vector>
 
 namespace Tool {
-
-/// A failure in parts; any of the texts but the type may be empty.
-struct Failure {
-    std::string type;
-    std::string message;
-    std::string source;
-    std::string detail;
-
-    std::string Text() const;
-};
-
-Failure FailureOf(const Tellurion::BException& error);
-
-/// The failure that is being handled, to be called in a catch (...) block.
-Failure CurrentFailure();
 
 enum class Road { Name, Type };
 
@@ -41,8 +26,7 @@ struct ReadResult {
     std::string kind;       ///< short name of the kind that was read, such as "WLD"; empty when unknown
     std::string used_file;  ///< the file that was actually read
     std::vector<std::string> files;  ///< all that took part
-    MapAnchor::BReading::EOutcome outcome = MapAnchor::BReading::EOutcome::Read;
-    std::string raster;  ///< that the reference is of; empty when only a sidecar was named
+    std::string raster;              ///< that the reference is of; empty when only a sidecar was named
     bool centre_anchored = false;
     std::optional<long> width;  ///< of the raster, as given or as the file implies
     std::optional<long> height;

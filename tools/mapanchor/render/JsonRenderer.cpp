@@ -272,29 +272,8 @@ Json RenderJson(const BCoordSys& system) {
     return json;
 }
 
-namespace {
-
-/// For programs that decide whether to try again.
-const char* ClassOf(const std::string& type) {
-    constexpr std::pair<const char*, const char*> kClasses[] = {
-        {"BFileNotFoundException", "access"},
-        {"BFileAccessException", "access"},
-        {"BFileContentNotValidException", "no-reference"},
-        {"BUnsupportedFileTypeException", "unsupported"},
-        {"BGeoReferenceNotSupportedException", "unsupported"},
-        {"Crash", "crash"},
-        {"Timeout", "timeout"},
-        {"OutOfMemory", "memory"},
-        {"std::bad_alloc", "memory"}};
-    for (const auto& [known, word] : kClasses)
-        if (type == known) return word;
-    return "invalid";
-}
-
-}  // namespace
-
 Json RenderJson(const Failure& failure) {
-    Json json = {{"type", failure.type}, {"class", ClassOf(failure.type)}};
+    Json json = {{"type", failure.type}, {"class", WordFor(failure.kind)}};
     for (const auto& [key, text] : {std::pair<const char*, const std::string&>{"message", failure.message},
                                     {"source", failure.source},
                                     {"detail", failure.detail}})
