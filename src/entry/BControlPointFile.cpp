@@ -3,7 +3,7 @@
 #include "ControlPointParsers.h"
 
 #include <Tellurion/RandomAccessFile.h>
-#include "common/Text.h"
+#include "common/scanning/Text.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <MapAnchor/BGeoReferenceWriteException.h>

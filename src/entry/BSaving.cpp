@@ -5,9 +5,9 @@
 #include "SavingLosses.h"
 #include "SavingPdf.h"
 #include "SavingProof.h"
-#include "common/DiagnosticIds.h"
-#include "common/DiagnosticParts.h"
-#include "common/ReadNotes.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/DiagnosticParts.h"
+#include "common/policy/ReadNotes.h"
 
 #include <MapAnchor/BGeoReferenceWriteException.h>
 #include <MapAnchor/BMapAnchor.h>

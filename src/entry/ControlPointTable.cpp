@@ -1,6 +1,6 @@
 #include "ControlPointParsers.h"
 
-#include "common/Text.h"
+#include "common/scanning/Text.h"
 
 #include <Tellurion/Charsets.h>
 #include <Tellurion/Numbers.h>

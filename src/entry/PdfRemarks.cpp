@@ -1,6 +1,6 @@
 #include "PdfRemarks.h"
 
-#include "common/DiagnosticIds.h"
+#include "common/policy/DiagnosticIds.h"
 
 namespace MapAnchor {
 

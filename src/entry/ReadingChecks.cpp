@@ -1,7 +1,7 @@
 #include "ReadingSteps.h"
 
 #include "ReferenceFormats.h"
-#include "common/DiagnosticIds.h"
+#include "common/policy/DiagnosticIds.h"
 
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLinearUnit.h>

@@ -1,6 +1,6 @@
 #include "ReadingSteps.h"
 
-#include "common/DiagnosticIds.h"
+#include "common/policy/DiagnosticIds.h"
 
 #include <MapAnchor/BGeoPDFPages.h>
 #include <MapAnchor/BGeoReferenceReadException.h>

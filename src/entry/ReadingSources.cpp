@@ -4,8 +4,8 @@
 
 #include "ReadingSteps.h"
 #include "ReferenceFormats.h"
-#include "common/DiagnosticIds.h"
-#include "common/SourceDistance.h"
+#include "common/points/SourceDistance.h"
+#include "common/policy/DiagnosticIds.h"
 #include "raster/gdal/AuxiliaryReference.h"
 #include "raster/gdal/GdalReference.h"
 #include "raster/geotiff/StoreGdalReference.h"

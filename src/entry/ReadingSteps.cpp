@@ -6,7 +6,7 @@
 #include "ReferenceFormats.h"
 #include "SidecarNames.h"
 #include "VirtualSidecars.h"
-#include "common/DiagnosticIds.h"
+#include "common/policy/DiagnosticIds.h"
 #include "raster/gdal/GdalDrivers.h"
 #include "raster/gdal/VirtualFiles.h"
 

@@ -2,7 +2,7 @@
 
 #include "ReadingSources.h"
 #include "ReadingState.h"
-#include "common/ReadNotes.h"
+#include "common/policy/ReadNotes.h"
 
 #include <Tellurion/ThreadLog.h>
 

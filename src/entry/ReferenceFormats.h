@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 
 #include <string_view>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "SavingComparison.h"
 
-#include "common/DiagnosticIds.h"
-#include "common/SourceDistance.h"
+#include "common/points/SourceDistance.h"
+#include "common/policy/DiagnosticIds.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BLinearUnit.h>

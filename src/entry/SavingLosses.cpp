@@ -1,9 +1,9 @@
 #include "SavingLosses.h"
 
 #include "SavingProof.h"
-#include "common/Affine.h"
-#include "common/DiagnosticIds.h"
-#include "common/DiagnosticParts.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/DiagnosticParts.h"
+#include "common/storing/Affine.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BLinearUnit.h>

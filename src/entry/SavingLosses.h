@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 
 #include <MapAnchor/BDiagnostic.h>
 #include <MapAnchor/BSavingOptions.h>

@@ -1,8 +1,8 @@
 #include "SavingPdf.h"
 
-#include "common/Affine.h"
-#include "common/DiagnosticIds.h"
-#include "common/DiagnosticParts.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/DiagnosticParts.h"
+#include "common/storing/Affine.h"
 
 #include <MapAnchor/BGeoPDFPages.h>
 #include <MapAnchor/BGeoPDFTraits.h>

@@ -3,7 +3,7 @@
 #include "ReferenceFormats.h"
 #include "SavingComparison.h"
 #include "SidecarNames.h"
-#include "common/DiagnosticIds.h"
+#include "common/policy/DiagnosticIds.h"
 #include "raster/gdal/SecondReading.h"
 
 #include <MapAnchor/BGeoPDFPage.h>

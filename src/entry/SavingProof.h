@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/DiagnosticParts.h"
-#include "common/ReferenceFormat.h"
+#include "common/policy/DiagnosticParts.h"
+#include "common/policy/ReferenceFormat.h"
 
 #include <MapAnchor/BSavingOptions.h>
 #include <MapAnchor/BSavingProof.h>

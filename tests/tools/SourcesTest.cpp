@@ -183,7 +183,7 @@ std::set<std::string> Matches(const std::string& file, const std::string& patter
 }
 
 TEST(Diagnostics, ThePageExplainsEachId) {
-    std::set<std::string> ids = Matches("/src/formats/common/DiagnosticIds.h", "= \"([a-z-]+)\";");
+    std::set<std::string> ids = Matches("/src/formats/common/policy/DiagnosticIds.h", "= \"([a-z-]+)\";");
     ids.merge(Matches("/tools/mapanchor/read/RemarkIds.h", "= \"([a-z-]+)\";"));
     EXPECT_GT(ids.size(), 30U);
     EXPECT_EQ(Matches("/docs/diagnostics.md", "\n### ([a-z-]+)\n[^#]+\\*\\*Remedy:\\*\\*"), ids);

@@ -2,8 +2,8 @@
 
 #include "PdfParameters.h"
 #include "check/ViewportRules.h"
-#include "common/DiagnosticIds.h"
-#include "common/DiagnosticParts.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/DiagnosticParts.h"
 #include "import/PdfFailure.h"
 #include "wide/ReadWideGeoPDF.h"
 #include "wide/WideDocument.h"

@@ -1,6 +1,6 @@
 #include "check/ViewportRules.h"
 
-#include "common/DiagnosticIds.h"
+#include "common/policy/DiagnosticIds.h"
 #include "wide/GradSystem.h"
 
 #include <Tellurion/BCoordSys.h>

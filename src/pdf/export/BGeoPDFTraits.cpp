@@ -1,7 +1,7 @@
 #include <MapAnchor/BGeoPDFTraits.h>
 
-#include "common/DiagnosticIds.h"
-#include "common/DiagnosticParts.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/DiagnosticParts.h"
 #include "export/TraitsOf.h"
 #include "load/PageSearch.h"
 #include "load/PoDoFoSettings.h"

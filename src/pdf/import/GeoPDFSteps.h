@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/StoreControlPoints.h"
-#include "common/StoreTransform.h"
-#include "common/Strictness.h"
+#include "common/points/StoreControlPoints.h"
+#include "common/policy/Strictness.h"
+#include "common/storing/StoreTransform.h"
 
 #include "import/CMeasureDictionaryData.h"
 #include "import/PageBoxes.h"

@@ -8,8 +8,8 @@
 #include "objects/CPDFDocument.h"
 #include "objects/CPDFPage.h"
 
-#include "common/StoreControlPoints.h"
-#include "common/Strictness.h"
+#include "common/points/StoreControlPoints.h"
+#include "common/policy/Strictness.h"
 
 #include <Tellurion/BCoordSys.h>
 

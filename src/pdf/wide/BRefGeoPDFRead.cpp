@@ -2,8 +2,8 @@
 
 #include "BRefGeoPDF.h"
 
-#include "common/ReadNotes.h"
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReadNotes.h"
+#include "common/policy/ReferenceFormat.h"
 
 #include "import/ReadGeoPDF.h"
 #include "objects/CPDFDocument.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/StoreControlPoints.h"
+#include "common/points/StoreControlPoints.h"
 #include "wide/ReadWideGeoPDF.h"
 
 namespace MapAnchor {

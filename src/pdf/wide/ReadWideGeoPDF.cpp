@@ -1,7 +1,7 @@
 #include "wide/ReadWideGeoPDF.h"
 
 #include "PdfParameters.h"
-#include "common/SourceDistance.h"
+#include "common/points/SourceDistance.h"
 #include "import/GeoPDFSteps.h"
 #include "wide/ExactFit.h"
 #include "wide/GradSystem.h"

@@ -1,7 +1,7 @@
 // The cursor over bytes and the file that is read in windows.
 
 #include <Tellurion/RandomAccessFile.h>
-#include "common/ByteReader.h"
+#include "common/files/ByteReader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "toy/BRefTOY.h"
 
-#include "common/OutputFile.h"
-#include "common/ReferenceFormat.h"
-#include "common/StoreTransform.h"
+#include "common/files/OutputFile.h"
+#include "common/policy/ReferenceFormat.h"
+#include "common/storing/StoreTransform.h"
 
 #include <fstream>
 

@@ -1,13 +1,13 @@
 #include "raster/adrg/BRefADRG.h"
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 
-#include "common/FileHead.h"
-#include "common/FindCoordSys.h"
-#include "common/InputFile.h"
-#include "common/PlainNames.h"
-#include "common/ReadNotes.h"
-#include "common/StoreTransform.h"
+#include "common/files/FileHead.h"
+#include "common/files/InputFile.h"
+#include "common/files/PlainNames.h"
+#include "common/policy/ReadNotes.h"
+#include "common/storing/FindCoordSys.h"
+#include "common/storing/StoreTransform.h"
 #include "raster/adrg/AdrgInfo.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>

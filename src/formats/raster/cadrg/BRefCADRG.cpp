@@ -1,13 +1,13 @@
 #include "raster/cadrg/BRefCADRG.h"
 
-#include "common/DiagnosticIds.h"
-#include "common/ReadNotes.h"
-#include "common/ReferenceFormat.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/ReadNotes.h"
+#include "common/policy/ReferenceFormat.h"
 
-#include "common/FindCoordSys.h"
-#include "common/InputFile.h"
-#include "common/PlainNames.h"
-#include "common/StoreTransform.h"
+#include "common/files/InputFile.h"
+#include "common/files/PlainNames.h"
+#include "common/storing/FindCoordSys.h"
+#include "common/storing/StoreTransform.h"
 #include "raster/cadrg/CadrgFrame.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>

@@ -1,6 +1,6 @@
 #include "raster/cadrg/CadrgFrame.h"
 
-#include "common/ByteReader.h"
+#include "common/files/ByteReader.h"
 #include "lookups/CoordSysLookups.h"
 
 #include <cmath>

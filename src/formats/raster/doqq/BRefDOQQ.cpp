@@ -1,10 +1,10 @@
 #include "raster/doqq/BRefDOQQ.h"
 
-#include "common/DiagnosticIds.h"
-#include "common/ReadNotes.h"
-#include "common/ReferenceFormat.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/ReadNotes.h"
+#include "common/policy/ReferenceFormat.h"
 
-#include "common/PlainNames.h"
+#include "common/files/PlainNames.h"
 #include "raster/doqq/DoqHeader.h"
 
 #include <Tellurion/ReferenceTags.h>

@@ -1,11 +1,11 @@
 #include "raster/ecw/BRefECW.h"
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 #include "raster/jp2/HeaderReaders.h"
 
-#include "common/InputFile.h"
-#include "common/StoreTransform.h"
-#include "common/Strictness.h"
+#include "common/files/InputFile.h"
+#include "common/policy/Strictness.h"
+#include "common/storing/StoreTransform.h"
 #include "lookups/CoordSysLookups.h"
 #include "raster/ecw/EcwKit.h"
 

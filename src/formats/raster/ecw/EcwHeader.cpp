@@ -1,7 +1,7 @@
 #include "raster/ecw/EcwHeader.h"
 
-#include "common/ByteReader.h"
-#include "common/ReadNotes.h"
+#include "common/files/ByteReader.h"
+#include "common/policy/ReadNotes.h"
 #include "raster/geotiff/GeoTiffTags.h"
 #include "raster/jp2/BoxFile.h"
 #include "raster/jp2/Jp2Reference.h"

@@ -1,6 +1,6 @@
 #include "raster/gdal/AuxiliaryReference.h"
 
-#include "common/ReadNotes.h"
+#include "common/policy/ReadNotes.h"
 
 #include <Tellurion/Numbers.h>
 #include <Tellurion/QuietGdal.h>

@@ -1,6 +1,6 @@
 #include "raster/gdal/GdalOrigins.h"
 
-#include "common/ReadNotes.h"
+#include "common/policy/ReadNotes.h"
 #include "raster/gdal/TiffTagPlaces.h"
 
 #include <gdal_priv.h>

@@ -4,7 +4,7 @@
 #include "raster/gdal/GdalOrigins.h"
 #include "raster/gdal/GdalRaster.h"
 
-#include "common/ReadNotes.h"
+#include "common/policy/ReadNotes.h"
 #include "raster/gdal/VerticalUnit.h"
 
 #include <Tellurion/QuietGdal.h>

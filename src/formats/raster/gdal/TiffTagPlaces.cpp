@@ -1,6 +1,6 @@
 #include "raster/gdal/TiffTagPlaces.h"
 
-#include "common/ByteReader.h"
+#include "common/files/ByteReader.h"
 
 #include <Tellurion/RandomAccessFile.h>
 

@@ -1,10 +1,10 @@
 #include "raster/geotiff/BRefGeoTIFF.h"
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 
-#include "common/StoreControlPoints.h"
-#include "common/StoreTransform.h"
-#include "common/Strictness.h"
+#include "common/points/StoreControlPoints.h"
+#include "common/policy/Strictness.h"
+#include "common/storing/StoreTransform.h"
 #include "raster/gdal/GdalReference.h"
 #include "raster/geotiff/StoreGdalReference.h"
 

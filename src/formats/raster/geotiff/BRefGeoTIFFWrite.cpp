@@ -1,4 +1,4 @@
-#include "common/Strictness.h"
+#include "common/policy/Strictness.h"
 #include "raster/gdal/CoordEpoch.h"
 #include "raster/gdal/VerticalUnit.h"
 #include "raster/geotiff/BRefGeoTIFF.h"

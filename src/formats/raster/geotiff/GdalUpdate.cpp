@@ -1,7 +1,7 @@
 #include "raster/geotiff/GdalUpdate.h"
 
-#include "common/DiagnosticIds.h"
-#include "common/ReadNotes.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/ReadNotes.h"
 #include "raster/geotiff/AuxiliaryXml.h"
 #include "raster/geotiff/TiffBlocks.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/Affine.h"
-#include "common/ByteReader.h"
+#include "common/files/ByteReader.h"
+#include "common/storing/Affine.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "raster/geotiff/TiffBlocks.h"
 
-#include "common/ByteReader.h"
+#include "common/files/ByteReader.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,6 +1,6 @@
 #include "raster/jp2/BoxFile.h"
 
-#include "common/ByteReader.h"
+#include "common/files/ByteReader.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "raster/jp2/Jp2Reference.h"
 
-#include "common/ReadNotes.h"
+#include "common/policy/ReadNotes.h"
 #include "raster/gdal/GdalOrigins.h"
 #include "raster/gdal/GdalRaster.h"
 #include "raster/jp2/BoxFile.h"

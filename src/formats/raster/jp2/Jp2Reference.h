@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Tellurion/RandomAccessFile.h>
-#include "common/Affine.h"
+#include "common/storing/Affine.h"
 #include "raster/geotiff/GeoTiffTags.h"
 
 #include <Tellurion/BString.h>

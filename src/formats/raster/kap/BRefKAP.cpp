@@ -1,14 +1,14 @@
 #include "raster/kap/BRefKAP.h"
 
-#include "common/DiagnosticIds.h"
-#include "common/ReadNotes.h"
-#include "common/ReferenceFormat.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/ReadNotes.h"
+#include "common/policy/ReferenceFormat.h"
 
-#include "common/FileHead.h"
-#include "common/FindCoordSys.h"
-#include "common/InputFile.h"
-#include "common/PlainNames.h"
-#include "common/StoreControlPoints.h"
+#include "common/files/FileHead.h"
+#include "common/files/InputFile.h"
+#include "common/files/PlainNames.h"
+#include "common/points/StoreControlPoints.h"
+#include "common/storing/FindCoordSys.h"
 #include "raster/kap/KapHeader.h"
 
 #include <Tellurion/BLogger.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/SaveRefusal.h"
+#include "common/policy/SaveRefusal.h"
 
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BString.h>

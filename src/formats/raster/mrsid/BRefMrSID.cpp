@@ -1,12 +1,12 @@
 #include "raster/mrsid/BRefMrSID.h"
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 #include "raster/jp2/HeaderReaders.h"
 
-#include "common/InputFile.h"
-#include "common/ReadNotes.h"
-#include "common/StoreTransform.h"
-#include "common/Strictness.h"
+#include "common/files/InputFile.h"
+#include "common/policy/ReadNotes.h"
+#include "common/policy/Strictness.h"
+#include "common/storing/StoreTransform.h"
 #include "raster/gdal/GdalRaster.h"
 #include "raster/geotiff/BRefGeoTIFF.h"
 #include "raster/mrsid/MrSidKit.h"

@@ -1,7 +1,7 @@
 #include "raster/mrsid/SidHeader.h"
 
-#include "common/ByteReader.h"
-#include "common/ReadNotes.h"
+#include "common/files/ByteReader.h"
+#include "common/policy/ReadNotes.h"
 #include "raster/mrsid/SidRecords.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 #include "raster/mrsid/SidRecords.h"
 
-#include "common/ByteReader.h"
+#include "common/files/ByteReader.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "sidecar/ers/ErsHeader.h"
 
-#include "common/RowScanner.h"
-#include "common/TextLines.h"
+#include "common/scanning/RowScanner.h"
+#include "common/scanning/TextLines.h"
 #include "sidecar/rsf/SplitTokens.h"
 
 #include <Tellurion/Numbers.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/Affine.h"
+#include "common/storing/Affine.h"
 
 #include <Tellurion/BFile.h>
 #include <Tellurion/BString.h>

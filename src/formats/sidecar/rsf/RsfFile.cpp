@@ -1,8 +1,8 @@
 #include "sidecar/rsf/RsfFile.h"
 
-#include "common/QuotedName.h"
-#include "common/RowScanner.h"
-#include "common/TextLines.h"
+#include "common/files/QuotedName.h"
+#include "common/scanning/RowScanner.h"
+#include "common/scanning/TextLines.h"
 
 #include <Tellurion/Numbers.h>
 

@@ -1,13 +1,13 @@
 #include "sidecar/tab/BRefTAB.h"
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 
-#include "common/FindCoordSys.h"
-#include "common/InputFile.h"
-#include "common/OutputFile.h"
-#include "common/PointsToWrite.h"
-#include "common/ReadNotes.h"
-#include "common/StoreControlPoints.h"
+#include "common/files/InputFile.h"
+#include "common/files/OutputFile.h"
+#include "common/points/PointsToWrite.h"
+#include "common/points/StoreControlPoints.h"
+#include "common/policy/ReadNotes.h"
+#include "common/storing/FindCoordSys.h"
 #include "sidecar/tab/TabFile.h"
 
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>

@@ -1,9 +1,9 @@
 #include "sidecar/tab/TabFile.h"
 
-#include "common/QuotedName.h"
-#include "common/ReadNotes.h"
-#include "common/Text.h"
-#include "common/TextLines.h"
+#include "common/files/QuotedName.h"
+#include "common/policy/ReadNotes.h"
+#include "common/scanning/Text.h"
+#include "common/scanning/TextLines.h"
 #include "lookups/CoordSysLookups.h"
 #include "sidecar/rsf/SplitTokens.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/ReadNotes.h"
+#include "common/policy/ReadNotes.h"
 
 #include <Tellurion/BFile.h>
 #include <Tellurion/BPointPair.h>

@@ -1,13 +1,13 @@
 #include "sidecar/wld/BRefWLD.h"
 
-#include "common/ReferenceFormat.h"
+#include "common/policy/ReferenceFormat.h"
 
-#include "common/DiagnosticIds.h"
-#include "common/InputFile.h"
-#include "common/OutputFile.h"
-#include "common/ReadNotes.h"
-#include "common/StoreTransform.h"
-#include "common/Strictness.h"
+#include "common/files/InputFile.h"
+#include "common/files/OutputFile.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/ReadNotes.h"
+#include "common/policy/Strictness.h"
+#include "common/storing/StoreTransform.h"
 #include "sidecar/wld/WorldFile.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>

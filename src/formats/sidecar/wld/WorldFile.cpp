@@ -1,9 +1,9 @@
 #include "sidecar/wld/WorldFile.h"
 
-#include "common/Text.h"
+#include "common/scanning/Text.h"
 
-#include "common/DiagnosticIds.h"
-#include "common/ReadNotes.h"
+#include "common/policy/DiagnosticIds.h"
+#include "common/policy/ReadNotes.h"
 
 #include <Tellurion/Numbers.h>
 

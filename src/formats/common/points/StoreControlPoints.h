@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/FailureTexts.h"
-#include "common/Strictness.h"
+#include "common/policy/FailureTexts.h"
+#include "common/policy/Strictness.h"
 
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BPointPair.h>

@@ -1,4 +1,4 @@
-#include "common/FileHead.h"
+#include "common/files/FileHead.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include <MapAnchor/BDiagnostic.h>
 
-#include "common/DiagnosticParts.h"
+#include "common/policy/DiagnosticParts.h"
 
 #include <utility>
 

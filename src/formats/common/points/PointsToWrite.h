@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/StoreControlPoints.h"
-#include "common/Strictness.h"
+#include "common/points/StoreControlPoints.h"
+#include "common/policy/Strictness.h"
 
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BPointPair.h>

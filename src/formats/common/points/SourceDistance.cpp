@@ -1,4 +1,4 @@
-#include "common/SourceDistance.h"
+#include "common/points/SourceDistance.h"
 
 #include <Tellurion/BCoordSysException.h>
 

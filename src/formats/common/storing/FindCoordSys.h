@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/Strictness.h"
+#include "common/policy/Strictness.h"
 
 #include <Tellurion/BCoordSys.h>
 #include <Tellurion/BSharedPtr.h>

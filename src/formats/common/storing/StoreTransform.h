@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/Affine.h"
-#include "common/FailureTexts.h"
-#include "common/Strictness.h"
+#include "common/policy/FailureTexts.h"
+#include "common/policy/Strictness.h"
+#include "common/storing/Affine.h"
 
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BString.h>

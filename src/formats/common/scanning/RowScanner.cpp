@@ -1,6 +1,6 @@
-#include "common/RowScanner.h"
+#include "common/scanning/RowScanner.h"
 
-#include "common/Text.h"
+#include "common/scanning/Text.h"
 
 #include <Tellurion/Numbers.h>
 

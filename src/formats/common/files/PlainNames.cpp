@@ -1,4 +1,4 @@
-#include "common/PlainNames.h"
+#include "common/files/PlainNames.h"
 
 #include <Tellurion/BCoordSysRepository.h>
 #include <Tellurion/BException.h>

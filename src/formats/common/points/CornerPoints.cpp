@@ -1,4 +1,4 @@
-#include "common/CornerPoints.h"
+#include "common/points/CornerPoints.h"
 
 namespace MapAnchor {
 

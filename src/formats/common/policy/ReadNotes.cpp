@@ -1,6 +1,6 @@
-#include "common/ReadNotes.h"
+#include "common/policy/ReadNotes.h"
 
-#include "common/DiagnosticIds.h"
+#include "common/policy/DiagnosticIds.h"
 
 #include <Tellurion/Numbers.h>
 

@@ -1,6 +1,6 @@
-#include "common/PointsToWrite.h"
+#include "common/points/PointsToWrite.h"
 
-#include "common/CornerPoints.h"
+#include "common/points/CornerPoints.h"
 
 #include <MapAnchor/BGeoReferenceInvalidTransformException.h>
 #include <Tellurion/BGeoCalcException.h>

@@ -1,4 +1,4 @@
-#include "common/TextLines.h"
+#include "common/scanning/TextLines.h"
 
 #include <Tellurion/Charsets.h>
 

@@ -1,4 +1,4 @@
-#include "common/StoreControlPoints.h"
+#include "common/points/StoreControlPoints.h"
 
 #include <MapAnchor/BGeoReferenceInvalidTransformException.h>
 #include <Tellurion/BLogger.h>

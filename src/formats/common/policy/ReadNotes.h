@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/DiagnosticParts.h"
+#include "common/policy/DiagnosticParts.h"
 
 #include <Tellurion/BString.h>
 

@@ -1,4 +1,4 @@
-#include "common/OutputFile.h"
+#include "common/files/OutputFile.h"
 
 #include <MapAnchor/BGeoReferenceWriteException.h>
 #include <Tellurion/BFileAccessException.h>

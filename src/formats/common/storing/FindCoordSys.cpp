@@ -1,4 +1,4 @@
-#include "common/FindCoordSys.h"
+#include "common/storing/FindCoordSys.h"
 
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <Tellurion/BLogger.h>

@@ -1,4 +1,4 @@
-#include "common/InputFile.h"
+#include "common/files/InputFile.h"
 
 #include <Tellurion/BFileAccessException.h>
 

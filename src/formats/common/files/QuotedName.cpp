@@ -1,4 +1,4 @@
-#include "common/QuotedName.h"
+#include "common/files/QuotedName.h"
 
 #include <Tellurion/BLogger.h>
 

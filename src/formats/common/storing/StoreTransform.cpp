@@ -1,4 +1,4 @@
-#include "common/StoreTransform.h"
+#include "common/storing/StoreTransform.h"
 
 #include <MapAnchor/BGeoReferenceInvalidTransformException.h>
 #include <Tellurion/BLogger.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/FailureTexts.h"
+#include "common/policy/FailureTexts.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileReplacement.h>
