@@ -2,9 +2,9 @@
 // them, through info, footprint, preview and, where there is a reference, convert to every
 // kind. No exception gets out of a command.
 //
-// An input is the number of the extension, of the fit, of the type, some flags, the number
-// of files beside, for each of these its extension and two bytes of length, then the
-// contents: the files beside first, the main file at the end.
+// An input is the number of the extension, of the fit, of the type, some flags with the
+// number of the command, the number of files beside, for each of these its extension and two bytes of length,
+// then the contents: the files beside first, the main file at the end.
 
 #include "ReferenceFuzz.h"
 #include "commands/Commands.h"
@@ -37,6 +37,10 @@ constexpr const char* kFits[] = {"affine",     "conformal", "poly2",    "poly3",
 constexpr const char* kTypes[] = {"wld", "rsf", "tab", "ers", "tif", "sid", "ecw", "doq", "kap", "pdf"};
 
 enum Flag : unsigned { kSize = 1, kJson = 2, kStrict = 4, kVerbose = 8, kInPlace = 16 };
+/// Above the flags stands the number of the command that follows info.
+constexpr unsigned kCommandShift = 5;
+constexpr std::pair<unsigned, const char*> kTargets[] = {{3, "tfw"}, {4, "rsf"}, {5, "tab"},
+                                                         {5, "ers"}, {6, "tif"}, {7, "pdf"}};
 
 /// A folder that every input finds empty but for a raster and a page to save into.
 class Folder {
@@ -138,10 +142,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (flags & kInPlace)
         Run("convert", AddConvertCommand, {"--overwrite", folder / "good.tfw", file}, {"-q"});
     if (status != ExitStatus::Done && status != ExitStatus::Warnings) return 0;
-    Run("footprint", AddFootprintCommand, {file}, talk);
-    Run("preview", AddPreviewCommand, {file, "-o", folder / "out.svg"}, options);
-    for (const char* kind : {"tfw", "rsf", "tab", "ers", "tif", "pdf"})
-        Run("convert", AddConvertCommand,
-            {"--overwrite", "--image", "map.tif", file, folder / (std::string("out.") + kind)}, talk);
+    // One command for an input, so that many inputs are tried; all of them for the number 0.
+    const unsigned chosen = flags >> kCommandShift;
+    if (chosen == 0 || chosen == 1) Run("footprint", AddFootprintCommand, {file}, talk);
+    if (chosen == 0 || chosen == 2)
+        Run("preview", AddPreviewCommand, {file, "-o", folder / "out.svg"}, options);
+    for (const auto& [number, kind] : kTargets)
+        if (chosen == 0 || chosen == number)
+            Run("convert", AddConvertCommand,
+                {"--overwrite", "--image", "map.tif", file, folder / (std::string("out.") + kind)}, talk);
     return 0;
 }

@@ -302,6 +302,17 @@ bool IsAboutThis(const BDiagnostic& remark, const ReadingState& state) {
     return !state.kind && HasWorldFileExtension(state.file);
 }
 
+/// People cannot see why a text of that name is refused.
+void ExplainRefusedContent(ReadingState& state) {
+    if (state.failure->type != "BUnsupportedFileTypeException") return;
+    const std::string driver = GdalDrivers::RefusedFor(state.file);
+    if (driver.empty()) return;
+    state.Add({.id = DiagnosticId::kGdalDriverNotAllowed,
+               .severity = ESeverity::Error,
+               .text = "its content is for GDAL's driver " + driver +
+                       ", which opens hosts or other files that a file names, and must be allowed by name"});
+}
+
 }  // namespace
 
 void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
@@ -344,6 +355,7 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
     Read(options, state, sources);
     ExplainFailure(state);
     if (state.failure) {
+        ExplainRefusedContent(state);
         state.reference = BGeoReference();
         state.origins.clear();
     } else {

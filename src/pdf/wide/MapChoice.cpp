@@ -47,6 +47,7 @@ std::string PasswordOf(const BParamList* params) {
 WidePage PageAt(const WidePages& pages, long number) {
     if (number >= 1 && static_cast<std::size_t>(number) <= pages.Count())
         return pages.Page(static_cast<std::size_t>(number) - 1);
+    if (pages.Count() == 0) throw BReadParametersException("The PDF has no pages that can be found.");
     throw BReadParametersException(BString::Format("The PDF has no page %ld; its pages are 1 to %ld.", number,
                                                    static_cast<long>(pages.Count())));
 }

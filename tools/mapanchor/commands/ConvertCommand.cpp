@@ -234,7 +234,7 @@ Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log
     if (!IsPossible(options, source, outcome)) return outcome;
     WarnOfLosses(options, source.reference, outcome);
     CarryOut(options, source.reference, log, outcome);
-    log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
+    log.MoveTo(outcome.diagnostics, outcome.failure ? &*outcome.failure : nullptr);
     if (!outcome.failure)
         outcome.status = AreDoubtful(outcome.diagnostics) ? ExitStatus::Warnings : ExitStatus::Done;
     return outcome;

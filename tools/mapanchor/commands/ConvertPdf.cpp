@@ -55,7 +55,7 @@ void SetSize(ConvertOptions& options, const BGeoPDFBox& box) {
 /// The library's log, in words that mean something to the caller.
 void TakeLog(const PdfWorkplace& place, LogCollector& log, Outcome& outcome) {
     Diagnostics lines;
-    log.MoveTo(lines, false);
+    log.MoveTo(lines, nullptr);
     for (Diagnostic& line : lines) {
         line.text = place.InWordsOfTarget(line.text);
         if (!place.IsAboutLeftovers(line.text)) outcome.diagnostics.push_back(std::move(line));
@@ -202,7 +202,7 @@ void AppendToTarget(const ConvertOptions& options, const BGeoReference& referenc
     } catch (...) {
         FailByCurrent(outcome);
     }
-    log.MoveTo(outcome.diagnostics, outcome.failure.has_value());
+    log.MoveTo(outcome.diagnostics, outcome.failure ? &*outcome.failure : nullptr);
     if (!outcome.failure && options.common.json) ReadBack(options, options.target, log, outcome);
 }
 

@@ -25,9 +25,10 @@ LogCollector::~LogCollector() {
     Tellurion::BLogger::Instance()->SetSink({});
 }
 
-void LogCollector::MoveTo(Diagnostics& diagnostics, bool as_errors) {
+void LogCollector::MoveTo(Diagnostics& diagnostics, const Failure* failure) {
     for (std::string& line : lines_)
-        diagnostics.push_back({as_errors, std::move(line), RemarkId::kReadRemark});
+        if (!failure || failure->detail.empty() || line.find(failure->detail) == std::string::npos)
+            diagnostics.push_back({failure != nullptr, std::move(line), RemarkId::kReadRemark});
     lines_.clear();
 }
 

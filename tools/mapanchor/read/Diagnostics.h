@@ -1,5 +1,7 @@
 #pragma once
 
+#include "read/Failure.h"
+
 #include <string>
 #include <vector>
 
@@ -30,8 +32,9 @@ public:
     LogCollector(const LogCollector&) = delete;
     LogCollector& operator=(const LogCollector&) = delete;
 
-    /// The lines since the last call, as remarks of that severity.
-    void MoveTo(Diagnostics& diagnostics, bool as_errors);
+    /// The lines since the last call, as errors where there is a failure, which may be null;
+    /// those that only repeat its text are left out.
+    void MoveTo(Diagnostics& diagnostics, const Failure* failure);
 
 private:
     std::vector<std::string> lines_;

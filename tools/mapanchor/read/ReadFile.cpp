@@ -105,7 +105,7 @@ ReadResult ResultOf(const BReading& reading, const std::string& name) {
 ReadResult ReadFile(const std::string& name, const ReadOptions& options, LogCollector& log) {
     ReadResult result = ResultOf(BReading::Of(BString(name), options.ForReading()), name);
     result.page_number = options.pdf_page;
-    log.MoveTo(result.diagnostics, !result.Ok());
+    log.MoveTo(result.diagnostics, result.failure ? &*result.failure : nullptr);
     return result;
 }
 

@@ -225,10 +225,16 @@ void PrintReference(const ReadResult& result, const CommonOptions& common, const
     out.Finish();
 }
 
+/// A diagnostic that explains a failure says more than the list of kinds.
+static std::string RemedyFor(const Failure& failure, const Diagnostics& diagnostics) {
+    const bool is_unknown = failure.type == FailureTypes::kUnsupportedFile.name;
+    return is_unknown && diagnostics.empty() ? " mapanchor formats lists what is read." : "";
+}
+
 void TalkAbout(const std::string& file, const Diagnostics& diagnostics, const Failure* failure,
                const Console& console) {
     const std::string about = "mapanchor: " + (file.empty() ? "\"\"" : file) + ": ";
-    if (failure) console.Complain(about + "error: " + failure->Text());
+    if (failure) console.Complain(about + "error: " + failure->Text() + RemedyFor(*failure, diagnostics));
     for (const Diagnostic& diagnostic : diagnostics)
         console.Talk(about + diagnostic.Severity() + ": " + diagnostic.text +
                      (diagnostic.id.empty() ? "" : " [" + diagnostic.id + "]"));

@@ -4,11 +4,13 @@
 
 #include <MapAnchor/BReadParametersException.h>
 #include <Tellurion/BFileUtilities.h>
+#include <Tellurion/QuietGdal.h>
 
 #include <dlfcn.h>
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <mutex>
 #include <set>
@@ -261,6 +263,10 @@ bool IsOfHost(GDALDriver& driver) {
            !file.starts_with("ogr_");
 }
 
+bool ReachesElsewhere(Reach reach) {
+    return reach != Reach::Plain && reach != Reach::NoFile && reach != Reach::ByType;
+}
+
 bool IsInTable(std::string_view name) {
     return std::ranges::any_of(kDrivers, [&](const Driver& driver) { return name == driver.name; });
 }
@@ -305,6 +311,23 @@ GdalDrivers::Names GdalDrivers::Allowed() {
     }
     if (!names.empty()) names.push_back(nullptr);
     return names;
+}
+
+std::string GdalDrivers::RefusedFor(const BString& file) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(std::string(file.StdStr()), error)) return {};
+    const Tellurion::QuietGdal quiet;
+    GDALOpenInfo content(file.StdStr().c_str(), GDAL_OF_RASTER);
+    const Names allowed = Allowed();
+    for (const Driver& row : kDrivers) {
+        GDALDriver* const driver =
+            ReachesElsewhere(row.reach) ? GetGDALDriverManager()->GetDriverByName(row.name) : nullptr;
+        const bool is_allowed = std::ranges::any_of(
+            allowed, [&](const char* name) { return name && std::string_view(name) == row.name; });
+        if (driver && driver->pfnIdentify && !is_allowed && driver->pfnIdentify(&content) == TRUE)
+            return row.name;
+    }
+    return {};
 }
 
 void GdalDrivers::Allow(const BString& names) {

@@ -27,6 +27,11 @@ public:
     /// or by having put them into the process itself.
     static Names Allowed();
 
+    /// The driver that takes a local file by its content and is not allowed here, since it
+    /// opens hosts or other files that a file names; empty when there is none. Nothing is
+    /// opened but the file itself.
+    static std::string RefusedFor(const Tellurion::BString& file);
+
     /// Allows drivers for the whole process, by names that commas or blanks part, in place of
     /// those allowed before. A BReadParametersException for a name that GDAL does not know.
     static void Allow(const Tellurion::BString& names);

@@ -61,8 +61,12 @@ std::size_t SizeOfType(std::uint16_t type) {
     return type < std::size(kSizes) ? kSizes[type] : 0;
 }
 
+/// Types of the numbers that a list of strips or tiles may have.
+enum Type : std::uint16_t { kShort = 3, kLong = 4, kLong8 = 16, kSignedLong8 = 17 };
+
 /// The values of an entry.
 struct List {
+    std::uint16_t type = 0;
     std::uint64_t count = 0;
     std::uint64_t start = 0;  ///< offset in the file, whether the entry holds them or not
     std::size_t size = 0;     ///< of one value
@@ -76,6 +80,7 @@ struct BlockFacts {
     std::uint64_t rows = std::numeric_limits<std::uint32_t>::max();
     std::uint64_t tile_width = 0, tile_length = 0;
     std::optional<List> offsets, byte_counts;
+    bool is_ambiguous = false;  ///< there are two lists of one kind
 
     void Set(std::uint16_t tag, std::uint64_t value, const List& list) {
         switch (tag) {
@@ -105,10 +110,12 @@ struct BlockFacts {
                 break;
             case kStripOffsets:
             case kTileOffsets:
+                is_ambiguous = is_ambiguous || offsets;
                 offsets = list;
                 break;
             case kStripByteCounts:
             case kTileByteCounts:
+                is_ambiguous = is_ambiguous || byte_counts;
                 byte_counts = list;
                 break;
             default:
@@ -226,7 +233,8 @@ private:
         ByteReader reader(entry, order_);
         const std::uint16_t tag = reader.U16();
         List list;
-        list.size = SizeOfType(reader.U16());
+        list.type = reader.U16();
+        list.size = SizeOfType(list.type);
         list.count = ReadNumber(reader, layout_.pointer);
         if (list.size == 0) return;
         const bool is_inside = list.count <= layout_.pointer / list.size;
@@ -243,6 +251,9 @@ private:
 
 std::string FaultOf(const std::optional<List>& list, std::uint64_t blocks, const std::string& name) {
     if (!list->is_within_file) return "the file ends before its list of " + name;
+    constexpr Type kTypes[] = {kShort, kLong, kLong8, kSignedLong8};
+    if (std::find(std::begin(kTypes), std::end(kTypes), list->type) == std::end(kTypes))
+        return "its list of " + name + " is not of whole numbers";
     if (list->count >= blocks) return {};
     return "its list of " + name + " has " + std::to_string(list->count) + " entries for " +
            std::to_string(blocks) + " strips or tiles";
@@ -294,6 +305,7 @@ std::string FaultOfBlockLists(StagedFile& tiff) {
     const std::optional<std::uint64_t> blocks = facts->BlockCount();
     if (!blocks) return "its size and the size of its strips or tiles contradict each other";
     if (!facts->offsets) return "it has no list of strips or tiles";
+    if (facts->is_ambiguous) return "it has two lists of strips or tiles";
     std::string fault = FaultOf(facts->offsets, *blocks, "block offsets");
     // libtiff estimates the byte counts where the file has none.
     if (fault.empty() && facts->byte_counts) fault = FaultOf(facts->byte_counts, *blocks, "block sizes");
