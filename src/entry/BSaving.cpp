@@ -15,6 +15,7 @@
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/NewFilesOnly.h>
 #include <Tellurion/ThreadLog.h>
 
 #include <algorithm>
@@ -117,6 +118,8 @@ void SaveAndListen(const ReferenceFormat* kind, const BString& file, const BGeoR
     try {
         const ReadNotes notes;
         ThreadLog log;
+        std::optional<NewFilesOnly> new_files;
+        if (!options.Overwrites() && !(kind && kind->in_place)) new_files.emplace();
         try {
             SaveFully(kind, file, reference, options);
         } catch (...) {

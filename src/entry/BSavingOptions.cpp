@@ -17,6 +17,7 @@ struct BSavingOptions::State {
     BString image_name;
     bool centre_anchored = false;
     BParamList params;
+    bool overwrites = true;
     bool verifies = true;
     double tolerance_pixels = 0.001;
     double tolerance_metres = 0.001;
@@ -98,6 +99,14 @@ void BSavingOptions::SetParams(const BParamList& params) {
 
 const BParamList& BSavingOptions::GetParams() const {
     return state_->params;
+}
+
+void BSavingOptions::SetOverwrites(bool overwrites) {
+    Change().overwrites = overwrites;
+}
+
+bool BSavingOptions::Overwrites() const {
+    return state_->overwrites;
 }
 
 void BSavingOptions::SetVerifies(bool verifies) {

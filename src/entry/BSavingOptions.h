@@ -46,6 +46,13 @@ public:
     void SetParams(const Tellurion::BParamList& params);
     const Tellurion::BParamList& GetParams() const;  ///< see SetParams()
 
+    /// Whether files that are there may be replaced. On until it is set to false; a save into a
+    /// raster or a PDF that is there goes on either way. A file that another program makes at
+    /// that moment is not replaced either; the failure is a BFileAccessException or a
+    /// BGeoReferenceWriteException.
+    void SetOverwrites(bool overwrites);
+    bool Overwrites() const;  ///< see SetOverwrites()
+
     /// Reads the file back after the save. On until it is set to false.
     void SetVerifies(bool verifies);
     bool Verifies() const;  ///< see SetVerifies()

@@ -207,6 +207,11 @@ std::vector<Subject> AllSubjects() {
     add("PDF", "on two disks: ").other_disk = true;
     for (const char* name : {"TIFF plain", "TIFF bigtiff_tiled_all", "text map.tfw", "text map.tab", "PDF"})
         add(name, "convert: ").by_tool = true;
+    for (const char* name : {"text map.tfw", "text map.tab"}) {
+        Subject& made = add(name, "convert to a new file: ");
+        made.make = [](const std::string&) {};
+        made.by_tool = made.is_new = true;
+    }
     return all;
 }
 

@@ -14,6 +14,7 @@ struct Subject {
     std::function<void(const std::string& path)> make;  ///< the file as it is before the save
     bool by_tool = false;
     bool other_disk = false;  ///< for temporary files
+    bool is_new = false;      ///< there is no file before the save
 };
 
 /// Some 40 kinds of TIFF, the text files, PDF, and some of them by the command line.

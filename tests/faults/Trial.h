@@ -180,7 +180,8 @@ private:
         const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
         dup2(nowhere, STDOUT_FILENO);
         dup2(nowhere, STDERR_FILENO);
-        execl(MAPANCHOR_TOOL, MAPANCHOR_TOOL, "convert", "--overwrite", "--size", "200x100", source.c_str(),
+        const char* const existing = subject_.is_new ? "--quiet" : "--overwrite";
+        execl(MAPANCHOR_TOOL, MAPANCHOR_TOOL, "convert", existing, "--size", "200x100", source.c_str(),
               target_.c_str(), nullptr);
         _exit(126);
     }

@@ -57,8 +57,9 @@ TEST(ForeignFiles, AreNotOpenedAndNoHostIsAsked) {
                      {"-f", "-qq", "-e", "trace=open,openat,socket,connect", "-o", calls, MAPANCHOR_TOOL});
         if (words[7] != "crs") words.insert(words.end(), names.begin(), names.end());
         const ToolRun run = RunTool(words, {.program = "/usr/bin/strace"});
-        if (words.back().ends_with("map.tfw") && words[8] != "--type")  // people are shown the reason
+        if (words.back().ends_with("map.tfw") && words[8] != "--type") {  // people are shown the reason
             EXPECT_NE(run.err.find("driver WCS, which opens hosts"), std::string::npos) << words[7];
+        }
         const std::string trace = TempFolder::Slurp(calls);
         if (trace.find("openat(") == std::string::npos) GTEST_SKIP() << "needs strace: " << run.err;
         for (const std::string& what : {std::string("socket("), std::string("connect("), secret})

@@ -1,6 +1,7 @@
 #include <Tellurion/BFileReplacement.h>
 
 #include <Tellurion/FileBytes.h>
+#include <Tellurion/NewFilesOnly.h>
 
 #include "io/FileAttributes.h"
 #include "io/TargetName.h"
@@ -67,6 +68,13 @@ struct BFileReplacement::State {
     bool CanBePutBack() const;
     void KeepAttributes();
     bool CommitBeside(EAfterPowerFailure after);
+    bool MayExist() const { return existing == EExisting::Replace && !NewFilesOnly::Protects(name.path); }
+    /// A link that leads nowhere takes its name as well.
+    bool IsTaken() const {
+        struct stat found {};
+        return name.kind != TargetName::EKind::Missing || ::lstat(target.StdStr().c_str(), &found) == 0;
+    }
+    int MoveToTarget() const;
     bool OverwriteOld();
     bool IsOldAtTarget() const;
     void UpdateOtherNames();
@@ -74,6 +82,7 @@ struct BFileReplacement::State {
     void SyncTargetsFolder();
 
     BString target;
+    EExisting existing = EExisting::Replace;
     TargetName name;
     std::string temporary;  ///< a file that exists; empty for none
     EWay way = EWay::None;
@@ -132,6 +141,10 @@ bool BFileReplacement::State::OpenNew() {
     return true;
 }
 
+void BFileReplacement::SetExisting(EExisting existing) {
+    state_->existing = existing;
+}
+
 bool BFileReplacement::Open(EReadOnly read_only) {
     Abort();
     State& state = *state_;
@@ -140,6 +153,7 @@ bool BFileReplacement::Open(EReadOnly read_only) {
     state.losses.clear();
     const int unknown = state.name.Find(state.target);
     bool opened = unknown == 0 || state.Fail(unknown);
+    if (opened && !state.MayExist() && state.IsTaken()) opened = state.Fail(EEXIST);
     if (opened && state.name.kind == TargetName::EKind::Special) return state.OpenDirect();
     if (opened && state.name.kind == TargetName::EKind::File) opened = state.OpenOld(read_only);
     if (!opened || !state.OpenNew()) Abort();
@@ -205,16 +219,28 @@ void BFileReplacement::State::KeepAttributes() {
         losses.push_back(BString::Format("File <%ls> was replaced; it could not keep %ls.", target, what));
 }
 
+/// Zero, or the number of the error.
+int BFileReplacement::State::MoveToTarget() const {
+    if (MayExist()) return ::rename(temporary.c_str(), name.path.c_str()) == 0 ? 0 : errno;
+    if (::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, name.path.c_str(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS) return errno;
+    // A file system without such a rename; a link refuses a name that is taken as well.
+    if (::link(temporary.c_str(), name.path.c_str()) != 0) return errno;
+    ::unlink(temporary.c_str());
+    return 0;
+}
+
 bool BFileReplacement::State::CommitBeside(EAfterPowerFailure after) {
     if (old >= 0) KeepAttributes();
     if (::fsync(descriptor) != 0) return Fail(errno);
-    if (::rename(temporary.c_str(), name.path.c_str()) != 0) {
-        const int reason = errno;
+    if (const int reason = MoveToTarget(); reason != 0) {
         losses.clear();
         const bool can_overwrite = CannotBeReplaced(reason) && IsOldAtTarget() && CanBePutBack();
         return can_overwrite ? OverwriteOld() : Fail(reason, "cannot replace it: ");
     }
     temporary.clear();
+    NewFilesOnly::Add(name.path);
     if (after == EAfterPowerFailure::New) SyncTargetsFolder();
     if (old >= 0 && attributes.State().st_nlink > 1) UpdateOtherNames();
     return true;

@@ -46,10 +46,20 @@ public:
         OldOrNew,  ///< one of the two, whole; a fraction of the time
     };
 
+    /// What is done with a target that is there.
+    enum class EExisting {
+        Replace,
+        Refuse,  ///< Open() fails, for a link as well, and so does Commit() where another program made it
+                 ///< meanwhile
+    };
+
     explicit BFileReplacement(const BString& target);  ///< touches no file before Open()
     ~BFileReplacement();                               ///< as Abort()
     BFileReplacement(const BFileReplacement&) = delete;
     BFileReplacement& operator=(const BFileReplacement&) = delete;
+
+    /// For the next Open(). EExisting::Replace until set.
+    void SetExisting(EExisting existing);
 
     /// Gets ready to write, with nothing changed under the target's name. False where the
     /// target cannot be opened for writing, such as without permission, or made.

@@ -1,4 +1,5 @@
 #include <Tellurion/BFileReplacement.h>
+#include <Tellurion/NewFilesOnly.h>
 
 #include <gtest/gtest.h>
 
@@ -159,6 +160,26 @@ TEST(BFileReplacement, NewFilesSpecialFilesAndWhatCannotBe) {
     umask(mask);
     EXPECT_EQ(StateOf(in("new")).st_mode & 07777, 0640U);
     EXPECT_EQ(CountOf(folder), 3U);
+}
+
+TEST(BFileReplacement, WhatMayNotBeReplacedStays) {
+    const TempFolder folder;
+    const std::string file = folder / "map.tfw";
+    const auto refused = [&](const auto& meanwhile) {
+        BFileReplacement out{BString(file)};
+        out.SetExisting(BFileReplacement::EExisting::Refuse);
+        const bool opened = out.Open() && out.Write("new");
+        meanwhile();
+        return !(opened && out.Commit()) && out.GetError() == EEXIST && CountOf(folder) == 1;
+    };
+    EXPECT_TRUE(refused([&] { folder.Write("map.tfw", "old"); }));
+    EXPECT_TRUE(refused([] {}));
+    const NewFilesOnly scope;
+    EXPECT_FALSE(Replaces(file, 0));
+    EXPECT_EQ(TempFolder::Slurp(file), "old");
+    fs::remove(file);
+    EXPECT_TRUE(Replaces(file, 0)) << "makes it";
+    EXPECT_TRUE(Replaces(file, 0)) << "replaces its own";
 }
 
 TEST(BFileReplacement, NothingIsLeftOfWhatIsGivenUp) {

@@ -99,6 +99,7 @@ MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
     saving.SetSize(options.read.width.value_or(0), options.read.height.value_or(0));
     saving.SetImageName(BString(options.image));
     saving.SetParams(options.read.params);
+    saving.SetOverwrites(options.overwrite);
     saving.SetVerifies(!options.no_verify);
     saving.SetRequiresExact(options.require_exact);
     if (options.tolerance) saving.SetTolerance(*options.tolerance, kAnyMetres);

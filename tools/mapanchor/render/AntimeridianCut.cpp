@@ -23,8 +23,9 @@ double Rounded(double degrees) {
 
 OGRPolygon ToPolygon(const std::vector<Position>& line) {
     OGRLinearRing ring;
-    for (const Position& position : line)
-        ring.addPoint(position.x, position.y);
+    ring.setNumPoints(static_cast<int>(line.size()), FALSE);
+    for (std::size_t i = 0; i < line.size(); ++i)
+        ring.setPoint(static_cast<int>(i), line[i].x, line[i].y);
     ring.closeRings();
     OGRPolygon polygon;
     polygon.addRing(&ring);
@@ -112,7 +113,9 @@ std::optional<Footprint> CutAtAntimeridian(const std::vector<Position>& line) {
     area.getEnvelope(&extent);
     Footprint footprint;
     SetBox(extent, footprint);
-    if (!area.IsValid()) return std::nullopt;
+    // An outline that goes around the Earth again and again is none.
+    constexpr double kMostTurns = 3.0;
+    if (extent.MaxX - extent.MinX > kMostTurns * kTurn || !area.IsValid()) return std::nullopt;
     if (extent.MinX >= -kHalfTurn && extent.MaxX <= kHalfTurn)
         AddRings(area, 0.0, footprint);
     else if (!Cut(area, extent, footprint))

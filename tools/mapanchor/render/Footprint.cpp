@@ -88,8 +88,9 @@ OGRMultiPolygon ToGeometry(const Footprint& footprint) {
     OGRMultiPolygon area;
     for (const auto& ring : footprint.rings) {
         OGRLinearRing line;
-        for (const Position& position : ring)
-            line.addPoint(position.x, position.y);
+        line.setNumPoints(static_cast<int>(ring.size()), FALSE);
+        for (std::size_t i = 0; i < ring.size(); ++i)
+            line.setPoint(static_cast<int>(i), ring[i].x, ring[i].y);
         OGRPolygon polygon;
         polygon.addRing(&line);
         area.addGeometry(&polygon);

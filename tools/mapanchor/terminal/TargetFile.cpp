@@ -1,5 +1,7 @@
 #include "terminal/TargetFile.h"
 
+#include <Tellurion/BFileReplacement.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,60 +18,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr mode_t kMode = 0666;  // the umask is taken off
 constexpr const char* kFolderPattern = ".mapanchor-XXXXXX";
 
 [[noreturn]] void Fail(const std::string& file, const char* what, int error) {
     if (error == EEXIST) throw std::runtime_error(ExistsText(file));
     throw std::runtime_error("File <" + file + "> cannot be " + what + ": " + ReasonOf(error) +
                              (error == ENOENT ? "; make its folder first." : "."));
-}
-
-/// Zero, or the number of the error.
-int WriteAndClose(int descriptor, const std::string& text) {
-    std::size_t done = 0;
-    int error = 0;
-    while (done < text.size() && error == 0) {
-        const ssize_t count = write(descriptor, text.data() + done, text.size() - done);
-        if (count >= 0)
-            done += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (error == 0 && fsync(descriptor) != 0 && errno != EINVAL && errno != EROFS) error = errno;
-    if (close(descriptor) != 0 && error == 0) error = errno;
-    return error;
-}
-
-void WriteNew(const std::string& file, const std::string& text) {
-    const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
-    if (descriptor < 0) Fail(file, "created", errno);
-    const int error = WriteAndClose(descriptor, text);
-    if (error == 0) return;
-    unlink(file.c_str());
-    Fail(file, "written", error);
-}
-
-void WriteInPlace(const std::string& file, const std::string& text) {
-    const int descriptor = open(file.c_str(), O_WRONLY | O_CLOEXEC);
-    if (descriptor < 0) Fail(file, "written", errno);
-    if (const int error = WriteAndClose(descriptor, text); error != 0) Fail(file, "written", error);
-}
-
-/// Beside the file, then moved over it.
-void Replace(const std::string& file, const struct stat& old, const std::string& text) {
-    if (access(file.c_str(), W_OK) != 0) Fail(file, "replaced", errno);
-    const fs::path target = fs::canonical(file);
-    std::string name = (target.parent_path() / kFolderPattern).string();
-    const int descriptor = mkostemp(name.data(), O_CLOEXEC);
-    if (descriptor < 0) Fail(file, "replaced", errno);
-    int error = fchmod(descriptor, old.st_mode & 07777) == 0 ? 0 : errno;
-    const int written = WriteAndClose(descriptor, text);
-    if (error == 0) error = written;
-    if (error == 0 && std::rename(name.c_str(), target.c_str()) == 0) return;
-    if (error == 0) error = errno;
-    unlink(name.c_str());
-    Fail(file, "replaced", error);
 }
 
 /// Zero, or the number of the error. Not every file system can refuse to replace a file in one step.
@@ -105,27 +59,22 @@ std::string ExistsText(const std::string& file) {
 }
 
 void WriteWholeFile(const std::string& file, const std::string& text, bool overwrite) {
-    struct stat old {};
-    if (!overwrite || stat(file.c_str(), &old) != 0)
-        WriteNew(file, text);
-    else if (S_ISREG(old.st_mode))
-        Replace(file, old, text);
-    else
-        WriteInPlace(file, text);
+    using Tellurion::BFileReplacement;
+    BFileReplacement target{Tellurion::BString(file)};
+    target.SetExisting(overwrite ? BFileReplacement::EExisting::Replace
+                                 : BFileReplacement::EExisting::Refuse);
+    if (!target.Open()) Fail(file, "created", target.GetError());
+    target.Write(text);
+    if (!target.Commit()) Fail(file, "written", target.GetError());
 }
 
 ReservedTarget::ReservedTarget(std::string file, bool overwrite) : file_(std::move(file)) {
-    if (overwrite) {
-        TryToWrite();
-        return;
-    }
-    const int descriptor = open(file_.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, kMode);
-    if (descriptor < 0) Fail(file_, "created", errno);
-    close(descriptor);
-    is_new_ = true;
+    std::error_code ignored;
+    if (!overwrite && fs::exists(fs::symlink_status(file_, ignored))) Fail(file_, "created", EEXIST);
+    TryToWrite();
 }
 
-/// A file that may exist is not created here: a process that is killed would leave it empty.
+/// A file is not created here: a process that is killed would leave it empty.
 void ReservedTarget::TryToWrite() {
     // A pipe without a reader is no target to wait for.
     const int descriptor = open(file_.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);

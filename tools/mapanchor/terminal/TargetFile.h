@@ -22,9 +22,8 @@ std::string ExistsText(const std::string& file);
 /// in one step: a failure leaves what was there.
 void WriteWholeFile(const std::string& file, const std::string& text, bool overwrite);
 
-/// Makes sure of a target before it is written: one that must not exist is created here, so
-/// that it is nobody else's, one that may exist is tried for writing. A file that is new and
-/// empty at the end is removed.
+/// Makes sure of a target before the library writes it: that it is not there, where it must
+/// not be, and that it can be written. A file that is new and empty at the end is removed.
 class ReservedTarget {
 public:
     ReservedTarget(std::string file, bool overwrite);

@@ -14,6 +14,7 @@
 #include <iterator>
 #include <mutex>
 #include <set>
+#include <unordered_set>
 
 namespace MapAnchor {
 
@@ -268,7 +269,13 @@ bool ReachesElsewhere(Reach reach) {
 }
 
 bool IsInTable(std::string_view name) {
-    return std::ranges::any_of(kDrivers, [&](const Driver& driver) { return name == driver.name; });
+    static const std::unordered_set<std::string_view> names = [] {
+        std::unordered_set<std::string_view> all;
+        for (const Driver& driver : kDrivers)
+            all.insert(driver.name);
+        return all;
+    }();
+    return names.contains(name);
 }
 
 }  // namespace

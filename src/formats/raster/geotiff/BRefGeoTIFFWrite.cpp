@@ -170,7 +170,8 @@ void RequireNone(const std::string& fault, const BString& file) {
 
 /// A raster that GDAL opens may still be one that it must not write.
 void RequireOpen(const GdalUpdate& update, const BString& file, const BString& failure) {
-    if (update.IsOpen()) return RequireNone(update.Refusal(), file);
+    RequireNone(update.Refusal(), file);
+    if (update.IsOpen()) return;
     BLogger::Instance()->WriteLine(ELogSeverity::Error, "BRefGeoTIFF::Write Failed to open file <%ls>", file);
     throw BFileAccessException(kSource, failure);
 }

@@ -16,8 +16,13 @@ using Tellurion::BString;
 
 namespace {
 
+bool IsInMemory(const std::string& path) {
+    return path.rfind("/vsimem/", 0) == 0;
+}
+
+/// In an archive or on a server a write that fails would fail within libtiff.
 bool IsOfGdalsFileSystem(const std::string& path) {
-    return path.rfind("/vsi", 0) == 0;
+    return path.rfind("/vsi", 0) == 0 && !IsInMemory(path);
 }
 
 std::string MemoryFaultOfOpening() {
@@ -53,7 +58,11 @@ bool HasCloudLayout(GDALDataset& raster) {
 
 GdalUpdate::GdalUpdate(const BString& file) {
     const std::string path = file.StdStr();
-    if (!IsOfGdalsFileSystem(path)) {
+    if (IsOfGdalsFileSystem(path)) {
+        refusal_ = "it is in an archive or on a server; save into a copy on a disk";
+        return;
+    }
+    if (!IsInMemory(path)) {
         lock_.emplace(path);
         folder_.emplace(path);
     }
