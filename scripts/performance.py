@@ -20,7 +20,7 @@ import subprocess
 import sys
 
 PROGRAMS = ("bench_read", "bench_coord_sys", "bench_pdf", "bench_pdf_write")
-PEERS = {"gdal": "GDAL", "podofo": "PoDoFo", "walk": "plain walk"}
+PEERS = {"gdal": "GDAL", "podofo": "PoDoFo", "walk": "plain walk", "named": "read by name"}
 COLD_PROGRAM, COLD = "bench_coord_sys", "^ours/first"
 WORSE = 1.1
 # Of operations below so many nanoseconds many rounds are counted: a start varies by thousands.

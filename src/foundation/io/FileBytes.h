@@ -34,6 +34,11 @@ TELLURION_EXPORT int CopyToNew(const std::string& from, const std::string& to);
 /// The result tells of the renaming.
 TELLURION_EXPORT int Move(const std::string& from, const std::string& to);
 
+/// Waits until a file, or at least its content and length, are on the disk; at once while
+/// a WithoutSync lives.
+TELLURION_EXPORT int Sync(int file);
+TELLURION_EXPORT int SyncData(int file);
+
 /// Syncs a folder that can be opened.
 int SyncFolder(const std::string& folder);
 
