@@ -39,10 +39,8 @@ unsigned int Flags(bool strict_transform, bool strict_crs) {
 }
 
 std::optional<EReferenceType> TypeOf(const BString& file, std::optional<EReferenceType> type) {
-    const BString extension = BFileUtilities::GetExtension(file).ToLower();
     for (const MapAnchor::BReferenceFormat& format : MapAnchor::BReferenceFormats::List())
-        for (const BString& typed : format.GetTypedExtensions())
-            if (!type && typed == extension) return format.GetType();
+        if (!type && format.IsNamedByType(file)) return format.GetType();
     return type;
 }
 
@@ -135,6 +133,7 @@ void DefineEnumerations(py::module_& module) {
         .value("ERS", EReferenceType::ERS)
         .value("DOQQ", EReferenceType::DOQQ)
         .value("KAP", EReferenceType::KAP)
+        .value("POINTS", EReferenceType::Points)
         .value("PDF", EReferenceType::GeoPDF);
     py::enum_<EMathTransformType>(module, "Fit")
         .value("AFFINE", EMathTransformType::Affine)

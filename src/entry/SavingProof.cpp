@@ -28,10 +28,6 @@ namespace {
 /// The digits of the distances in the sentence.
 constexpr int kDecimals = 3;
 
-bool Holds(const std::vector<std::u16string_view>& extensions, const BString& extension) {
-    return std::find(extensions.begin(), extensions.end(), extension.GetUnits()) != extensions.end();
-}
-
 PartsHeld PartsOf(const ReferenceFormat& kind, const BGeoReference& meant, const BSavingOptions& options) {
     const auto enabled = std::count_if(meant.PointPairVector.begin(), meant.PointPairVector.end(),
                                        [](const BPointPair& pair) { return pair.Enabled; });
@@ -233,9 +229,7 @@ const ReferenceFormat* FindSavedKind(const BString& file, const BSavingOptions& 
     if (options.HasType()) return FindFormatByType(options.GetType());
     const BString extension = BFileUtilities::GetExtension(file).ToLower();
     if (const ReferenceFormat* const row = FindFormatToSave(extension.GetUnits())) return row;
-    for (const ReferenceFormat& row : ReferenceFormatTable())
-        if (Holds(row.typed_extensions, extension)) return &row;
-    return nullptr;
+    return FindFormatByTypedName(file);
 }
 
 bool KeepsPart(Keeps keeps, const BSavingOptions& options, const ReferenceFormat& kind) {

@@ -15,6 +15,7 @@ enum class EReferenceType : int {
     DOQQ = 9,
     KAP = 10,
     GeoPDF = 11,
+    Points = 201,  ///< the table of control points of QGIS's georeferencer
 };
 
 }  // namespace Tellurion

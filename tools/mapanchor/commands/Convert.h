@@ -8,6 +8,7 @@
 
 #include <MapAnchor/BReferenceFormats.h>
 #include <MapAnchor/BSaving.h>
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/EReferenceType.h>
 
 #include <optional>
@@ -30,7 +31,8 @@ struct ConvertOptions {
     int target_page = 1;              ///< of a PDF, counted from 1
     bool no_sync = false;
     bool no_verify = false;
-    std::optional<double> tolerance;  ///< in pixels
+    std::optional<double> tolerance;               ///< in pixels
+    std::vector<Tellurion::BControlPoint> points;  ///< of the reference, with fractions of pixels
     bool require_exact = false;
 };
 

@@ -47,7 +47,7 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
     };
     for (const BReferenceFormat& format : BReferenceFormats::List())
         if (options.to ? format.HasType() && format.GetType() == *options.to
-                       : holds(format.GetSaveExtensions()) || holds(format.GetTypedExtensions()))
+                       : holds(format.GetSaveExtensions()) || format.IsNamedByType(BString(options.target)))
             plan.format = format;
     plan.files.push_back(options.target);
     plan.writes_prj = !options.to && plan.Is(EReferenceType::WLD) && reference.HasCoordSys();
@@ -99,6 +99,7 @@ MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
     saving.SetSize(options.read.width.value_or(0), options.read.height.value_or(0));
     saving.SetImageName(BString(options.image));
     saving.SetParams(options.read.params);
+    saving.SetControlPoints(options.points);
     saving.SetOverwrites(options.overwrite);
     saving.SetSyncs(!options.no_sync);
     saving.SetVerifies(!options.no_verify);
@@ -223,6 +224,7 @@ void CarryOut(const ConvertOptions& options, const BGeoReference& reference, Log
 Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log) {
     options.read.width = source.width;
     options.read.height = source.height;
+    options.points = std::move(source.points);
     if (options.image.empty() && !source.raster.empty())
         options.image = BFileUtilities::GetFileName(BString(source.raster)).StdStr();
     Outcome outcome;

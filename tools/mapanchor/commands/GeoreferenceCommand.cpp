@@ -3,6 +3,7 @@
 #include "commands/Georeference.h"
 #include "read/Conversion.h"
 #include "read/ReferenceFacts.h"
+#include "read/RemarkIds.h"
 #include "read/Systems.h"
 
 #include <MapAnchor/BControlPointFile.h>
@@ -99,7 +100,7 @@ void ReadPoints(const GeoreferenceOptions& options, std::string& points_system, 
     const auto file = BControlPointFile::Read(BString(options.file), BString(options.order));
     made.points.insert(made.points.end(), file.Points.begin(), file.Points.end());
     for (const BString& warning : file.Warnings)
-        made.result.diagnostics.push_back({false, warning.StdStr()});
+        made.result.diagnostics.push_back({false, warning.StdStr(), RemarkId::kReadRemark});
     if (points_system.empty()) points_system = file.CoordSys.StdStr();
 }
 
@@ -153,6 +154,7 @@ void Fit(const GeoreferenceOptions& options, Georeferenced& made) {
     made.report = BFitReport::Make(type, made.points, width, height);
     made.result.reference.SetPointPairVectorAndMathTransform(BControlPoint::Round(made.points),
                                                              made.report->Transform);
+    made.result.points = made.points;
 }
 
 void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
@@ -164,43 +166,15 @@ void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
     if (!names.empty())
         remarks.push_back({false,
                            "these points stand out: " + names + "; --drop " + names + " leaves them out",
-                           "suspects"});
+                           RemarkId::kSuspects});
     if (report.NearLine)
-        remarks.push_back({false, "the points are near a line: the fit is weak across it", "near-line"});
+        remarks.push_back(
+            {false, "the points are near a line: the fit is weak across it", RemarkId::kNearLine});
     if (options.max_rmse && report.RmsePixels > *options.max_rmse)
         made.result.failure = MakeFailure(FailureTypes::kTransform,
                                           "The root mean square of the residuals is " +
                                               PrintFixed(report.RmsePixels, 3) + " pixels, more than " +
                                               PrintShortest(*options.max_rmse) + "; nothing was saved.");
-}
-
-/// What whole pixels cost: the largest distance of the fit through them, in pixels, at the corners
-/// and points.
-std::optional<double> CostOfRounding(const Georeferenced& made) {
-    const BMathTransform& exact = made.report->Transform;
-    double cost = 0.0;
-    try {
-        const BMathTransform rounded(exact.GetMathTransformType(), made.result.reference.PointPairVector,
-                                     static_cast<unsigned int>(made.result.width.value_or(0)),
-                                     static_cast<unsigned int>(made.result.height.value_or(0)), true);
-        std::vector<Position> places;
-        for (const BControlPoint& point : made.points)
-            places.push_back({point.Column, point.Row});
-        if (made.result.width)
-            for (const double x : {0.0, static_cast<double>(*made.result.width)})
-                for (const double y : {0.0, static_cast<double>(*made.result.height)})
-                    places.push_back({x, y});
-        for (const Position& place : places) {
-            Position there = place;
-            if (!exact.ConvertSourceToTarget(there.x, there.y) ||
-                !rounded.ConvertTargetToSource(there.x, there.y))
-                return std::nullopt;
-            cost = std::max(cost, std::hypot(there.x - place.x, there.y - place.y));
-        }
-    } catch (const BException&) {
-        return std::nullopt;
-    }
-    return cost;
 }
 
 void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& made) {
@@ -214,15 +188,11 @@ void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced
     if (outcome.failure) return;
     made.written = outcome.plan.files;
     if (made.report && outcome.plan.format->HoldsPoints()) {
-        constexpr double kNoCost = 1e-6;
-        made.rounding = CostOfRounding(made);
-        if (!made.rounding || *made.rounding > kNoCost)
-            made.result.diagnostics.push_back(
-                {false,
-                 "the points are saved with whole pixels, which moves the fit through them by " +
-                     (made.rounding ? "up to " + PrintFixed(*made.rounding, 3) + " pixels"
-                                    : "an unknown amount"),
-                 "rounded"});
+        convert.points = made.points;
+        convert.read.width = made.result.width;
+        convert.read.height = made.result.height;
+        made.rounding = MapAnchor::BSaving::FindRounding(BString(convert.target), made.result.reference,
+                                                         SavingOptionsOf(convert));
     }
     if (!made.result.diagnostics.empty()) made.status = ExitStatus::Warnings;
 }
@@ -239,7 +209,8 @@ void Make(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& 
     if (system)
         made.result.reference.SetCoordSys(BSharedPtr<BCoordSys>(system.release()));
     else
-        made.result.diagnostics.push_back({false, "the coordinate system is not known: --crs TEXT names it"});
+        made.result.diagnostics.push_back(
+            {false, "the coordinate system is not known: --crs TEXT names it", RemarkId::kCrsMissing});
     if (!options.bounds.empty()) {
         SetBounds(options.bounds, made);
     } else {

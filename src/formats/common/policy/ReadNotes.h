@@ -2,6 +2,7 @@
 
 #include "common/policy/DiagnosticParts.h"
 
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BString.h>
 
 #include <cstdint>
@@ -58,6 +59,8 @@ public:
     std::vector<Tellurion::BString> files;  ///< that took part beside the one that was named
     std::vector<BDiagnostic> diagnostics;
     std::vector<Origin> origins;
+    /// The control points as the file states them; empty where the reference holds all of them.
+    std::vector<Tellurion::BControlPoint> exact_points;
 
 private:
     ReadNotes* outer_;
