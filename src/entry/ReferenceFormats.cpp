@@ -11,10 +11,13 @@
 #include "raster/geotiff/BRefGeoTIFF.h"
 #include "raster/kap/BRefKAP.h"
 #include "raster/mrsid/BRefMrSID.h"
+#include "sidecar/auxxml/BRefAuxXml.h"
 #include "sidecar/ers/BRefERS.h"
+#include "sidecar/kml/BRefKml.h"
 #include "sidecar/points/BRefPoints.h"
 #include "sidecar/rsf/BRefRSF.h"
 #include "sidecar/tab/BRefTAB.h"
+#include "sidecar/vrt/BRefVrt.h"
 #include "sidecar/wld/BRefWLD.h"
 
 #include <Tellurion/BFileUtilities.h>
@@ -35,7 +38,8 @@ std::vector<ReferenceFormat> MakeTable() {
     return {BRefRSF::Format(),    BRefWLD::Format(),         BRefGeoTIFF::Format(), BRefTAB::Format(),
             BRefERS::Format(),    BRefDOQQ::Format(),        BRefKAP::Format(),     BRefMrSID::Format(),
             BRefECW::Format(),    BRefECW::Jpeg2000Format(), BRefCADRG::Format(),   BRefADRG::Format(),
-            BRefGeoPDF::Format(), BRefPoints::Format()};
+            BRefGeoPDF::Format(), BRefPoints::Format(),      BRefAuxXml::Format(),  BRefVrt::Format(),
+            BRefKml::Format()};
 }
 
 bool Holds(const std::vector<std::u16string_view>& extensions, std::u16string_view extension) {
@@ -73,7 +77,8 @@ bool IsTypedName(const ReferenceFormat& format, const BString& file) {
 
 /// Some rows only answer for others.
 bool IsServed(const ReferenceFormat& format) {
-    return (format.typed_read && !format.refuses_typed_read) || format.named_read || format.probe.rank > 0;
+    return (format.typed_read && !format.refuses_typed_read) || format.named_read || format.probe.rank > 0 ||
+           (format.typed_save && !format.refuses_save);
 }
 
 }  // namespace

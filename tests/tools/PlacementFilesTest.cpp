@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace {
 
 constexpr const char* kQgis =
@@ -26,6 +28,72 @@ TEST(PlacementFiles, PointsOfQgisAreAKindOfTheirOwn) {
     folder.Write("bad.points", "mapX,mapY,sourceX,sourceY\n1,2,3,x4\n");
     folder.ExpectRun("info %/bad.points", 2, {}, {"bad.points> cannot be read", "line 2, column 7"});
     folder.ExpectRun("convert --to points %/b.rsf %/c.points", 2, {}, {"exists"});
+}
+
+/// A place as GDAL's own program reads it.
+std::string GdalInfo(const std::string& file) {
+    ToolSetting setting;
+    setting.program = "gdalinfo";
+    return RunTool({file}, setting).out;
+}
+
+TEST(PlacementFiles, AuxiliaryFilesAndWrappersPlaceRastersInGdal) {
+    const ToolFolder folder;
+    ToolSetting gdal;
+    gdal.program = "gdal_create";
+    ASSERT_EQ(
+        RunTool({"-of", "GTiff", "-outsize", "300", "200", "-bands", "3", folder / "a&b.tif"}, gdal).status,
+        0);
+    const std::string scan = folder / "a&b.tif";
+    folder.Write("p.points", kQgis);
+    // Statistics that are there stay there.
+    folder.Write("a&b.tif.aux.xml",
+                 "<PAMDataset><Metadata><MDI key=\"k\">kept</MDI></Metadata></PAMDataset>");
+    EXPECT_EQ(RunTool({"georeference", scan, "--gcps", folder / "p.points", "--fit", "affine", "--overwrite",
+                       "-o", scan + ".aux.xml"})
+                  .status,
+              3);
+    EXPECT_NE(TempFolder::Slurp(scan + ".aux.xml").find("kept"), std::string::npos);
+    EXPECT_NE(GdalInfo(scan).find("(10.5,20.25) -> (676000.5,5242000.25,0)"), std::string::npos);
+    const ToolRun bounds = RunTool({"georeference", scan, "--bounds", "11,47,12,48", "--crs", "EPSG:4326",
+                                    "--overwrite", "-o", scan + ".aux.xml"});
+    EXPECT_EQ(bounds.status, 0) << bounds.err;
+    EXPECT_NE(GdalInfo(scan).find("Origin = (11.000000000000000,48.000000000000000)"), std::string::npos);
+    std::filesystem::create_directory(folder / "out");
+    const ToolRun wrapped = RunTool({"convert", scan, folder / "out/w.vrt"});
+    EXPECT_EQ(wrapped.status, 0) << wrapped.err;
+    EXPECT_NE(wrapped.out.find("read back by GDAL alone: at most 0.000 pixels"), std::string::npos)
+        << wrapped.out;
+    EXPECT_NE(TempFolder::Slurp(folder / "out/w.vrt").find("relativeToVRT=\"1\">../a&amp;b.tif<"),
+              std::string::npos);
+    const std::string info = GdalInfo(folder / "out/w.vrt");
+    EXPECT_NE(info.find("Size is 300, 200"), std::string::npos);
+    EXPECT_NE(info.find("Origin = (11.000000000000000,48.000000000000000)"), std::string::npos);
+    folder.Write("text.aux.xml", "no XML");
+    for (const auto& [target, words] : {std::pair{"text.aux.xml", "is not an auxiliary file of GDAL"},
+                                        {"b.vrt", "GDAL does not open the raster"}})
+        folder.ExpectRun(
+            std::string("convert --image none.png --overwrite --size 9x9 %/p.points %/") + target, 2, {},
+            {words});
+}
+
+TEST(PlacementFiles, GroundOverlaysOfKmlAreBoxesOrQuadrangles) {
+    const ToolFolder folder;
+    folder.Write("p.points", kQgis);
+    const std::string box = "georeference %/a.png --size 300x200 --bounds 179,47,181,48 --crs EPSG:4326 -o ";
+    folder.ExpectRun(box + "%/box.kml", 3, {}, {"lost-system"});
+    EXPECT_NE(TempFolder::Slurp(folder / "box.kml").find("<LatLonBox><north>48</north><south>47</south>"),
+              std::string::npos);
+    folder.ExpectRun("convert --size 300x200 %/box.kml %/box.pgw", 0, {}, {"0.000 pixels"});
+    folder.ExpectRun("convert --size 300x200 --image a&b<\x01.png %/p.points %/quad.kml", 3, {},
+                     {"a KML overlay has its corners alone"});
+    EXPECT_NE(TempFolder::Slurp(folder / "quad.kml").find("<href>a&amp;b&lt;"), std::string::npos);
+    EXPECT_NE(TempFolder::Slurp(folder / "quad.kml").find("<gx:LatLonQuad>"), std::string::npos);
+    folder.Write("none.kml", "<kml/>");
+    for (const auto& [words, text] : {std::pair{"info %/box.kml", "--size WxH gives it"},
+                                      {"info --size 2x2 %/none.kml", "it has no GroundOverlay"},
+                                      {"convert %/p.points %/x.kml", "--size WxH gives it"}})
+        folder.ExpectRun(words, 2, {}, {text});
 }
 
 }  // namespace

@@ -108,6 +108,17 @@ MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
     return saving;
 }
 
+std::string ImageNameFor(const std::string& target, const std::string& raster) {
+    namespace fs = std::filesystem;
+    const std::string name = BFileUtilities::GetFileName(BString(raster)).StdStr();
+    const BString extension = BFileUtilities::GetExtension(BString(target)).ToLower();
+    if (extension != BString(".vrt") && extension != BString(".kml")) return name;
+    std::error_code error;
+    const fs::path path =
+        fs::proximate(fs::absolute(raster, error), fs::absolute(target, error).parent_path(), error);
+    return error ? name : path.string();
+}
+
 bool FailWhenInexact(const ConvertOptions& options, Outcome& outcome) {
     if (!options.require_exact || outcome.proof->IsExact()) return false;
     outcome.Fail(ExitStatus::Error, FailureTypes::kWrite,
@@ -226,7 +237,7 @@ Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log
     options.read.height = source.height;
     options.points = std::move(source.points);
     if (options.image.empty() && !source.raster.empty())
-        options.image = BFileUtilities::GetFileName(BString(source.raster)).StdStr();
+        options.image = ImageNameFor(options.target, source.raster);
     Outcome outcome;
     outcome.status = source.Status();
     outcome.failure = source.failure;

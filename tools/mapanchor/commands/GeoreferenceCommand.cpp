@@ -180,7 +180,7 @@ void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
 void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& made) {
     ConvertOptions convert = options.convert;
     convert.source = options.file;
-    convert.image = BFileUtilities::GetFileName(BString(options.image)).StdStr();
+    convert.image = ImageNameFor(convert.target, options.image);
     Outcome outcome = SaveReading(convert, made.result, log);
     made.result.failure = outcome.failure;
     made.result.diagnostics = std::move(outcome.diagnostics);
