@@ -49,7 +49,7 @@ class Box:
     value: int
 
 class Error(Exception):
-    """A failure of the library: a message, where it comes from, and what tells it apart."""
+    """A failure of the library: a message, where it comes from, and what distinguishes it."""
 
     message: str
     source: str
@@ -192,10 +192,10 @@ class Reference:
         """What it was read as, such as "WLD"; empty for one that was not read."""
     @property
     def anchor(self) -> str:
-        """Where in the top left pixel column 0, row 0 lies: "corner" or "centre"."""
+        """Where in the top left pixel column 0, row 0 is: "corner" or "centre"."""
     @property
     def used_file(self) -> str:
-        """The file that was read, where another stands for the one that was named."""
+        """The file that was read, where another was read in place of the named one."""
     @property
     def files(self) -> List[str]:
         """All files that took part in the reading."""
