@@ -1,10 +1,12 @@
 #include "commands/Commands.h"
 #include "commands/Convert.h"
 #include "commands/Georeference.h"
+#include "commands/GeoreferenceReport.h"
 #include "read/Conversion.h"
 #include "read/ReferenceFacts.h"
 #include "read/RemarkIds.h"
 #include "read/Systems.h"
+#include "terminal/TargetFile.h"
 
 #include <MapAnchor/BControlPointFile.h>
 #include <MapAnchor/BGdalAccess.h>
@@ -33,6 +35,7 @@ constexpr const char* kGeoreferenceDescription =
     "  mapanchor georeference scan.tif --gcps scan.points\n"
     "  mapanchor georeference scan.jpg --gcps clicks.csv --crs EPSG:25832 -o scan.jgw\n"
     "  mapanchor georeference scan.tif --gcps scan.points --drop P7 -o scan.tab\n"
+    "  mapanchor georeference scan.tif --gcps scan.points --report scan.html\n"
     "  mapanchor georeference a.png --bounds 11,47,12,48 --crs EPSG:4326 -o a.pgw";
 
 std::vector<double> NumbersIn(std::string_view& text, std::size_t most) {
@@ -223,10 +226,24 @@ void Make(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& 
     if (!made.result.failure && !options.convert.target.empty()) SaveTo(options, log, made);
 }
 
+/// The page is there for a fit that is refused, too.
+void WriteReport(const GeoreferenceOptions& options, Georeferenced& made) {
+    if (options.report.empty() || !made.report) return;
+    try {
+        WriteWholeFile(options.report, RenderReportPage(options, made), options.convert.overwrite);
+        made.written.push_back(options.report);
+    } catch (const std::runtime_error& error) {
+        if (!made.result.failure) made.result.failure = MakeFailure(FailureTypes::kWrite, error.what());
+        made.status = ExitStatus::Error;
+    }
+}
+
 ExitStatus Run(const GeoreferenceOptions& options) {
     const int ways = !options.bounds.empty() + (!options.file.empty() || !options.gcps.empty());
     if (ways != 1)
         throw CLI::ValidationError("georeference", "wants control points, by --gcps or --gcp, or --bounds");
+    if (!options.report.empty() && !options.bounds.empty())
+        throw CLI::ValidationError("--report", "shows residuals, which --bounds has not");
     const Console console = options.convert.common.MakeConsole();
     LogCollector log;
     Georeferenced made;
@@ -237,6 +254,7 @@ ExitStatus Run(const GeoreferenceOptions& options) {
                              BString("File <") + BString(options.image) +
                                  BString("> does NOT exist; --size WxH stands for it."));
         Make(options, log, made);
+        WriteReport(options, made);
     } catch (const BException&) {
         made.result.failure = CurrentFailure();
         made.status = ExitStatus::Error;
@@ -302,6 +320,7 @@ void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status) {
         ->type_name("PX");
     command->add_option("-o,--output", options->convert.target, "File to save; its extension names the kind")
         ->type_name("FILE");
+    command->add_option("--report", options->report, "Write the report as a web page")->type_name("FILE");
     command->add_flag("--overwrite", options->convert.overwrite,
                       "Replace existing files; georeference a raster or a PDF in place");
     command
