@@ -4,6 +4,7 @@
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReading.h>
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BLogger.h>
 #include <Tellurion/BMathTransform.h>
 
@@ -74,10 +75,10 @@ PyReference Read(const py::object& path, std::optional<EReferenceType> type, lon
     return result;
 }
 
-BMathTransform Fit(const std::vector<BPointPair>& points, EMathTransformType kind, unsigned int width,
+BMathTransform Fit(const std::vector<BControlPoint>& points, EMathTransformType kind, unsigned int width,
                    unsigned int height) {
     const py::gil_scoped_release released;
-    return BMathTransform(kind, points, width, height, true);
+    return BMathTransform::Fit(kind, points, width, height);
 }
 
 void DefineEnumerations(py::module_& module) {
@@ -136,6 +137,7 @@ PYBIND11_MODULE(_mapanchor, module) {
     DefineEnumerations(module);
     DefineReference(module);
     DefineSaving(module);
+    DefineReport(module);
     SendLogToPython();
     const auto affine = EMathTransformType::Affine;
     module.def("read", &Read, py::arg("path"), py::arg("type") = py::none(), py::kw_only(),

@@ -44,3 +44,4 @@ void Guarded(const char* source, Work work) {
 void DefineFailures(pybind11::module_& module);
 void DefineReference(pybind11::module_& module);
 void DefineSaving(pybind11::module_& module);
+void DefineReport(pybind11::module_& module);

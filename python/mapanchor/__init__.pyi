@@ -1,6 +1,6 @@
 from enum import Enum
 from os import PathLike
-from typing import ClassVar, Iterable, List, Optional, Tuple, Union
+from typing import ClassVar, Iterable, List, Optional, Tuple, Union, overload
 
 Path = Union[str, bytes, PathLike]
 Affine = Tuple[float, float, float, float, float, float]
@@ -19,6 +19,10 @@ class Type:
     ERS: ClassVar[Type]
     DOQQ: ClassVar[Type]
     KAP: ClassVar[Type]
+    POINTS: ClassVar[Type]
+    AUX: ClassVar[Type]
+    VRT: ClassVar[Type]
+    KML: ClassVar[Type]
     PDF: ClassVar[Type]
     name: str
     value: int
@@ -301,5 +305,105 @@ def write(
     the reading unless it is given.
     """
 
-def fit(points: Iterable[Point], kind: Fit = ..., *, width: int = ..., height: int = ...) -> Transform:
+class ControlPoint:
+    """A control point with the fraction of its pixel; rows count downwards from the top edge. Where one is
+    expected, a Point will do."""
+
+    column: float
+    row: float
+    x: float
+    y: float
+    z: float
+    name: str
+    enabled: bool
+    @overload
+    def __init__(
+        self,
+        column: float,
+        row: float,
+        x: float,
+        y: float,
+        z: float = ...,
+        name: str = ...,
+        enabled: bool = ...,
+    ) -> None: ...
+    @overload
+    def __init__(self, point: Point) -> None: ...
+
+class Residual:
+    """How far a fit is from one point. What is not known is None."""
+
+    @property
+    def dx_pixels(self) -> Optional[float]:
+        """Rightwards: where the fit has the position, minus the point's pixel."""
+    @property
+    def dy_pixels(self) -> Optional[float]:
+        """The same downwards."""
+    @property
+    def pixels(self) -> Optional[float]: ...
+    @property
+    def map_units(self) -> Optional[float]: ...
+    @property
+    def left_out_pixels(self) -> Optional[float]:
+        """The distance from the fit through all other points."""
+    @property
+    def left_out_map_units(self) -> Optional[float]: ...
+    @property
+    def suspect(self) -> bool:
+        """The point stands out from the others by more than chance explains."""
+
+class Alternative:
+    """One fit among those that the points can carry."""
+
+    kind: Fit
+    worse: bool
+    chosen: bool
+    reason: str
+    @property
+    def left_out_rmse_pixels(self) -> Optional[float]: ...
+
+class FitReport:
+    """A fit, and how well it explains its points. What is not known is None."""
+
+    @property
+    def transform(self) -> Transform: ...
+    @property
+    def residuals(self) -> List[Residual]:
+        """One for each point, disabled ones too."""
+    @property
+    def used(self) -> int: ...
+    @property
+    def rmse(self) -> Optional[float]:
+        """Root mean square of the residuals, in map units."""
+    @property
+    def rmse_pixels(self) -> Optional[float]: ...
+    @property
+    def rmse_adjusted_pixels(self) -> Optional[float]:
+        """The same over the degrees of freedom that are left."""
+    @property
+    def left_out_rmse_pixels(self) -> Optional[float]: ...
+    @property
+    def max_pixels(self) -> Optional[float]: ...
+    @property
+    def hull_share(self) -> Optional[float]:
+        """Of the raster, the part that the points' hull covers; None without its size."""
+    @property
+    def near_line(self) -> bool: ...
+    @property
+    def shape(self) -> str:
+        """Scale, rotation and shear in a sentence."""
+
+def fit(
+    points: Iterable[Union[ControlPoint, Point]], kind: Fit = ..., *, width: int = ..., height: int = ...
+) -> Transform:
     """The transform through the points that are enabled; Error when they cannot carry it."""
+
+def report(
+    points: Iterable[Union[ControlPoint, Point]], kind: Fit = ..., *, width: int = ..., height: int = ...
+) -> FitReport:
+    """The same with its residuals, left-out residuals and suspects."""
+
+def compare(
+    points: Iterable[Union[ControlPoint, Point]], *, width: int = ..., height: int = ...
+) -> List[Alternative]:
+    """All fits that the points carry, from simple to rich, compared by their left-out residuals."""

@@ -25,7 +25,7 @@ std::string Line(const Json& json) {
 
 std::string CsvLine(const ReadResult& result, const std::optional<Footprint>& footprint) {
     const auto system = result.reference.CoordSys;
-    const auto rmse = ComputeResiduals(result.reference).root_mean_square;
+    const auto rmse = ComputeResiduals(result).root_mean_square;
     const std::string fields[] = {
         CellText(result.file),
         result.Ok() ? "true" : "false",

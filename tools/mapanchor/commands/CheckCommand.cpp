@@ -132,13 +132,17 @@ private:
     }
 
     void CheckResiduals() {
-        const auto rmse = ComputeResiduals(result_.reference).root_mean_square;
+        const Residuals residuals = ComputeResiduals(result_);
+        const auto& rmse = residuals.root_mean_square;
         if (!rmse)
             Complain(RemarkId::kRmseUnknown, "there are no control points to judge the transform by");
         else if (*rmse > *demands_.max_rmse)
-            Complain(RemarkId::kRmseExceeded, "the root mean square of the residuals is " +
-                                                  PrintShortest(*rmse) + " pixels, more than " +
-                                                  PrintShortest(*demands_.max_rmse));
+            Complain(RemarkId::kRmseExceeded,
+                     "the root mean square of the residuals is " + PrintShortest(*rmse) +
+                         " pixels, more than " + PrintShortest(*demands_.max_rmse) +
+                         (residuals.adjusted ? "; adjusted for degrees of freedom " +
+                                                   Tellurion::PrintFixed(*residuals.adjusted, 3)
+                                             : std::string()));
     }
 
     const Demands& demands_;

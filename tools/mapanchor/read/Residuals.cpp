@@ -1,40 +1,29 @@
 #include "read/Residuals.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace Tool {
 
-namespace {
+using namespace Tellurion;
 
-std::optional<double> ResidualOf(const Tellurion::BPointPair& pair,
-                                 const Tellurion::BMathTransform& transform) {
-    double x = pair.World.x;
-    double y = pair.World.y;
-    if (!transform.ConvertTargetToSource(x, y)) return std::nullopt;
-    return std::hypot(x - pair.Column, y - pair.Row);
-}
-
-}  // namespace
-
-Residuals ComputeResiduals(const Tellurion::BGeoReference& reference) {
+Residuals ComputeResiduals(const ReadResult& result) {
     Residuals residuals;
-    residuals.pixels.resize(reference.PointPairVector.size());
-    if (!reference.HasMathTransform()) return residuals;
-    double sum = 0.0;
-    double maximum = 0.0;
-    int count = 0;
-    for (std::size_t i = 0; i < residuals.pixels.size(); ++i) {
-        const Tellurion::BPointPair& pair = reference.PointPairVector[i];
-        residuals.pixels[i] = ResidualOf(pair, *reference.MathTransform);
-        if (!pair.Enabled || !residuals.pixels[i]) continue;
-        sum += *residuals.pixels[i] * *residuals.pixels[i];
-        maximum = std::max(maximum, *residuals.pixels[i]);
-        ++count;
-    }
-    if (count == 0) return residuals;
-    residuals.root_mean_square = std::sqrt(sum / count);
-    residuals.maximum = maximum;
+    const BGeoReference& reference = result.reference;
+    residuals.points = result.points.size() == reference.PointPairVector.size()
+                           ? result.points
+                           : BControlPoint::From(reference.PointPairVector);
+    residuals.of_points.resize(residuals.points.size());
+    if (!reference.HasMathTransform() || residuals.points.empty()) return residuals;
+    const auto side = [](const std::optional<long>& pixels) {
+        return static_cast<unsigned int>(std::clamp(pixels.value_or(0), 0L, 0x7FFFFFFFL));
+    };
+    BFitReport report =
+        BFitReport::Of(*reference.MathTransform, residuals.points, side(result.width), side(result.height));
+    residuals.of_points = std::move(report.Residuals);
+    if (!report.HasRmse) return residuals;
+    residuals.root_mean_square = report.RmsePixels;
+    residuals.maximum = report.MaxPixels;
+    if (report.HasRmseAdjusted) residuals.adjusted = report.RmseAdjustedPixels;
     return residuals;
 }
 

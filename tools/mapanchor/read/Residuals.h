@@ -1,21 +1,25 @@
 #pragma once
 
-#include <Tellurion/BGeoReference.h>
+#include "read/ReadFile.h"
+
+#include <Tellurion/BFitReport.h>
 
 #include <optional>
 #include <vector>
 
 namespace Tool {
 
-/// How far the control points lie from where the transform puts them, in pixels.
+/// How far the control points lie from where the transform puts them, in pixels. See
+/// Tellurion::BFitReport.
 struct Residuals {
-    /// One for each point; empty where there is no transform or it has no value.
-    std::vector<std::optional<double>> pixels;
+    std::vector<Tellurion::BControlPoint> points;    ///< with the fractions of their pixels
+    std::vector<Tellurion::BFitResidual> of_points;  ///< one for each
     /// Over the enabled points that have one; empty when none has.
     std::optional<double> root_mean_square;
+    std::optional<double> adjusted;  ///< for the degrees of freedom; empty where none is left
     std::optional<double> maximum;
 };
 
-Residuals ComputeResiduals(const Tellurion::BGeoReference& reference);
+Residuals ComputeResiduals(const ReadResult& result);
 
 }  // namespace Tool

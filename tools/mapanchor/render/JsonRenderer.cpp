@@ -37,28 +37,42 @@ Json GeoTransform(const std::array<double, 6>& t, bool centre_anchored) {
     return Json::array({c, t[0], t[1], f, t[3], t[4]});
 }
 
-Json GcpJson(const BPointPair& pair) {
-    Json gcp = {{"id", pair.Name.StdStr()}, {"pixel", pair.Column}, {"line", pair.Row}};
-    PutNumber(gcp, "x", pair.World.x);
-    PutNumber(gcp, "y", pair.World.y);
-    PutNumber(gcp, "z", pair.World.z);
+/// A whole pixel without a decimal point.
+Json PixelJson(double position) {
+    constexpr double kWhole = 1e15;
+    if (position == std::trunc(position) && std::fabs(position) < kWhole)
+        return static_cast<long long>(position);
+    return position;
+}
+
+Json GcpJson(const BControlPoint& point) {
+    Json gcp = {
+        {"id", point.Name.StdStr()}, {"pixel", PixelJson(point.Column)}, {"line", PixelJson(point.Row)}};
+    PutNumber(gcp, "x", point.World.x);
+    PutNumber(gcp, "y", point.World.y);
+    PutNumber(gcp, "z", point.World.z);
     return gcp;
 }
 
-Json PointJson(const BPointPair& pair, const std::optional<double>& residual) {
-    Json point = {{"name", pair.Name.StdStr()}, {"column", pair.Column}, {"row", pair.Row}};
-    PutNumber(point, "x", pair.World.x);
-    PutNumber(point, "y", pair.World.y);
-    PutNumber(point, "z", pair.World.z);
-    point["enabled"] = pair.Enabled;
-    if (residual) PutNumber(point, "residualPixels", *residual);
-    return point;
+Json PointJson(const BControlPoint& point, const BFitResidual& residual) {
+    Json json = {
+        {"name", point.Name.StdStr()}, {"column", PixelJson(point.Column)}, {"row", PixelJson(point.Row)}};
+    PutNumber(json, "x", point.World.x);
+    PutNumber(json, "y", point.World.y);
+    PutNumber(json, "z", point.World.z);
+    json["enabled"] = point.Enabled;
+    if (!residual.HasResidual) return json;
+    PutNumber(json, "dxPixels", residual.DxPixels);
+    PutNumber(json, "dyPixels", residual.DyPixels);
+    PutNumber(json, "residualPixels", residual.ResidualPixels);
+    return json;
 }
 
 Json Transform(const BMathTransform& transform, const Residuals& residuals) {
     const EMathTransformType type = transform.GetMathTransformType();
     Json json = {{"type", static_cast<int>(type)}, {"name", WordFor(type)}};
     if (residuals.root_mean_square) PutNumber(json, "rmsePixels", *residuals.root_mean_square);
+    if (residuals.adjusted) PutNumber(json, "rmseAdjustedPixels", *residuals.adjusted);
     if (residuals.maximum) PutNumber(json, "maxPixels", *residuals.maximum);
     return json;
 }
@@ -295,26 +309,26 @@ Json RenderJson(const Diagnostics& diagnostics) {
 }
 
 Json JsonWithoutPoints(const ReadResult& result) {
-    return JsonWithoutPoints(result, ComputeResiduals(result.reference));
+    return JsonWithoutPoints(result, ComputeResiduals(result));
 }
 
 Json PointsJson(const ReadResult& result) {
-    const Residuals residuals = ComputeResiduals(result.reference);
+    const Residuals residuals = ComputeResiduals(result);
     Json list = Json::array();
-    for (std::size_t i = 0; i < residuals.pixels.size(); ++i)
-        list.push_back(PointJson(result.reference.PointPairVector[i], residuals.pixels[i]));
+    for (std::size_t i = 0; i < residuals.points.size(); ++i)
+        list.push_back(PointJson(residuals.points[i], residuals.of_points[i]));
     return list;
 }
 
 void WriteJson(const ReadResult& result, const CommonOptions& options, const TextPieces::Write& write) {
-    const Residuals residuals = ComputeResiduals(result.reference);
-    const std::vector<BPointPair>& pairs = result.reference.PointPairVector;
+    const Residuals residuals = ComputeResiduals(result);
+    const std::vector<BControlPoint>& points = residuals.points;
     const std::string text = ToText(JsonWithoutPoints(result, residuals), options);
     ListFiller filler(text, options, write);
-    if (result.Ok() && !pairs.empty()) {
-        filler.Fill("gcpList", pairs.size(), [&](std::size_t i) { return GcpJson(pairs[i]); });
-        filler.Fill("points", pairs.size(),
-                    [&](std::size_t i) { return PointJson(pairs[i], residuals.pixels[i]); });
+    if (result.Ok() && !points.empty()) {
+        filler.Fill("gcpList", points.size(), [&](std::size_t i) { return GcpJson(points[i]); });
+        filler.Fill("points", points.size(),
+                    [&](std::size_t i) { return PointJson(points[i], residuals.of_points[i]); });
     }
     filler.Finish();
 }

@@ -124,7 +124,10 @@ std::string TransformText(const ReadResult& result, const Residuals& residuals, 
     if (residuals.root_mean_square)
         text += Line(console, "residuals",
                      "root mean square " + PrintFixed(*residuals.root_mean_square, 3) + ", largest " +
-                         PrintFixed(*residuals.maximum, 3) + " pixels");
+                         PrintFixed(*residuals.maximum, 3) + " pixels" +
+                         (residuals.adjusted
+                              ? "; adjusted for degrees of freedom " + PrintFixed(*residuals.adjusted, 3)
+                              : std::string()));
     return text + PixelText(result, console) + CornersText(result, console);
 }
 
@@ -152,22 +155,21 @@ void WriteTable(std::size_t count, RowAt row_at, const Console& console, TextPie
     }
 }
 
-void WritePoints(const std::vector<BPointPair>& pairs, const Residuals& residuals, const Console& console,
-                 TextPieces& out) {
+void WritePoints(const Residuals& residuals, const Console& console, TextPieces& out) {
     const auto row_at = [&](std::size_t i) -> TableRow {
         if (i == 0) return {"point", "column", "row", "x", "y", "z", "residual", "used"};
-        const BPointPair& pair = pairs[i - 1];
-        const std::optional<double>& residual = residuals.pixels[i - 1];
-        return {pair.Name.StdStr(),
-                std::to_string(pair.Column),
-                std::to_string(pair.Row),
-                Number(pair.World.x),
-                Number(pair.World.y),
-                Number(pair.World.z),
-                residual ? PrintFixed(*residual, 3) : "-",
-                pair.Enabled ? "yes" : "no"};
+        const BControlPoint& point = residuals.points[i - 1];
+        const BFitResidual& residual = residuals.of_points[i - 1];
+        return {point.Name.StdStr(),
+                PrintShortest(point.Column),
+                PrintShortest(point.Row),
+                Number(point.World.x),
+                Number(point.World.y),
+                Number(point.World.z),
+                residual.HasResidual ? PrintFixed(residual.ResidualPixels, 3) : "-",
+                point.Enabled ? "yes" : "no"};
     };
-    WriteTable(pairs.size() + 1, row_at, console, out);
+    WriteTable(residuals.points.size() + 1, row_at, console, out);
 }
 
 void WriteOrigins(const ReadResult& result, const Console& console, TextPieces& out) {
@@ -202,7 +204,7 @@ std::string RenderTable(const std::vector<std::vector<std::string>>& rows, const
 
 void PrintReference(const ReadResult& result, const CommonOptions& common, const Console& console) {
     const BGeoReference& reference = result.reference;
-    const Residuals residuals = ComputeResiduals(reference);
+    const Residuals residuals = ComputeResiduals(result);
     TextPieces out([&console](std::string_view piece) { console.Print(piece); });
     std::string& text = out.Text();
     text += console.Bold(result.file) + "\n";
@@ -217,7 +219,7 @@ void PrintReference(const ReadResult& result, const CommonOptions& common, const
     if (const BSharedPtr<BLinearUnit> unit = reference.GetVerticalUnit())
         text += Line(console, "heights", "in " + unit->GetName().StdStr());
     if (reference.IsPixelAsPointRegistered()) text += Line(console, "pixels", "stand for points");
-    if (!reference.PointPairVector.empty()) WritePoints(reference.PointPairVector, residuals, console, out);
+    if (!reference.PointPairVector.empty()) WritePoints(residuals, console, out);
     if (!result.origins.empty()) WriteOrigins(result, console, out);
     if (result.page) text += RenderPdfPage(*result.page, console);
     if (common.verbose && reference.HasCoordSys())
