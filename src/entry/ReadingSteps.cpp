@@ -346,7 +346,9 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     }
 }
 
-void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
+namespace {
+
+void ReadAll(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
     const GdalDrivers::Scope allowed(&options.GetState().params);
     state.width = options.GetWidth();
     state.height = options.GetHeight();
@@ -369,6 +371,16 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
             state.height = state.stated_height;
         }
         CheckReading(options, state);
+    }
+}
+
+}  // namespace
+
+void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
+    try {
+        ReadAll(options, state, sources);
+    } catch (const BUnsupportedFileTypeException&) {  // a module is missing that reads names or sidecars
+        state.failure = ReadingFailure::Current();
     }
     state.outcome = OutcomeOf(state);
 }
