@@ -34,21 +34,23 @@ std::string Module::File() const {
 
 const void* Module::Load() const {
     const std::string file = File();
-    const std::string remedy = std::string("install the package libmapanchor") + MAPANCHOR_SOVERSION + "-" + name_ +
-                               " of version " + MAPANCHOR_MODULE_VERSION + ".";
+    const std::string remedy = std::string("install the package libmapanchor") + MAPANCHOR_SOVERSION + "-" +
+                               name_ + " of version " + MAPANCHOR_MODULE_VERSION + ".";
     if (access(file.c_str(), F_OK) != 0)
         Fail(std::string(purpose_) + " need the module <" + file + ">, which is not installed; " + remedy);
     void* const handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
         const char* const reason = dlerror();
-        Fail("The module <" + file + "> cannot be loaded: " + (reason ? reason : "unknown reason") + "; " + remedy);
+        Fail("The module <" + file + "> cannot be loaded: " + (reason ? reason : "unknown reason") + "; " +
+             remedy);
     }
     void* const symbol = dlsym(handle, kFunction);
     const auto function = reinterpret_cast<const ModuleTable* (*)()>(symbol);
     const ModuleTable* const table = function ? function() : nullptr;
     if (!table || !table->version || std::strcmp(table->version, MAPANCHOR_MODULE_VERSION) != 0)
-        Fail("The module <" + file + "> is of version " + (table && table->version ? table->version : "unknown") +
-             ", the library of version " + MAPANCHOR_MODULE_VERSION + "; " + remedy);
+        Fail("The module <" + file + "> is of version " +
+             (table && table->version ? table->version : "unknown") + ", the library of version " +
+             MAPANCHOR_MODULE_VERSION + "; " + remedy);
     return table->functions;
 }
 

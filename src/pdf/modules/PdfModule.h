@@ -18,8 +18,8 @@ struct PdfModule {
     BGeoPDFPages (*describe_page)(const BString&, const BParamList*);
     BGeoPDFTraits (*traits_of_file)(const BString&);
     std::vector<BDiagnostic> (*check_file)(const BString&);
-    bool (*read)(const BString&, const unsigned int&, BGeoReference&, Tellurion::EMathTransformType, long, long,
-                 const BParamList*);
+    bool (*read)(const BString&, const unsigned int&, BGeoReference&, Tellurion::EMathTransformType, long,
+                 long, const BParamList*);
     bool (*write)(const BString&, const BGeoReference&, long, long, const BParamList*);
 };
 

@@ -1,6 +1,6 @@
 #include "render/GdalParts.h"
 
-#include <MapAnchor/BGdalAccess.h>
+#include <Tellurion/BLogger.h>
 #include <Tellurion/BUnsupportedFileTypeException.h>
 
 #include <dlfcn.h>
@@ -11,10 +11,10 @@ namespace Tool {
 
 namespace {
 
-/// Beside the library, where its own modules are.
+/// Beside libTellurion, where the library looks for its modules.
 std::string FileOfParts() {
     Dl_info library;
-    const auto own = reinterpret_cast<const void*>(&MapAnchor::BGdalAccess::GetDrivers);
+    const auto own = reinterpret_cast<const void*>(&Tellurion::BLogger::Instance);
     const std::string file = dladdr(own, &library) != 0 && library.dli_fname ? library.dli_fname : "";
     return file.substr(0, file.rfind('/') + 1) + "libmapanchor-tool.so." + MAPANCHOR_SOVERSION;
 }
@@ -27,10 +27,11 @@ const GdalParts& LoadParts() {
     const GdalParts* const parts = symbol ? reinterpret_cast<const GdalParts* (*)()>(symbol)() : nullptr;
     if (parts && std::string_view(parts->version) == MAPANCHOR_VERSION) return *parts;
     throw Tellurion::BUnsupportedFileTypeException(
-        "mapanchor", Tellurion::BString("footprints and indexes need the module <" + file + "> of version " +
-                                        MAPANCHOR_VERSION + ", which cannot be loaded" +
-                                        (reason ? std::string(": ") + reason : std::string()) +
-                                        "; install the package libmapanchor" + MAPANCHOR_SOVERSION + "-gdal."));
+        "mapanchor",
+        Tellurion::BString("footprints and indexes need the module <" + file + "> of version " +
+                           MAPANCHOR_VERSION + ", which cannot be loaded" +
+                           (reason ? std::string(": ") + reason : std::string()) +
+                           "; install the package libmapanchor" + MAPANCHOR_SOVERSION + "-gdal."));
 }
 
 const GdalParts& Parts() {
