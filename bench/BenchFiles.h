@@ -48,7 +48,7 @@ public:
         std::ofstream(path_ / name, std::ios::binary) << content;
         return Path(name);
     }
-    /// What lies beyond the content is a hole.
+    /// The rest after the content is a hole.
     std::string Write(const std::string& name, const std::string& content, std::uintmax_t size) const {
         std::filesystem::resize_file(Write(name, content), size);
         return Path(name);
@@ -84,7 +84,7 @@ inline long StatusKiB(const char* name) {
 
 /// Whose time a benchmark measures: ours, a peer's doing the same work, or the floor
 /// that no reader can go below. The named read is our own, which the other way is measured against. The walk
-/// is the plain search that an index stands for.
+/// is the plain search that an index replaces.
 enum class Who { Ours, Gdal, PoDoFo, Walk, Floor, Named };
 
 /// Registers a benchmark under "<who>/<operation>"; scripts/performance.py sets those of

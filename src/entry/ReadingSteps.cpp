@@ -9,6 +9,7 @@
 #include "common/policy/DiagnosticIds.h"
 #include "raster/gdal/GdalDrivers.h"
 #include "raster/gdal/VirtualFiles.h"
+#include "raster/geotiff/KnownRasters.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
@@ -350,6 +351,8 @@ namespace {
 
 void ReadAll(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
     const GdalDrivers::Scope allowed(&options.GetState().params);
+    std::optional<HeaderReads> headers;
+    if (options.ReadsHeaders()) headers.emplace();
     state.width = options.GetWidth();
     state.height = options.GetHeight();
     state.explains = options.Explains();

@@ -9,7 +9,7 @@ ReferenceFormat BRefGeoPDF::Format() {
             .title = "Geospatial PDF",
             .type = Tellurion::EReferenceType::GeoPDF,
             // False is no failure by type: the reference says what there is, and the log
-            // where a PDF that was not written stands.
+            // where a PDF that was not written is.
             .typed_read =
                 [](const ReadCall& call) {
                     Read(call.file, call.flags, call.reference, call.math_type, call.width, call.height,

@@ -62,6 +62,10 @@ bool HasGdalDriver(const char* name) {
     return ModuleOfGdal().IsThere() && Gdal().has_driver(name);
 }
 
+bool HasGdalSettings() {
+    return Gdal().has_settings();
+}
+
 bool ReadRasterSize(const BString& file, long& width, long& height) {
     return Gdal().read_raster_size(file, width, height);
 }

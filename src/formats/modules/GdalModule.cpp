@@ -19,6 +19,7 @@ constexpr GdalModule kFunctions = {
     .enter_scope = &GdalDrivers::Scope::Enter,
     .leave_scope = &GdalDrivers::Scope::Leave,
     .has_driver = HasGdalDriver,
+    .has_settings = HasGdalSettings,
     .read_raster_size = ReadRasterSize,
     .read_reference = ReadGdalReference,
     .make_quiet_errors = MakeQuietErrors,

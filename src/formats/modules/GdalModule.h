@@ -3,6 +3,7 @@
 #include "common/policy/ReferenceFormat.h"
 #include "raster/gdal/GdalDrivers.h"
 #include "raster/gdal/GdalReference.h"
+#include "raster/gdal/GdalSettings.h"
 #include "raster/gdal/QuietErrors.h"
 #include "raster/gdal/SecondReading.h"
 #include "raster/gdal/VirtualFiles.h"
@@ -29,6 +30,7 @@ struct GdalModule {
     void (GdalDrivers::Scope::*enter_scope)(const Tellurion::BParamList&);
     void (GdalDrivers::Scope::*leave_scope)();
     bool (*has_driver)(const char*);
+    bool (*has_settings)();
     bool (*read_raster_size)(const BString&, long&, long&);
     std::optional<GdalReference> (*read_reference)(const BString&, RasterKinds, Sidecars);
     std::unique_ptr<QuietErrors> (*make_quiet_errors)();

@@ -32,7 +32,7 @@ int WriteAt(int file, std::string_view bytes, off_t position) {
     return 0;
 }
 
-/// File systems that cannot reserve room say so; the write itself tells on those.
+/// File systems that cannot reserve room say so; there the write itself fails.
 int Reserve(int file, off_t from, off_t to) {
     if (to <= from) return 0;
     while (::fallocate(file, 0, from, to - from) != 0) {

@@ -56,7 +56,7 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
     return plan;
 }
 
-/// True when nothing that the plan writes stands in the way.
+/// True when no file in the way of the plan prevents it.
 bool MayWrite(const ConvertOptions& options, const std::string& used_file, Outcome& outcome) {
     for (const std::string& file : outcome.plan.files) {
         if (IsSameFile(options.source, file) || IsSameFile(used_file, file)) {

@@ -26,7 +26,7 @@ namespace {
 
 enum class Reach {
     Plain,     ///< the named file, and files of the same name beside it
-    Network,   ///< hosts that the file or the name tells
+    Network,   ///< hosts that the file or its name mentions
     Database,  ///< a database, or a file that is one, with queries of its own
     Names,     ///< files that the file names
     Nested,    ///< hands parts of the file to whatever driver knows them

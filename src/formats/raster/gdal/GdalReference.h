@@ -13,7 +13,7 @@
 
 namespace MapAnchor {
 
-/// What a raster says of its place, as GDAL tells it. Where the raster itself is
+/// The georeferencing of a raster, as GDAL reads it. Where the raster itself is
 /// silent, the auxiliary file beside it speaks.
 struct GdalReference {
     bool pixel_is_point = false;
@@ -28,6 +28,10 @@ struct GdalReference {
 
     Tellurion::BSharedPtr<Tellurion::BLinearUnit> vertical_unit;
     Tellurion::BSharedPtr<Tellurion::BLinearUnit> auxiliary_vertical_unit;
+
+    /// GDAL's GeoTIFF driver read it, and from no file but the raster itself. False where nobody
+    /// listens to notes.
+    bool is_lone_geotiff = false;
 
     bool PointsDiffer() const { return static_cast<std::size_t>(point_count) != points.size(); }
 };
