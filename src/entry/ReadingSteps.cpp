@@ -347,7 +347,9 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     }
 }
 
-void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
+namespace {
+
+void ReadAll(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
     const GdalDrivers::Scope allowed(&options.GetState().params);
     std::optional<HeaderReads> headers;
     if (options.ReadsHeaders()) headers.emplace();
@@ -372,6 +374,16 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
             state.height = state.stated_height;
         }
         CheckReading(options, state);
+    }
+}
+
+}  // namespace
+
+void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
+    try {
+        ReadAll(options, state, sources);
+    } catch (const BUnsupportedFileTypeException&) {  // a module is missing that reads names or sidecars
+        state.failure = ReadingFailure::Current();
     }
     state.outcome = OutcomeOf(state);
 }

@@ -2,6 +2,7 @@
 
 #include "common/policy/FailureTexts.h"
 #include "common/policy/Strictness.h"
+#include "modules/Internal.h"
 
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BPointPair.h>
@@ -20,8 +21,9 @@ struct RasterExtent {
 /// Fits a transform of `type` through the points and stores both. Without a fit the
 /// points are stored alone, or a BGeoReferenceInvalidTransformException ends the read
 /// and the reference stays as it was. True when the transform was stored.
-bool StoreControlPoints(Tellurion::BGeoReference& reference, std::vector<Tellurion::BPointPair> pairs,
-                        Tellurion::EMathTransformType type, RasterExtent extent, OnFailure on_failure,
-                        const FailureTexts& texts);
+MAPANCHOR_INTERNAL bool StoreControlPoints(Tellurion::BGeoReference& reference,
+                                           std::vector<Tellurion::BPointPair> pairs,
+                                           Tellurion::EMathTransformType type, RasterExtent extent,
+                                           OnFailure on_failure, const FailureTexts& texts);
 
 }  // namespace MapAnchor
