@@ -63,8 +63,9 @@ def quantised(ring):
 
 
 def is_large(points, smallest):
+    """Rings at the pole itself come from the flat maps that the data were made for."""
     sides = [max(side) - min(side) for side in zip(*points)]
-    return len(points) > 2 and max(sides) >= smallest
+    return len(points) > 2 and max(sides) >= smallest and sides[1] > 0
 
 
 def varint(value):
