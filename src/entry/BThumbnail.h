@@ -8,8 +8,9 @@
 namespace MapAnchor {
 
 /// A small picture of a raster, for lists and previews. This is the one place where the library
-/// reads pixels. It takes a few seconds at the most and little memory, whatever the raster's
-/// size, and never throws for the file's sake.
+/// reads pixels. It takes a few seconds and little memory, whatever the raster's size, and never
+/// throws for the file's sake. Of damaged files GDAL's drivers may still read for long or end
+/// the process: for files that are not trusted, call it in a process of its own, as the tool does.
 class MAPANCHOR_EXPORT BThumbnail {
 public:
     /// Of a raster that GDAL reads, by the rules of BGdalAccess, in at most that many pixels; a

@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 #include "picture/SvgPicture.h"
+#include "picture/ThumbnailProcess.h"
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
 #include "read/RemarkIds.h"
@@ -11,8 +12,6 @@
 #include "render/Views.h"
 #include "terminal/CommonOptions.h"
 #include "terminal/TargetFile.h"
-
-#include <Tellurion/BException.h>
 
 #include <algorithm>
 #include <cctype>
@@ -53,22 +52,24 @@ std::string SubtitleOf(const ReadResult& result) {
 void AddThumbnail(PreviewSubject& subject, Diagnostics& diagnostics) {
     const std::string& raster = subject.result.raster;
     if (raster.empty() || !subject.frame || subject.result.page) return;
-    subject.thumbnail = MapAnchor::BThumbnail::Of(Tellurion::BString(raster), static_cast<int>(kViewWidth),
-                                                  static_cast<int>(kViewHeight));
-    if (subject.thumbnail->HasPicture()) return;
-    Diagnostic note{false, "there is no thumbnail of " + raster + ": " + subject.thumbnail->GetFailureText().StdStr(),
+    const ThumbnailAnswer made =
+        MakeThumbnail(raster, static_cast<int>(kViewWidth), static_cast<int>(kViewHeight));
+    subject.thumbnail = made.png;
+    if (made.failure.empty()) return;
+    Diagnostic note{false, "there is no thumbnail of " + raster + ": " + made.failure,
                     RemarkId::kNoThumbnail};
     note.is_note = true;
     diagnostics.push_back(note);
 }
 
 std::string Draw(ReadResult& result, const PreviewOptions& options) {
-    // The footprint remarks on a size that is not known, and the frame would do so again.
-    const auto footprint = FootprintOf(result);
-    const std::size_t remarks = result.diagnostics.size();
     const auto frame = FrameOf(result);
-    if (footprint) result.diagnostics.resize(remarks);
-    PreviewSubject subject{result, frame, footprint, std::nullopt, ToLongitudeLatitude(result)};
+    const auto footprint = FootprintOf(result);
+    const auto unknown = [](const Diagnostic& remark) { return remark.id == RemarkId::kSizeUnknown; };
+    // Both remark on a size that is not known.
+    if (std::ranges::count_if(result.diagnostics, unknown) > 1)
+        result.diagnostics.erase(std::ranges::find_if(result.diagnostics, unknown));
+    PreviewSubject subject{result, frame, footprint, {}, ToLongitudeLatitude(result)};
     if (!options.no_thumbnail) AddThumbnail(subject, result.diagnostics);
     constexpr double kMostHeight = 4000.0;  // of all parts together
     Svg svg(kViewWidth + 2 * kMargin, kMostHeight);
@@ -107,7 +108,7 @@ std::string KindOf(const std::string& target) {
 
 /// Nothing is drawn under a name that promises another kind of picture.
 std::string RefuseKind(const std::string& target) {
-    constexpr const char* kOthers[] = {".bmp", ".eps", ".gif",  ".jpeg", ".jpg", ".jp2",
+    constexpr const char* kOthers[] = {".bmp", ".eps", ".gif",  ".jpeg", ".jpg",  ".jp2",
                                        ".pdf", ".ps",  ".svgz", ".tif",  ".tiff", ".webp"};
     if (target.empty()) return RefuseEmpty(target);
     if (std::ranges::find(kOthers, KindOf(target)) == std::end(kOthers)) return {};

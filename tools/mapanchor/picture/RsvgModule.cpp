@@ -60,6 +60,5 @@ extern "C" __attribute__((visibility("default"))) int mapanchor_png_of_svg(
         return Fail(error, "it cannot be drawn", why, why_size);
     Sink sink{put, context};
     const cairo_status_t status = cairo_surface_write_to_png_stream(surface.get(), Write, &sink);
-    return status == CAIRO_STATUS_SUCCESS ? 0
-                                          : Fail(nullptr, cairo_status_to_string(status), why, why_size);
+    return status == CAIRO_STATUS_SUCCESS ? 0 : Fail(nullptr, cairo_status_to_string(status), why, why_size);
 }

@@ -47,7 +47,8 @@ std::string PngOfSvg(const std::string& svg) {
         static_cast<std::string*>(context)->append(bytes, bytes + count);
     };
     if (render(svg.data(), svg.size(), kZoom, sink, &png, why.data(), why.size()) != 0)
-        throw std::runtime_error(std::string("The drawing cannot be rendered: ") + why.data() + kInstead + ".");
+        throw std::runtime_error(std::string("The drawing cannot be rendered: ") + why.data() + kInstead +
+                                 ".");
     return png;
 }
 

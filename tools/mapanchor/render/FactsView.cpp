@@ -6,6 +6,7 @@
 
 #include <Tellurion/Numbers.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Tool {
@@ -46,20 +47,19 @@ std::string PixelText(const PixelFacts& facts) {
     return Rounded(facts.width_metres, kDigits) + " by " + Rounded(facts.height_metres, kDigits) + " m";
 }
 
-std::string PointsText(const PreviewSubject& subject) {
+std::string PointsText(const ReadResult& result) {
+    const auto& pairs = result.reference.PointPairVector;
+    const auto used = std::ranges::count_if(pairs, [](const auto& pair) { return pair.Enabled; });
+    std::string text = std::to_string(pairs.size());
+    if (used != static_cast<std::ptrdiff_t>(pairs.size())) text += ", " + std::to_string(used) + " used";
+    return text;
+}
+
+std::string ResidualsText(const Residuals& residuals) {
     constexpr int kDigits = 3;
-    const auto misses = MissesOf(subject.result);
-    long used = 0;
-    for (const Miss& miss : misses)
-        if (miss.is_used) ++used;
-    std::string text = std::to_string(misses.size());
-    if (used != static_cast<long>(misses.size())) text += ", " + std::to_string(used) + " used";
-    const Residuals residuals = ComputeResiduals(subject.result.reference);
-    if (!residuals.root_mean_square) return text;
-    if (*residuals.maximum < kSmallMiss)
-        return text + ", residuals below " + PrintShortest(kSmallMiss) + " pixels";
-    return text + ", residuals " + Rounded(*residuals.root_mean_square, kDigits) + " (RMS), at most " +
-           Rounded(*residuals.maximum, kDigits) + " pixels";
+    if (*residuals.maximum < kSmallMiss) return "below " + PrintShortest(kSmallMiss) + " pixels";
+    return Rounded(*residuals.root_mean_square, kDigits) + " pixels (RMS), at most " +
+           Rounded(*residuals.maximum, kDigits);
 }
 
 std::vector<Fact> FactsOf(const PreviewSubject& subject) {
@@ -75,14 +75,16 @@ std::vector<Fact> FactsOf(const PreviewSubject& subject) {
         facts.push_back({"Lower left", CornerText(subject, frame.At(0, 1))});
         facts.push_back({"Middle", CornerText(subject, frame.At(0.5, 0.5))});
     } else if (subject.result.reference.HasMathTransform()) {
-        facts.push_back({"Column 0, row 0", CornerText(subject, {0.0, 0.0})});
+        facts.push_back({"Pixel 0, 0", CornerText(subject, {0.0, 0.0})});
     }
     if (const auto& area = subject.footprint) {
         facts.push_back({"Longitude", Rounded(area->west, 7) + "° to " + Rounded(area->east, 7) + "°"});
         facts.push_back({"Latitude", Rounded(area->south, 7) + "° to " + Rounded(area->north, 7) + "°"});
     }
-    if (!subject.result.reference.PointPairVector.empty())
-        facts.push_back({"Control points", PointsText(subject)});
+    if (subject.result.reference.PointPairVector.empty()) return facts;
+    facts.push_back({"Control points", PointsText(subject.result)});
+    const Residuals residuals = ComputeResiduals(subject.result.reference);
+    if (residuals.root_mean_square) facts.push_back({"Residuals", ResidualsText(residuals)});
     return facts;
 }
 
@@ -98,7 +100,8 @@ double DrawFacts(Svg& svg, double left, double right, double top, const PreviewS
     }
     for (const Diagnostic& remark : subject.result.diagnostics) {
         if (remark.id != RemarkId::kNoFootprint) continue;
-        svg.Text({left, at}, FittedText(remark.text, right - left), "label");
+        const std::string why = remark.text.substr(remark.text.find(": ") + 1);
+        svg.Text({left, at}, FittedText("No area:" + why, right - left), "label");
         at += kLine;
     }
     return at - top - kLine + 4;

@@ -43,8 +43,9 @@ bool IsSame(const BGeoPDFBox& a, const BGeoPDFBox& b) {
 
 void AddBox(std::vector<NamedBox>& boxes, const std::string& name, const BGeoPDFBox& box, const char* style) {
     if (!HasArea(box)) return;
-    const auto same = std::ranges::find_if(
-        boxes, [&](const NamedBox& other) { return other.style != std::string("map") && IsSame(other.box, box); });
+    const auto same = std::ranges::find_if(boxes, [&](const NamedBox& other) {
+        return other.style != std::string("map") && IsSame(other.box, box);
+    });
     if (same == boxes.end())
         boxes.push_back({name, box, style});
     else
@@ -60,8 +61,8 @@ std::vector<NamedBox> BoxesOf(const BGeoPDFPage& page) {
     AddBox(boxes, "art", page.ArtBox, "box");
     for (const BGeoPDFMap& map : page.Maps)
         if (HasArea(map.Box))
-            boxes.push_back({map.Name.IsEmpty() ? "map" : map.Name.StdStr(), map.Box,
-                             map.InUse ? "area" : "map"});
+            boxes.push_back(
+                {map.Name.IsEmpty() ? "map" : map.Name.StdStr(), map.Box, map.InUse ? "area" : "map"});
     return boxes;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -76,15 +77,35 @@ std::vector<std::vector<Position>> ClippedLine(const std::vector<Position>& line
     return parts;
 }
 
+std::vector<Position> Thinned(const std::vector<Position>& line) {
+    constexpr double kSeen = 0.4;
+    std::vector<Position> thinned;
+    for (const Position& at : line)
+        if (thinned.empty() || std::hypot(at.x - thinned.back().x, at.y - thinned.back().y) >= kSeen)
+            thinned.push_back(at);
+    return thinned;
+}
+
 bool Labels::Add(const Position& at, const std::string& text, const char* style, Svg::Anchor anchor) {
+    return Add(at, std::vector{text}, style, anchor);
+}
+
+bool Labels::Add(const Position& at, const std::vector<std::string>& lines, const char* style,
+                 Svg::Anchor anchor) {
     constexpr double kAbove = 9.0;
-    constexpr double kHeight = 12.0;
-    const double width = WidthOf(text);
+    double width = 0.0;
+    for (const std::string& line : lines)
+        width = std::max(width, WidthOf(line));
     const double shift = anchor == Svg::Anchor::Start ? 0.0 : anchor == Svg::Anchor::End ? width : width / 2;
-    const Panel box{at.x - shift, at.y - kAbove, width, kHeight};
+    const Panel box{at.x - shift, at.y - kAbove, width,
+                    kLineHeight * static_cast<double>(lines.size()) - 1.0};
     if (std::ranges::any_of(used_, [&](const Panel& other) { return other.Overlaps(box); })) return false;
     used_.push_back(box);
-    svg_.Text(at, text, style, anchor);
+    double y = at.y;
+    for (const std::string& line : lines) {
+        svg_.Text({at.x, y}, line, style, anchor);
+        y += kLineHeight;
+    }
     return true;
 }
 

@@ -29,6 +29,9 @@ std::vector<Position> ClippedArea(std::vector<Position> ring, const Panel& panel
 /// The parts of a line that are inside.
 std::vector<std::vector<Position>> ClippedLine(const std::vector<Position>& line, const Panel& panel);
 
+/// Without the points that are too near to the one before to be seen.
+std::vector<Position> Thinned(const std::vector<Position>& line);
+
 /// The texts of a drawing, of which none is printed on another.
 class Labels {
 public:
@@ -37,6 +40,13 @@ public:
     /// False, with nothing drawn, where there is another.
     bool Add(const Position& at, const std::string& text, const char* style,
              Svg::Anchor anchor = Svg::Anchor::Start);
+    /// Several lines, of which each is below the one before; all or none.
+    bool Add(const Position& at, const std::vector<std::string>& lines, const char* style,
+             Svg::Anchor anchor = Svg::Anchor::Start);
+    /// Keeps texts out of there.
+    void Keep(const Panel& panel) { used_.push_back(panel); }
+
+    static constexpr double kLineHeight = 12.0;
 
 private:
     Svg& svg_;

@@ -32,13 +32,13 @@ double StretchOf(const std::vector<Miss>& misses, const Panel& panel, const auto
 
 std::string LegendOf(const std::vector<Miss>& misses, long drawn, bool has_arrows, double enlarged) {
     if (misses.empty()) return "The raster";
-    std::string text = "The raster and " + std::to_string(drawn) + " control points";
+    std::string text = std::to_string(drawn) + " control points";
     const long outside = static_cast<long>(misses.size()) - drawn;
     if (outside > 0) text += " (" + std::to_string(outside) + " more are outside)";
     if (has_arrows)
-        text += ", with arrows to where the transform puts them; the longest arrow is " +
-                Tellurion::PrintFixed(LargestOf(misses), 3) + " pixels, enlarged " +
-                Tellurion::PrintFixed(enlarged, enlarged < 10.0 ? 1 : 0) + " times";
+        text += "; arrows, enlarged " + Tellurion::PrintFixed(enlarged, enlarged < 10.0 ? 1 : 0) +
+                " times, lead to where the transform puts them (at most " +
+                Tellurion::PrintFixed(LargestOf(misses), 3) + " pixels)";
     return text;
 }
 
@@ -73,7 +73,7 @@ double DrawRaster(Svg& svg, double top, const PreviewSubject& subject) {
     const RasterFrame& frame = *subject.frame;
     const std::vector<Miss> misses = MissesOf(subject.result);
     const bool has_arrows = LargestOf(misses) >= kSmallMiss;
-    const bool has_picture = subject.thumbnail && subject.thumbnail->HasPicture();
+    const bool has_picture = !subject.thumbnail.empty();
     if (!has_picture && !has_arrows) return 0.0;
     const double rim = has_arrows ? kRim : 0.0;
     const double width = frame.right - frame.left;
@@ -86,8 +86,7 @@ double DrawRaster(Svg& svg, double top, const PreviewSubject& subject) {
                         raster.top + (pixel.y - frame.top) * scale};
     };
     svg.Rectangle({raster.left, raster.top}, raster.width, raster.height, "raster");
-    if (has_picture)
-        svg.Picture({raster.left, raster.top}, raster.width, raster.height, subject.thumbnail->GetPng());
+    if (has_picture) svg.Picture({raster.left, raster.top}, raster.width, raster.height, subject.thumbnail);
     svg.Rectangle({raster.left, raster.top}, raster.width, raster.height, "edge");
     const double stretch = has_arrows ? StretchOf(misses, panel, at) : 0.0;
     long drawn = 0;

@@ -42,8 +42,8 @@ Position Stereographic::Inverse(const Position& at) const {
     const double angle = 2.0 * std::atan(radius / 2.0);
     const double latitude =
         std::asin(std::clamp(std::cos(angle) * sin_ + at.y * std::sin(angle) * cos_ / radius, -1.0, 1.0));
-    const double turn = std::atan2(at.x * std::sin(angle),
-                                   radius * cos_ * std::cos(angle) - at.y * sin_ * std::sin(angle));
+    const double turn =
+        std::atan2(at.x * std::sin(angle), radius * cos_ * std::cos(angle) - at.y * sin_ * std::sin(angle));
     return {centre_.x + turn / kDegree, latitude / kDegree};
 }
 

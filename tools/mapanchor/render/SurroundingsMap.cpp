@@ -14,23 +14,22 @@ namespace {
 constexpr double kTurn = 360.0;
 constexpr double kPole = 90.0;
 
-double AreaOf(const std::vector<Position>& ring) {
-    double twice = 0.0;
+/// Whether a place is inside a ring, whatever turn the ring's longitudes are in.
+bool IsInside(CoastRing ring, const Position& place) {
+    if (std::fabs(ring.back().x - ring.front().x) > kTurn / 2) {
+        ring.push_back({ring.back().x, -kPole});  // the only pole on land
+        ring.push_back({ring.front().x, -kPole});
+    }
+    bool is_inside = false;
     for (std::size_t i = 0; i < ring.size(); ++i) {
         const Position& a = ring[i];
         const Position& b = ring[(i + 1) % ring.size()];
-        twice += a.x * b.y - b.x * a.y;
+        if ((a.y > place.y) == (b.y > place.y)) continue;
+        const double x = a.x + (b.x - a.x) * (place.y - a.y) / (b.y - a.y);
+        // Every turn in which the crossing is east of the place changes sides.
+        if (static_cast<long>(std::floor((x - place.x) / kTurn)) % 2 != 0) is_inside = !is_inside;
     }
-    return twice / 2;
-}
-
-/// The same around a pole, with the way there and back along a meridian.
-double AreaOnEarth(CoastRing ring) {
-    if (std::fabs(ring.back().x - ring.front().x) > kTurn / 2) {
-        ring.push_back({ring.back().x, -kPole});
-        ring.push_back({ring.front().x, -kPole});
-    }
-    return AreaOf(ring);
+    return is_inside;
 }
 
 /// The largest of 1, 2, 5, 10 ... that is not above a value.
@@ -93,29 +92,32 @@ std::vector<Position> SurroundingsMap::Onto(const std::vector<Position>& places)
     return line;
 }
 
-/// A ring around the opposite of the centre has its inside outside on the plane: where their
-/// number is odd, the far ends of the plane are land.
+/// Where the opposite of the centre is on land, a ring around it has its inside outside on the
+/// plane: the far ends of the plane are land.
 void SurroundingsMap::DrawLand(bool has_coast) {
     svg_.Rectangle({panel_.left, panel_.top}, panel_.width, panel_.height, has_coast ? "sea" : "plate");
     if (!has_coast) return;
-    constexpr double kBeyond = 2.0;  // so that the panel's frame is not drawn as a coast
-    const Panel wide{panel_.left - kBeyond, panel_.top - kBeyond, panel_.width + 2 * kBeyond,
-                     panel_.height + 2 * kBeyond};
-    std::vector<std::vector<Position>> areas;
+    const Position centre = projection_.Inverse({0.0, 0.0});
+    const Position opposite{centre.x + kTurn / 2, -centre.y};
     bool is_inverted = false;
+    std::vector<std::vector<Position>> areas;
+    std::vector<std::vector<Position>> shores;
     for (const CoastRing& ring : ReadCoast(CoastScale::Of50Million)) {
-        std::vector<Position> line = Onto(ring);
-        // On the drawing y grows downwards.
-        if ((AreaOf(line) > 0.0) == (AreaOnEarth(ring) > 0.0)) is_inverted = !is_inverted;
-        line = ClippedArea(std::move(line), wide);
+        if (IsInside(ring, opposite)) is_inverted = !is_inverted;
+        std::vector<Position> line = Thinned(Onto(ring));
+        line.push_back(line.front());
+        for (auto& part : ClippedLine(line, panel_))
+            shores.push_back(std::move(part));
+        line = ClippedArea(std::move(line), panel_);
         if (line.size() > 2) areas.push_back(std::move(line));
     }
     if (is_inverted)
-        areas.push_back({{wide.left, wide.top},
-                         {wide.Right(), wide.top},
-                         {wide.Right(), wide.Bottom()},
-                         {wide.left, wide.Bottom()}});
+        areas.push_back({{panel_.left, panel_.top},
+                         {panel_.Right(), panel_.top},
+                         {panel_.Right(), panel_.Bottom()},
+                         {panel_.left, panel_.Bottom()}});
     svg_.Area(areas, "land");
+    svg_.Lines(shores, "shore");
 }
 
 void SurroundingsMap::DrawGraticule() {
@@ -176,9 +178,9 @@ void SurroundingsMap::DrawLine(const std::vector<Position>& places, const std::s
         svg_.Polyline(part, "grid");
         for (const Position& end : {part.front(), part.back()}) {
             if (is_meridian && end.y > panel_.Bottom() - kNear)
-                labels_.Add({end.x + kGap / 2, panel_.Bottom() - kGap}, label, "small");
+                graticule_labels_.push_back({{end.x + kGap / 2, panel_.Bottom() - kGap}, label});
             else if (!is_meridian && end.x < panel_.left + kNear)
-                labels_.Add({panel_.left + kGap, end.y - kGap / 2}, label, "small");
+                graticule_labels_.push_back({{panel_.left + kGap, end.y - kGap / 2}, label});
         }
     }
 }
@@ -190,24 +192,23 @@ void SurroundingsMap::DrawOutline(const std::vector<Position>& outline) {
 
 void SurroundingsMap::DrawCorner(const Position& place, bool is_first) {
     constexpr double kGap = 5.0;
-    constexpr double kLineHeight = 11.0;
     constexpr double kRadius = 3.0;
     const Position at = At(place);
     const Position centre = panel_.Middle();
     if (!panel_.Contains(at)) return;
     if (is_first) svg_.Circle(at, kRadius, "first");
     // Enough digits for a thousandth of the panel.
-    const double degrees = panel_.width / scale_ / kDegree;
-    const int decimals = DecimalsOf(degrees / 1000);
-    const auto anchor = at.x < centre.x ? Svg::Anchor::End : Svg::Anchor::Start;
-    const double x = at.x + (at.x < centre.x ? -kGap : kGap);
-    double y = at.y < centre.y ? at.y - kGap - kLineHeight : at.y + kGap + kLineHeight;
-    // Where another label is, further away.
-    constexpr int kTries = 4;
-    const std::string longitude = LongitudeText(place.x, decimals);
-    for (int i = 0; i < kTries && !labels_.Add({x, y}, longitude, "corner", anchor); ++i)
-        y += at.y < centre.y ? -kLineHeight : kLineHeight;
-    labels_.Add({x, y + kLineHeight}, LatitudeText(place.y, decimals), "corner", anchor);
+    const int decimals = DecimalsOf(panel_.width / scale_ / kDegree / 1000);
+    const std::vector<std::string> lines = {LongitudeText(place.x, decimals),
+                                            LatitudeText(place.y, decimals)};
+    const bool is_left = at.x < centre.x;
+    const bool is_above = at.y < centre.y;
+    const auto anchor = is_left ? Svg::Anchor::End : Svg::Anchor::Start;
+    Position text{at.x + (is_left ? -kGap : kGap),
+                  at.y + (is_above ? -kGap - Labels::kLineHeight : kGap + Labels::kLineHeight)};
+    constexpr int kTries = 4;  // where another label is, further away
+    for (int i = 0; i < kTries && !labels_.Add(text, lines, "corner", anchor); ++i)
+        text.y += is_above ? -Labels::kLineHeight : Labels::kLineHeight;
 }
 
 void SurroundingsMap::DrawRing() {
@@ -223,12 +224,23 @@ void SurroundingsMap::DrawScaleBar() {
     constexpr double kMetres = 1000.0;
     const double length = RoundStep(panel_.width * kShare / scale_ * kEarthRadius);
     const double width = length / kEarthRadius * scale_;
-    const Position corner{panel_.Right() - kGap - width, panel_.top + kGap};
-    svg_.Rectangle({corner.x - kGap / 2, corner.y - kGap / 2}, width + kGap, kPlate + kGap / 2, "plate");
-    const std::string text = length >= 1.0 ? Tellurion::PrintShortest(length) + " km"
-                                           : Tellurion::PrintShortest(length * kMetres) + " m";
-    svg_.Text({corner.x + width / 2, corner.y + kGap}, text, "label", Svg::Anchor::Middle);
-    svg_.Rectangle({corner.x, corner.y + kPlate - kGap}, width, kBar, "bar");
+    std::string text = length >= 1.0 ? Tellurion::PrintShortest(length) + " km"
+                                     : Tellurion::PrintShortest(length * kMetres) + " m";
+    constexpr double kWide = 2000.0;  // the scale differs much from place to place
+    if (length >= kWide) text += " in the middle";
+    const double plate = std::max(width, WidthOf(text));
+    const Position corner{panel_.Right() - kGap - plate, panel_.top + kGap};
+    const Panel behind{corner.x - kGap / 2, corner.y - kGap / 2, plate + kGap, kPlate + kGap / 2};
+    svg_.Rectangle({behind.left, behind.top}, behind.width, behind.height, "plate");
+    labels_.Keep(behind);
+    svg_.Text({corner.x + plate / 2, corner.y + kGap}, text, "label", Svg::Anchor::Middle);
+    svg_.Rectangle({corner.x + (plate - width) / 2, corner.y + kPlate - kGap}, width, kBar, "bar");
+}
+
+void SurroundingsMap::DrawFrame() {
+    for (const auto& [at, text] : graticule_labels_)
+        if (at.x + WidthOf(text) <= panel_.Right()) labels_.Add(at, text, "small");
+    svg_.Rectangle({panel_.left, panel_.top}, panel_.width, panel_.height, "frame");
 }
 
 }  // namespace Tool

@@ -23,9 +23,15 @@ public:
     void DrawCorner(const Position& place, bool is_first);
     void DrawRing();
     void DrawScaleBar();
-    void DrawFrame() { svg_.Rectangle({panel_.left, panel_.top}, panel_.width, panel_.height, "frame"); }
+    /// The frame, and the labels of the graticule where there is no other text.
+    void DrawFrame();
 
 private:
+    struct Label {
+        Position at;
+        std::string text;
+    };
+
     Position At(const Position& place) const;
     Position Onto(const Position& plane) const;
     std::vector<Position> Onto(const std::vector<Position>& places) const;
@@ -35,6 +41,7 @@ private:
 
     Svg& svg_;
     Labels labels_;
+    std::vector<Label> graticule_labels_;
     Panel panel_;
     Stereographic projection_;
     Position middle_;  ///< on the plane

@@ -71,7 +71,8 @@ double DrawSurroundings(Svg& svg, double top, const PreviewSubject& subject) {
         extent.Add(projection.Forward(place));
     Panel panel{kMargin, top + kLine, kViewWidth, kHeight};
     const bool is_small = extent.PanelWidth(panel) < kMinWidthWithCoast;
-    std::string legend = "The dot marks the upper left corner of the raster. Coast: Natural Earth 1:50 million";
+    std::string legend =
+        "The dot marks the upper left corner of the raster. Coast: Natural Earth 1:50 million";
     if (is_small) {
         constexpr double kGap = 16.0;
         panel.width = (kViewWidth - kGap) / 2;

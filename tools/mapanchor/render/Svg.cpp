@@ -14,7 +14,8 @@ namespace {
 constexpr const char* kStyle =
     "text{font:11px sans-serif;fill:#333}.title{font-weight:bold;font-size:14px}"
     ".small{font-size:9px;fill:#678}.fact{fill:#777}.corner{font-size:10px;fill:#700}"
-    ".sea{fill:#eef5fa;stroke:none}.land{fill:#e3dfcc;stroke:#a59f86;stroke-width:.6}"
+    ".sea{fill:#eef5fa;stroke:none}.land{fill:#e3dfcc;stroke:none}.shore{fill:none;stroke:#a59f86;stroke-"
+    "width:.6}"
     ".grid{fill:none;stroke:#9db2c2;stroke-width:.5}.frame{fill:none;stroke:#99a}"
     ".area{fill:#d33;fill-opacity:.3;stroke:#b00}.ring{fill:none;stroke:#b00;stroke-width:1.5}"
     ".raster{fill:#fafafa;stroke:#333}.edge{fill:none;stroke:#333}.first{fill:#b00}"
@@ -134,8 +135,14 @@ void Svg::Area(const std::vector<std::vector<Position>>& rings, const char* styl
     std::string path;
     for (const auto& ring : rings)
         if (!ring.empty()) path += "M" + Points(ring) + "Z";
-    if (!path.empty())
-        shapes_ += "<path fill-rule=\"evenodd\" d=\"" + path + "\"" + Class(style) + "/>\n";
+    if (!path.empty()) shapes_ += "<path fill-rule=\"evenodd\" d=\"" + path + "\"" + Class(style) + "/>\n";
+}
+
+void Svg::Lines(const std::vector<std::vector<Position>>& lines, const char* style) {
+    std::string path;
+    for (const auto& line : lines)
+        path += "M" + Points(line);
+    if (!path.empty()) shapes_ += "<path d=\"" + path + "\"" + Class(style) + "/>\n";
 }
 
 void Svg::Arrow(const Position& from, const Position& to) {
@@ -155,8 +162,8 @@ void Svg::Arrow(const Position& from, const Position& to) {
 
 void Svg::Picture(const Position& upper_left, double width, double height, const std::string& png) {
     shapes_ += "<image" + Attribute("x", upper_left.x) + Attribute("y", upper_left.y) +
-               Attribute("width", width) + Attribute("height", height) +
-               " preserveAspectRatio=\"none\"" + Class("picture") +
+               Attribute("width", width) + Attribute("height", height) + " preserveAspectRatio=\"none\"" +
+               Class("picture") +
                " xmlns:xlink=\"http://www.w3.org/1999/xlink\" xlink:href=\"data:image/png;base64," +
                Base64(png) + "\"/>\n";
 }

@@ -19,6 +19,7 @@ public:
     /// One area of several rings: what an even number of them surround is outside.
     void Area(const std::vector<std::vector<Position>>& rings, const char* style);
     void Polyline(const std::vector<Position>& points, const char* style);
+    void Lines(const std::vector<std::vector<Position>>& lines, const char* style);
     void Rectangle(const Position& upper_left, double width, double height, const char* style);
     void Line(const Position& from, const Position& to, const char* style);
     /// A line with a head at `to`.

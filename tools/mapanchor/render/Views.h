@@ -5,7 +5,9 @@
 #include "render/Panel.h"
 #include "render/Svg.h"
 
-#include <MapAnchor/BThumbnail.h>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace Tool {
 
@@ -21,7 +23,7 @@ struct PreviewSubject {
     const ReadResult& result;
     std::optional<RasterFrame> frame;
     std::optional<Footprint> footprint;
-    std::optional<MapAnchor::BThumbnail> thumbnail;
+    std::string thumbnail;  ///< the bytes of a PNG file; may be empty
 
     /// The longitude and latitude of a pixel; empty where there is none.
     std::optional<Position> PlaceAt(const Position& pixel) const;

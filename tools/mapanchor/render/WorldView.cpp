@@ -59,17 +59,23 @@ private:
     /// Rings run on past the antimeridian, so that they are drawn a turn to the east, too.
     void DrawLand() const {
         std::vector<std::vector<Position>> areas;
+        std::vector<std::vector<Position>> shores;
         for (CoastRing& ring : ReadCoast(CoastScale::Of110Million)) {
             if (std::fabs(ring.back().x - ring.front().x) > 180.0) {
                 ring.push_back({ring.back().x, -90.0});  // the only pole on land
                 ring.push_back({ring.front().x, -90.0});
             }
             for (const double shift : {0.0, 360.0}) {
-                auto area = ClippedArea(OnPanel(ring, shift), panel_);
+                std::vector<Position> line = Thinned(OnPanel(ring, shift));
+                auto area = ClippedArea(line, panel_);
+                line.push_back(line.front());
+                for (auto& part : ClippedLine(line, panel_))
+                    shores.push_back(std::move(part));
                 if (area.size() > 2) areas.push_back(std::move(area));
             }
         }
         svg_.Area(areas, "land");
+        svg_.Lines(shores, "shore");
     }
 
     Svg& svg_;
