@@ -1,6 +1,7 @@
 #pragma once
 
 #include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReading.h>
 
 #include <benchmark/benchmark.h>
 #include <gdal_priv.h>
@@ -47,7 +48,7 @@ public:
         std::ofstream(path_ / name, std::ios::binary) << content;
         return Path(name);
     }
-    /// What lies beyond the content is a hole.
+    /// The rest after the content is a hole.
     std::string Write(const std::string& name, const std::string& content, std::uintmax_t size) const {
         std::filesystem::resize_file(Write(name, content), size);
         return Path(name);
@@ -82,15 +83,16 @@ inline long StatusKiB(const char* name) {
 }
 
 /// Whose time a benchmark measures: ours, a peer's doing the same work, or the floor
-/// that no reader can go below. The walk is the plain search that an index stands for.
-enum class Who { Ours, Gdal, PoDoFo, Walk, Floor };
+/// that no reader can go below. The named read is our own, which the other way is measured against. The walk
+/// is the plain search that an index replaces.
+enum class Who { Ours, Gdal, PoDoFo, Walk, Floor, Named };
 
 /// Registers a benchmark under "<who>/<operation>"; scripts/performance.py sets those of
 /// one operation side by side. $MAPANCHOR_BENCH_ROUNDS fixes the number of rounds, for
 /// counting instructions.
 template <class... Arguments>
 benchmark::internal::Benchmark* Add(Who who, const std::string& operation, Arguments&&... arguments) {
-    static constexpr std::array kNames = {"ours", "gdal", "podofo", "walk", "floor"};
+    static constexpr std::array kNames = {"ours", "gdal", "podofo", "walk", "floor", "named"};
     const std::string name = std::string(kNames[static_cast<std::size_t>(who)]) + '/' + operation;
     auto* made = benchmark::RegisterBenchmark(name.c_str(), std::forward<Arguments>(arguments)...);
     if (const char* rounds = std::getenv("MAPANCHOR_BENCH_ROUNDS")) made->Iterations(std::atoi(rounds));
@@ -106,6 +108,23 @@ inline void ReadByName(benchmark::State& state, const std::string& path, long si
         MapAnchor::BMapAnchor::Read(file, reference, used, size, size, fit, nullptr);
         benchmark::DoNotOptimize(reference);
     }
+}
+
+/// As people read: any file, with diagnostics.
+inline void ReadAny(benchmark::State& state, const std::string& path, long size) {
+    const Tellurion::BString file(path);
+    MapAnchor::BReadingOptions options;
+    options.SetSize(size, size);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(MapAnchor::BReading::Of(file, options));
+}
+
+/// Both ways beside each other. `path` is a function, called when the benchmark runs.
+template <class Path>
+void AddBothWays(const std::string& operation, Path path, long size) {
+    const std::string name = operation + ", as people read";
+    Add(Who::Ours, name, [path, size](benchmark::State& state) { ReadAny(state, path(), size); });
+    Add(Who::Named, name, [path, size](benchmark::State& state) { ReadByName(state, path(), size); });
 }
 
 inline void ReadByType(benchmark::State& state, Tellurion::EReferenceType type, const std::string& path,

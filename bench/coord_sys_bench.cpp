@@ -1,5 +1,5 @@
 // Coordinate systems by the names of ER Mapper headers and back, warm and cold. The
-// walk is the search through all projected systems that the look-up stands for. Cold
+// walk is the search through all projected systems that the look-up replaces. Cold
 // starts are a program's first call; run with --benchmark_filter=Cold in a program of
 // their own.
 
@@ -77,7 +77,8 @@ void WalkThroughAllSystems(benchmark::State& state) {
                3);
     bench::Add(Who::Ours, "find geodetic ER Mapper system", FindERMapperCoordSys, "GEODETIC", "WGS84", 4);
     bench::Add(Who::Ours, "name a projection of ER Mapper", GetERMapperProjectionName);
-    bench::Add(Who::Ours, "name a projection of ER Mapper anew", GetERMapperProjectionNameOfANewSystem);
+    bench::Add(Who::Ours, "name a projection of a new ER Mapper system",
+               GetERMapperProjectionNameOfANewSystem);
     bench::Add(Who::Walk, "name a projection of ER Mapper", WalkThroughAllSystems);
     return true;
 }();

@@ -3,7 +3,12 @@
 
 #include "BenchFiles.h"
 
+#include <MapAnchor/BReading.h>
+#include <MapAnchor/BSaving.h>
 #include <ogr_spatialref.h>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -98,6 +103,40 @@ void GdalSave(benchmark::State& state) {
     CPLFree(text);
 }
 
+/// GDAL's own update and, as a safe save does, a wait until the file is on the disk.
+void GdalSaveAndSync(benchmark::State& state) {
+    const std::string path = Files().Path(kSaved);
+    for (auto _ : state) {
+        state.PauseTiming();
+        LayOut();
+        state.ResumeTiming();
+        {
+            const Dataset raster(GDALDataset::FromHandle(GDALOpen(path.c_str(), GA_Update)));
+            auto terms = kTerms;
+            const OGRSpatialReference system = Utm();
+            raster->SetGeoTransform(terms.data());
+            raster->SetSpatialRef(&system);
+        }
+        const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+        fdatasync(file);
+        close(file);
+    }
+}
+
+void SaveThrough(benchmark::State& state, bool syncs, bool verifies) {
+    const auto reading = MapAnchor::BReading::Of(BString(Files().Path("terms.tif")));
+    const BString out(Files().Path(kSaved));
+    MapAnchor::BSavingOptions options;
+    options.SetSyncs(syncs);
+    options.SetVerifies(verifies);
+    for (auto _ : state) {
+        state.PauseTiming();
+        LayOut();
+        state.ResumeTiming();
+        MapAnchor::BSaving::Of(out, reading.GetReference(), options);
+    }
+}
+
 void Save(benchmark::State& state) {
     BGeoReference reference;
     BString used;
@@ -119,8 +158,15 @@ void Save(benchmark::State& state) {
         bench::Add(Who::Ours, std::string(operation) + " by type", ReadByType, name);
         bench::Add(Who::Gdal, std::string(operation) + " by type", Gdal, name);
     }
+    bench::AddBothWays(
+        "read GeoTIFF", [] { return Files().Path("terms.tif"); }, kSize);
     bench::Add(Who::Ours, "write GeoTIFF", Save);
     bench::Add(Who::Gdal, "write GeoTIFF", GdalSave);
+    bench::Add(Who::Ours, "write GeoTIFF, synced", SaveThrough, true, false)->UseRealTime();
+    bench::Add(Who::Gdal, "write GeoTIFF, synced", GdalSaveAndSync)->UseRealTime();
+    bench::Add(Who::Ours, "write GeoTIFF, not synced", SaveThrough, false, false)->UseRealTime();
+    bench::Add(Who::Gdal, "write GeoTIFF, not synced", GdalSave)->UseRealTime();
+    bench::Add(Who::Ours, "write GeoTIFF and prove it", SaveThrough, true, true)->UseRealTime();
     return true;
 }();
 

@@ -85,6 +85,8 @@ void Gdal(benchmark::State& state, const char* name) {
         bench::Add(Who::Ours, operation, Read, name);
         bench::Add(Who::Gdal, operation, Gdal, name);
     }
+    bench::AddBothWays(
+        "read jp2", [] { return Files().Path("small.jp2"); }, 0);
     return true;
 }();
 

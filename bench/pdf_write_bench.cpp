@@ -64,7 +64,7 @@ void LoadAndSave(const std::string& file) {
 template <class Work>
 double PeakMiB(Work work) {
     malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << 5;  // VmHWM begins anew
+    std::ofstream("/proc/self/clear_refs") << 5;  // VmHWM starts again
     const long before = bench::StatusKiB("VmRSS:");
     work();
     return static_cast<double>(bench::StatusKiB("VmHWM:") - before) / 1024.0;

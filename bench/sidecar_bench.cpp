@@ -128,6 +128,8 @@ void Save(benchmark::State& state, const char* extension, int points) {
         bench::Add(Who::Gdal, "read tab" + count, Gdal, "tif", points);
         bench::Add(Who::Gdal, "read tab" + count + ", no fit", Gdal, "tif", points);
     }
+    bench::AddBothWays(
+        "read tab of 4 points", [] { return Input("tab", 4); }, kSize);
     bench::Add(Who::Ours, "read ers", Read, "ers", 4, EMathTransformType::Affine);
     bench::Add(Who::Gdal, "read ers", Gdal, "ers", 4);
     bench::Add(Who::Floor, "read ers", Floor, "ers", 4);

@@ -86,6 +86,8 @@ void Save(benchmark::State& state) {
     bench::Add(Who::Ours, "read world file by type", ReadByType);
     bench::Add(Who::Gdal, "read world file by type", Gdal, "bare.png");
     bench::Add(Who::Floor, "read world file by type", Floor);
+    bench::AddBothWays(
+        "read world file with a known prj", [] { return Files().Path("full.pgw"); }, kSize);
     bench::Add(Who::Ours, "write world file", Save);
     return true;
 }();

@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
         double x = 0.0;
         double y = 0.0;
         if (reference.HasMathTransform() && reference.MathTransform->ConvertSourceToTarget(x, y))
-            std::cout << BString::Format("column 0, row 0 lies at %.10g, %.10g\n", x, y);
+            std::cout << BString::Format("column 0, row 0 is at %.10g, %.10g\n", x, y);
     } catch (const BException& error) {
         std::cerr << error.what() << "\n";
         return 2;

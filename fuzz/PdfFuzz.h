@@ -37,7 +37,7 @@ bool Survives(Operation operation) {
     return false;
 }
 
-/// A document with one page, whose dictionary and objects 4 to 7 are made anew for each
+/// A document with one page, whose dictionary and objects 4 to 7 are made again for each
 /// input: no file is read in between. 4 and 5 are dictionaries, 6 an array, 7 a number.
 class PageInMemory {
 public:

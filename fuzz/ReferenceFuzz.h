@@ -1,7 +1,7 @@
 #pragma once
 
 // What the fuzz targets of reference files share: bytes as a file in memory, and both
-// roads of the front door, the one out again included.
+// reads of the front door, and its saves.
 
 #include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/BException.h>
@@ -125,7 +125,7 @@ inline bool ReadByName(const Tellurion::BString& file, Tellurion::BGeoReference&
         [&] { MapAnchor::BMapAnchor::Read(file, reference, used, kWidth, kHeight, fit, nullptr); });
 }
 
-/// Reads the file on every road. What was read by name can be asked for a position.
+/// Reads the file by name and by type. What was read by name can be asked for a position.
 inline bool ReadOnAllRoads(Tellurion::EReferenceType type, const Tellurion::BString& file,
                            Tellurion::BGeoReference& reference) {
     ReadByType(type, file, 0);
@@ -137,7 +137,7 @@ inline bool ReadOnAllRoads(Tellurion::EReferenceType type, const Tellurion::BStr
     return true;
 }
 
-/// Saves on both roads; false when the road by name refused. A save may refuse, but
+/// Saves by name and by type; false when the save by name refused. A save may refuse, but
 /// only as a failure of the library's family.
 inline bool SaveOnAllRoads(Tellurion::EReferenceType type, const Tellurion::BString& file,
                            const Tellurion::BGeoReference& reference) {

@@ -1,4 +1,4 @@
-// CADRG frames: any bytes through the probing of the front door and the typed road.
+// CADRG frames: any bytes through the probing of the front door and the read by type.
 
 #include "ReferenceFuzz.h"
 
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool good = BRefCADRG::Read(file, reference);
     const unsigned int flags = 0;
     BGeoReference typed;
-    // Both roads take the same frames.
+    // Both reads accept the same frames.
     if (fuzz::Succeeds([&] { BRefCADRG::Read(file, flags, typed); }) != good) std::abort();
     if (typed.HasMathTransform() != reference.HasMathTransform()) std::abort();
     return 0;

@@ -1,5 +1,5 @@
-// Texts of coordinate systems: the first byte says which road the rest takes. What is
-// understood tells its well-known text, which is read back; one text in ten tells
+// Texts of coordinate systems: the first byte chooses the reader of the rest. What is
+// understood gives its well-known text, which is read back; one text in ten gives
 // itself in every form, since that asks much of PROJ's database.
 
 #include <Tellurion/BCoordSys.h>

@@ -1,4 +1,4 @@
-// Orthophoto headers: any bytes through both roads of the front door.
+// Orthophoto headers: any bytes read by name and by type.
 
 #include "ReferenceFuzz.h"
 

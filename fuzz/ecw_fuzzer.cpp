@@ -1,4 +1,4 @@
-// ECW headers, versions 2 and 3: any bytes through both roads of the front door.
+// ECW headers, versions 2 and 3: any bytes read by name and by type.
 
 #include "ReferenceFuzz.h"
 

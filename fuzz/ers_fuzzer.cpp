@@ -1,4 +1,4 @@
-// ERS headers: any bytes through both roads of the front door. What was read and
+// ERS headers: any bytes read by name and by type. What was read and
 // saved must not come back with a transform that was not there.
 
 #include "ReferenceFuzz.h"

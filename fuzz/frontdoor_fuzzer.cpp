@@ -37,7 +37,7 @@ constexpr const char* kFits[] = {"affine",     "conformal", "poly2",    "poly3",
 constexpr const char* kTypes[] = {"wld", "rsf", "tab", "ers", "tif", "sid", "ecw", "doq", "kap", "pdf"};
 
 enum Flag : unsigned { kSize = 1, kJson = 2, kStrict = 4, kVerbose = 8, kInPlace = 16 };
-/// Above the flags stands the number of the command that follows info.
+/// The bits above the flags hold the number of the command that follows info.
 constexpr unsigned kCommandShift = 5;
 constexpr std::pair<unsigned, const char*> kTargets[] = {{3, "tfw"}, {4, "rsf"}, {5, "tab"},
                                                          {5, "ers"}, {6, "tif"}, {7, "pdf"}};

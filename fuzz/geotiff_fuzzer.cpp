@@ -1,4 +1,4 @@
-// Rasters: bytes that begin as a TIFF through both roads of the front door. What GDAL's
+// Rasters: bytes that begin as a TIFF, read by name and by type. What GDAL's
 // other drivers make of bytes is not asked here: they may follow names of other files.
 
 #include "ReferenceFuzz.h"
@@ -16,7 +16,7 @@ bool IsTiff(const std::uint8_t* data, std::size_t size) {
     return size >= 4 && (std::memcmp(data, "II", 2) == 0 || std::memcmp(data, "MM", 2) == 0);
 }
 
-/// Both roads share what is open here, which spares half the time.
+/// Both reads share what is open here, which spares half the time.
 GDALDatasetH OpenShared(const BString& file) {
     static const bool registered = (GDALAllRegister(), true);
     static_cast<void>(registered);

@@ -1,4 +1,4 @@
-// BSB chart headers: any bytes through both roads of the front door.
+// BSB chart headers: any bytes read by name and by type.
 
 #include "ReferenceFuzz.h"
 

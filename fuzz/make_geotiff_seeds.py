@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the seeds of geotiff_fuzzer: tiny TIFFs, each with one way to say where it lies."""
+"""Writes the seeds of geotiff_fuzzer: tiny TIFFs, each with one way to state its place."""
 
 import pathlib
 import struct

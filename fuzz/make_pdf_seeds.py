@@ -41,7 +41,7 @@ def updated(file):
 
 
 def with_streams(bodies):
-    """Objects 1 to n in object stream n + 1, told of by cross-reference stream n + 2."""
+    """Objects 1 to n in object stream n + 1, listed by cross-reference stream n + 2."""
     count, head, content = len(bodies), b"", b""
     for number, body in enumerate(bodies, 1):
         head += b"%d %d " % (number, len(content))

@@ -1,4 +1,4 @@
-// RSF files: any bytes through both roads of the front door. What was read and saved
+// RSF files: any bytes read by name and by type. What was read and saved
 // must be readable, with as many points.
 
 #include "ReferenceFuzz.h"

@@ -1,4 +1,4 @@
-// MrSID headers: any bytes through both roads of the front door.
+// MrSID headers: any bytes read by name and by type.
 
 #include "ReferenceFuzz.h"
 

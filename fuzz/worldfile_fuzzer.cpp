@@ -1,4 +1,4 @@
-// World files: any bytes through both roads of the front door, and what was read
+// World files: any bytes read by name and by type, and what was read
 // out again through the writer.
 
 #include "ReferenceFuzz.h"

@@ -2,14 +2,10 @@
 
 #include <pybind11/stl.h>
 
-#include <MapAnchor/BGeoReferenceWriteException.h>
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReading.h>
-#include <MapAnchor/BReferenceFormats.h>
-#include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
 #include <Tellurion/BMathTransform.h>
-#include <Tellurion/BParamList.h>
 
 #include <exception>
 #include <optional>
@@ -23,12 +19,6 @@ using MapAnchor::BMapAnchor;
 using MapAnchor::BReading;
 using MapAnchor::BReadingOptions;
 
-namespace {
-
-/// The boxes under the numbers by which the library knows them.
-enum class Box : int { Art = 0, Trim = 2, Bleed = 3, Crop = 4, Media = 5 };
-
-/// A str, bytes or os.PathLike as the file system has it.
 BString PathOf(const py::object& path) {
     return BString(py::module_::import("os").attr("fsencode")(path).cast<std::string>());
 }
@@ -38,26 +28,10 @@ unsigned int Flags(bool strict_transform, bool strict_crs) {
            (strict_crs ? BMapAnchor::kStrictCoordSys : 0U);
 }
 
-std::optional<EReferenceType> TypeOf(const BString& file, std::optional<EReferenceType> type) {
-    const BString extension = BFileUtilities::GetExtension(file).ToLower();
-    for (const MapAnchor::BReferenceFormat& format : MapAnchor::BReferenceFormats::List())
-        for (const BString& typed : format.GetTypedExtensions())
-            if (!type && typed == extension) return format.GetType();
-    return type;
-}
+namespace {
 
-/// What is thrown and is no std::exception comes from the PDF library.
-template <class Failure, class Work>
-void Guarded(const char* source, Work work) {
-    const py::gil_scoped_release released;
-    try {
-        work();
-    } catch (const std::exception&) {
-        throw;
-    } catch (...) {
-        throw Failure(source, "The PDF library refuses the file.");
-    }
-}
+/// The boxes under the numbers by which the library knows them.
+enum class Box : int { Art = 0, Trim = 2, Bleed = 3, Crop = 4, Media = 5 };
 
 /// Why a reading failed goes to the log, since an exception has one text.
 void LogDoubts(const BReading& reading) {
@@ -69,7 +43,7 @@ void LogDoubts(const BReading& reading) {
 PyReference Read(const py::object& path, std::optional<EReferenceType> type, long width, long height,
                  EMathTransformType fit, bool strict_transform, bool strict_crs, std::optional<Box> box,
                  std::optional<double> dpi, const BString& source, int page, const BString& map, bool shown,
-                 const BString& password, bool strict_pdf) {
+                 const BString& password, bool strict_pdf, bool explain) {
     const BString file = PathOf(path);
     BReadingOptions options;
     if (type) options.SetType(*type);
@@ -81,6 +55,7 @@ PyReference Read(const py::object& path, std::optional<EReferenceType> type, lon
     if (dpi) options.SetResolution(*dpi);
     options.SetSource(source);
     options.SetPdfStrict(strict_pdf);
+    options.SetExplains(explain);
     if (page != 1) options.SetPdfPage(page);
     if (!map.IsEmpty()) options.SetPdfMap(map);
     options.SetPdfShown(shown);
@@ -95,27 +70,8 @@ PyReference Read(const py::object& path, std::optional<EReferenceType> type, lon
     result.width = reading.GetWidth();
     result.height = reading.GetHeight();
     result.diagnostics = reading.GetDiagnostics();
+    result.origins = reading.GetOrigins();
     return result;
-}
-
-void Write(const PyReference& reference, const py::object& path, std::optional<EReferenceType> type,
-           long width, long height, const py::object& image_name, bool strict_transform, bool strict_crs,
-           std::optional<double> dpi) {
-    const BString file = PathOf(path);
-    const BString image = PathOf(image_name);
-    type = TypeOf(file, type);
-    BParamList params;
-    params.SetInteger(BMapAnchor::kValErsCodes, 1);
-    if (dpi) params.SetDouble(BMapAnchor::kValPDFResolution, *dpi);
-    // Another thread may change the object meanwhile; a copy shares what nobody changes.
-    const BGeoReference copy = reference.reference;
-    Guarded<MapAnchor::BGeoReferenceWriteException>("mapanchor.write", [&] {
-        if (type)
-            BMapAnchor::Save(*type, file, copy, width, height, image, Flags(strict_transform, strict_crs),
-                             &params);
-        else
-            BMapAnchor::Save(file, copy, width, height, image, &params);
-    });
 }
 
 BMathTransform Fit(const std::vector<BPointPair>& points, EMathTransformType kind, unsigned int width,
@@ -175,6 +131,7 @@ PYBIND11_MODULE(_mapanchor, module) {
     DefineFailures(module);
     DefineEnumerations(module);
     DefineReference(module);
+    DefineSaving(module);
     SendLogToPython();
     const auto affine = EMathTransformType::Affine;
     module.def("read", &Read, py::arg("path"), py::arg("type") = py::none(), py::kw_only(),
@@ -182,11 +139,7 @@ PYBIND11_MODULE(_mapanchor, module) {
                py::arg("strict_transform") = false, py::arg("strict_crs") = false,
                py::arg("box") = py::none(), py::arg("dpi") = py::none(), py::arg("source") = BString(),
                py::arg("page") = 1, py::arg("map") = BString(), py::arg("shown") = false,
-               py::arg("password") = BString(), py::arg("strict_pdf") = false);
-    module.def("write", &Write, py::arg("reference"), py::arg("path"), py::arg("type") = py::none(),
-               py::kw_only(), py::arg("width") = 0, py::arg("height") = 0, py::arg("image_name") = "",
-               py::arg("strict_transform") = false, py::arg("strict_crs") = false,
-               py::arg("dpi") = py::none());
+               py::arg("password") = BString(), py::arg("strict_pdf") = false, py::arg("explain") = false);
     module.def("fit", &Fit, py::arg("points"), py::arg("kind") = affine, py::kw_only(), py::arg("width") = 0,
                py::arg("height") = 0);
 }

@@ -212,6 +212,11 @@ void DefineDiagnostic(py::module_& module) {
     const auto line = [](const BDiagnostic& self) {
         return self.GetLine() > 0 ? std::optional<long>(self.GetLine()) : std::nullopt;
     };
+    using Origin = MapAnchor::BReading::Origin;
+    py::class_<Origin>(module, "Origin")
+        .def_readonly("value", &Origin::Value)
+        .def_readonly("file", &Origin::File)
+        .def_readonly("place", &Origin::Place);
     py::class_<BDiagnostic>(module, "Diagnostic")
         .def_property_readonly("id", &BDiagnostic::GetId)
         .def_property_readonly("severity", severity)
@@ -253,6 +258,7 @@ void DefineReference(py::module_& module) {
         .def_property_readonly("used_file", [](const PyReference& self) { return self.used_file; })
         .def_property_readonly("files", [](const PyReference& self) { return self.files; })
         .def_property_readonly("diagnostics", [](const PyReference& self) { return self.diagnostics; })
+        .def_property_readonly("origins", [](const PyReference& self) { return self.origins; })
         .def_property_readonly("size",
                                [](const PyReference& self) -> std::optional<std::pair<long, long>> {
                                    if (self.width <= 0 || self.height <= 0) return std::nullopt;

@@ -11,7 +11,7 @@ new=$scratch/new.abi
 kept=$scratch/kept.abi
 cmake --build "$build" -j "$2" --target mapanchor_abi MapAnchor >"$scratch/build.log" || { cat "$scratch/build.log"; exit 1; }
 
-# The types of the installed headers and no others, and nothing that tells the machine.
+# The types of the installed headers and no others, and nothing that depends on the machine.
 mkdir "$scratch/include"
 (cd "$build/include" && xargs -I{} cp --parents -L {} "$scratch/include") <"$build/public-headers.txt"
 abidw --headers-dir "$scratch/include" --drop-private-types --drop-undefined-syms --no-corpus-path \

@@ -3,7 +3,7 @@
 
 performance.py BIN TABLE            measures everything and writes TABLE (Markdown)
 performance.py --only RE BIN TABLE  measures the operations that match, keeps the other rows
-performance.py --compare BIN TABLE  measures the times and tells which ratio got worse than
+performance.py --compare BIN TABLE  measures the times and prints which ratio got worse than
                                     the one kept in TABLE by more than a tenth; a row counts
                                     as worse when its instructions grew as well, since the
                                     clock of a shared machine is noisy. Ends with 1 then.
@@ -20,7 +20,7 @@ import subprocess
 import sys
 
 PROGRAMS = ("bench_read", "bench_coord_sys", "bench_pdf", "bench_pdf_write")
-PEERS = {"gdal": "GDAL", "podofo": "PoDoFo", "walk": "plain walk"}
+PEERS = {"gdal": "GDAL", "podofo": "PoDoFo", "walk": "plain walk", "named": "read by name"}
 COLD_PROGRAM, COLD = "bench_coord_sys", "^ours/first"
 WORSE = 1.1
 # Of operations below so many nanoseconds many rounds are counted: a start varies by thousands.
@@ -144,7 +144,7 @@ def table_text(lines_by_operation):
         "peer we are (below 1: slower); the floor opens the file, reads its numbers and closes it.",
         "Of a TAB file of 10,000 points GDAL does not read the end: it finds no system there.",
         "Instructions are those of one operation, by Cachegrind; where there are none, none were counted.",
-        "`make bench-compare` tells which ratio got worse than the one kept here by more than a tenth.",
+        "`make bench-compare` prints which ratio got worse than the one kept here by more than a tenth.",
         "",
         f"{datetime.date.today().isoformat()}, {version('uname', '-m')}, "
         f"{version('c++', '--version')}, GDAL {version('gdal-config', '--version')}", "",

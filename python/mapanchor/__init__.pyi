@@ -49,7 +49,7 @@ class Box:
     value: int
 
 class Error(Exception):
-    """A failure of the library: a message, where it comes from, and what tells it apart."""
+    """A failure of the library: a message, where it comes from, and what distinguishes it."""
 
     message: str
     source: str
@@ -162,6 +162,18 @@ class Diagnostic:
     @property
     def line(self) -> Optional[int]: ...
 
+class Origin:
+    """Where a value is written."""
+
+    @property
+    def value(self) -> str:
+        """Such as "system", "transform" or "point 3"."""
+    @property
+    def file(self) -> str: ...
+    @property
+    def place(self) -> str:
+        """Within the file: a line, a byte, a tag, an element or an object of a PDF."""
+
 class Reference:
     """The georeferencing of one raster or page. Any part may be missing."""
 
@@ -192,10 +204,10 @@ class Reference:
         """What it was read as, such as "WLD"; empty for one that was not read."""
     @property
     def anchor(self) -> str:
-        """Where in the top left pixel column 0, row 0 lies: "corner" or "centre"."""
+        """Where in the top left pixel column 0, row 0 is: "corner" or "centre"."""
     @property
     def used_file(self) -> str:
-        """The file that was read, where another stands for the one that was named."""
+        """The file that was read, where another was read in place of the named one."""
     @property
     def files(self) -> List[str]:
         """All files that took part in the reading."""
@@ -205,6 +217,37 @@ class Reference:
     @property
     def diagnostics(self) -> List[Diagnostic]:
         """What was guessed, rounded, replaced or left out, and where the answer comes from."""
+    @property
+    def origins(self) -> List[Origin]:
+        """Where each value is written, for one that was read with `explain`."""
+
+class Saving:
+    """A save, and what reading the file back showed."""
+
+    @property
+    def taken_back(self) -> bool:
+        """An exact save was required and failed; the old file is there again."""
+    @property
+    def verified(self) -> bool:
+        """The file was read back."""
+    @property
+    def exact(self) -> bool:
+        """Nothing that the kind holds differs by more than the tolerance."""
+    @property
+    def confirmed_by_gdal(self) -> bool: ...
+    @property
+    def pixels(self) -> Optional[float]:
+        """The largest distance found; None where nothing could be compared."""
+    @property
+    def metres(self) -> Optional[float]: ...
+    @property
+    def same_crs(self) -> bool: ...
+    @property
+    def text(self) -> str:
+        """One sentence, such as "read back: at most 0.000 pixels, 0.000 m; the same system"."""
+    @property
+    def diagnostics(self) -> List[Diagnostic]:
+        """What the kind cannot hold, what was rounded, and what differs."""
 
 def read(
     path: Path,
@@ -223,6 +266,7 @@ def read(
     shown: bool = ...,
     password: str = ...,
     strict_pdf: bool = ...,
+    explain: bool = ...,
 ) -> Reference:
     """Reads what a person means by the name: the file itself, or the sidecars of a raster, of
     which `source` picks one; with `type` as that kind.
@@ -243,8 +287,19 @@ def write(
     strict_transform: bool = ...,
     strict_crs: bool = ...,
     dpi: Optional[float] = ...,
-) -> None:
-    """Saves by the file's name, or as `type`. A raster or PDF that is there is georeferenced in place."""
+    verify: bool = ...,
+    tolerance: Optional[float] = ...,
+    require_exact: bool = ...,
+    overwrite: bool = ...,
+    sync: bool = ...,
+) -> Saving:
+    """Saves by the file's name, or as `type`. A raster or PDF that is there is georeferenced in place.
+
+    The file is read back and compared unless `verify` is false; with `require_exact` a save that differs
+    by more than `tolerance` pixels (0.001, and 1 mm, without it) is taken back. Without `overwrite` a file
+    that is there is not replaced; without `sync` a power failure may spoil the file. The size is that of
+    the reading unless it is given.
+    """
 
 def fit(points: Iterable[Point], kind: Fit = ..., *, width: int = ..., height: int = ...) -> Transform:
     """The transform through the points that are enabled; Error when they cannot carry it."""

@@ -102,7 +102,7 @@ constexpr const char* kSaveLog =
 constexpr const char* kProbeLog =
     "BMapAnchor::TryOpeningForRead Attempting to open <%ls> threw the following exception\n%ls.";
 
-/// The named roads have no flags.
+/// Reads and saves by name have no flags.
 constexpr unsigned int kNoFlags = 0;
 
 }  // namespace

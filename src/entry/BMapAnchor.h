@@ -29,7 +29,7 @@ class MAPANCHOR_EXPORT BMapAnchor {
 public:
     /// Key of a BParamList: the box of a PDF page that the raster shows, a whole number.
     /// 0 is the art box, 3 the bleed box, 4 the crop box; 2, the trim box, and 5 both mean
-    /// the media box, which is the default and stands in for a box that is not there. 1, the
+    /// the media box, which is the default and replaces a box that is not there. 1, the
     /// bounding box, is refused with a BReadParametersException.
     static const Tellurion::BString kValPDFCropType;
     /// Key of a BParamList: the resolution of a raster whose PDF is saved, in dots per

@@ -61,7 +61,7 @@ public:
     std::vector<Tellurion::BString> GetFiles() const;
     Tellurion::BString GetKind() const;  ///< the name of a BReferenceFormat, such as "WLD"; may be empty
     bool IsByName() const;               ///< read by name; false for a read by type
-    bool IsSidecar() const;              ///< the used file lies beside a raster and has no pixels
+    bool IsSidecar() const;              ///< the used file is beside a raster and has no pixels
     /// Column 0, row 0 of the transform is the centre of the top left pixel, not its corner.
     bool IsCentreAnchored() const;
 

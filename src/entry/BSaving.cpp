@@ -17,6 +17,7 @@
 #include <Tellurion/BLogger.h>
 #include <Tellurion/NewFilesOnly.h>
 #include <Tellurion/ThreadLog.h>
+#include <Tellurion/WithoutSync.h>
 
 #include <algorithm>
 #include <optional>
@@ -120,6 +121,8 @@ void SaveAndListen(const ReferenceFormat* kind, const BString& file, const BGeoR
         ThreadLog log;
         std::optional<NewFilesOnly> new_files;
         if (!options.Overwrites() && !(kind && kind->in_place)) new_files.emplace();
+        std::optional<WithoutSync> without_sync;
+        if (!options.Syncs()) without_sync.emplace();
         try {
             SaveFully(kind, file, reference, options);
         } catch (...) {

@@ -18,6 +18,7 @@ struct BSavingOptions::State {
     bool centre_anchored = false;
     BParamList params;
     bool overwrites = true;
+    bool syncs = true;
     bool verifies = true;
     double tolerance_pixels = 0.001;
     double tolerance_metres = 0.001;
@@ -107,6 +108,14 @@ void BSavingOptions::SetOverwrites(bool overwrites) {
 
 bool BSavingOptions::Overwrites() const {
     return state_->overwrites;
+}
+
+void BSavingOptions::SetSyncs(bool syncs) {
+    Change().syncs = syncs;
+}
+
+bool BSavingOptions::Syncs() const {
+    return state_->syncs;
 }
 
 void BSavingOptions::SetVerifies(bool verifies) {

@@ -53,6 +53,11 @@ public:
     void SetOverwrites(bool overwrites);
     bool Overwrites() const;  ///< see SetOverwrites()
 
+    /// Waits until the file is on the disk. On until it is set to false: then a process that is
+    /// killed still leaves the old file or the new one, but a power failure may leave neither.
+    void SetSyncs(bool syncs);
+    bool Syncs() const;  ///< see SetSyncs()
+
     /// Reads the file back after the save. On until it is set to false.
     void SetVerifies(bool verifies);
     bool Verifies() const;  ///< see SetVerifies()

@@ -83,7 +83,7 @@ void CheckDegrees(ReadingState& state) {
     const bool is_chart = state.kind && std::string_view(state.kind->name) == "KAP";
     if (is_chart && span.east - span.west > kHalfTurn)
         state.Add({.id = DiagnosticId::kCrossesAntimeridian,
-                   .text = "the chart lies across 180 degrees: its longitudes run from " +
+                   .text = "the chart crosses 180 degrees: its longitudes run from " +
                            PrintShortest(span.west) + " to " + PrintShortest(span.east) +
                            ", and the transform through them means nothing",
                    .file = state.used_file});

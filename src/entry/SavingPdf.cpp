@@ -114,7 +114,7 @@ void RemarkOnPage(const BString& file, const BGeoPDFPage& page, const BGeoPDFBox
                 " dots per inch, the page has " + SizeText(WidthOf(box), HeightOf(box)));
     if (page.Rotate != 0)
         add(DiagnosticId::kPageRotated, "the page is shown turned by " + std::to_string(page.Rotate) +
-                                            " degrees; the reference lies in the page as it is unturned");
+                                            " degrees; the reference refers to the unrotated page");
     if (!page.Maps.empty())
         add(DiagnosticId::kMapReplaced, "the reference that the page has already is replaced");
 }

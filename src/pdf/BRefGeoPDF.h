@@ -25,8 +25,8 @@ public:
 
     /// Georeferences a PDF that exists, in place: its first page shows the raster of
     /// that size in pixels, at the resolution of the parameters (72 without). False
-    /// when the reference gives too few points; the PDF then stands under the
-    /// temporary name that the log tells.
+    /// when the reference gives too few points; the PDF then has the
+    /// temporary name that the log states.
     static bool Write(const Tellurion::BString& file, const Tellurion::BGeoReference& reference, long width,
                       long height, const Tellurion::BParamList* params);
     /// `file` null counts as empty; of `flags` the bit of value 2 makes a system that

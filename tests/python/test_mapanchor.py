@@ -40,6 +40,8 @@ def test_a_raster_is_read_from_its_sidecars(map_file, caplog, capfd):
     assert (reference.kind, reference.affine, reference.size) == ("WLD", TERMS, None)
     assert reference.files == [str(map_file), str(map_file.with_suffix(".prj"))]
     assert [(d.id, d.severity) for d in reference.diagnostics] == [("read-from", "note")]
+    origins = mapanchor.read(raster, explain=True).origins
+    assert [(o.value, o.file, o.place) for o in origins][0] == ("pixel size", str(map_file), "lines 1 and 4")
     with pytest.raises(mapanchor.InvalidContentError):
         mapanchor.read(raster, source="tab")
     assert caplog.records == [] and capfd.readouterr().err == ""
@@ -49,7 +51,11 @@ def test_a_raster_is_read_from_its_sidecars(map_file, caplog, capfd):
 @pytest.mark.parametrize("path", [str, pathlib.Path, lambda text: str(text).encode("utf-8", "surrogateescape")])
 def test_write_reads_back(map_file, name, path):
     target = map_file.parent / name
-    mapanchor.write(mapanchor.read(map_file), path(target), width=200, height=100, image_name="map.tif")
+    options = {"width": 200, "height": 100, "image_name": "map.tif", "sync": False, "overwrite": False}
+    saving = mapanchor.write(mapanchor.read(map_file), path(target), **options)
+    assert (saving.exact, saving.same_crs, saving.metres) == (True, True, pytest.approx(0, abs=1e-3))
+    with pytest.raises(mapanchor.Error):
+        mapanchor.write(mapanchor.read(map_file), path(target), **options)
     back = mapanchor.read(path(target), width=200, height=100)
     assert back.transform.to_world(100, 100) == pytest.approx((676050.0, 5241950.0), abs=1e-9)
     assert back.used_file == str(target)

@@ -76,13 +76,15 @@ TEST(Explain, EachValueHasAPlace) {
          number(0) + number(0) + number(0) + number(600000)},
         {"k.tif", "system", "tag 34735 (GeoKeys), byte"},
         {"l.pdf", "points", "object"},
+        {"l.pdf", "system", "object"},
     };
     std::map<std::string, nlohmann::json> explained;
     for (const ExplainCase& test : cases) {
         SCOPED_TRACE(std::string(test.file) + ", " + test.value);
         auto& origins = explained[test.file];
         if (origins.empty())
-            origins = RunTool({"info", "--json", "--explain", folder / test.file}).Ours()["origins"];
+            origins = RunTool({"info", "--json", "--explain", "--strict", "pdf", folder / test.file})
+                          .Ours()["origins"];
         std::string place;
         for (const auto& origin : origins)
             if (origin["value"] == test.value) place = origin["place"].get<std::string>();

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs a recipe of docs/scale-out.md as it stands there and holds its rows against those of
+# Runs a recipe of docs/scale-out.md as it is written there and compares its rows with those of
 # one plain run: scale_out.sh <tool> <document> <recipe>. 77: the engine is not installed.
 set -euo pipefail
 tool=$(realpath "$1")

@@ -58,7 +58,7 @@ BString Authority(const GeoCalc::CSerializable& object) {
     return identifiers.Exists("EPSG") ? Authority(identifiers.GetCode("EPSG")) : BString();
 }
 
-/// The geodetic system that a system is or stands on; null for other kinds.
+/// The geodetic system that a system is or is based on; null for other kinds.
 const CGeodeticCoordSys* GeodeticOf(const BCoordSys& system) {
     const auto* object = system.GetGCCoordSys();
     if (const auto* projected = dynamic_cast<const CProjectedCoordSys*>(object))
@@ -76,7 +76,7 @@ BString WithVertical(const BString& wkt, const BCoordSys& system, const CVertica
            Authority(vertical) + BString("]]");
 }
 
-/// The word Vertical stands outside the quotes; readers of these texts expect it there.
+/// The word Vertical is outside the quotes; readers of these texts expect it there.
 BString WithUnknownVertical(const BString& wkt, const BString& name, const BLinearUnit& unit) {
     return BString("COMPD_CS[Vertical \"") + name + BString("\",") + wkt +
            BString(",VERT_CS[\"unknown\",VERT_DATUM[\"unknown\"],") + UnitClause(unit) +

@@ -73,7 +73,7 @@ BSharedPtr<BCoordSys> FindNad83Form(BString name, Wanted& wanted) {
     return found;
 }
 
-/// The code of the point that tells positions in the wanted unit; empty when the
+/// The code of the point whose positions are in the wanted unit; empty when the
 /// system does already, or none is wanted.
 BString WantedPoint(const CProjectedCoordSys& system, double units_per_metre, int units) {
     constexpr double kUsFeetPerMetre = 3.2808333333333;
@@ -109,7 +109,7 @@ bool AdjustUnit(CProjectedCoordSys& system, double units_per_metre, int units) {
     return true;
 }
 
-/// True when the system stands on the wanted datum afterwards.
+/// True when the system is on the wanted datum afterwards.
 bool AdjustDatum(CProjectedCoordSys& system, const BString& datum) {
     if (datum.IsEmpty()) return false;
     GeoCalc::CS::CHorizontalDatum& present = *system.GetHorizontalDatum();

@@ -39,7 +39,7 @@ public:
     virtual bool IsValid() const;
     /// Fills `out` with the issuer's code for the system: ("EPSG", "32633"), ("GC",
     /// "EPSG:32633"), ("ERMapper", "NUTM33"). False when that issuer has none; a name of
-    /// ER Mapper's is the system's own on the datum only that the name stands on.
+    /// ER Mapper's is the system's own on the datum of that name only.
     virtual bool GetIdentifier(const BString& issuer, BIdentifier& out) const;
 
     static constexpr int kKindGeodetic = 1;   ///< an answer of GetKind()

@@ -39,7 +39,7 @@ public:
     BCoordSys* ReadCoordSysFromMIFString(const BString& clause);
 
     /// The system as a MapInfo clause that begins with "CoordSys", without a line
-    /// end; empty when it cannot be told in one.
+    /// end; empty when it cannot be expressed in one.
     BString WriteCoordSysToMIFString(const BCoordSys& coordSys);
 
     /// The names of projection and datum in an ER Mapper header, "GEODETIC" for a system

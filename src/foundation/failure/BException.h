@@ -10,7 +10,7 @@ namespace Tellurion {
 
 /// The root of all failures that the library reports. A failure has up to three
 /// parts: a message that is fixed for its class, a source such as "BRefWLD::Read",
-/// and a detail that tells this failure apart. Copying does not throw.
+/// and a detail that distinguishes this failure. Copying does not throw.
 class TELLURION_EXPORT BException : public std::exception {
 public:
     explicit BException(const BString& message);               ///< no source, no detail

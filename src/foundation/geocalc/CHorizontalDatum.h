@@ -12,7 +12,7 @@ class CoordSysDefinition;
 
 namespace GeoCalc::CS {
 
-/// A horizontal datum, told by a geodetic system on it. Assigned over the datum of a
+/// A horizontal datum, identified by a geodetic system on it. Assigned over the datum of a
 /// system, it moves the system to this one.
 class TELLURION_EXPORT CHorizontalDatum : public CSerializable {
 public:

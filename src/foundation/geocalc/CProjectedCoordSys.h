@@ -39,10 +39,10 @@ public:
     CHorizontalDatum* GetHorizontalDatum() override { return GetGeodeticCoordSys().GetHorizontalDatum(); }
 
     const ML::CProjectedPoint& GetProjectedPoint() const;
-    /// Positions are told in the point's unit from now on. The projection's lengths
-    /// keep theirs until they are set anew.
+    /// Positions are in the point's unit from now on. The projection's lengths
+    /// keep theirs until they are set again.
     void SetProjectedPoint(const ML::CProjectedPoint& point);
-    /// Positions and the false origin are told in the unit from now on.
+    /// Positions and the false origin are in the unit from now on.
     void SetUnits(const Tellurion::BSharedPtr<Tellurion::BLinearUnit>& unit);
 
 private:

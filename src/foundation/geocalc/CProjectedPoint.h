@@ -12,7 +12,7 @@
 
 namespace GeoCalc::ML {
 
-/// How a projected system tells a position: an easting and a northing of one unit.
+/// A position in a projected system: an easting and a northing of one unit.
 class TELLURION_EXPORT CProjectedPoint : public CSerializable {
 public:
     enum Kind : std::int16_t {

@@ -44,7 +44,7 @@ public:
     /// The size in bytes; -1 when the file is not open or cannot tell.
     std::int64_t GetLength() const;
 
-    /// Writes the UTF-8 form of `text` as it stands, without a line end of its own.
+    /// Writes the UTF-8 form of `text` unchanged, without a line end of its own.
     /// The bytes may reach the file only at Close. False after any failed write.
     bool WriteLine(const BString& text);
 

@@ -233,7 +233,7 @@ int BFileReplacement::State::MoveToTarget() const {
 
 bool BFileReplacement::State::CommitBeside(EAfterPowerFailure after) {
     if (old >= 0) KeepAttributes();
-    if (::fsync(descriptor) != 0) return Fail(errno);
+    if (const int failed = FileBytes::Sync(descriptor)) return Fail(failed);
     if (const int reason = MoveToTarget(); reason != 0) {
         losses.clear();
         const bool can_overwrite = CannotBeReplaced(reason) && IsOldAtTarget() && CanBePutBack();

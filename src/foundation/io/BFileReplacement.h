@@ -9,7 +9,7 @@
 
 namespace Tellurion {
 
-/// Writes a file anew so that its name leads to the old content or to the new one at
+/// Replaces a file so that its name leads to the old content or to the new one at
 /// every moment, also when the disk fills up, the program is killed or the power fails.
 ///
 ///     Open()    map.tfw             the old content, untouched

@@ -15,7 +15,7 @@ std::size_t NameStart(const std::u16string& path) {
     return slash == std::u16string::npos ? 0 : slash + 1;
 }
 
-/// Where the extension's dot stands, or the end. A dot with nothing behind it is
+/// The position of the extension's dot, or the end. A dot with nothing behind it is
 /// part of the name, and so are "." and "..".
 std::size_t ExtensionStart(const std::u16string& path) {
     const std::size_t dot = path.rfind(u'.');

@@ -1,4 +1,5 @@
 #include <Tellurion/FileBytes.h>
+#include <Tellurion/WithoutSync.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -31,7 +32,7 @@ int WriteAt(int file, std::string_view bytes, off_t position) {
     return 0;
 }
 
-/// File systems that cannot reserve room say so; the write itself tells on those.
+/// File systems that cannot reserve room say so; there the write itself fails.
 int Reserve(int file, off_t from, off_t to) {
     if (to <= from) return 0;
     while (::fallocate(file, 0, from, to - from) != 0) {
@@ -48,10 +49,18 @@ int CopyAndCut(int from, int to, off_t size) {
 
 int CopyCutAndSync(int from, int to, off_t size) {
     if (const int error = CopyAndCut(from, to, size)) return error;
-    return ::fsync(to) == 0 ? 0 : errno;
+    return Sync(to);
 }
 
 }  // namespace
+
+int Sync(int file) {
+    return WithoutSync::IsOn() || ::fsync(file) == 0 ? 0 : errno;
+}
+
+int SyncData(int file) {
+    return WithoutSync::IsOn() || ::fdatasync(file) == 0 ? 0 : errno;
+}
 
 std::size_t ReadAt(int file, std::span<char> out, std::uint64_t position, int* error) {
     std::size_t done = 0;
@@ -117,7 +126,7 @@ int CopyToNew(const std::string& from, const std::string& to) {
     int error = made < 0 ? errno : Copy(source, made);
     ::close(source);
     if (made < 0) return error;
-    if (error == 0 && ::fsync(made) != 0) error = errno;
+    if (error == 0) error = Sync(made);
     if (::close(made) != 0 && error == 0) error = errno;
     if (error == 0) error = SyncFolder(folder);
     if (error != 0) ::unlink(to.c_str());
@@ -129,7 +138,7 @@ int Move(const std::string& from, const std::string& to) {
     const std::string old_folder = FolderOf(from);
     const std::string new_folder = FolderOf(to);
     const int file = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file >= 0) ::fsync(file);
+    if (file >= 0) Sync(file);
     if (file >= 0) ::close(file);
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
         if (errno != EINVAL && errno != ENOSYS) return errno;
@@ -143,9 +152,11 @@ int Move(const std::string& from, const std::string& to) {
 }
 
 int SyncFolder(const std::string& folder) {
+    if (WithoutSync::IsOn()) return 0;
     const int opened = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (opened < 0) return 0;
-    const int error = ::fsync(opened) == 0 || errno == EINVAL ? 0 : errno;
+    const int failed = Sync(opened);
+    const int error = failed == EINVAL ? 0 : failed;
     ::close(opened);
     return error;
 }

@@ -31,8 +31,13 @@ int Overwrite(int to, int from, int old);
 TELLURION_EXPORT int CopyToNew(const std::string& from, const std::string& to);
 
 /// Renames a file to a name that is free, and syncs the file before and both folders after.
-/// The result tells of the renaming.
+/// The result is that of the renaming.
 TELLURION_EXPORT int Move(const std::string& from, const std::string& to);
+
+/// Waits until a file, or at least its content and length, are on the disk; at once while
+/// a WithoutSync lives.
+TELLURION_EXPORT int Sync(int file);
+TELLURION_EXPORT int SyncData(int file);
 
 /// Syncs a folder that can be opened.
 int SyncFolder(const std::string& folder);

@@ -22,7 +22,7 @@ public:
 
     void Add(const std::string& name, std::string content);
 
-    /// A descriptor of the content; negative where nothing stands in for that name, and with
+    /// A descriptor of the content; negative where nothing replaces that name, and with
     /// errno set where the system has no room for it.
     static int Open(const char* name, struct stat& status);
     static bool Has(const char* name);

@@ -20,7 +20,7 @@ public:
     /// missing, its value is no number, or the number does not fit.
     int GetInteger(const BString& key, int fallback) const;
     double GetDouble(const BString& key, double fallback) const;           ///< the same for a number
-    BString GetString(const BString& key, const BString& fallback) const;  ///< the value as it stands
+    BString GetString(const BString& key, const BString& fallback) const;  ///< the value unchanged
 
     void SetInteger(const BString& key, int value);            ///< replaces
     void SetDouble(const BString& key, double value);          ///< replaces; keeps every digit

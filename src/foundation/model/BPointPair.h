@@ -9,7 +9,7 @@
 namespace Tellurion {
 
 /// One control point: a whole pixel and its position in the reference's coordinate
-/// system. Where in the pixel the position lies is each format's own rule.
+/// system. Where in the pixel the position is depends on the format.
 class TELLURION_EXPORT BPointPair {
 public:
     BPointPair() = default;

@@ -6,7 +6,7 @@
 
 namespace GeoCalc::ML {
 
-/// A length and the unit it is told in. A value type.
+/// A length and its unit. A value type.
 class TELLURION_EXPORT CLinearValue {
 public:
     /// 0 metres.

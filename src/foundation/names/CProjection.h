@@ -22,7 +22,7 @@ public:
     const std::string& GetMethodEpsg() const { return epsg_; }
 
     /// The same kind and, within what texts round their numbers to, the same
-    /// parameters: 0.005 seconds, 2 mm, a scale of 1e-8. Lengths must be told in the
+    /// parameters: 0.005 seconds, 2 mm, a scale of 1e-8. Lengths must be in the
     /// same unit too: a header that names a projection names its unit with it.
     bool IsNearlyEqual(const CProjection& other) const;
     /// The same within 1e-8 degrees and 0.01 mm.

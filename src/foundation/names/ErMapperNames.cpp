@@ -44,7 +44,7 @@ ErMapperProjection ParseProjection(std::string_view row) {
     while (!row.empty()) {
         std::string_view parameter = Cut(row, ' ');
         const std::string_view key = Cut(parameter, '=');
-        // A Mercator row tells the parallel whose scale its factor is; northings count
+        // A Mercator row states the parallel whose scale its factor is; northings count
         // from the equator all the same.
         const bool told_twice = projection.method == "Mercator_1SP" && key == "latitude_of_origin";
         projection.parameters.emplace_back(key, told_twice ? 0.0 : ParseDouble(parameter));

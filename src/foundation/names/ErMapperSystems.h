@@ -31,7 +31,7 @@ Definition FindErMapperDatum(const Tellurion::BString& name);
 Tellurion::BString ErMapperDatumNameOf(const Tellurion::CoordSysDefinition& system);
 
 /// The ER Mapper name of the system itself: of the projection when the datum is the
-/// one that the name stands on, of the datum for a geodetic system. Else empty.
+/// one that the name is based on, of the datum for a geodetic system. Else empty.
 Tellurion::BString ErMapperNameOf(const Tellurion::CoordSysDefinition& system);
 
 /// The code of the database's own: "EPSG:" and the number, or the name.

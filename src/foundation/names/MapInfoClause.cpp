@@ -26,7 +26,7 @@ bool IsWordCharacter(char c) {
 struct Token {
     enum class Kind { Word, Number, Text, Comma, Other, End };
     Kind kind = Kind::End;
-    std::string_view text;  ///< of a quoted text, what stands between the quotes
+    std::string_view text;  ///< of a quoted text, the part between the quotes
     double number = 0.0;
 
     bool IsWord(std::string_view lower) const { return kind == Kind::Word && LowerAscii(text) == lower; }

@@ -15,7 +15,7 @@ namespace GeoCalc::PJ {
 
 /// The unit of a projected system.
 Tellurion::BSharedPtr<Tellurion::BLinearUnit> UnitOf(const Tellurion::CoordSysDefinition& projected);
-/// Its projection, the lengths told in that unit.
+/// Its projection, with lengths in that unit.
 CProjection ReadProjection(const Tellurion::CoordSysDefinition& projected);
 
 /// The projection of a row of names.

@@ -43,7 +43,7 @@ public:
     /// printf rules: flags, width, precision and the conversions d i u x X o c f F
     /// e E g G s ls, with any length modifier. Numbers have a decimal point in every
     /// locale. An argument prints by its own type; a conversion without an argument
-    /// stays in the text as it stands, surplus arguments are ignored.
+    /// stays in the text unchanged, surplus arguments are ignored.
     template <class... Args>
     static BString Format(const char* format, const Args&... arguments) {
         const FormatArgument list[sizeof...(Args) + 1] = {FormatArgument(arguments)..., FormatArgument(0)};

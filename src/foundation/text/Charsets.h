@@ -8,7 +8,7 @@
 
 namespace Tellurion {
 
-/// The text of a line as it stands in a file: UTF-8 or, where it is none, Windows-1252.
+/// The text of a line of a file: UTF-8 or, where it is none, Windows-1252.
 TELLURION_EXPORT BString DecodeLine(std::string_view bytes);
 
 /// True when every byte is ASCII: then DecodeLine changes nothing.

@@ -37,7 +37,7 @@ bool Invert(const AffineTerms& terms, AffineModel::InverseTerms& inverse) {
                     : !counter_diagonal ? ae_exponent
                                         : std::max(ae_exponent, bd_exponent);
     // Scaled by 2^-top the larger product is near 1; of the smaller one nothing is
-    // lost but what lies 900 powers of two below.
+    // lost but what is 900 powers of two below.
     const double a_scaled = diagonal ? std::ldexp(a.mantissa, ae_exponent - top) : 0.0;
     const double b_scaled = counter_diagonal ? std::ldexp(b.mantissa, bd_exponent - top) : 0.0;
     const double determinant = DifferenceOfProducts(a_scaled, e.mantissa, b_scaled, d.mantissa);

@@ -76,15 +76,17 @@ int WriteAt(int file, std::uint64_t position, std::string_view bytes) {
 
 /// Cuts the file back. Where that fails as well, the caller hears of both.
 void Restore(int file, std::uint64_t size, BString& reason) {
-    if (::ftruncate(file, static_cast<off_t>(size)) == 0 && ::fsync(file) == 0) return;
+    int error = ::ftruncate(file, static_cast<off_t>(size)) == 0 ? 0 : errno;
+    if (error == 0) error = Tellurion::FileBytes::Sync(file);
+    if (error == 0) return;
     reason = reason + BString::Format("; its old end, at byte %llu, could not be restored: %s",
-                                      static_cast<unsigned long long>(size), std::strerror(errno));
+                                      static_cast<unsigned long long>(size), std::strerror(error));
 }
 
 void AppendInPlace(const BString& file, const Descriptor& open, std::uint64_t size, std::string_view tail) {
     int error = Reserve(open.Number(), size, tail.size());
     if (error == 0) error = WriteAt(open.Number(), size, tail);
-    if (error == 0 && ::fdatasync(open.Number()) != 0) error = errno;
+    if (error == 0) error = Tellurion::FileBytes::SyncData(open.Number());
     if (error != 0) {
         BString reason(std::strerror(error));
         Restore(open.Number(), size, reason);

@@ -97,7 +97,7 @@ void CPDFExport::WritePieceInfo(CPDFDocument& document) {
     CPDFDictionary application = document.CreateDictionary();
     CPDFDictionary private_data = document.CreateDictionary();
     private_data.AddString(GetVersionKey(), GetVersionText());
-    // A plain text of the time, which readers of this entry show as it stands.
+    // A plain text of the time, which readers of this entry show unchanged.
     application.AddString("LastModified", QDateTime::currentDateTime().toString(Qt::TextDate));
     application.AddReference("Private", private_data);
     piece_info.AddReference(GetPieceInfoKey(), application);

@@ -36,7 +36,7 @@ public:
     /// Where the result is written, for the caller to move to the destination; empty for the
     /// destination itself.
     void SetWorkPath(const QString& path) { work_path_ = path; }
-    /// Whether the page loses its own content; it does unless told otherwise.
+    /// Whether the page loses its own content; it does unless set otherwise.
     void SetClearContents(bool clear) { clear_contents_ = clear; }
     /// The page that is georeferenced, counted from 0; the first one unless set otherwise.
     void SetPageIndex(int index) { page_index_ = index; }
@@ -74,7 +74,7 @@ protected:
     virtual void WriteViewports(CPDFDocument& document, CPDFArray& vp) = 0;
     /// The name of the linear unit, such as "METERS".
     virtual QString GetUnitName() = 0;
-    /// Fills two empty lists. A point of `lpts` lies in the unit square of the
+    /// Fills two empty lists. A point of `lpts` is in the unit square of the
     /// viewport: its vertical position in x, its horizontal one in y. A point of
     /// `gpts` has longitude in x and latitude in y, in degrees.
     virtual void GetTiePoints(Points& lpts, Points& gpts) = 0;

@@ -27,7 +27,7 @@ struct MAPANCHOR_EXPORT BGeoPDFMap {
 };
 
 /// The first page of a PDF as the reading of geospatial PDF sees it: what maps are on
-/// it, which is read, and what stands in the way. Nothing here is needed for a read.
+/// it, which is read, and what prevents it. Nothing here is needed for a read.
 class MAPANCHOR_EXPORT BGeoPDFPage {
 public:
     /// How a page states its maps: viewports with measure dictionaries, or an "LGIDict".
@@ -42,13 +42,13 @@ public:
     BGeoPDFBox BleedBox;           ///< the same of its bleed box
     BGeoPDFBox TrimBox;            ///< the same of its trim box
     BGeoPDFBox ArtBox;             ///< the same of its art box
-    int Rotate = 0;                ///< degrees clockwise; a read lies in the page as it is unrotated
+    int Rotate = 0;                ///< degrees clockwise; a read refers to the unrotated page
     double UserUnit = 1.0;         ///< in 1/72 inch
     std::vector<BGeoPDFMap> Maps;  ///< in the order of the file
 
     /// What a read would be refused with, in the words of whoever refuses; usually empty.
     Tellurion::BString Fault;
-    /// A sentence on what was expected in its place and what stands there; may be empty.
+    /// A sentence on what was expected in its place and what is there; may be empty.
     Tellurion::BString Explanation;
 
     /// The box that the crop type of a read shows; not Present when there is none.
@@ -56,7 +56,7 @@ public:
     /// The same page with its boxes in points of 1/72 inch, whatever its UserUnit is.
     BGeoPDFPage InPoints() const;
 
-    /// Never throws for what the file holds: faults are told in the result.
+    /// Never throws for what the file holds: faults are part of the result.
     static BGeoPDFPage Describe(const Tellurion::BString& file);
 };
 

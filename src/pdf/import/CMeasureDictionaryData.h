@@ -7,7 +7,7 @@
 
 namespace VellumLib {
 
-/// One georeferenced area of a page, whichever dialect told it. A plain value:
+/// One georeferenced area of a page, whichever dialect it comes from. A plain value:
 /// nothing in it was checked when it was filled.
 class CMeasureDictionaryData {
 public:

@@ -109,7 +109,7 @@ void ThrowShortMatrix(std::size_t terms) {
 }
 
 void ThrowNoBoxes() {
-    // The text stands where others have their source.
+    // The text is in the place of the source.
     throw BException(BString("No crop boxes could be found on this PDF Page, Invalid PDF."),
                      BString("BREFGeoPDF::Read"));
 }

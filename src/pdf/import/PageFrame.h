@@ -9,7 +9,7 @@
 
 namespace MapAnchor {
 
-/// Where a pixel lies; rows count down from the top.
+/// The position of a pixel; rows count down from the top.
 struct PagePixel {
     std::int32_t column;
     std::int32_t row;
@@ -20,7 +20,7 @@ struct PagePixel {
 class PageFrame {
 public:
     /// Both boxes are left, bottom, right, top. `viewport` is the part of the page that
-    /// the control points are told in.
+    /// the control points are in.
     PageFrame(const std::vector<double>& viewport, const std::vector<double>& shown, long width, long height);
 
     /// False for a box without extent, or with corners that are no numbers.

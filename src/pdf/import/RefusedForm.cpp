@@ -13,7 +13,7 @@ namespace {
 
 using PoDoFo::PdfObject;
 
-/// The file's own dictionaries, references followed: what stands there, not what may.
+/// The file's own dictionaries, references followed: what is there, not what may be.
 class Look {
 public:
     explicit Look(const PdfObject* object) : object_(object) {}

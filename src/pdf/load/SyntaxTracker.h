@@ -13,7 +13,7 @@ namespace VellumLib {
 /// copying they cost, and the last words outside of any container. It builds nothing.
 class SyntaxTracker {
 public:
-    /// Begins anew, at a place where a token may start.
+    /// Starts again at a place where a token may start.
     void Restart();
     void Consume(unsigned char byte);
 

@@ -163,6 +163,8 @@ TEST(Ers, WritesTheWholeHeader) {
         const std::string code = std::string("EPSG:") + epsg;
         EXPECT_EQ(WithoutStamp(TempFolder::Slurp(file)), Expected("codes.ers", code, code));
     }
+    EXPECT_NE(Written(folder / "name.ers", reference, "a\nRasterInfo End").find("= \"a RasterInfo End\"\n"),
+              std::string::npos);
     // No transform: zeros.
     EXPECT_NE(Written(folder / "name.ers", BGeoReference()).find("Eastings\t= 0.000000000000\n"),
               std::string::npos);

@@ -125,7 +125,7 @@ TEST_F(Objects, DocumentsRefuseWhatTheyLack) {
     EXPECT_EQ(dated.GetModDate(), "D:20010203040506Z");
     EXPECT_TRUE(dated.GetCreationDate().isNull());
     EXPECT_EQ(FailureOf([&] { dated.GetCatalog().AddBool("", true); }).substr(0, 19), "ePdfError_InvalidKe");
-    // A missing object is told apart from other faults.
+    // A missing object differs from other faults.
     std::string rootless = RichPdf(200, 100);
     rootless.replace(rootless.find("/Root 1 0 R"), 11, "/Root 99 0 R");
     std::string text;

@@ -31,7 +31,7 @@ Row MakeRowsOfMaps(const std::string& name, const ReadOptions& options, const Ro
 Row MakeLostRow(const std::string& name, const FailureType& type, const std::string& detail,
                 const RowSettings& settings);
 
-/// What stands above the rows; empty for most formats.
+/// What precedes the rows; empty for most formats.
 std::string HeadingOf(RowFormat format);
 
 /// A row on its way between processes.

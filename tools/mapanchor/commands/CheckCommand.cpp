@@ -123,7 +123,7 @@ private:
     void CheckArea() {
         const auto footprint = FootprintOf(result_);
         if (!footprint)
-            Complain(RemarkId::kExtentUnknown, "where the raster lies cannot be told");
+            Complain(RemarkId::kExtentUnknown, "the position of the raster cannot be determined");
         else if (!Contains(*demands_.area, *footprint))
             Complain(RemarkId::kOutside,
                      "the raster is not wholly within the area: west " + PrintShortest(footprint->west) +

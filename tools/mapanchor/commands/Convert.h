@@ -28,6 +28,7 @@ struct ConvertOptions {
     bool backup = false;
     std::optional<bool> incremental;  ///< of a PDF; empty: where it is the better way
     int target_page = 1;              ///< of a PDF, counted from 1
+    bool no_sync = false;
     bool no_verify = false;
     std::optional<double> tolerance;  ///< in pixels
     bool require_exact = false;

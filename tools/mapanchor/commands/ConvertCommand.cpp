@@ -56,7 +56,7 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
     return plan;
 }
 
-/// True when nothing that the plan writes stands in the way.
+/// True when no file in the way of the plan prevents it.
 bool MayWrite(const ConvertOptions& options, const std::string& used_file, Outcome& outcome) {
     for (const std::string& file : outcome.plan.files) {
         if (IsSameFile(options.source, file) || IsSameFile(used_file, file)) {
@@ -100,6 +100,7 @@ MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
     saving.SetImageName(BString(options.image));
     saving.SetParams(options.read.params);
     saving.SetOverwrites(options.overwrite);
+    saving.SetSyncs(!options.no_sync);
     saving.SetVerifies(!options.no_verify);
     saving.SetRequiresExact(options.require_exact);
     if (options.tolerance) saving.SetTolerance(*options.tolerance, kAnyMetres);
@@ -330,6 +331,8 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
     convert->add_flag("--overwrite", options->overwrite,
                       "Replace existing files; georeference a raster or a PDF in place");
     convert->add_flag("--backup", options->backup, "Keep a copy, .bak, of each file that is overwritten");
+    convert->add_flag("--no-sync", options->no_sync,
+                      "Do not wait until the file is on the disk; a power failure may then spoil it");
     convert->add_flag("--no-verify", options->no_verify,
                       "Do not read the saved file back and compare it with the reference");
     convert->add_flag_callback(

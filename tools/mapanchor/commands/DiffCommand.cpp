@@ -183,7 +183,7 @@ void Judge(const DiffOptions& options, Comparison& comparison) {
     const auto most = comparison.MostPixels();
     if (!options.max_pixels || comparison.failure || (most && *most <= *options.max_pixels)) return;
     comparison.diagnostics.push_back({true,
-                                      (most ? "they lie " + PrintShortest(*most) : "nothing tells how many") +
+                                      (most ? "they are " + PrintShortest(*most) : "an unknown number of") +
                                           " pixels apart, more than " + PrintShortest(*options.max_pixels),
                                       RemarkId::kDistanceExceeded});
     comparison.status = ExitStatus::Error;

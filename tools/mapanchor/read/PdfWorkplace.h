@@ -33,7 +33,7 @@ public:
 
     /// `text` with the target's name in place of the workplace's.
     std::string InWordsOfTarget(std::string text) const;
-    /// True for words on what stands in the workplace alone.
+    /// True for words about what is in the workplace alone.
     bool IsAboutLeftovers(const std::string& text) const;
 
 private:

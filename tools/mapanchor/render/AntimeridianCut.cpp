@@ -76,7 +76,7 @@ void Shift(OGRGeometry& geometry, double shift, OGRMultiPolygon& parts) {
 /// False when the outline crosses itself, so that nothing can be cut.
 bool Cut(const OGRPolygon& area, const OGREnvelope& extent, Footprint& footprint) {
     const auto turn_of = [](double longitude) { return std::floor((longitude + kHalfTurn) / kTurn); };
-    const double most_east = std::min(extent.MaxX, extent.MinX + kTurn);  // nothing is told twice
+    const double most_east = std::min(extent.MaxX, extent.MinX + kTurn);  // nothing is drawn twice
     OGRMultiPolygon parts;
     // NOLINTNEXTLINE(clang-analyzer-security.FloatLoopCounter): whole numbers of any size
     for (double turn = turn_of(extent.MinX); turn <= turn_of(extent.MaxX); ++turn) {

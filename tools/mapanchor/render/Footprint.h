@@ -21,7 +21,7 @@ struct Footprint {
     double north = 0.0;
 };
 
-/// Empty where there is none; the remark "no-footprint" tells why.
+/// Empty where there is none; the remark "no-footprint" says why.
 std::optional<Footprint> FootprintOf(ReadResult& result);
 
 /// The area between two meridians, eastward from `west`, and two parallels; empty for

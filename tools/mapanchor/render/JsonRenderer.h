@@ -20,7 +20,7 @@ std::string JsonSchema();
 
 constexpr int kSchemaVersion = 2;
 
-/// The beginning of what tells of one input: its name in "description" and, for one that is
+/// The beginning of the object of one input: its name in "description" and, for one that is
 /// not UTF-8, its bytes in "descriptionBytes", so that names stay apart.
 Json JsonAbout(const std::string& name);
 /// The name, byte for byte, that an object begun by JsonAbout() has; empty for other objects.

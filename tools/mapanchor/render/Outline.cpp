@@ -17,7 +17,7 @@ Position Halfway(const Position& a, const Position& b) {
     return {(a.x + b.x) / 2, (a.y + b.y) / 2};
 }
 
-/// The place on the turn that lies nearest to `before`.
+/// The place on the turn that is nearest to `before`.
 Position Unwound(Position place, const Position& before) {
     place.x = before.x + std::remainder(place.x - before.x, kTurn);
     return place;

@@ -29,7 +29,7 @@ public:
 
     /// `text` as it is. Throws OutputLost when it does not reach stdout.
     void Print(std::string_view text) const;
-    /// A line of talk, unless told to be quiet.
+    /// A remark, unless the console is quiet.
     void Talk(std::string_view text) const;
     /// An error is said even then.
     void Complain(std::string_view text) const;

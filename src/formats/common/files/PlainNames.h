@@ -17,7 +17,7 @@ struct PlainNames {
 /// The system of those names; empty when nobody knows them.
 Tellurion::BSharedPtr<Tellurion::BCoordSys> LookUp(const PlainNames& names);
 
-/// The tolerant road of headers that state an affine and a system: stores what there
+/// Reads tolerantly, for headers that state an affine and a system: stores what there
 /// is of both, in this order. An exception on the way ends that; it is logged by
 /// `log_format`, which takes its text.
 void StoreWhatThereIs(Tellurion::BGeoReference& reference, const AffineTerms& terms, const PlainNames& names,

@@ -8,7 +8,7 @@ enum class OnFailure {
     Throw,  ///< the read or save ends in an exception
 };
 
-/// The host's flags of the typed road, bit by bit.
+/// The host's flags of the read or save by type, bit by bit.
 class Strictness {
 public:
     explicit Strictness(unsigned int flags) : flags_(flags) {}

@@ -33,10 +33,10 @@ struct CadrgFrame {
     enum class Fault {
         None,
         EndOfHeader,      ///< the header section leads outside the file
-        LocationSection,  ///< it lies outside the file
+        LocationSection,  ///< it is outside the file
         ComponentTable,   ///< it starts outside the file
         TableSize,        ///< the table is too large, or the file ends within it
-        NoCoverage,       ///< no record of the coverage, or it lies outside the file
+        NoCoverage,       ///< no record of the coverage, or it is outside the file
     };
 
     Fault fault = Fault::None;

@@ -19,7 +19,7 @@ std::string Field(Tellurion::RandomAccessFile& file, std::int64_t position, std:
     return std::string(bytes.substr(0, bytes.find('\0')));
 }
 
-/// A number as Fortran prints it: the exponent's letter stands at a fixed place.
+/// A number as Fortran prints it: the exponent's letter is at a fixed place.
 double FortranNumber(std::string text) {
     constexpr std::size_t kExponent = 20;
     if (text.size() > kExponent) text[kExponent] = 'e';

@@ -154,7 +154,7 @@ int UnitsOf(const GeoTiffTags& tags) {
     return unit == kFoot || unit == kSurveyFoot ? kFeet : kMetres;
 }
 
-/// A rotated image, or one whose rows go north, cannot be told in this header. It
+/// A rotated image, or one whose rows go north, cannot be described by this header. It
 /// stays without a position, and the next reader may tell it.
 void TakeAffine(const std::optional<AffineTerms>& corner, EcwHeader& header) {
     if (!corner || corner->b != 0.0 || corner->d != 0.0 || corner->e >= 0.0) return SetBoth(header, kRaw);

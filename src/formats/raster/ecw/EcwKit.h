@@ -1,6 +1,6 @@
 #pragma once
 
-// The ECW kit, or what stands in for it where a build has none.
+// The ECW SDK, or what replaces it where a build has none.
 #ifdef MAPANCHOR_WITH_ECW_SDK
 #include <NCSECWClient.h>
 #include <NCSErrors.h>

@@ -26,7 +26,7 @@ namespace {
 
 enum class Reach {
     Plain,     ///< the named file, and files of the same name beside it
-    Network,   ///< hosts that the file or the name tells
+    Network,   ///< hosts that the file or its name mentions
     Database,  ///< a database, or a file that is one, with queries of its own
     Names,     ///< files that the file names
     Nested,    ///< hands parts of the file to whatever driver knows them
@@ -278,6 +278,25 @@ bool IsInTable(std::string_view name) {
     return names.contains(name);
 }
 
+/// Drivers are seldom added, and there are two hundred to look at.
+void AddHostDrivers(GdalDrivers::Names& names) {
+    GDALDriverManager& manager = *GetGDALDriverManager();
+    const int count = manager.GetDriverCount();
+    const std::pair<int, GDALDriver*> state(count, count > 0 ? manager.GetDriver(count - 1) : nullptr);
+    static auto& known = *new std::pair<std::pair<int, GDALDriver*>, GdalDrivers::Names>;
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    if (known.first != state) {
+        known = {state, {}};
+        for (int i = 0; i < count; ++i) {
+            GDALDriver* const driver = manager.GetDriver(i);
+            if (driver && !IsInTable(driver->GetDescription()) && IsOfHost(*driver))
+                known.second.push_back(driver->GetDescription());
+        }
+    }
+    names.insert(names.end(), known.second.begin(), known.second.end());
+}
+
 }  // namespace
 
 const GdalDrivers::Names& GdalDrivers::Plain() {
@@ -310,12 +329,7 @@ GdalDrivers::Names GdalDrivers::Allowed() {
     for (const Scope* scope = innermost; scope; scope = scope->outer_)
         for (const std::string& name : scope->names_)
             names.push_back(name.c_str());
-    GDALDriverManager& manager = *GetGDALDriverManager();
-    for (int i = 0; i < manager.GetDriverCount(); ++i) {
-        GDALDriver* const driver = manager.GetDriver(i);
-        if (driver && !IsInTable(driver->GetDescription()) && IsOfHost(*driver))
-            names.push_back(driver->GetDescription());
-    }
+    AddHostDrivers(names);
     if (!names.empty()) names.push_back(nullptr);
     return names;
 }

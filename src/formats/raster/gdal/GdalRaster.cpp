@@ -25,7 +25,7 @@ using Tellurion::ELogSeverity;
 
 namespace {
 
-/// Registering anew costs a look into the folder of plug-ins, so it is done only when
+/// Registering again scans the folder of plug-ins, so it is done only when
 /// the host changed the list of drivers since.
 void RegisterDrivers() {
     static std::mutex mutex;

@@ -13,7 +13,7 @@
 
 namespace MapAnchor {
 
-/// What a raster says of its place, as GDAL tells it. Where the raster itself is
+/// The georeferencing of a raster, as GDAL reads it. Where the raster itself is
 /// silent, the auxiliary file beside it speaks.
 struct GdalReference {
     bool pixel_is_point = false;

@@ -47,7 +47,7 @@ constexpr FailureTexts kTexts = {
         "ERROR (%ls)",
     .points_line = "BRefGeoTIFF::Read Failure setting the BMathTransform ERROR (%ls)"};
 
-/// What the two roads make of a fault.
+/// How the reads by name and by type handle a fault.
 struct ReadPolicy {
     OnFailure file;       ///< points that differ in number, a pixel without size
     OnFailure transform;  ///< points or terms that make no transform

@@ -138,7 +138,7 @@ bool IsReplaced(const Tellurion::BParamList* params) {
     return params && params->GetInteger(kKey, 0) != 0;
 }
 
-/// On the road by name a refusal of the points is forgiven when the vertical unit is
+/// By name, a refusal of the points is forgiven when the vertical unit is
 /// taken, and only then is that unit written at all.
 enum class OnPointsRefused { Throw, TryVerticalUnit };
 
@@ -176,7 +176,7 @@ void RequireOpen(const GdalUpdate& update, const BString& file, const BString& f
     throw BFileAccessException(kSource, failure);
 }
 
-/// The coordinate system as the raster tells it now; null when it tells none.
+/// The coordinate system that the raster has now; null without one.
 std::unique_ptr<BCoordSys> CoordSysWritten(const BString& file, bool with_points) {
     BString text;
     {

@@ -70,7 +70,7 @@ GdalUpdate::GdalUpdate(const BString& file) {
     memory_fault_ = MemoryFaultOfOpening();
     if (!raster_ || !folder_) return;
     refusal_ = RefusalOf(*lock_, folder_->Raster());
-    layout_ = RasterState::Of(*raster_).layout;
+    layout_ = RasterState::LayoutOf(*raster_);
     has_cloud_layout_ = HasCloudLayout(*raster_);
     if (GDALDriver* driver = raster_->GetDriver()) driver_ = driver->GetDescription();
 }
@@ -89,7 +89,9 @@ std::string GdalUpdate::CheckStaged(const RasterState& wanted) {
         const GdalRaster staged = ReopenRaster(driver_.c_str(), BString(folder_->RasterName()));
         beside = staged ? FilesBeside(*staged) : std::vector<std::string>();
         if (!staged) return "the raster would not open again";
-        found = RasterState::Of(*staged);
+        // Only a file beside the raster can override its system.
+        found = RasterState::Of(*staged,
+                                {.system = !beside.empty(), .registration = wanted.registration == "Point"});
         return DifferenceOf(wanted, found);
     };
     std::string fault = difference();
@@ -105,7 +107,7 @@ std::string GdalUpdate::CheckStaged(const RasterState& wanted) {
 }
 
 std::string GdalUpdate::CloseStaged() {
-    RasterState wanted = RasterState::Of(*raster_);
+    RasterState wanted = RasterState::Of(*raster_, {});
     wanted.layout = layout_;
     quiet_.ForgetFailures();
     raster_.reset();

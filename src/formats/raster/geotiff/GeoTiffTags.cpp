@@ -166,7 +166,7 @@ std::optional<GeoTiffTags> ParseTiffTags(std::string_view tiff) {
         const std::size_t size = SizeOfType(reader.U16());
         const std::uint64_t length = std::uint64_t{reader.U32()} * size;
         ByteReader value(tiff, order);
-        // What fits into four bytes stands in their place.
+        // A value of up to four bytes is stored in place of its offset.
         value.Seek(length <= 4 ? reader.Position() : reader.U32());
         const std::string_view data = value.Bytes(length);
         if (value.Ok() && size != 0) tags.Set(tag, data, order);

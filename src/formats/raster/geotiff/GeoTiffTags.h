@@ -27,9 +27,9 @@ struct GeoTiffTags {
     /// number is not finite.
     std::optional<AffineTerms> CornerAffine() const;
 
-    /// The value of a key that stands in the directory itself.
+    /// The value of a key that is stored in the directory itself.
     std::optional<std::uint16_t> ShortKey(std::uint16_t key) const;
-    /// The text of a key that stands among the ASCII parameters.
+    /// The text of a key that is stored among the ASCII parameters.
     std::string_view TextKey(std::uint16_t key) const;
 
     /// EPSG codes as stored, 32767 (user-defined) included. A projected model without

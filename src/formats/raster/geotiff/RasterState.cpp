@@ -58,22 +58,30 @@ bool IsClose(const std::optional<std::array<double, 6>>& wanted,
 
 }  // namespace
 
-RasterState RasterState::Of(GDALDataset& raster) {
+RasterState::Layout RasterState::LayoutOf(GDALDataset& raster) {
+    Layout layout;
+    layout.width = raster.GetRasterXSize();
+    layout.height = raster.GetRasterYSize();
+    layout.band_count = raster.GetRasterCount();
+    for (int band = 1; band <= std::min(layout.band_count, kMaxBands); ++band)
+        layout.bands.push_back(StateOf(*raster.GetRasterBand(band)));
+    return layout;
+}
+
+RasterState RasterState::Of(GDALDataset& raster, Costly wanted) {
     RasterState state;
-    state.layout.width = raster.GetRasterXSize();
-    state.layout.height = raster.GetRasterYSize();
-    state.layout.band_count = raster.GetRasterCount();
-    for (int band = 1; band <= std::min(state.layout.band_count, kMaxBands); ++band)
-        state.layout.bands.push_back(StateOf(*raster.GetRasterBand(band)));
+    state.layout = LayoutOf(raster);
     state.point_count = raster.GetGCPCount();
     std::array<double, 6> transform{};
     if (state.point_count == 0 && raster.GetGeoTransform(transform.data()) == CE_None)
         state.transform = transform;
-    if (const OGRSpatialReference* const system =
-            state.point_count > 0 ? raster.GetGCPSpatialRef() : raster.GetSpatialRef())
-        state.system = *system;
-    if (const char* const registration = raster.GetMetadataItem("AREA_OR_POINT", ""))
-        state.registration = registration;
+    const OGRSpatialReference* const system = !wanted.system          ? nullptr
+                                              : state.point_count > 0 ? raster.GetGCPSpatialRef()
+                                                                      : raster.GetSpatialRef();
+    if (system) state.system = *system;
+    const char* const registration =
+        wanted.registration ? raster.GetMetadataItem("AREA_OR_POINT", "") : nullptr;
+    if (registration) state.registration = registration;
     return state;
 }
 

@@ -34,7 +34,13 @@ struct RasterState {
     OGRSpatialReference system;  ///< empty for none
     std::string registration;    ///< AREA_OR_POINT; empty where it is not stated
 
-    static RasterState Of(GDALDataset& raster);
+    /// What costs GDAL the building of a coordinate system, which is most of opening a raster.
+    struct Costly {
+        bool system = true;
+        bool registration = true;
+    };
+    static RasterState Of(GDALDataset& raster, Costly wanted);
+    static Layout LayoutOf(GDALDataset& raster);
 };
 
 /// Why `found`, which was read back, is not what `wanted` says; empty when it is. The

@@ -4,6 +4,7 @@
 
 #include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/FileBytes.h>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -50,10 +51,6 @@ int WriteAt(int descriptor, std::uint64_t offset, std::span<const char> bytes) {
     return 0;
 }
 
-int Sync(int descriptor) {
-    return ::fdatasync(descriptor) == 0 ? 0 : errno;
-}
-
 /// A write beyond the process's limit would end it by a signal.
 bool IsWithinSizeLimit(std::uint64_t length) {
     rlimit limit{};
@@ -91,7 +88,7 @@ int AppendTail(const StagedFile& raster, int descriptor) {
         const std::string bytes = raster.Bytes(at, kChunk);
         if (const int error = WriteAt(descriptor, at, bytes)) return error;
     }
-    return Sync(descriptor);
+    return Tellurion::FileBytes::SyncData(descriptor);
 }
 
 /// A tail that stays is harmless: nothing leads to it.
@@ -102,7 +99,8 @@ bool CutTail(const StagedFile& raster, int descriptor) {
 /// Puts the old pointer back and removes the tail. The disk may hold either pointer until
 /// the old one is synced; both lead to a whole directory as long as the tail stays.
 void Undo(const StagedFile& raster, const Append& append, int descriptor) {
-    if (WriteAt(descriptor, append.pointer_offset, append.old_pointer) == 0 && Sync(descriptor) == 0)
+    if (WriteAt(descriptor, append.pointer_offset, append.old_pointer) == 0 &&
+        Tellurion::FileBytes::SyncData(descriptor) == 0)
         CutTail(raster, descriptor);
 }
 
@@ -116,7 +114,7 @@ std::string CommitAppend(const StagedFile& raster, const Append& append, int des
         return Reason(error);
     }
     int error = WriteAt(descriptor, append.pointer_offset, append.new_pointer);
-    if (error == 0) error = Sync(descriptor);
+    if (error == 0) error = Tellurion::FileBytes::SyncData(descriptor);
     if (error == 0) return {};
     Undo(raster, append, descriptor);
     return Reason(error);

@@ -8,7 +8,7 @@
 
 namespace MapAnchor {
 
-/// One box of a file: a type of four characters, and where its content lies.
+/// One box of a file: a type of four characters, and the position of its content.
 struct Box {
     std::string type;
     std::uint64_t offset = 0;

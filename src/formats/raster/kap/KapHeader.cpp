@@ -109,7 +109,7 @@ void Parser::ParseSize(std::string_view line) {
     header.size_line = line_number_;
 }
 
-/// Wherever an equals sign stands, the two characters before it are a key.
+/// The two characters before an equals sign are a key.
 void Parser::ParseKeys(std::string_view line) {
     constexpr std::size_t kKeyLength = 2;
     for (std::size_t at = line.find('=', kPrefix); at != std::string_view::npos;

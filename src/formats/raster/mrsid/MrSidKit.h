@@ -1,6 +1,6 @@
 #pragma once
 
-// The MrSID kit, or what stands in for it where a build has none.
+// The MrSID SDK, or what replaces it where a build has none.
 #ifdef MAPANCHOR_WITH_MRSID_SDK
 #include <J2KImageReader.h>
 #include <MrSIDImageReader.h>

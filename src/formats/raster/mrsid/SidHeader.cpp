@@ -44,7 +44,7 @@ void NoteOrigins(const SidRecords& records, const std::optional<SidPosition>& st
         notes->AddOrigin("system", {}, place);
 }
 
-/// Behind the fixed head stands a table of offsets, and behind it the place of the
+/// The fixed head is followed by a table of offsets, and behind it the place of the
 /// metadata block, where there is one.
 SidRecords ReadSecondGeneration(const Tellurion::RandomAccessFile& file, std::string_view head) {
     constexpr std::uint32_t kMostLevels = 32;
@@ -84,7 +84,7 @@ std::optional<std::uint64_t> FindRecords(const Tellurion::RandomAccessFile& file
     return from + found;
 }
 
-/// How chunks are told apart is not known for sure, so the records are looked for by
+/// How chunks are separated is not known for certain, so the records are looked for by
 /// their beginning: near the start of the file, then near its end.
 std::optional<std::uint64_t> FindRecords(const Tellurion::RandomAccessFile& file) {
     auto found = FindRecords(file, 0, kFirstWindow);

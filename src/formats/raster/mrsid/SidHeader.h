@@ -9,7 +9,7 @@
 
 namespace MapAnchor {
 
-/// Where an image lies: the centre of its top left pixel, and what a step by a column
+/// The place of an image: the centre of its top left pixel, and what a step by a column
 /// and by a row adds. All zeros for an image without a position.
 struct SidPosition {
     double x = 0.0;

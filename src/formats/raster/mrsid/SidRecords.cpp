@@ -13,7 +13,7 @@ constexpr std::uint32_t kMostDimensions = 8;
 
 enum Type : std::uint32_t { kU16 = 2, kText = 5, kF64 = 7 };
 
-/// Bytes of one element of a type; 0 for a text, which tells its own length, and
+/// Bytes of one element of a type; 0 for a text, which states its own length, and
 /// empty for a type that is not known.
 std::optional<std::uint64_t> SizeOfType(std::uint32_t type) {
     switch (type) {

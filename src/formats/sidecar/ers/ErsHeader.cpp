@@ -1,5 +1,6 @@
 #include "sidecar/ers/ErsHeader.h"
 
+#include "common/files/QuotedName.h"
 #include "common/scanning/RowScanner.h"
 #include "common/scanning/TextLines.h"
 #include "sidecar/rsf/SplitTokens.h"
@@ -8,6 +9,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace MapAnchor {
 
@@ -104,6 +106,14 @@ std::string Quoted(const BString& text) {
     return '"' + text.StdStr() + "\"\n";
 }
 
+/// A line end in a name would make lines of the header of what follows it.
+std::string OnOneLine(const BString& name) {
+    const bool breaks =
+        name.GetUnits().find_first_of(std::u16string_view(u"\n\r\0", 3)) != std::u16string::npos;
+    return Quoted(breaks ? QuotedName(name, std::numeric_limits<std::size_t>::max(), "BRefERS::Write")
+                         : name);
+}
+
 std::string NameOrRaw(const BString& name) {
     return name.IsEmpty() ? "\"RAW\"\n" : Quoted(name);
 }
@@ -113,8 +123,8 @@ std::string Row(long row, long column) {
 }
 
 std::string DatasetPart(const ErsContent& c) {
-    return "DatasetHeader Begin\n\tVersion\t\t= \"6.0\"\n\tName\t\t= " + Quoted(c.name) +
-           "\tLastUpdated\t= " + c.time_stamp + "\tDataFile\t= " + Quoted(c.image_name) +
+    return "DatasetHeader Begin\n\tVersion\t\t= \"6.0\"\n\tName\t\t= " + OnOneLine(c.name) +
+           "\tLastUpdated\t= " + c.time_stamp + "\tDataFile\t= " + OnOneLine(c.image_name) +
            "\tDataSetType\t= Translated\n\tDataType\t= Raster\n\tByteOrder\t= LSBFirst\n"
            "\tCoordinateSpace Begin\n\t\tDatum\t\t= " +
            NameOrRaw(c.datum) + "\t\tProjection\t= " + NameOrRaw(c.projection) +

@@ -15,7 +15,7 @@
 
 namespace MapAnchor {
 
-/// An RSF file as it stands: a header, rows of control points, and from version 3 on a
+/// The content of an RSF file: a header, rows of control points, and from version 3 on a
 /// block that names the coordinate system. Reading stops at the first fault.
 struct RsfFile {
     enum class Fault {

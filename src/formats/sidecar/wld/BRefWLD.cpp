@@ -42,7 +42,7 @@ constexpr FailureTexts kReadTexts = {
     .source = kReadSource,
     .affine_terms_line = "BRefWLD::Read Failed creating Affine(%f %f %f %f %f %f) ERROR (%ls)"};
 
-/// Below this a term counts as zero on the tolerant road; the typed road takes
+/// Below this a term counts as zero when read tolerantly; the read by type accepts
 /// exact zeros alone.
 constexpr double kLooseZero = 1e-7;
 
@@ -78,7 +78,7 @@ BString PrjBeside(const BString& file) {
     return BFileUtilities::ChangeExtension(file, "prj");
 }
 
-/// Whatever is wrong with the prj file, the world file stands by itself.
+/// Whatever is wrong with the prj file, the world file is still read.
 void ReadPrjBeside(const BString& file, BGeoReference& reference) {
     try {
         const BString prj = PrjBeside(file);
