@@ -7,6 +7,7 @@
 #include "raster/geotiff/GeoTiffHeader.h"
 #include "raster/geotiff/KnownRasters.h"
 
+#include <Tellurion/ThreadLog.h>
 #include <cpl_error.h>
 
 #include <cstdio>
@@ -17,6 +18,16 @@ using namespace MapAnchor;
 using Tellurion::BString;
 
 namespace {
+
+/// A raster any bytes of which name a file by a path is refused by the read through GDAL.
+bool IsRefused(const BString& file) {
+    Tellurion::ThreadLog log;
+    const ReadNotes notes;
+    ReadRaster(file, RasterKinds::OfName);
+    for (const BString& line : log.Take())
+        if (line.StdStr().find("left out what it may not read") != std::string::npos) return true;
+    return false;
+}
 
 std::string Answer(const BString& file, bool from_headers) {
     std::optional<HeaderReads> headers;
@@ -46,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string wanted = Answer(file, false);
     for (int sight = 1; sight <= 2; ++sight) {
         const std::string found = Answer(file, true);
-        if (found == wanted) continue;
+        if (found == wanted || IsRefused(file)) continue;
         std::fprintf(stderr, "sight %d\nGDAL:   %s\nheader: %s\n", sight, wanted.c_str(), found.c_str());
         std::abort();
     }

@@ -2,7 +2,7 @@
 
 #include "common/files/ByteReader.h"
 
-#include <Tellurion/NamedFiles.h>
+#include <Tellurion/Ascii.h>
 #include <Tellurion/RandomAccessFile.h>
 
 #include <algorithm>
@@ -44,7 +44,6 @@ enum Tag : std::uint16_t {
 enum class Role {
     Unknown,  ///< the file is for GDAL
     Ignored,  ///< resolution, colours and the like
-    Text,     ///< ignored as well, but it must not name a file
     Key,      ///< part of the key
     Size,     ///< width and height
     Blocks,   ///< lists of strips or tiles, whose lengths must fit
@@ -90,18 +89,17 @@ Role RoleOf(std::uint16_t tag) {
         case 270:    // ImageDescription
         case 271:    // Make
         case 272:    // Model
+        case 280:    // MinSampleValue
+        case 281:    // MaxSampleValue
+        case 282:    // XResolution
+        case 283:    // YResolution
+        case 296:    // ResolutionUnit
         case 305:    // Software
         case 306:    // DateTime
         case 315:    // Artist
+        case 320:    // ColorMap
+        case 347:    // JPEGTables
         case 33432:  // Copyright
-            return Role::Text;
-        case 280:  // MinSampleValue
-        case 281:  // MaxSampleValue
-        case 282:  // XResolution
-        case 283:  // YResolution
-        case 296:  // ResolutionUnit
-        case 320:  // ColorMap
-        case 347:  // JPEGTables
             return Role::Ignored;
         default:
             return Role::Unknown;
@@ -139,7 +137,7 @@ public:
 
     std::optional<GeoTiffHeader> Parse() {
         if (!file_.IsOpen() || !ParseHead() || !ParseFirst() || !ParseOthers()) return std::nullopt;
-        if (!HasAllBlocks() || !HasPlainTransform()) return std::nullopt;
+        if (!HasAllBlocks() || !HasPlainTransform() || MayNameFile()) return std::nullopt;
         return std::move(header_);
     }
 
@@ -225,10 +223,11 @@ private:
 
     bool Use(const Entry& entry) {
         const Role role = RoleOf(entry.tag);
+        values_start_ = std::min(values_start_, entry.offset);
+        if (entry.Length() <= kMaxLength) values_end_ = std::max(values_end_, entry.offset + entry.Length());
         if (role == Role::Ignored) return true;
         if (role == Role::Blocks) return UseBlocks(entry);
         if (role == Role::Unknown || entry.Length() > kMaxLength) return false;
-        if (role == Role::Text) return Tellurion::FileNamedIn(Bytes(entry)).empty();
         if (role == Role::Transform) return UseTransform(entry);
         if (role == Role::Metadata) return UseMetadata(entry);
         return UseNumber(entry) && (role == Role::Size || UseKey(entry));
@@ -283,7 +282,6 @@ private:
         if (entry.tag == kRowsPerStrip) return true;
         const std::string bytes = Bytes(entry);
         Append(entry, bytes);
-        if (entry.tag == kGeoAsciiParams) return Tellurion::FileNamedIn(bytes).empty();
         return entry.tag != kGeoKeyDirectory || UseDirectory(entry, bytes);
     }
 
@@ -325,7 +323,6 @@ private:
     /// Statistics differ from raster to raster, and place none.
     bool UseMetadata(const Entry& entry) {
         std::string text = Bytes(entry);
-        if (!Tellurion::FileNamedIn(text).empty()) return false;
         constexpr std::string_view kStart = "<Item name=\"STATISTICS_";
         constexpr std::string_view kEnd = "</Item>";
         for (std::size_t at = text.find(kStart); at != std::string::npos; at = text.find(kStart, at)) {
@@ -352,6 +349,19 @@ private:
                 return false;
         }
         return true;
+    }
+
+    /// A raster whose header names a file by a path is refused elsewhere, see FileNamedIn(). Here
+    /// any word by which one could be named, or the reference of a character, is a doubt.
+    bool MayNameFile() {
+        constexpr std::uint64_t kMaxSpan = std::uint64_t{64} << 10;
+        if (values_end_ < values_start_ || values_end_ - values_start_ > kMaxSpan) return true;
+        const auto length = static_cast<std::size_t>(values_end_ - values_start_);
+        const std::string text = Tellurion::LowerAscii(file_.Window(values_start_, length));
+        constexpr std::string_view kWords[] = {"grids",   "init",       "file", "model",
+                                               "catalog", "parameters", "&"};
+        return std::any_of(std::begin(kWords), std::end(kWords),
+                           [&text](std::string_view word) { return text.find(word) != std::string::npos; });
     }
 
     bool HasAllBlocks() {
@@ -393,6 +403,7 @@ private:
     ByteOrder order_ = ByteOrder::Little;
     bool big_ = false;
     std::uint64_t next_ = 0;
+    std::uint64_t values_start_ = std::numeric_limits<std::uint64_t>::max(), values_end_ = 0;
     std::uint64_t width_ = 0, height_ = 0, subfile_type_ = 0, samples_ = 1, planes_ = 1;
     std::uint64_t rows_ = std::numeric_limits<std::uint32_t>::max();
     std::uint64_t tile_width_ = 0, tile_height_ = 0;
