@@ -1,9 +1,6 @@
 #pragma once
 
 #include <MapAnchor/BDiagnostic.h>
-#include <MapAnchor/BGeoPDFPage.h>
-#include <MapAnchor/BGeoPDFPages.h>
-#include <MapAnchor/BGeoPDFTraits.h>
 #include <Tellurion/BParamList.h>
 #include <Tellurion/BString.h>
 
@@ -12,6 +9,10 @@
 /// What the classes of the installed headers call, so that their symbols stay in libMapAnchor
 /// while PoDoFo and Qt are in a module.
 namespace MapAnchor {
+
+class BGeoPDFPage;
+class BGeoPDFPages;
+class BGeoPDFTraits;
 
 BGeoPDFPage DescribeFirstPage(const Tellurion::BString& file);
 BGeoPDFPages ListPages(const Tellurion::BString& file);

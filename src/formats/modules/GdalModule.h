@@ -20,9 +20,9 @@
 namespace MapAnchor {
 
 /// The functions of the module "gdal", which are declared in the headers of raster/gdal,
-/// raster/geotiff, raster/jp2 and of the sidecars in XML. Where modules are loaded at need, GdalForwarders.cpp
-/// defines each of them once more, for the library, as a call through this table; the module
-/// fills the table in GdalModule.cpp.
+/// raster/geotiff, raster/jp2 and of the sidecars in XML. Where modules are loaded at need,
+/// GdalForwarders.cpp defines each of them once more, for the library, as a call through this table; the
+/// module fills the table in GdalModule.cpp.
 struct GdalModule {
     using BString = Tellurion::BString;
 

@@ -11,6 +11,7 @@
 #include "objects/CPDFPage.h"
 #include "objects/CPDFString.h"
 
+#include <MapAnchor/BGeoPDFPage.h>
 #include <Tellurion/BCoordSys.h>
 
 #include <algorithm>

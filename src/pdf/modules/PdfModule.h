@@ -3,6 +3,10 @@
 #include "BRefGeoPDF.h"
 #include "PdfFunctions.h"
 
+#include <MapAnchor/BGeoPDFPage.h>
+#include <MapAnchor/BGeoPDFPages.h>
+#include <MapAnchor/BGeoPDFTraits.h>
+
 namespace MapAnchor {
 
 /// The functions of the module "pdf", which links PoDoFo and Qt: those of PdfFunctions.h and of

@@ -4,6 +4,7 @@
 #include "wide/MapChoice.h"
 #include "wide/WideDocument.h"
 
+#include <MapAnchor/BGeoPDFPages.h>
 #include <Tellurion/BCoordSys.h>
 #include <Tellurion/BException.h>
 

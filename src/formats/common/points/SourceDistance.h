@@ -1,7 +1,6 @@
 #pragma once
 
-#include "modules/Internal.h"
-
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BGeoReference.h>
 
 #include <vector>

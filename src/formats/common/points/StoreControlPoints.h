@@ -2,8 +2,8 @@
 
 #include "common/policy/FailureTexts.h"
 #include "common/policy/Strictness.h"
-#include "modules/Internal.h"
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BControlPoint.h>
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BPointPair.h>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/policy/DiagnosticParts.h"
-#include "modules/Internal.h"
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BControlPoint.h>
 #include <Tellurion/BString.h>
 

@@ -3,8 +3,8 @@
 #include "common/policy/FailureTexts.h"
 #include "common/policy/Strictness.h"
 #include "common/storing/Affine.h"
-#include "modules/Internal.h"
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BString.h>
 

@@ -1,4 +1,4 @@
-#include "render/GdalParts.h"
+#include "batch/GdalParts.h"
 
 #include <Tellurion/BLogger.h>
 #include <Tellurion/BUnsupportedFileTypeException.h>

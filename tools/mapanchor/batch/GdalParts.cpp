@@ -1,4 +1,4 @@
-#include "render/GdalParts.h"
+#include "batch/GdalParts.h"
 
 namespace Tool {
 namespace {
