@@ -97,6 +97,10 @@ struct Window {
     int height;
     int columns;
     int rows;
+
+    std::size_t IndexOf(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(x);
+    }
 };
 
 bool ReadSamples(GDALRasterBand& band, const Window& window, std::vector<float>& samples) {
@@ -171,7 +175,7 @@ private:
         int valid = 0;
         for (int y = 0; y < window.rows; ++y)
             for (int x = 0; x < across; ++x)
-                if (Add(static_cast<std::size_t>(y * window.columns + column * across + x), pixel)) ++valid;
+                if (Add(window.IndexOf(column * across + x, y), pixel)) ++valid;
         for (std::size_t k = 0; valid > 0 && k + 1 < kChannels; ++k)
             pixel[k] /= static_cast<float>(valid);
         pixel[kChannels - 1] = static_cast<float>(valid) / static_cast<float>(across * window.rows);
