@@ -91,6 +91,10 @@ void DefineEnumerations(py::module_& module) {
         .value("ERS", EReferenceType::ERS)
         .value("DOQQ", EReferenceType::DOQQ)
         .value("KAP", EReferenceType::KAP)
+        .value("POINTS", EReferenceType::Points)
+        .value("AUX", EReferenceType::AuxXml)
+        .value("VRT", EReferenceType::Vrt)
+        .value("KML", EReferenceType::Kml)
         .value("PDF", EReferenceType::GeoPDF);
     py::enum_<EMathTransformType>(module, "Fit")
         .value("AFFINE", EMathTransformType::Affine)

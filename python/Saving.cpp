@@ -21,10 +21,8 @@ using MapAnchor::BSavingOptions;
 namespace {
 
 std::optional<EReferenceType> TypeOf(const BString& file, std::optional<EReferenceType> type) {
-    const BString extension = BFileUtilities::GetExtension(file).ToLower();
     for (const MapAnchor::BReferenceFormat& format : MapAnchor::BReferenceFormats::List())
-        for (const BString& typed : format.GetTypedExtensions())
-            if (!type && typed == extension) return format.GetType();
+        if (!type && format.IsNamedByType(file)) return format.GetType();
     return type;
 }
 

@@ -2,14 +2,10 @@
 
 #include "ControlPointParsers.h"
 
-#include <Tellurion/RandomAccessFile.h>
 #include "common/scanning/Text.h"
 
-#include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
 #include <MapAnchor/BGeoReferenceWriteException.h>
 #include <MapAnchor/BMapAnchor.h>
-#include <Tellurion/BFileAccessException.h>
-#include <Tellurion/BFileNotFoundException.h>
 #include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BUnsupportedFileTypeException.h>
@@ -21,20 +17,6 @@ using namespace Tellurion;
 namespace {
 
 constexpr const char* kSource = "BControlPointFile::Read";
-constexpr std::size_t kMaxLength = std::size_t{64} << 20;
-
-std::string ContentOf(const BString& file) {
-    if (!BFileUtilities::Exists(file))
-        throw BFileNotFoundException(kSource, BString::Format("File <%ls> does NOT exist.", file));
-    const RandomAccessFile in(file);
-    if (!in.IsOpen())
-        throw BFileAccessException(kSource,
-                                   BString::Format("File <%ls> cannot be opened for reading.", file));
-    if (in.Size() > kMaxLength)
-        throw BFileAccessException(
-            kSource, BString::Format("File <%ls> is larger than 64 MiB, too large for points.", file));
-    return in.Window(0, static_cast<std::size_t>(in.Size()));
-}
 
 /// RSF begins with a version and a count, TAB with its mark; other kinds by their names.
 bool IsReference(const BString& file, std::string_view content) {
@@ -60,33 +42,34 @@ void Parse(std::string_view text, const BString& order, BControlPointFile& file)
     if (start.starts_with('<')) return ParseGcpList(text, file);
     if (!start.starts_with('#') && text.find("-gcp ") != std::string_view::npos)
         return ParseGcpOptions(text, file);
-    ParsePointTable(text, order.StdStr(), file);
+    PointTable table = ParsePointTable(text, order.StdStr());
+    using EFormat = BControlPointFile::EFormat;
+    file.Format = table.IsQgis ? EFormat::Points : EFormat::Table;
+    file.OldHeader = table.OldHeader;
+    file.Points = std::move(table.Points);
+    file.CoordSys = table.CoordSys;
+    file.Warnings = std::move(table.Warnings);
 }
 
-BString PlaceOf(const PointFault& fault) {
-    if (fault.line == 0) return {};
-    return BString::Format(" in line %zu, column %zu", fault.line, fault.column);
+PointTable TableOf(const BControlPointFile& file) {
+    return {.Points = file.Points, .CoordSys = file.CoordSys, .OldHeader = file.OldHeader};
 }
 
 }  // namespace
 
 BControlPointFile BControlPointFile::Read(const BString& file, const BString& order) {
     BControlPointFile result;
-    const std::string content = ContentOf(file);
+    const std::string content = PointFileContent(file, kSource);
     if (IsReference(file, content)) {
         ReadReference(file, result);
     } else {
         try {
             Parse(content, order, result);
         } catch (const PointFault& fault) {
-            throw BGeoReferenceInvalidReferenceFileException(
-                kSource, BString::Format("File <%ls> cannot be read as control points%ls: %s.", file,
-                                         PlaceOf(fault), fault.text));
+            ThrowPointFault(file, fault, kSource);
         }
     }
-    if (result.Points.empty())
-        throw BGeoReferenceInvalidReferenceFileException(
-            kSource, BString::Format("File <%ls> has no control points.", file));
+    if (result.Points.empty()) ThrowNoPoints(file, kSource);
     return result;
 }
 
@@ -112,8 +95,8 @@ void BControlPointFile::Write(const BString& file) const {
             BString::Format(
                 "File <%ls> has no name for control points: .points, .csv, .tsv, .geojson or .gcps.", file));
     const bool tabs = BFileUtilities::GetExtension(file).ToLower() == BString(".tsv");
-    const std::string text = format == EFormat::Points    ? FormatQgisPoints(*this)
-                             : format == EFormat::Table   ? FormatPointTable(*this, tabs ? '\t' : ',')
+    const std::string text = format == EFormat::Points  ? FormatQgisPoints(TableOf(*this))
+                             : format == EFormat::Table ? FormatPointTable(TableOf(*this), tabs ? '\t' : ',')
                              : format == EFormat::GeoJson ? FormatPointJson(*this)
                                                           : FormatGcpOptions(*this);
     BFileReplacement out(file);

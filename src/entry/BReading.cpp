@@ -2,6 +2,7 @@
 
 #include "ReadingState.h"
 #include "ReadingSteps.h"
+#include "common/points/ExactPoints.h"
 
 #include <utility>
 
@@ -68,6 +69,10 @@ long BReading::GetWidth() const {
 
 long BReading::GetHeight() const {
     return state_->height;
+}
+
+std::vector<Tellurion::BControlPoint> BReading::GetControlPoints() const {
+    return ExactPoints::Join(state_->reference.PointPairVector, state_->exact_points);
 }
 
 const BGeoPDFPage* BReading::GetPdfPage() const {

@@ -3,6 +3,7 @@
 #include <MapAnchor/BDiagnostic.h>
 #include <MapAnchor/BReadingOptions.h>
 #include <MapAnchor/Export.h>
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BString.h>
 
@@ -54,6 +55,10 @@ public:
     bool HasReference() const;    ///< the outcome is Read
     /// Empty without one.
     const Tellurion::BGeoReference& GetReference() const;
+
+    /// The control points of the reference as the file states them, with the fractions of their
+    /// pixels where its kind has them; the reference itself holds whole pixels.
+    std::vector<Tellurion::BControlPoint> GetControlPoints() const;
 
     Tellurion::BString GetFile() const;      ///< as named by the caller
     Tellurion::BString GetUsedFile() const;  ///< the one that the reference was read from

@@ -28,6 +28,8 @@ public:
     std::vector<Tellurion::BString> GetSaveExtensions() const;  ///< the same for saving
     /// Name this kind to people, though only Read and Save by type take them, such as ".pdf".
     std::vector<Tellurion::BString> GetTypedExtensions() const;
+    /// The file's name ends with one of them, in any case of letters.
+    bool IsNamedByType(const Tellurion::BString& file) const;
     bool IsProbed() const;  ///< tried on files of unknown extension
     Tellurion::BString GetServedBy()
         const;                              ///< the reader, for kinds that another could serve; usually empty

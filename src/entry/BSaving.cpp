@@ -5,6 +5,7 @@
 #include "SavingLosses.h"
 #include "SavingPdf.h"
 #include "SavingProof.h"
+#include "common/points/ExactPoints.h"
 #include "common/policy/DiagnosticIds.h"
 #include "common/policy/DiagnosticParts.h"
 #include "common/policy/ReadNotes.h"
@@ -119,6 +120,7 @@ void SaveAndListen(const ReferenceFormat* kind, const BString& file, const BGeoR
     try {
         const ReadNotes notes;
         ThreadLog log;
+        const ExactPoints exact(options.GetControlPoints());
         std::optional<NewFilesOnly> new_files;
         if (!options.Overwrites() && !(kind && kind->in_place)) new_files.emplace();
         std::optional<WithoutSync> without_sync;
@@ -189,6 +191,12 @@ std::vector<BDiagnostic> BSaving::FindLosses(const BString& file, const BGeoRefe
                                              const BSavingOptions& options) {
     const ReferenceFormat* const kind = FindSavedKind(file, options);
     return kind ? FindSavingLosses(*kind, reference, options) : std::vector<BDiagnostic>();
+}
+
+double BSaving::FindRounding(const BString& file, const BGeoReference& reference,
+                             const BSavingOptions& options) {
+    const ReferenceFormat* const kind = FindSavedKind(file, options);
+    return kind ? FindRoundingOfPoints(*kind, reference, options) : 0.0;
 }
 
 BSavingProof BSaving::Verify(const BString& file, const BGeoReference& reference,

@@ -36,6 +36,12 @@ public:
                                                const Tellurion::BGeoReference& reference,
                                                const BSavingOptions& options = BSavingOptions());
 
+    /// What it costs that the kind of `file` saves control points with whole pixels: how far the
+    /// fit through them is from that of the reference, in pixels, at most, at the points and the
+    /// corners. 0 where nothing is rounded, not a number where it is not known.
+    static double FindRounding(const Tellurion::BString& file, const Tellurion::BGeoReference& reference,
+                               const BSavingOptions& options = BSavingOptions());
+
     /// Reads `file` back by its own reader and, where GDAL has a driver for its kind, by GDAL,
     /// and compares with `reference`. Nothing throws for the file's sake.
     static BSavingProof Verify(const Tellurion::BString& file, const Tellurion::BGeoReference& reference,

@@ -18,6 +18,7 @@ struct BSavingOptions::State {
     bool centre_anchored = false;
     BParamList params;
     bool overwrites = true;
+    std::vector<Tellurion::BControlPoint> control_points;
     bool syncs = true;
     bool verifies = true;
     double tolerance_pixels = 0.001;
@@ -108,6 +109,14 @@ void BSavingOptions::SetOverwrites(bool overwrites) {
 
 bool BSavingOptions::Overwrites() const {
     return state_->overwrites;
+}
+
+void BSavingOptions::SetControlPoints(const std::vector<Tellurion::BControlPoint>& points) {
+    Change().control_points = points;
+}
+
+const std::vector<Tellurion::BControlPoint>& BSavingOptions::GetControlPoints() const {
+    return state_->control_points;
 }
 
 void BSavingOptions::SetSyncs(bool syncs) {

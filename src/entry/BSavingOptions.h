@@ -1,11 +1,13 @@
 #pragma once
 
 #include <MapAnchor/Export.h>
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BParamList.h>
 #include <Tellurion/BString.h>
 #include <Tellurion/EReferenceType.h>
 
 #include <memory>
+#include <vector>
 
 namespace MapAnchor {
 
@@ -52,6 +54,12 @@ public:
     /// BGeoReferenceWriteException.
     void SetOverwrites(bool overwrites);
     bool Overwrites() const;  ///< see SetOverwrites()
+
+    /// The control points of the reference with the fractions of their pixels, as
+    /// BReading::GetControlPoints() has them; kinds that hold fractions save them. Points that do
+    /// not round to those of the reference count for nothing.
+    void SetControlPoints(const std::vector<Tellurion::BControlPoint>& points);
+    const std::vector<Tellurion::BControlPoint>& GetControlPoints() const;  ///< empty until set
 
     /// Waits until the file is on the disk. On until it is set to false: then a process that is
     /// killed still leaves the old file or the new one, but a power failure may leave neither.

@@ -62,6 +62,10 @@ void ReadByRow(const char* kind, const BReadingOptions& options, ReadingState& s
     const ReadCall call{
         state.used_file,       state.reference, options.GetWidth(),         options.GetHeight(),
         options.GetMathType(), kNoFlags,        &options.GetState().params, &used};
+    if (!state.kind->named_read) {
+        state.by_name = false;
+        return state.kind->typed_read(call);
+    }
     if (state.kind->named_read(call)) return;
     state.reference.MathTransform = {};
     if (std::string_view(kind) == "WLD") {
@@ -250,7 +254,8 @@ void MeasureSources(SourceList& sources, const ReadingState& gdal, long width, l
     double least = kSame;
     for (auto& source : sources) {
         const std::string_view kind = source->kind;
-        if (!source->HasPosition() || kind == "RSF" || kind == "ERS" || gdal.failure) continue;
+        if (!source->HasPosition() || kind == "RSF" || kind == "ERS" || kind == "POINTS" || gdal.failure)
+            continue;
         const PlacedRaster own{source->reading->reference, source->reading->IsCentreAnchored()};
         const double distance = DistanceBetween({gdal.reference}, own, width, height).pixels;
         const bool is_listed =
@@ -288,6 +293,7 @@ void ReadFromWinner(SourceList& sources, const BReadingOptions& options, const R
     state.used_file = read.used_file;
     state.files.assign(read.files.begin(), read.files.end());
     state.origins = read.origins;
+    state.exact_points = read.exact_points;
     if (name != "internal") TakeOrigins(gdal, "size", state);  // of the raster itself
     for (const BDiagnostic& remark : read.diagnostics)
         state.diagnostics.push_back(remark);

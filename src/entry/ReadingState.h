@@ -52,6 +52,7 @@ struct ReadingState {
     std::vector<BDiagnostic> diagnostics;
     bool explains = false;  ///< readers state where values are written
     std::vector<BReading::Origin> origins;
+    std::vector<Tellurion::BControlPoint> exact_points;  ///< see ReadNotes
 
     bool IsCentreAnchored() const { return centre_anchored.value_or(kind && kind->centre_anchored); }
     void Add(const DiagnosticParts& parts) { diagnostics.push_back(parts.Make()); }

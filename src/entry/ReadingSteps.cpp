@@ -53,13 +53,6 @@ const ReferenceFormat* FindRow(Matches matches) {
     return found == table.end() ? nullptr : &*found;
 }
 
-/// The kind that a name says, though only a read by type takes it.
-const ReferenceFormat* TypedKindOf(const BString& file) {
-    return FindRow([extension = LowerExtension(file)](const ReferenceFormat& row) {
-        return Holds(row.typed_extensions, extension);
-    });
-}
-
 bool IsEmpty(const BGeoReference& reference) {
     return !reference.HasCoordSys() && !reference.HasMathTransform() && reference.PointPairVector.empty();
 }
@@ -95,7 +88,7 @@ void ReadPdf(const BReadingOptions& options, ReadingState& state) {
 }
 
 void ReadTyped(const BReadingOptions& options, ReadingState& state) {
-    const ReferenceFormat* const typed = options.HasType() ? nullptr : TypedKindOf(state.file);
+    const ReferenceFormat* const typed = options.HasType() ? nullptr : FindFormatByTypedName(state.file);
     const EReferenceType type = typed ? typed->type : options.GetType();
     if (type == EReferenceType::GeoPDF) return ReadPdf(options, state);
     ReadByType(type, options, state);
@@ -251,7 +244,8 @@ void ReadRaster(const BReadingOptions& options, ReadingState& state, SourceList*
 }
 
 void Read(const BReadingOptions& options, ReadingState& state, SourceList* wanted) {
-    if (options.HasType() || TypedKindOf(state.file))
+    const ReferenceFormat* const typed = FindFormatByTypedName(state.file);
+    if (options.HasType() || (typed && typed->typed_read))
         return RunReader(state, [&] { ReadTyped(options, state); });
     if (IsSidecarName(state.file)) return ReadSidecar(options, state);
     ReadRaster(options, state, wanted);
@@ -331,6 +325,7 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     }
     for (const BString& file : notes.files)
         if (file != state.used_file) state.files.push_back(file);
+    if (!notes.exact_points.empty()) state.exact_points = notes.exact_points;
     for (const ReadNotes::Origin& origin : notes.origins)
         state.origins.push_back(
             {origin.value, origin.file.IsEmpty() ? state.used_file : origin.file, origin.place});

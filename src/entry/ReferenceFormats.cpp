@@ -11,10 +11,16 @@
 #include "raster/geotiff/BRefGeoTIFF.h"
 #include "raster/kap/BRefKAP.h"
 #include "raster/mrsid/BRefMrSID.h"
+#include "sidecar/auxxml/BRefAuxXml.h"
 #include "sidecar/ers/BRefERS.h"
+#include "sidecar/kml/BRefKml.h"
+#include "sidecar/points/BRefPoints.h"
 #include "sidecar/rsf/BRefRSF.h"
 #include "sidecar/tab/BRefTAB.h"
+#include "sidecar/vrt/BRefVrt.h"
 #include "sidecar/wld/BRefWLD.h"
+
+#include <Tellurion/BFileUtilities.h>
 
 #include <algorithm>
 
@@ -29,10 +35,11 @@ using Tellurion::EReferenceType;
 namespace {
 
 std::vector<ReferenceFormat> MakeTable() {
-    return {BRefRSF::Format(),   BRefWLD::Format(),         BRefGeoTIFF::Format(), BRefTAB::Format(),
-            BRefERS::Format(),   BRefDOQQ::Format(),        BRefKAP::Format(),     BRefMrSID::Format(),
-            BRefECW::Format(),   BRefECW::Jpeg2000Format(), BRefCADRG::Format(),   BRefADRG::Format(),
-            BRefGeoPDF::Format()};
+    return {BRefRSF::Format(),    BRefWLD::Format(),         BRefGeoTIFF::Format(), BRefTAB::Format(),
+            BRefERS::Format(),    BRefDOQQ::Format(),        BRefKAP::Format(),     BRefMrSID::Format(),
+            BRefECW::Format(),    BRefECW::Jpeg2000Format(), BRefCADRG::Format(),   BRefADRG::Format(),
+            BRefGeoPDF::Format(), BRefPoints::Format(),      BRefAuxXml::Format(),  BRefVrt::Format(),
+            BRefKml::Format()};
 }
 
 bool Holds(const std::vector<std::u16string_view>& extensions, std::u16string_view extension) {
@@ -58,9 +65,20 @@ bool IsKept(Keeps keeps, bool by_type) {
     return keeps == Keeps::Always || keeps == (by_type ? Keeps::ByType : Keeps::ByName);
 }
 
+/// The whole of a name is no ending: ".points" is a hidden file without one.
+bool IsTypedName(const ReferenceFormat& format, const BString& file) {
+    if (format.typed_extensions.empty()) return false;
+    const BString name = Tellurion::BFileUtilities::GetFileName(file).ToLower();
+    return std::any_of(format.typed_extensions.begin(), format.typed_extensions.end(),
+                       [&name](std::u16string_view ending) {
+                           return name.GetUnits().size() > ending.size() && name.GetUnits().ends_with(ending);
+                       });
+}
+
 /// Some rows only answer for others.
 bool IsServed(const ReferenceFormat& format) {
-    return (format.typed_read && !format.refuses_typed_read) || format.named_read || format.probe.rank > 0;
+    return (format.typed_read && !format.refuses_typed_read) || format.named_read || format.probe.rank > 0 ||
+           (format.typed_save && !format.refuses_save);
 }
 
 }  // namespace
@@ -91,6 +109,10 @@ bool IsPlainRasterExtension(std::u16string_view extension) {
 const ReferenceFormat* FindFormatByType(EReferenceType type) {
     if (type == EReferenceType::Reserved) return nullptr;
     return FindFormat([type](const auto& format) { return format.type == type; });
+}
+
+const ReferenceFormat* FindFormatByTypedName(const BString& file) {
+    return FindFormat([&file](const ReferenceFormat& format) { return IsTypedName(format, file); });
 }
 
 const ReferenceFormat* FindFormatToRead(std::u16string_view extension) {
@@ -151,6 +173,10 @@ std::vector<BString> BReferenceFormat::GetReadExtensions() const {
 
 std::vector<BString> BReferenceFormat::GetSaveExtensions() const {
     return row_->named_save ? Texts(row_->save_extensions) : std::vector<BString>();
+}
+
+bool BReferenceFormat::IsNamedByType(const BString& file) const {
+    return IsTypedName(*row_, file);
 }
 
 std::vector<BString> BReferenceFormat::GetTypedExtensions() const {

@@ -18,6 +18,8 @@ bool IsPlainRasterExtension(std::u16string_view extension);
 
 /// Null for a number that is no type, and for Reserved.
 const ReferenceFormat* FindFormatByType(Tellurion::EReferenceType type);
+/// The kind whose name that is to people, though only a read or a save by type takes it.
+const ReferenceFormat* FindFormatByTypedName(const Tellurion::BString& file);
 const ReferenceFormat* FindFormatToRead(std::u16string_view extension);
 /// Reads by name; the kind whose reader answered, null when none did.
 const ReferenceFormat* ReadByName(const ReferenceFormat& format, const ReadCall& call);

@@ -140,6 +140,12 @@ void LossFinder::FindInPointFields() {
     if (!kind_.point_heights && any([](const BPointPair& pair) { return pair.World.z != 0.0; }))
         Add(DiagnosticId::kLostPointHeights,
             "the heights of the control points are not saved: this kind of file has no place for them");
+    constexpr double kNoCost = 1e-6;
+    if (const double cost = FindRoundingOfPoints(kind_, reference_, options_); !(cost <= kNoCost))
+        Add(DiagnosticId::kLostPointFractions,
+            "the points are saved with whole pixels, which moves the fit through them by " +
+                (std::isnan(cost) ? std::string("an unknown amount")
+                                  : "up to " + PrintFixed(cost, 3) + " pixels"));
 }
 
 void LossFinder::FindInPoints() {

@@ -15,4 +15,8 @@ std::vector<BDiagnostic> FindSavingLosses(const ReferenceFormat& kind,
                                           const Tellurion::BGeoReference& reference,
                                           const BSavingOptions& options);
 
+/// See BSaving::FindRounding().
+double FindRoundingOfPoints(const ReferenceFormat& kind, const Tellurion::BGeoReference& reference,
+                            const BSavingOptions& options);
+
 }  // namespace MapAnchor

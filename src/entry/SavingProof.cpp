@@ -28,10 +28,6 @@ namespace {
 /// The digits of the distances in the sentence.
 constexpr int kDecimals = 3;
 
-bool Holds(const std::vector<std::u16string_view>& extensions, const BString& extension) {
-    return std::find(extensions.begin(), extensions.end(), extension.GetUnits()) != extensions.end();
-}
-
 PartsHeld PartsOf(const ReferenceFormat& kind, const BGeoReference& meant, const BSavingOptions& options) {
     const auto enabled = std::count_if(meant.PointPairVector.begin(), meant.PointPairVector.end(),
                                        [](const BPointPair& pair) { return pair.Enabled; });
@@ -109,6 +105,21 @@ void ReportStale(const BReading& reading, BSavingProof::Parts& proof) {
                     .Make());
 }
 
+/// What the comparison says of the save.
+void Conclude(const char* how, const BString& file, const BGeoReference& meant, const PartsHeld& held,
+              const SavedComparison& compared, const BSavingOptions& options, BSavingProof::Parts& proof) {
+    proof.pixels = compared.pixels;
+    proof.metres = compared.metres;
+    proof.is_same_system = compared.is_same_system;
+    proof.system_metres = compared.system_metres;
+    proof.is_exact = compared.differences.empty() && IsWithin(compared, options);
+    const std::string distance = DistanceText(compared);
+    const std::string system = SystemText(meant, held, compared);
+    proof.text = how + distance + (distance.empty() || system.empty() ? "" : "; ") + system;
+    if (distance.empty() && system.empty()) proof.text += "nothing to compare";
+    Report(file, "", compared, options, proof);
+}
+
 void ReadBack(const ReferenceFormat& kind, const BString& file, const BGeoReference& meant,
               const BSavingOptions& options, BSavingProof::Parts& proof) {
     const BReading reading = BReading::Of(file, ReadingOptionsOf(kind, meant, options));
@@ -125,16 +136,7 @@ void ReadBack(const ReferenceFormat& kind, const BString& file, const BGeoRefere
     const SavedComparison compared =
         CompareSaved(meant, {found, BControlPoint::From(found.PointPairVector), reading.IsCentreAnchored()},
                      held, options);
-    proof.pixels = compared.pixels;
-    proof.metres = compared.metres;
-    proof.is_same_system = compared.is_same_system;
-    proof.system_metres = compared.system_metres;
-    proof.is_exact = compared.differences.empty() && IsWithin(compared, options);
-    const std::string distance = DistanceText(compared);
-    const std::string system = SystemText(meant, held, compared);
-    proof.text = "read back: " + distance + (distance.empty() || system.empty() ? "" : "; ") + system;
-    if (distance.empty() && system.empty()) proof.text += "nothing to compare";
-    Report(file, "", compared, options, proof);
+    Conclude("read back: ", file, meant, held, compared, options, proof);
     if (kind.in_place) ReportStale(reading, proof);
     if (reading.GetUsedFile() != file && kind.in_place)
         proof.diagnostics.push_back(
@@ -204,6 +206,25 @@ void AskGdal(const ReferenceFormat& kind, const BString& file, const BGeoReferen
     Report(file, "in GDAL: ", compared, options, proof);
 }
 
+/// Of a kind that this library saves alone. The fit that was meant is through the points.
+void ReadBackByGdal(const ReferenceFormat& kind, const BString& file, const BGeoReference& meant,
+                    const BSavingOptions& options, BSavingProof::Parts& proof) {
+    std::string refusal;
+    const std::optional<SecondReading> gdal = ReadByGdalAlone(kind, file, refusal);
+    proof.is_read = gdal.has_value();
+    if (!gdal) {
+        proof.text = "not read back: GDAL does not read the file: " + refusal;
+        proof.diagnostics.push_back(
+            DiagnosticParts{.id = DiagnosticId::kSavedUnreadable, .text = BString(proof.text), .file = file}
+                .Make());
+        return;
+    }
+    const PartsHeld held = PartsOf(kind, meant, options);
+    const SavedComparison compared = CompareSaved(meant, {gdal->reference, gdal->points}, held, options);
+    Conclude("read back by GDAL alone: ", file, meant, held, compared, options, proof);
+    proof.is_confirmed = proof.is_exact;
+}
+
 /// A sidecar counts only where the raster beside it has no word of its own.
 void LookAtRaster(const ReferenceFormat& kind, const BString& file, const BGeoReference& meant,
                   const BSavingOptions& options, BSavingProof::Parts& proof) {
@@ -233,9 +254,7 @@ const ReferenceFormat* FindSavedKind(const BString& file, const BSavingOptions& 
     if (options.HasType()) return FindFormatByType(options.GetType());
     const BString extension = BFileUtilities::GetExtension(file).ToLower();
     if (const ReferenceFormat* const row = FindFormatToSave(extension.GetUnits())) return row;
-    for (const ReferenceFormat& row : ReferenceFormatTable())
-        if (Holds(row.typed_extensions, extension)) return &row;
-    return nullptr;
+    return FindFormatByTypedName(file);
 }
 
 bool KeepsPart(Keeps keeps, const BSavingOptions& options, const ReferenceFormat& kind) {
@@ -247,8 +266,12 @@ BSavingProof ProveSave(const ReferenceFormat& kind, const BString& file, const B
                        const BSavingOptions& options) {
     auto proof = std::make_shared<BSavingProof::Parts>();
     try {
-        ReadBack(kind, file, meant, options, *proof);
-        if (proof->is_read) {
+        const bool has_reader = kind.typed_read || kind.named_read;
+        if (has_reader)
+            ReadBack(kind, file, meant, options, *proof);
+        else
+            ReadBackByGdal(kind, file, meant, options, *proof);
+        if (has_reader && proof->is_read) {
             AskGdal(kind, file, meant, options, *proof);
             LookAtRaster(kind, file, meant, options, *proof);
         }

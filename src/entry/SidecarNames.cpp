@@ -36,6 +36,8 @@ std::vector<Ending> EndingsFor(const BString& raster) {
     for (const auto& [kind, text] :
          {std::pair("WLD", ".wld"), {"TAB", ".tab"}, {"ERS", ".ers"}, {"RSF", ".rsf"}, {"PRJ", ".prj"}})
         endings.push_back({kind, text});
+    endings.push_back({"POINTS", ".points", true});  // as QGIS names it
+    endings.push_back({"POINTS", ".points"});
     return endings;
 }
 
@@ -145,6 +147,8 @@ bool IsSidecarName(const BString& file) {
     const std::u16string extension = BFileUtilities::GetExtension(file).ToLower().GetUnits();
     const ReferenceFormat* const row = FindFormatToRead(extension);
     if (row && row->sidecar) return true;
+    const ReferenceFormat* const typed = FindFormatByTypedName(file);
+    if (typed && typed->sidecar) return true;
     const auto& of_world_files = FindFormatByType(Tellurion::EReferenceType::WLD)->save_extensions;
     return std::find(of_world_files.begin(), of_world_files.end(), extension) != of_world_files.end();
 }

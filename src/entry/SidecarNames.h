@@ -8,7 +8,7 @@ namespace MapAnchor {
 
 /// A file beside a raster that may state its place.
 struct SidecarName {
-    const char* kind;  ///< "aux.xml", "WLD", "TAB", "ERS", "RSF" or "PRJ"
+    const char* kind;  ///< "aux.xml", "WLD", "TAB", "ERS", "RSF", "PRJ" or "POINTS"
     Tellurion::BString file;
 };
 

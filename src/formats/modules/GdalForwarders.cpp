@@ -112,4 +112,26 @@ void AskGdalForJp2(const BString& path, bool overrules, Jp2Reference& out) {
     Gdal().ask_for_jp2(path, overrules, out);
 }
 
+std::optional<Thumbnail> MakeThumbnail(const BString& file, int max_width, int max_height,
+                                       std::string& why_not) {
+    try {
+        return Gdal().make_thumbnail(file, max_width, max_height, why_not);
+    } catch (const Tellurion::BUnsupportedFileTypeException& error) {
+        why_not = error.GetDetail().StdStr();
+        return std::nullopt;
+    }
+}
+
+std::string TextOfAuxXml(const BString& file, const BGeoReference& reference) {
+    return Gdal().text_of_aux_xml(file, reference);
+}
+
+std::string TextOfVrt(const BString& file, const BGeoReference& reference, const BString& imageName) {
+    return Gdal().text_of_vrt(file, reference, imageName);
+}
+
+bool ParseKml(const BString& file, GroundOverlay& overlay, std::string& fault) {
+    return Gdal().parse_kml(file, overlay, fault);
+}
+
 }  // namespace MapAnchor

@@ -31,6 +31,10 @@ constexpr GdalModule kFunctions = {
     .write_by_name = BRefGeoTIFF::Write,
     .write_by_type = BRefGeoTIFF::Write,
     .ask_for_jp2 = AskGdalForJp2,
+    .make_thumbnail = MakeThumbnail,
+    .text_of_aux_xml = TextOfAuxXml,
+    .text_of_vrt = TextOfVrt,
+    .parse_kml = ParseKml,
 };
 
 constexpr Tellurion::ModuleTable kTable = {MAPANCHOR_MODULE_VERSION, &kFunctions};

@@ -6,9 +6,13 @@
 #include "raster/gdal/GdalSettings.h"
 #include "raster/gdal/QuietErrors.h"
 #include "raster/gdal/SecondReading.h"
+#include "raster/gdal/Thumbnail.h"
 #include "raster/gdal/VirtualFiles.h"
 #include "raster/geotiff/BRefGeoTIFF.h"
 #include "raster/jp2/Jp2Reference.h"
+#include "sidecar/auxxml/AuxXmlText.h"
+#include "sidecar/kml/GroundOverlay.h"
+#include "sidecar/vrt/VrtText.h"
 
 #include <MapAnchor/Export.h>
 #include <Tellurion/OgrModule.h>
@@ -16,9 +20,9 @@
 namespace MapAnchor {
 
 /// The functions of the module "gdal", which are declared in the headers of raster/gdal,
-/// raster/geotiff and raster/jp2. Where modules are loaded at need, GdalForwarders.cpp
-/// defines each of them once more, for the library, as a call through this table; the module
-/// fills the table in GdalModule.cpp.
+/// raster/geotiff, raster/jp2 and of the sidecars in XML. Where modules are loaded at need,
+/// GdalForwarders.cpp defines each of them once more, for the library, as a call through this table; the
+/// module fills the table in GdalModule.cpp.
 struct GdalModule {
     using BString = Tellurion::BString;
 
@@ -43,6 +47,10 @@ struct GdalModule {
     void (*write_by_type)(const BString&, const unsigned int&, const Tellurion::BGeoReference&,
                           const Tellurion::BParamList*);
     void (*ask_for_jp2)(const BString&, bool, Jp2Reference&);
+    std::optional<Thumbnail> (*make_thumbnail)(const BString&, int, int, std::string&);
+    std::string (*text_of_aux_xml)(const BString&, const Tellurion::BGeoReference&);
+    std::string (*text_of_vrt)(const BString&, const Tellurion::BGeoReference&, const BString&);
+    bool (*parse_kml)(const BString&, GroundOverlay&, std::string&);
 };
 
 }  // namespace MapAnchor

@@ -15,6 +15,10 @@ enum class EReferenceType : int {
     DOQQ = 9,
     KAP = 10,
     GeoPDF = 11,
+    Points = 201,  ///< the table of control points of QGIS's georeferencer
+    AuxXml = 202,  ///< the auxiliary file of GDAL, ".aux.xml"
+    Vrt = 203,     ///< a virtual raster of GDAL that places another raster; saved alone
+    Kml = 204,     ///< a ground overlay of KML
 };
 
 }  // namespace Tellurion

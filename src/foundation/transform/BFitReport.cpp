@@ -1,6 +1,7 @@
 #include <Tellurion/BFitReport.h>
 
 #include "FitSpace.h"
+#include "FitSuspects.h"
 #include "LeftOut.h"
 #include "PointSpread.h"
 #include "Suspects.h"
@@ -68,22 +69,10 @@ void ForEachUsed(const std::vector<BControlPoint>& points, std::vector<BFitResid
         if (points[i].Enabled) visit(points[i], residuals[i], used++);
 }
 
-/// The slopes by the fit's terms and the residuals, both in pixels.
-void FindLinearSuspects(const ControlPoints& used, const FitRule& rule,
-                        const std::vector<BControlPoint>& points, BFitReport& report) {
-    Eigen::MatrixXd slopes = TermSlopes(report.Transform, used, rule);
-    Positions residuals(used.Count(), 2);
-    bool complete = true;
-    ForEachUsed(points, report.Residuals, [&](const auto& point, auto& residual, Eigen::Index i) {
-        Eigen::Matrix2d to_world;
-        complete =
-            complete && residual.HasResidual && SlopesAt(report.Transform, point.Column, point.Row, to_world);
-        if (!complete) return;
-        slopes.middleRows<2>(2 * i) = to_world.inverse() * slopes.middleRows<2>(2 * i).eval();
-        residuals.row(i) << residual.DxPixels, residual.DyPixels;
-    });
-    if (!complete) return;
-    const std::vector<bool> suspects = FindSuspects(slopes, residuals);
+void FindLinearSuspects(const std::vector<BControlPoint>& points, unsigned int width, unsigned int height,
+                        BFitReport& report) {
+    const std::vector<bool> suspects = SuspectsOf(report.Transform, points, width, height);
+    if (suspects.empty()) return;
     ForEachUsed(points, report.Residuals, [&](const auto&, auto& residual, Eigen::Index i) {
         residual.Suspect = suspects[static_cast<std::size_t>(i)];
     });
@@ -197,7 +186,7 @@ BFitReport BFitReport::Make(EMathTransformType type, const std::vector<BControlP
     if (type == EMathTransformType::ThinPlateSpline)
         FindSuspectsOfSpline(used, points, width, height, report);
     else
-        FindLinearSuspects(used, rule, points, report);
+        FindLinearSuspects(points, width, height, report);
     SetMeans(points, report);
     SetSpread(points, {width, height}, report);
     return report;

@@ -80,9 +80,12 @@ std::set<std::string> KnownExtensions() {
 class FolderInputs {
 public:
     FolderInputs() {
-        for (const auto& format : MapAnchor::BReferenceFormats::List())
+        for (const auto& format : MapAnchor::BReferenceFormats::List()) {
             for (const BString& extension : format.GetReadExtensions())
                 (format.IsSidecar() ? sidecars_ : rasters_).insert(extension.StdStr());
+            for (const BString& extension : format.GetTypedExtensions())
+                if (format.IsSidecar()) sidecars_.insert(extension.StdStr());
+        }
     }
     /// A sidecar of a raster in the folder is no input of its own, and a picture is one only with
     /// a sidecar.
@@ -91,14 +94,20 @@ public:
         std::set<std::string> rasters;
         for (const std::string& file : files) {
             const std::string extension = ExtensionOf(file);
-            if (sidecars_.contains(extension)) placed.insert(StemOf(file));
+            if (!sidecars_.contains(extension)) continue;
+            placed.insert(StemOf(file));
+            placed.insert(StemOf(StemOf(file)));  // of a name such as map.png.points
+        }
+        for (const std::string& file : files) {
+            const std::string extension = ExtensionOf(file);
             if (rasters_.contains(extension)) rasters.insert(StemOf(file));
         }
         for (const std::string& file : files)
             if (IsPicture(file) && placed.contains(StemOf(file))) rasters.insert(StemOf(file));
         std::erase_if(files, [&](const std::string& file) {
             if (IsPicture(file)) return !rasters.contains(StemOf(file));
-            return sidecars_.contains(ExtensionOf(file)) && rasters.contains(StemOf(file));
+            return sidecars_.contains(ExtensionOf(file)) &&
+                   (rasters.contains(StemOf(file)) || rasters.contains(StemOf(StemOf(file))));
         });
     }
     static bool IsPicture(const std::string& file) {

@@ -8,6 +8,7 @@
 
 #include <MapAnchor/BReferenceFormats.h>
 #include <MapAnchor/BSaving.h>
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/EReferenceType.h>
 
 #include <optional>
@@ -30,7 +31,8 @@ struct ConvertOptions {
     int target_page = 1;              ///< of a PDF, counted from 1
     bool no_sync = false;
     bool no_verify = false;
-    std::optional<double> tolerance;  ///< in pixels
+    std::optional<double> tolerance;               ///< in pixels
+    std::vector<Tellurion::BControlPoint> points;  ///< of the reference, with fractions of pixels
     bool require_exact = false;
 };
 
@@ -72,6 +74,10 @@ void WarnOfLosses(const ConvertOptions& options, const Tellurion::BGeoReference&
 /// False, with a failure, for corners that would be made up.
 bool HasWhatItNeeds(const ConvertOptions& options, const Tellurion::BGeoReference& reference,
                     Outcome& outcome);
+
+/// The raster's name as the target has it: a path from its place in kinds that a program opens with
+/// the raster, the name alone in others.
+std::string ImageNameFor(const std::string& target, const std::string& raster);
 
 /// How the library is to save.
 MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options);

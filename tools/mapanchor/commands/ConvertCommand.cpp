@@ -47,7 +47,7 @@ Plan MakePlan(const ConvertOptions& options, const BGeoReference& reference) {
     };
     for (const BReferenceFormat& format : BReferenceFormats::List())
         if (options.to ? format.HasType() && format.GetType() == *options.to
-                       : holds(format.GetSaveExtensions()) || holds(format.GetTypedExtensions()))
+                       : holds(format.GetSaveExtensions()) || format.IsNamedByType(BString(options.target)))
             plan.format = format;
     plan.files.push_back(options.target);
     plan.writes_prj = !options.to && plan.Is(EReferenceType::WLD) && reference.HasCoordSys();
@@ -99,12 +99,24 @@ MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
     saving.SetSize(options.read.width.value_or(0), options.read.height.value_or(0));
     saving.SetImageName(BString(options.image));
     saving.SetParams(options.read.params);
+    saving.SetControlPoints(options.points);
     saving.SetOverwrites(options.overwrite);
     saving.SetSyncs(!options.no_sync);
     saving.SetVerifies(!options.no_verify);
     saving.SetRequiresExact(options.require_exact);
     if (options.tolerance) saving.SetTolerance(*options.tolerance, kAnyMetres);
     return saving;
+}
+
+std::string ImageNameFor(const std::string& target, const std::string& raster) {
+    namespace fs = std::filesystem;
+    const std::string name = BFileUtilities::GetFileName(BString(raster)).StdStr();
+    const BString extension = BFileUtilities::GetExtension(BString(target)).ToLower();
+    if (extension != BString(".vrt") && extension != BString(".kml")) return name;
+    std::error_code error;
+    const fs::path path =
+        fs::proximate(fs::absolute(raster, error), fs::absolute(target, error).parent_path(), error);
+    return error ? name : path.string();
 }
 
 bool FailWhenInexact(const ConvertOptions& options, Outcome& outcome) {
@@ -223,8 +235,9 @@ void CarryOut(const ConvertOptions& options, const BGeoReference& reference, Log
 Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log) {
     options.read.width = source.width;
     options.read.height = source.height;
+    options.points = std::move(source.points);
     if (options.image.empty() && !source.raster.empty())
-        options.image = BFileUtilities::GetFileName(BString(source.raster)).StdStr();
+        options.image = ImageNameFor(options.target, source.raster);
     Outcome outcome;
     outcome.status = source.Status();
     outcome.failure = source.failure;

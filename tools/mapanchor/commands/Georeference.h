@@ -23,6 +23,7 @@ struct GeoreferenceOptions {
     std::vector<double> bounds;
     std::optional<Tellurion::EMathTransformType> fit;  ///< empty for auto
     std::optional<double> max_rmse;
+    std::string report;  ///< the page to write; empty for none
 };
 
 /// A reference that was made, and what is known of it.

@@ -1,9 +1,12 @@
 #include "commands/Commands.h"
 #include "commands/Convert.h"
 #include "commands/Georeference.h"
+#include "commands/GeoreferenceReport.h"
 #include "read/Conversion.h"
 #include "read/ReferenceFacts.h"
+#include "read/RemarkIds.h"
 #include "read/Systems.h"
+#include "terminal/TargetFile.h"
 
 #include <MapAnchor/BControlPointFile.h>
 #include <MapAnchor/BGdalAccess.h>
@@ -32,6 +35,7 @@ constexpr const char* kGeoreferenceDescription =
     "  mapanchor georeference scan.tif --gcps scan.points\n"
     "  mapanchor georeference scan.jpg --gcps clicks.csv --crs EPSG:25832 -o scan.jgw\n"
     "  mapanchor georeference scan.tif --gcps scan.points --drop P7 -o scan.tab\n"
+    "  mapanchor georeference scan.tif --gcps scan.points --report scan.html\n"
     "  mapanchor georeference a.png --bounds 11,47,12,48 --crs EPSG:4326 -o a.pgw";
 
 std::vector<double> NumbersIn(std::string_view& text, std::size_t most) {
@@ -99,7 +103,7 @@ void ReadPoints(const GeoreferenceOptions& options, std::string& points_system, 
     const auto file = BControlPointFile::Read(BString(options.file), BString(options.order));
     made.points.insert(made.points.end(), file.Points.begin(), file.Points.end());
     for (const BString& warning : file.Warnings)
-        made.result.diagnostics.push_back({false, warning.StdStr()});
+        made.result.diagnostics.push_back({false, warning.StdStr(), RemarkId::kReadRemark});
     if (points_system.empty()) points_system = file.CoordSys.StdStr();
 }
 
@@ -153,6 +157,7 @@ void Fit(const GeoreferenceOptions& options, Georeferenced& made) {
     made.report = BFitReport::Make(type, made.points, width, height);
     made.result.reference.SetPointPairVectorAndMathTransform(BControlPoint::Round(made.points),
                                                              made.report->Transform);
+    made.result.points = made.points;
 }
 
 void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
@@ -164,9 +169,10 @@ void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
     if (!names.empty())
         remarks.push_back({false,
                            "these points stand out: " + names + "; --drop " + names + " leaves them out",
-                           "suspects"});
+                           RemarkId::kSuspects});
     if (report.NearLine)
-        remarks.push_back({false, "the points are near a line: the fit is weak across it", "near-line"});
+        remarks.push_back(
+            {false, "the points are near a line: the fit is weak across it", RemarkId::kNearLine});
     if (options.max_rmse && report.RmsePixels > *options.max_rmse)
         made.result.failure = MakeFailure(FailureTypes::kTransform,
                                           "The root mean square of the residuals is " +
@@ -174,39 +180,10 @@ void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
                                               PrintShortest(*options.max_rmse) + "; nothing was saved.");
 }
 
-/// What whole pixels cost: the largest distance of the fit through them, in pixels, at the corners
-/// and points.
-std::optional<double> CostOfRounding(const Georeferenced& made) {
-    const BMathTransform& exact = made.report->Transform;
-    double cost = 0.0;
-    try {
-        const BMathTransform rounded(exact.GetMathTransformType(), made.result.reference.PointPairVector,
-                                     static_cast<unsigned int>(made.result.width.value_or(0)),
-                                     static_cast<unsigned int>(made.result.height.value_or(0)), true);
-        std::vector<Position> places;
-        for (const BControlPoint& point : made.points)
-            places.push_back({point.Column, point.Row});
-        if (made.result.width)
-            for (const double x : {0.0, static_cast<double>(*made.result.width)})
-                for (const double y : {0.0, static_cast<double>(*made.result.height)})
-                    places.push_back({x, y});
-        for (const Position& place : places) {
-            Position there = place;
-            if (!exact.ConvertSourceToTarget(there.x, there.y) ||
-                !rounded.ConvertTargetToSource(there.x, there.y))
-                return std::nullopt;
-            cost = std::max(cost, std::hypot(there.x - place.x, there.y - place.y));
-        }
-    } catch (const BException&) {
-        return std::nullopt;
-    }
-    return cost;
-}
-
 void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& made) {
     ConvertOptions convert = options.convert;
     convert.source = options.file;
-    convert.image = BFileUtilities::GetFileName(BString(options.image)).StdStr();
+    convert.image = ImageNameFor(convert.target, options.image);
     Outcome outcome = SaveReading(convert, made.result, log);
     made.result.failure = outcome.failure;
     made.result.diagnostics = std::move(outcome.diagnostics);
@@ -214,15 +191,11 @@ void SaveTo(const GeoreferenceOptions& options, LogCollector& log, Georeferenced
     if (outcome.failure) return;
     made.written = outcome.plan.files;
     if (made.report && outcome.plan.format->HoldsPoints()) {
-        constexpr double kNoCost = 1e-6;
-        made.rounding = CostOfRounding(made);
-        if (!made.rounding || *made.rounding > kNoCost)
-            made.result.diagnostics.push_back(
-                {false,
-                 "the points are saved with whole pixels, which moves the fit through them by " +
-                     (made.rounding ? "up to " + PrintFixed(*made.rounding, 3) + " pixels"
-                                    : "an unknown amount"),
-                 "rounded"});
+        convert.points = made.points;
+        convert.read.width = made.result.width;
+        convert.read.height = made.result.height;
+        made.rounding = MapAnchor::BSaving::FindRounding(BString(convert.target), made.result.reference,
+                                                         SavingOptionsOf(convert));
     }
     if (!made.result.diagnostics.empty()) made.status = ExitStatus::Warnings;
 }
@@ -239,7 +212,8 @@ void Make(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& 
     if (system)
         made.result.reference.SetCoordSys(BSharedPtr<BCoordSys>(system.release()));
     else
-        made.result.diagnostics.push_back({false, "the coordinate system is not known: --crs TEXT names it"});
+        made.result.diagnostics.push_back(
+            {false, "the coordinate system is not known: --crs TEXT names it", RemarkId::kCrsMissing});
     if (!options.bounds.empty()) {
         SetBounds(options.bounds, made);
     } else {
@@ -252,10 +226,24 @@ void Make(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& 
     if (!made.result.failure && !options.convert.target.empty()) SaveTo(options, log, made);
 }
 
+/// The page is there for a fit that is refused, too.
+void WriteReport(const GeoreferenceOptions& options, Georeferenced& made) {
+    if (options.report.empty() || !made.report) return;
+    try {
+        WriteWholeFile(options.report, RenderReportPage(options, made), options.convert.overwrite);
+        made.written.push_back(options.report);
+    } catch (const std::runtime_error& error) {
+        if (!made.result.failure) made.result.failure = MakeFailure(FailureTypes::kWrite, error.what());
+        made.status = ExitStatus::Error;
+    }
+}
+
 ExitStatus Run(const GeoreferenceOptions& options) {
     const int ways = !options.bounds.empty() + (!options.file.empty() || !options.gcps.empty());
     if (ways != 1)
         throw CLI::ValidationError("georeference", "wants control points, by --gcps or --gcp, or --bounds");
+    if (!options.report.empty() && !options.bounds.empty())
+        throw CLI::ValidationError("--report", "shows residuals, which --bounds has not");
     const Console console = options.convert.common.MakeConsole();
     LogCollector log;
     Georeferenced made;
@@ -266,6 +254,7 @@ ExitStatus Run(const GeoreferenceOptions& options) {
                              BString("File <") + BString(options.image) +
                                  BString("> does NOT exist; --size WxH stands for it."));
         Make(options, log, made);
+        WriteReport(options, made);
     } catch (const BException&) {
         made.result.failure = CurrentFailure();
         made.status = ExitStatus::Error;
@@ -331,6 +320,7 @@ void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status) {
         ->type_name("PX");
     command->add_option("-o,--output", options->convert.target, "File to save; its extension names the kind")
         ->type_name("FILE");
+    command->add_option("--report", options->report, "Write the report as a web page")->type_name("FILE");
     command->add_flag("--overwrite", options->convert.overwrite,
                       "Replace existing files; georeference a raster or a PDF in place");
     command

@@ -85,6 +85,7 @@ ReadResult ResultOf(const BReading& reading, const std::string& name) {
     result.file = name;
     result.failure = FailureOf(reading);
     result.reference = reading.GetReference();
+    result.points = reading.GetControlPoints();
     result.road = reading.IsByName() ? Road::Name : Road::Type;
     result.kind = reading.GetKind().StdStr();
     result.used_file = reading.GetUsedFile().StdStr();

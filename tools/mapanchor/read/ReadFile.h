@@ -22,6 +22,7 @@ struct ReadResult {
     std::string file;
     std::optional<Failure> failure;  ///< empty when there is a reference
     Tellurion::BGeoReference reference;
+    std::vector<Tellurion::BControlPoint> points;  ///< those of the reference, with fractions of pixels
     Road road = Road::Name;
     std::string kind;       ///< short name of the kind that was read, such as "WLD"; empty when unknown
     std::string used_file;  ///< the file that was actually read

@@ -4,6 +4,7 @@
 #include "common/policy/Strictness.h"
 
 #include <MapAnchor/Internal.h>
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/EMathTransformType.h>
@@ -25,5 +26,11 @@ MAPANCHOR_INTERNAL bool StoreControlPoints(Tellurion::BGeoReference& reference,
                                            std::vector<Tellurion::BPointPair> pairs,
                                            Tellurion::EMathTransformType type, RasterExtent extent,
                                            OnFailure on_failure, const FailureTexts& texts);
+
+/// The same with points that may have fractions of pixels: the fit is through them, and the
+/// reference holds them rounded. Without a wish for a fit the points are stored alone.
+bool StoreExactPoints(Tellurion::BGeoReference& reference,
+                      const std::vector<Tellurion::BControlPoint>& points, Tellurion::EMathTransformType type,
+                      RasterExtent extent, OnFailure on_failure, const FailureTexts& texts);
 
 }  // namespace MapAnchor

@@ -64,6 +64,7 @@ inline constexpr const char* kLostDigits = "lost-digits";
 inline constexpr const char* kLostDisabledPoints = "lost-disabled-points";
 inline constexpr const char* kLostEpoch = "lost-epoch";
 inline constexpr const char* kLostFit = "lost-fit";
+inline constexpr const char* kLostPointFractions = "lost-point-fractions";
 inline constexpr const char* kLostPointHeights = "lost-point-heights";
 inline constexpr const char* kLostPointNames = "lost-point-names";
 inline constexpr const char* kLostPoints = "lost-points";

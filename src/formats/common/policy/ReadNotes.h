@@ -3,6 +3,7 @@
 #include "common/policy/DiagnosticParts.h"
 
 #include <MapAnchor/Internal.h>
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BString.h>
 
 #include <cstdint>
@@ -59,6 +60,8 @@ public:
     std::vector<Tellurion::BString> files;  ///< that took part beside the one that was named
     std::vector<BDiagnostic> diagnostics;
     std::vector<Origin> origins;
+    /// The control points as the file states them; empty where the reference holds all of them.
+    std::vector<Tellurion::BControlPoint> exact_points;
 
 private:
     ReadNotes* outer_;

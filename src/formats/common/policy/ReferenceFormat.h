@@ -67,7 +67,7 @@ struct ReferenceFormat {
     const char* (*missing)() = nullptr;   ///< the driver that this machine lacks; null for none
     std::vector<std::u16string_view> read_extensions = {};  ///< lower case, with the dot
     std::vector<std::u16string_view> save_extensions = {};
-    /// Name this kind to people, though only its functions by type take them.
+    /// Ends of names that mean this kind to people, though only its functions by type take them.
     std::vector<std::u16string_view> typed_extensions = {};
     ReferenceProbe probe = {};
 
@@ -79,6 +79,7 @@ struct ReferenceFormat {
     Keeps vertical_unit = Keeps::Nothing;
     bool rotation = false;
     bool points = false;                 ///< and with them a transform beyond affine
+    bool point_fractions = false;        ///< with the fractions of their pixels
     bool disabled_points = false;        ///< with the mark that they are disabled
     bool skips_disabled_points = false;  ///< they are left out; else written like the others
     bool point_names = false;

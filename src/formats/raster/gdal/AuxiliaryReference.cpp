@@ -1,34 +1,21 @@
 #include "raster/gdal/AuxiliaryReference.h"
 
 #include "common/policy/ReadNotes.h"
+#include "raster/gdal/XmlTree.h"
 
 #include <Tellurion/Numbers.h>
-#include <Tellurion/QuietGdal.h>
-#include <Tellurion/RandomAccessFile.h>
-
-#include <cpl_minixml.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 #include <string>
 #include <string_view>
 
 namespace MapAnchor {
 
 using Tellurion::BString;
-using Tellurion::RandomAccessFile;
 
 namespace {
-
-/// Larger files hold tables of attributes.
-constexpr std::size_t kMaxLength = std::size_t{16} << 20;
-
-struct TreeDeleter {
-    void operator()(CPLXMLNode* tree) const { CPLDestroyXMLNode(tree); }
-};
-using Tree = std::unique_ptr<CPLXMLNode, TreeDeleter>;
 
 /// GDAL's six numbers with commas between them.
 std::optional<AffineTerms> ParseTerms(std::string_view text) {
@@ -59,6 +46,9 @@ void ReadPoints(CPLXMLNode* list, const BString& file, GdalReference& out) {
         dropped.Count(column, row, WholePixel(column), WholePixel(row));
         out.points.emplace_back(WholePixel(column), WholePixel(row), NumberOf(node, "X"), NumberOf(node, "Y"),
                                 NumberOf(node, "Z"), CPLGetXMLValue(node, "Id", ""), true);
+        out.exact_points.push_back(Tellurion::BControlPoint::From(out.points.back()));
+        out.exact_points.back().Column = column;
+        out.exact_points.back().Row = row;
     }
     dropped.Report(file);
     out.point_count = static_cast<int>(out.points.size());
@@ -77,10 +67,7 @@ void NoteOrigins(const BString& file, const GdalReference& stated, bool system_o
 }  // namespace
 
 std::optional<GdalReference> ReadAuxiliaryReference(const BString& file) {
-    const Tellurion::QuietGdal quiet;
-    RandomAccessFile in(file);
-    if (!in.IsOpen() || in.Size() > kMaxLength) return std::nullopt;
-    const Tree tree(CPLParseXMLString(in.Window(0, kMaxLength).c_str()));
+    const XmlTree tree = ReadXml(file);
     CPLXMLNode* const dataset = tree ? CPLGetXMLNode(tree.get(), "=PAMDataset") : nullptr;
     if (!dataset) return std::nullopt;
     GdalReference out;

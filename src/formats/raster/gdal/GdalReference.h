@@ -3,6 +3,7 @@
 #include "common/storing/Affine.h"
 #include "raster/gdal/RasterKinds.h"
 
+#include <Tellurion/BControlPoint.h>
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/BPointPair.h>
 #include <Tellurion/BSharedPtr.h>
@@ -18,8 +19,9 @@ namespace MapAnchor {
 struct GdalReference {
     bool pixel_is_point = false;
 
-    int point_count = 0;                        ///< as stated; above 0 there are no terms
-    std::vector<Tellurion::BPointPair> points;  ///< as listed
+    int point_count = 0;                                 ///< as stated; above 0 there are no terms
+    std::vector<Tellurion::BPointPair> points;           ///< as listed
+    std::vector<Tellurion::BControlPoint> exact_points;  ///< of an auxiliary file, with fractions
 
     std::optional<AffineTerms> terms;
 

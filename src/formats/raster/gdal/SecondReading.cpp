@@ -3,6 +3,7 @@
 #include "raster/gdal/CoordEpoch.h"
 #include "raster/gdal/GdalRaster.h"
 #include "raster/gdal/VerticalUnit.h"
+#include "raster/gdal/XmlTree.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileUtilities.h>
@@ -148,6 +149,42 @@ std::optional<SecondReading> ReadErs(const BString& file) {
     return out;
 }
 
+/// The placement of a virtual raster, without its bands: what they name is not opened.
+std::optional<SecondReading> ReadVrt(const BString& file) {
+    const XmlTree tree = ReadXml(file);
+    CPLXMLNode* const dataset = tree ? CPLGetXMLNode(tree.get(), "=VRTDataset") : nullptr;
+    if (!dataset) return std::nullopt;
+    const XmlTree bare(CPLCreateXMLNode(nullptr, CXT_Element, "VRTDataset"));
+    for (const char* name : {"rasterXSize", "rasterYSize"})
+        CPLAddXMLAttributeAndValue(bare.get(), name, CPLGetXMLValue(dataset, name, "1"));
+    for (const char* name : {"SRS", "GeoTransform", "GCPList"}) {
+        CPLXMLNode* const child = CPLGetXMLNode(dataset, name);
+        if (!child || !CPLRemoveXMLChild(dataset, child)) continue;
+        CPLAddXMLChild(bare.get(), child);
+    }
+    // Without a band it is no raster.
+    CPLXMLNode* const band = CPLCreateXMLNode(bare.get(), CXT_Element, "VRTRasterBand");
+    CPLAddXMLAttributeAndValue(band, "dataType", "Byte");
+    CPLAddXMLAttributeAndValue(band, "band", "1");
+    return ReadByDriver("VRT", TextOfXml(bare.get()));
+}
+
+/// An auxiliary file beside a raster of one pixel in memory.
+std::optional<SecondReading> ReadAuxiliary(const BString& file) {
+    static std::atomic<unsigned> number{0};
+    const std::string folder = "/vsimem/mapanchor-" + std::to_string(number++) + "-aux/";
+    const std::string raster = folder + "a.tif";
+    std::string text = RandomAccessFile(file).Window(0, std::size_t{16} << 20);
+    if (GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("GTiff"))
+        const GdalRaster made(driver->Create(raster.c_str(), 1, 1, 1, GDT_Byte, nullptr));
+    VSIFCloseL(VSIFileFromMemBuffer((raster + ".aux.xml").c_str(), reinterpret_cast<GByte*>(text.data()),
+                                    text.size(), FALSE));
+    std::optional<SecondReading> out = ReadByDriver("GTiff", raster);
+    if (out) out->width = out->height = 0;
+    VSIRmdirRecursive(folder.c_str());
+    return out;
+}
+
 /// Larger pages would make GDAL's raster larger than it takes.
 std::optional<SecondReading> ReadPdf(const BString& file) {
     const char* const options[] = {"DPI=72", nullptr};
@@ -179,6 +216,8 @@ std::optional<SecondReading> ReadByGdalAlone(const ReferenceFormat& kind, const 
     if (name == "TAB") return Listen([&] { return ReadTab(file); }, refusal);
     if (name == "ERS" && HasGdalDriver("ERS")) return Listen([&] { return ReadErs(file); }, refusal);
     if (name == "PDF" && HasGdalDriver("PDF")) return Listen([&] { return ReadPdf(file); }, refusal);
+    if (name == "VRT" && HasGdalDriver("VRT")) return Listen([&] { return ReadVrt(file); }, refusal);
+    if (name == "AUX" && HasGdalDriver("GTiff")) return Listen([&] { return ReadAuxiliary(file); }, refusal);
     return std::nullopt;
 }
 

@@ -1,4 +1,4 @@
-#include "ControlPointParsers.h"
+#include "sidecar/points/PointTable.h"
 
 #include "common/scanning/Text.h"
 
@@ -176,7 +176,7 @@ BControlPoint PointOf(const Cells& cells, const Columns& columns, char separator
 }
 
 /// True for a line that is not a row; a system may be in it.
-bool IsComment(std::string_view line, BControlPointFile& file) {
+bool IsComment(std::string_view line, PointTable& file) {
     if (Trimmed(line).empty()) return true;
     if (!line.starts_with('#')) return false;
     line.remove_prefix(1);
@@ -186,7 +186,7 @@ bool IsComment(std::string_view line, BControlPointFile& file) {
     return true;
 }
 
-void WarnOf(const Columns& columns, BControlPointFile& file) {
+void WarnOf(const Columns& columns, PointTable& file) {
     if (columns.Has(PointField::Longitude) && file.CoordSys.IsEmpty()) {
         file.CoordSys = "EPSG:4326";
         file.Warnings.emplace_back("longitude and latitude are taken as those of WGS 84");
@@ -251,7 +251,9 @@ PointField PointFieldOf(std::string_view name) {
     return PointField::None;
 }
 
-void ParsePointTable(std::string_view text, std::string_view order, BControlPointFile& file) {
+PointTable ParsePointTable(std::string_view text, std::string_view order) {
+    PointTable file;
+    if (text.starts_with("\xef\xbb\xbf")) text.remove_prefix(3);
     std::optional<Columns> columns;
     if (!order.empty()) columns.emplace(Split(order, ','), 0);
     std::optional<char> separator;
@@ -281,8 +283,9 @@ void ParsePointTable(std::string_view text, std::string_view order, BControlPoin
         file.Points.push_back(PointOf(cells, *columns, *separator, number));
     }
     if (!columns) throw PointFault{0, 0, "the file has no control points"};
-    file.Format = columns->IsQgis() ? BControlPointFile::EFormat::Points : BControlPointFile::EFormat::Table;
+    file.IsQgis = columns->IsQgis();
     WarnOf(*columns, file);
+    return file;
 }
 
 }  // namespace MapAnchor
