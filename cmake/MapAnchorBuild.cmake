@@ -59,7 +59,10 @@ set(MAPANCHOR_SOVERSION 0)
 set(MAPANCHOR_MODULE_DEFINITIONS
     MAPANCHOR_SOVERSION="${MAPANCHOR_SOVERSION}" MAPANCHOR_MODULE_VERSION="${PROJECT_VERSION}")
 # A function that moved to a module without its counterpart here shows when it is linked.
-set(MAPANCHOR_ALL_DEFINED $<$<NOT:$<BOOL:${MAPANCHOR_SANITIZERS}>>:LINKER:--no-undefined>)
+set(MAPANCHOR_ALL_DEFINED)
+if(NOT MAPANCHOR_SANITIZERS)
+    set(MAPANCHOR_ALL_DEFINED LINKER:--no-undefined)
+endif()
 
 # What is loaded at run time and so linked by nobody: targets that run something depend on it.
 add_custom_target(mapanchor_modules)

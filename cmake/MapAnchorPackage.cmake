@@ -68,6 +68,13 @@ if(MAPANCHOR_MODULES)
 endif()
 set(CPACK_DEBIAN_GDAL_DESCRIPTION "${purpose} the module that reads rasters through GDAL.")
 set(CPACK_DEBIAN_PDF_DESCRIPTION "${purpose} the module for geospatial PDF.")
+# The modules are loaded by their names and linked by nobody, but are in the linker's folder.
+file(WRITE ${control}/gdal/shlibs "libmapanchor-gdal ${soversion} ${gdal_package} (${version})\n"
+    "libmapanchor-tool ${soversion} ${gdal_package} (${version})\n")
+file(WRITE ${control}/pdf/shlibs "libmapanchor-pdf ${soversion} ${pdf_package} (${version})\n"
+    "libmapanchor-widgets ${soversion} ${pdf_package} (${version})\n")
+set(CPACK_DEBIAN_GDAL_PACKAGE_CONTROL_EXTRA ${control}/gdal/shlibs ${control}/triggers)
+set(CPACK_DEBIAN_PDF_PACKAGE_CONTROL_EXTRA ${control}/pdf/shlibs ${control}/triggers)
 foreach(module GDAL PDF)
     set(CPACK_DEBIAN_${module}_PACKAGE_SECTION libs)
     set(CPACK_DEBIAN_${module}_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
