@@ -53,3 +53,38 @@ endfunction()
 function(mapanchor_stage_headers folder)
     mapanchor_link_headers(${MAPANCHOR_PRIVATE_STAGE} ${folder} ${ARGN})
 endfunction()
+
+# What a module and the library that loads it must agree in.
+set(MAPANCHOR_SOVERSION 0)
+set(MAPANCHOR_MODULE_DEFINITIONS
+    MAPANCHOR_SOVERSION="${MAPANCHOR_SOVERSION}" MAPANCHOR_MODULE_VERSION="${PROJECT_VERSION}")
+# A function that moved to a module without its counterpart here shows when it is linked.
+set(MAPANCHOR_ALL_DEFINED)
+if(NOT MAPANCHOR_SANITIZERS)
+    set(MAPANCHOR_ALL_DEFINED LINKER:--no-undefined)
+endif()
+
+# What is loaded at run time and so linked by nobody: targets that run something depend on it.
+add_custom_target(mapanchor_modules)
+
+# mapanchor_module(<name> SOURCES ... LINK ...): the file libmapanchor-<name>.so.0, which the
+# library loads at first use.
+function(mapanchor_module name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+    set(target mapanchor_${name}_module)
+    add_library(${target} SHARED ${arg_SOURCES})
+    set_target_properties(${target} PROPERTIES
+        OUTPUT_NAME mapanchor-${name} VERSION ${PROJECT_VERSION} SOVERSION ${MAPANCHOR_SOVERSION}
+        INSTALL_RPATH "$<$<NOT:$<BOOL:${MAPANCHOR_DEBIAN_PACKAGES}>>:$ORIGIN>")
+    add_dependencies(mapanchor_modules ${target})
+    target_compile_definitions(${target} PRIVATE ${MAPANCHOR_MODULE_DEFINITIONS})
+    target_link_options(${target} PRIVATE ${MAPANCHOR_ALL_DEFINED})
+    target_link_libraries(${target} PRIVATE ${arg_LINK} mapanchor_options)
+    set(component ${name})
+    if(name STREQUAL "tool")
+        set(component gdal)  # both need GDAL
+    elseif(name STREQUAL "widgets")
+        set(component pdf)
+    endif()
+    install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component} NAMELINK_SKIP)
+endfunction()

@@ -5,7 +5,7 @@ tool=$(realpath "$1")
 cd "$(dirname "$0")"
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-cp innsbruck.* sheet.* "$scratch"
+cp innsbruck.* sheet.* yosemite.png "$scratch"
 cd "$scratch"
 
 say() { printf '\n# %s\n' "$*"; }
@@ -26,6 +26,11 @@ show georeference sheet.png --gcps sheet.csv --crs EPSG:25832
 
 say 'Without it the fit is good, and is saved'
 show georeference sheet.png --gcps sheet.csv --crs EPSG:25832 --drop P7 -o sheet.pgw
+
+say 'A part of a scan of 1897 whose bounds are known, and a picture of where it is'
+show georeference yosemite.png --crs EPSG:3857 -o yosemite.pgw \
+    --bounds=-13315941.823503986,4539747.983913189,-13306157.883883484,4549531.923533691
+show preview yosemite.png -o yosemite.svg
 
 say 'A raster with two sources that disagree'
 "$tool" georeference -q sheet.png --gcps sheet.csv --crs EPSG:25832 -o sheet.tab >report.txt || [ $? = 3 ]

@@ -146,7 +146,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned chosen = flags >> kCommandShift;
     if (chosen == 0 || chosen == 1) Run("footprint", AddFootprintCommand, {file}, talk);
     if (chosen == 0 || chosen == 2)
-        Run("preview", AddPreviewCommand, {file, "-o", folder / "out.svg"}, options);
+        Run("preview", AddPreviewCommand, {file, "--no-thumbnail", "-o", folder / "out.svg"}, options);
     for (const auto& [number, kind] : kTargets)
         if (chosen == 0 || chosen == number)
             Run("convert", AddConvertCommand,

@@ -16,6 +16,16 @@ grep -hv "^#" packaging/lintian/*
 
 unpacked=$(mktemp -d)
 trap 'rm -rf "$unpacked"' EXIT
+core=$unpacked/core  # what needs neither GDAL nor PoDoFo nor Qt
+for package in build/package/{libmapanchor0,mapanchor}_*.deb; do dpkg-deb -x "$package" "$core"; done
+for package in build/package/{libmapanchor0,mapanchor}_*.deb; do
+    if dpkg-deb -f "$package" Depends | grep -iE 'gdal|podofo|qt'; then
+        echo "package: $package depends on what belongs to a module" >&2
+        exit 1
+    fi
+done
+core_libraries=$(dirname "$(find "$core" -name 'libMapAnchor.so.0')")
+LD_LIBRARY_PATH=$core_libraries "$core/usr/bin/mapanchor" info examples/innsbruck.tfw >/dev/null
 for package in build/package/*.deb; do dpkg-deb -x "$package" "$unpacked"; done
 library_dir=$(dirname "$(find "$unpacked" -name 'libMapAnchor.so')")
 LD_LIBRARY_PATH=$library_dir "$unpacked/usr/bin/mapanchor" info examples/innsbruck.tfw >/dev/null

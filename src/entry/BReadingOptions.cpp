@@ -186,6 +186,14 @@ bool BReadingOptions::IsPdfStrict() const {
     return state_->pdf_strict;
 }
 
+void BReadingOptions::SetReadsHeaders(bool reads) {
+    Change().reads_headers = reads;
+}
+
+bool BReadingOptions::ReadsHeaders() const {
+    return state_->reads_headers;
+}
+
 void BReadingOptions::SetExplains(bool explains) {
     Change().explains = explains;
 }

@@ -75,6 +75,12 @@ public:
     void SetPdfStrict(bool strict);
     bool IsPdfStrict() const;  ///< false until set
 
+    /// Whether a GeoTIFF without anything unusual may be read from its header alone, once GDAL
+    /// has read another one with the same geo keys; the answer is the same. On until it is
+    /// set to false.
+    void SetReadsHeaders(bool reads);
+    bool ReadsHeaders() const;  ///< see SetReadsHeaders()
+
     /// States where each value is written, see BReading::GetOrigins().
     void SetExplains(bool explains);
     bool Explains() const;  ///< false until set

@@ -21,6 +21,7 @@ struct ReadingOptionsState {
     bool pdf_shown = false;
     bool lists_pdf_pages = false;
     bool pdf_strict = false;
+    bool reads_headers = true;
     bool explains = false;
     Tellurion::BParamList params;
 };

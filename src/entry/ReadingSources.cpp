@@ -7,7 +7,7 @@
 #include "common/points/SourceDistance.h"
 #include "common/policy/DiagnosticIds.h"
 #include "raster/gdal/AuxiliaryReference.h"
-#include "raster/gdal/GdalReference.h"
+#include "raster/geotiff/KnownRasters.h"
 #include "raster/geotiff/StoreGdalReference.h"
 
 #include <MapAnchor/BReferenceFormats.h>
@@ -80,8 +80,7 @@ void ReadRasterAlone(const BReadingOptions& options, ReadingState& state) {
     const BString extension = BFileUtilities::GetExtension(state.used_file).ToLower();
     const ReferenceFormat* const row = FindFormatToRead(extension.GetUnits());
     if (!row || std::string_view(row->name) == "TIF")
-        return StoreGdal(ReadGdalReference(state.used_file, RasterKinds::All, Sidecars::Hidden), options,
-                         state);
+        return StoreGdal(ReadRaster(state.used_file, RasterKinds::All, Sidecars::Hidden), options, state);
     BString used;
     const BString kind =
         BReferenceFormats::Read(state.used_file, state.reference, used, options.GetWidth(),
@@ -246,7 +245,7 @@ SourceList ReadSources(const BString& raster, const std::vector<SidecarName>& be
 void ReadAsGdal(const BString& raster, const BReadingOptions& options, ReadingState& state) {
     state.file = state.used_file = raster;
     state.explains = options.Explains();
-    RunReader(state, [&] { StoreGdal(ReadGdalReference(raster, RasterKinds::All), options, state); });
+    RunReader(state, [&] { StoreGdal(ReadRaster(raster, RasterKinds::All), options, state); });
 }
 
 void MeasureSources(SourceList& sources, const ReadingState& gdal, long width, long height) {

@@ -9,6 +9,7 @@
 #include "common/policy/DiagnosticIds.h"
 #include "raster/gdal/GdalDrivers.h"
 #include "raster/gdal/VirtualFiles.h"
+#include "raster/geotiff/KnownRasters.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
@@ -341,8 +342,12 @@ void TakeNotes(const ReadNotes& notes, ThreadLog& log, ReadingState& state) {
     }
 }
 
-void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
+namespace {
+
+void ReadAll(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
     const GdalDrivers::Scope allowed(&options.GetState().params);
+    std::optional<HeaderReads> headers;
+    if (options.ReadsHeaders()) headers.emplace();
     state.width = options.GetWidth();
     state.height = options.GetHeight();
     state.explains = options.Explains();
@@ -364,6 +369,16 @@ void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList
             state.height = state.stated_height;
         }
         CheckReading(options, state);
+    }
+}
+
+}  // namespace
+
+void ReadInSteps(const BReadingOptions& options, ReadingState& state, SourceList* sources) {
+    try {
+        ReadAll(options, state, sources);
+    } catch (const BUnsupportedFileTypeException&) {  // a module is missing that reads names or sidecars
+        state.failure = ReadingFailure::Current();
     }
     state.outcome = OutcomeOf(state);
 }

@@ -1,17 +1,14 @@
 #include "SidecarNames.h"
 
 #include "ReferenceFormats.h"
+#include "common/files/FolderNames.h"
 #include "raster/gdal/VirtualFiles.h"
 
 #include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/Ascii.h>
 #include <Tellurion/BFileUtilities.h>
 
-#include <dirent.h>
-#include <sys/stat.h>
 #include <algorithm>
-#include <ctime>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,10 +49,6 @@ std::vector<Ending> RasterEndings() {
     return endings;
 }
 
-struct FolderCloser {
-    void operator()(DIR* folder) const noexcept { ::closedir(folder); }
-};
-
 /// The folder of a file, with the slash; and its stem and name there.
 struct Place {
     std::string folder;
@@ -68,42 +61,9 @@ struct Place {
     const std::string& Base(const Ending& ending) const { return ending.behind_name ? name : stem; }
 };
 
-/// A folder's names as they were at some time, in order.
-struct Listing {
-    std::string folder;
-    dev_t device = 0;
-    ino_t number = 0;
-    timespec changed{};
-    bool is_settled = false;  ///< old enough that a later change has another time
-    std::vector<std::string> names;
-
-    bool IsOf(const std::string& path, const struct stat& status) const {
-        return is_settled && folder == path && device == status.st_dev && number == status.st_ino &&
-               changed.tv_sec == status.st_mtim.tv_sec && changed.tv_nsec == status.st_mtim.tv_nsec;
-    }
-};
-
 constexpr int kMaxEntries = 8192;
 
-/// Empties the listing of a folder that is too long or cannot be read.
-bool Fill(Listing& listing, const std::string& path, const struct stat& status) {
-    constexpr time_t kSettled = 2;  // seconds, above the granularity of any file system
-    listing = {path, status.st_dev, status.st_ino, status.st_mtim, false, {}};
-    const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
-    if (!folder) return false;
-    while (const dirent* entry = ::readdir(folder.get())) {
-        if (listing.names.size() == kMaxEntries) {
-            listing.names.clear();
-            return false;
-        }
-        listing.names.emplace_back(entry->d_name);
-    }
-    std::sort(listing.names.begin(), listing.names.end());
-    listing.is_settled = ::time(nullptr) - status.st_mtim.tv_sec > kSettled;
-    return true;
-}
-
-/// The same of a folder that only GDAL's file layer can list.
+/// The names in a folder that only GDAL's file layer can list.
 std::vector<std::string> ListVirtual(const Place& place) {
     std::vector<std::string> names = VirtualFiles::List(place.folder, kMaxEntries);
     std::erase_if(
@@ -111,20 +71,15 @@ std::vector<std::string> ListVirtual(const Place& place) {
     return names;
 }
 
-/// The names in a folder that begin with a stem; empty for a folder that is too long to list.
-/// Rasters are read folder by folder, so each thread keeps the latest list.
+/// The other names in the folder that begin with the file's stem; empty for a folder that is
+/// too long to list.
 std::optional<std::vector<std::string>> List(const Place& place) {
     if (VirtualFiles::IsName(BString(place.folder + place.name))) return ListVirtual(place);
-    constexpr off_t kLongFolder = off_t{128} << 10;  // some thousand entries
-    thread_local Listing latest;
-    const std::string path = place.folder.empty() ? "." : place.folder;
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || status.st_size > kLongFolder) return std::nullopt;
-    if (!latest.IsOf(path, status) && !Fill(latest, path, status)) return std::nullopt;
-    std::vector<std::string> names;
-    for (auto name = std::lower_bound(latest.names.begin(), latest.names.end(), place.stem);
-         name != latest.names.end() && name->starts_with(place.stem); ++name)
-        if (*name != place.name) names.push_back(*name);
+    std::optional<std::vector<std::string>> names = NamesBeginningWith(place.stem, place.folder);
+    if (names)
+        std::erase_if(*names, [&](const std::string& name) {
+            return !name.starts_with(place.stem) || name == place.name;
+        });
     return names;
 }
 

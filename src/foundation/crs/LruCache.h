@@ -29,19 +29,9 @@ public:
         return Keep(text, make());
     }
 
-    std::size_t Size() const {
-        const std::lock_guard lock(mutex_);
-        return entries_.size();
-    }
-
-private:
     using View = std::basic_string_view<typename Text::value_type>;
 
-    struct Entry {
-        Text text;
-        Value value;
-    };
-
+    /// False when nothing is kept for the text.
     bool Find(View text, Value& value) {
         const std::lock_guard lock(mutex_);
         const auto found = index_.find(text);
@@ -51,6 +41,7 @@ private:
         return true;
     }
 
+    /// Keeps a value unless one is kept already, which is returned then.
     Value Keep(const Text& text, Value value) {
         std::list<Entry> dropped;  // destroyed after the lock is released
         const std::lock_guard lock(mutex_);
@@ -63,6 +54,17 @@ private:
         }
         return entries_.front().value;
     }
+
+    std::size_t Size() const {
+        const std::lock_guard lock(mutex_);
+        return entries_.size();
+    }
+
+private:
+    struct Entry {
+        Text text;
+        Value value;
+    };
 
     const std::size_t most_entries_;
     mutable std::mutex mutex_;

@@ -5,6 +5,7 @@
 #include <cpl_conv.h>
 #include <cpl_string.h>
 #include <ogr_spatialref.h>
+#include <ogr_srs_api.h>
 
 #include <memory>
 
@@ -40,6 +41,11 @@ std::string WktOfErMapperName(const std::string& name) {
     OGRSpatialReference system;
     const bool known = system.importFromDict("ecw_cs.wkt", name.c_str()) == OGRERR_NONE;
     return known ? ToWkt2(system) : std::string();
+}
+
+bool MakeProjContextOfGdal() {
+    static_cast<void>(OSRGetPROJEnableNetwork());
+    return true;
 }
 
 }  // namespace Tellurion

@@ -15,4 +15,7 @@ std::string WktOfArcInfo(const std::vector<std::string>& lines);
 /// folder may have; empty without one.
 std::string WktOfErMapperName(const std::string& name);
 
+/// Makes GDAL's own PROJ context of this thread; false where no GDAL is loaded.
+bool MakeProjContextOfGdal();
+
 }  // namespace Tellurion

@@ -1,6 +1,7 @@
 #include "crs/QuietProj.h"
 
-#include <ogr_srs_api.h>
+#include "crs/OgrTexts.h"
+
 #include <proj.h>
 
 #include <mutex>
@@ -25,10 +26,9 @@ Hush& TheHush() {
 void MakeContextOfGdal() {
     thread_local bool made = false;
     if (made) return;
-    made = true;
     const bool hushed = TheHush().count > 0;
     if (hushed) proj_log_level(nullptr, TheHush().before);
-    static_cast<void>(OSRGetPROJEnableNetwork());
+    made = MakeProjContextOfGdal();
     if (hushed) proj_log_level(nullptr, PJ_LOG_NONE);
 }
 

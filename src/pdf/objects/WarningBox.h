@@ -2,20 +2,15 @@
 
 #include <QString>
 
-#include <functional>
-
 class QWidget;
 
 namespace VellumLib {
 
-/// Shows a warning to the user: parent (may be null), title, text.
-using WarningBox = std::function<void(QWidget* parent, const QString& title, const QString& text)>;
-
-/// The default shows a message box where a QApplication runs, and writes to the log
-/// otherwise.
+/// Shows a warning to the user: parent (may be null), title, text. Where the host set no box of
+/// its own, a message box where a QApplication runs, and a log line otherwise.
 void ShowWarningBox(QWidget* parent, const QString& title, const QString& text);
 
-/// Installs another box and returns the one before; an empty one brings the default back.
-WarningBox SetWarningBox(WarningBox box);
+/// False where no QApplication runs, and where the module of Qt's widgets is not installed.
+bool ShowMessageBox(QWidget* parent, const QString& title, const QString& text);
 
 }  // namespace VellumLib

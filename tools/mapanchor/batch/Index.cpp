@@ -2,11 +2,13 @@
 
 #include "batch/Cell.h"
 #include "render/JsonRenderer.h"
+#include "terminal/TargetFile.h"
 
 #include <MapAnchor/BQuietGdal.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BString.h>
 
+#include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
@@ -94,9 +96,25 @@ void RemoveJournals(const std::string& file) {
         std::filesystem::remove(file + end, ignored);
 }
 
-}  // namespace
+class GdalIndex final : public Index {
+public:
+    GdalIndex(const std::string& file, bool overwrite);
+    void Add(const std::string& feature) override;
+    void Close() override;
 
-Index::Index(const std::string& file, bool overwrite) : file_(file), overwrite_(overwrite) {
+private:
+    void Commit();
+
+    std::string file_;
+    bool overwrite_;
+    std::unique_ptr<FolderBeside> folder_;
+    GDALDatasetUniquePtr dataset_;
+    OGRLayer* layer_ = nullptr;  ///< the dataset's
+    bool has_transactions_ = false;
+    int uncommitted_ = 0;
+};
+
+GdalIndex::GdalIndex(const std::string& file, bool overwrite) : file_(file), overwrite_(overwrite) {
     const BQuietGdal quiet;
     std::error_code ignored;
     const bool exists = std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
@@ -120,7 +138,7 @@ Index::Index(const std::string& file, bool overwrite) : file_(file), overwrite_(
         dataset_->TestCapability(ODsCTransactions) && dataset_->StartTransaction() == OGRERR_NONE;
 }
 
-void Index::Add(const std::string& feature) {
+void GdalIndex::Add(const std::string& feature) {
     const BQuietGdal quiet;
     const Json json = Json::parse(feature);
     const Json& properties = json["properties"];
@@ -141,7 +159,7 @@ void Index::Add(const std::string& feature) {
     if (++uncommitted_ >= kRowsAtOnce) Commit();
 }
 
-void Index::Commit() {
+void GdalIndex::Commit() {
     const BQuietGdal quiet;
     uncommitted_ = 0;
     if (!has_transactions_) return;
@@ -149,7 +167,7 @@ void Index::Commit() {
         Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
 }
 
-void Index::Close() {
+void GdalIndex::Close() {
     const BQuietGdal quiet;
     if (has_transactions_ && dataset_->CommitTransaction() != OGRERR_NONE)
         Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
@@ -158,6 +176,12 @@ void Index::Close() {
         Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
     if (overwrite_) RemoveJournals(file_);
     folder_->MoveOut(overwrite_);
+}
+
+}  // namespace
+
+std::unique_ptr<Index> MakeIndex(const std::string& file, bool overwrite) {
+    return std::make_unique<GdalIndex>(file, overwrite);
 }
 
 }  // namespace Tool

@@ -1,9 +1,5 @@
 #pragma once
 
-#include "terminal/TargetFile.h"
-
-#include <gdal_priv.h>
-
 #include <memory>
 #include <string>
 
@@ -15,23 +11,14 @@ namespace Tool {
 /// written, or would take the place of what is not an index.
 class Index {
 public:
-    Index(const std::string& file, bool overwrite);
+    virtual ~Index() = default;
 
     /// `feature` is GeoJSON text.
-    void Add(const std::string& feature);
+    virtual void Add(const std::string& feature) = 0;
     /// To be called at the end, puts the index in its place; a late failure, such as a full disk, shows here.
-    void Close();
-
-private:
-    void Commit();
-
-    std::string file_;
-    bool overwrite_;
-    std::unique_ptr<FolderBeside> folder_;
-    GDALDatasetUniquePtr dataset_;
-    OGRLayer* layer_ = nullptr;  ///< the dataset's
-    bool has_transactions_ = false;
-    int uncommitted_ = 0;
+    virtual void Close() = 0;
 };
+
+std::unique_ptr<Index> MakeIndex(const std::string& file, bool overwrite);
 
 }  // namespace Tool

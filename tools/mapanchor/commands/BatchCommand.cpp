@@ -170,7 +170,7 @@ Batch::Batch(const BatchOptions& options)
             },
             {options.seconds, options.megabytes * 1024 * 1024}, {out_.Descriptor()}),
       progress_(!options.common.quiet && (options.progress || isatty(STDERR_FILENO)), isatty(STDERR_FILENO)) {
-    if (!options.index.empty()) index_ = std::make_unique<Index>(options.index, options.overwrite);
+    if (!options.index.empty()) index_ = MakeIndex(options.index, options.overwrite);
 }
 
 NameSource::Settings Batch::SourceSettings() {

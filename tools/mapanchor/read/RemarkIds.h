@@ -13,6 +13,7 @@ inline constexpr const char* kExtentUnknown = "extent-unknown";
 inline constexpr const char* kNearLine = "near-line";
 inline constexpr const char* kNoFootprint = "no-footprint";
 inline constexpr const char* kNoPosition = "no-position";
+inline constexpr const char* kNoThumbnail = "no-thumbnail";
 inline constexpr const char* kOutside = "outside";
 inline constexpr const char* kReadRemark = "read-remark";
 inline constexpr const char* kRmseExceeded = "rmse-exceeded";

@@ -104,6 +104,20 @@ void SetBox(const OGREnvelope& extent, Footprint& footprint) {
     if (footprint.east > kHalfTurn) footprint.east = Rounded(footprint.east - kTurn);
 }
 
+OGRMultiPolygon ToGeometry(const Footprint& footprint) {
+    OGRMultiPolygon area;
+    for (const auto& ring : footprint.rings) {
+        OGRLinearRing line;
+        line.setNumPoints(static_cast<int>(ring.size()), FALSE);
+        for (std::size_t i = 0; i < ring.size(); ++i)
+            line.setPoint(static_cast<int>(i), ring[i].x, ring[i].y);
+        OGRPolygon polygon;
+        polygon.addRing(&line);
+        area.addGeometry(&polygon);
+    }
+    return area;
+}
+
 }  // namespace
 
 std::optional<Footprint> CutAtAntimeridian(const std::vector<Position>& line) {
@@ -121,6 +135,15 @@ std::optional<Footprint> CutAtAntimeridian(const std::vector<Position>& line) {
     else if (!Cut(area, extent, footprint))
         return std::nullopt;
     return footprint.rings.empty() ? std::nullopt : std::optional(std::move(footprint));
+}
+
+bool Contains(const Footprint& outer, const Footprint& inner) {
+    constexpr double kMillimetre = 1e-8;
+    const MapAnchor::BQuietGdal quiet;
+    const OGRMultiPolygon area = ToGeometry(outer);
+    const OGRMultiPolygon part = ToGeometry(inner);
+    const std::unique_ptr<OGRGeometry> wider(area.Buffer(kMillimetre));
+    return wider && wider->Contains(&part);
 }
 
 }  // namespace Tool

@@ -5,9 +5,7 @@
 #include "render/AntimeridianCut.h"
 #include "render/Outline.h"
 
-#include <MapAnchor/BQuietGdal.h>
-
-#include <ogr_geometry.h>
+#include <Tellurion/BUnsupportedFileTypeException.h>
 
 #include <algorithm>
 #include <cmath>
@@ -79,23 +77,15 @@ Footprint MakeFootprint(ReadResult& result) {
     constexpr std::size_t kLeastCorners = 4;
     if (line.size() < kLeastCorners) throw NoFootprint{"the outline has no positions on the Earth"};
     if (std::fabs(line.back().x - line.front().x) > kHalfTurn) CloseOverPole(result, *frame, line);
-    auto footprint = CutAtAntimeridian(line);
+    auto footprint = [&line] {
+        try {
+            return CutAtAntimeridian(line);
+        } catch (const Tellurion::BUnsupportedFileTypeException& missing) {
+            throw NoFootprint{missing.GetDetail().StdStr()};
+        }
+    }();
     if (!footprint) throw NoFootprint{"the outline crosses itself or has no area"};
     return *footprint;
-}
-
-OGRMultiPolygon ToGeometry(const Footprint& footprint) {
-    OGRMultiPolygon area;
-    for (const auto& ring : footprint.rings) {
-        OGRLinearRing line;
-        line.setNumPoints(static_cast<int>(ring.size()), FALSE);
-        for (std::size_t i = 0; i < ring.size(); ++i)
-            line.setPoint(static_cast<int>(i), ring[i].x, ring[i].y);
-        OGRPolygon polygon;
-        polygon.addRing(&line);
-        area.addGeometry(&polygon);
-    }
-    return area;
 }
 
 }  // namespace
@@ -116,15 +106,6 @@ std::optional<Footprint> FootprintOfBox(double west, double south, double east, 
         return std::nullopt;
     if (east <= west) east += kTurn;
     return CutAtAntimeridian({{west, south}, {east, south}, {east, north}, {west, north}, {west, south}});
-}
-
-bool Contains(const Footprint& outer, const Footprint& inner) {
-    constexpr double kMillimetre = 1e-8;
-    const MapAnchor::BQuietGdal quiet;
-    const OGRMultiPolygon area = ToGeometry(outer);
-    const OGRMultiPolygon part = ToGeometry(inner);
-    const std::unique_ptr<OGRGeometry> wider(area.Buffer(kMillimetre));
-    return wider && wider->Contains(&part);
 }
 
 }  // namespace Tool

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace Tool {
 
@@ -11,9 +13,11 @@ using MapAnchor::BGeoPDFPage;
 
 namespace {
 
+/// Boxes of the same place, under all their names.
 struct NamedBox {
-    const char* name;
-    const BGeoPDFBox* box;
+    std::string name;
+    BGeoPDFBox box;
+    const char* style;
 };
 
 bool HasArea(const BGeoPDFBox& box) {
@@ -31,34 +35,60 @@ void Extend(BGeoPDFBox& all, const BGeoPDFBox& box) {
     all.Present = true;
 }
 
+bool IsSame(const BGeoPDFBox& a, const BGeoPDFBox& b) {
+    constexpr double kNear = 0.5;  // points
+    const auto near = [](double x, double y) { return std::fabs(x - y) <= kNear; };
+    return near(a.Left, b.Left) && near(a.Right, b.Right) && near(a.Top, b.Top) && near(a.Bottom, b.Bottom);
+}
+
+void AddBox(std::vector<NamedBox>& boxes, const std::string& name, const BGeoPDFBox& box, const char* style) {
+    if (!HasArea(box)) return;
+    const auto same = std::ranges::find_if(boxes, [&](const NamedBox& other) {
+        return other.style != std::string("map") && IsSame(other.box, box);
+    });
+    if (same == boxes.end())
+        boxes.push_back({name, box, style});
+    else
+        same->name += ", " + name;
+}
+
+std::vector<NamedBox> BoxesOf(const BGeoPDFPage& page) {
+    std::vector<NamedBox> boxes;
+    AddBox(boxes, "media", page.MediaBox, "raster");
+    AddBox(boxes, "crop", page.CropBox, "box");
+    AddBox(boxes, "bleed", page.BleedBox, "box");
+    AddBox(boxes, "trim", page.TrimBox, "box");
+    AddBox(boxes, "art", page.ArtBox, "box");
+    for (const BGeoPDFMap& map : page.Maps)
+        if (HasArea(map.Box))
+            boxes.push_back(
+                {map.Name.IsEmpty() ? "map" : map.Name.StdStr(), map.Box, map.InUse ? "area" : "map"});
+    return boxes;
+}
+
 }  // namespace
 
 double DrawPage(Svg& svg, double top, const BGeoPDFPage& page) {
-    const NamedBox boxes[] = {{"media", &page.MediaBox},
-                              {"crop", &page.CropBox},
-                              {"bleed", &page.BleedBox},
-                              {"trim", &page.TrimBox},
-                              {"art", &page.ArtBox}};
+    const std::vector<NamedBox> boxes = BoxesOf(page);
     BGeoPDFBox all;
     for (const NamedBox& box : boxes)
-        Extend(all, *box.box);
-    for (const BGeoPDFMap& map : page.Maps)
-        Extend(all, map.Box);
+        Extend(all, box.box);
     if (!all.Present) return 0.0;
     const double scale = std::min(kViewWidth / (all.Right - all.Left), kViewHeight / (all.Top - all.Bottom));
-    const auto draw = [&](const BGeoPDFBox& box, const std::string& name, const char* style) {
-        if (!HasArea(box)) return;
-        const Position corner{kMargin + (std::min(box.Left, box.Right) - all.Left) * scale,
-                              top + (all.Top - std::max(box.Bottom, box.Top)) * scale};
-        svg.Rectangle(corner, std::fabs(box.Right - box.Left) * scale,
-                      std::fabs(box.Top - box.Bottom) * scale, style);
-        svg.Text({corner.x + 3, corner.y + kLine - 4}, name, "label");
-    };
-    for (const NamedBox& box : boxes)
-        draw(*box.box, box.name, box.box == &page.MediaBox ? "raster" : "box");
-    for (const BGeoPDFMap& map : page.Maps)
-        draw(map.Box, map.Name.IsEmpty() ? "map" : map.Name.StdStr(), map.InUse ? "area" : "map");
-    return (all.Top - all.Bottom) * scale + kLine;
+    svg.Text({kMargin, top + kLine - 4}, "The page, its boxes and its maps; the red one is in use.", "fact");
+    Labels labels(svg);
+    for (const NamedBox& box : boxes) {
+        const Position corner{kMargin + (std::min(box.box.Left, box.box.Right) - all.Left) * scale,
+                              top + kLine + (all.Top - std::max(box.box.Bottom, box.box.Top)) * scale};
+        const double width = std::fabs(box.box.Right - box.box.Left) * scale;
+        svg.Rectangle(corner, width, std::fabs(box.box.Top - box.box.Bottom) * scale, box.style);
+        constexpr double kMinLabel = 60.0;
+        constexpr int kTries = 12;
+        const std::string name = FittedText(box.name, std::max(width - 6, kMinLabel));
+        for (int i = 0; i < kTries; ++i)
+            if (labels.Add({corner.x + 3, corner.y + kLine - 4 + i * (kLine - 4)}, name, "label")) break;
+    }
+    return (all.Top - all.Bottom) * scale + 2 * kLine;
 }
 
 }  // namespace Tool

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BControlPoint.h>
 #include <Tellurion/BPointPair.h>
 
@@ -9,7 +10,7 @@ namespace MapAnchor {
 
 /// Control points with fractions of pixels beside a save. A reference holds whole pixels; while
 /// one of these lives, writers of this thread whose kinds hold fractions find them here.
-class ExactPoints {
+class MAPANCHOR_INTERNAL ExactPoints {
 public:
     explicit ExactPoints(const std::vector<Tellurion::BControlPoint>& points);  ///< keeps the reference
     ~ExactPoints();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BGeoReference.h>
 
 #include <vector>
@@ -18,7 +19,8 @@ struct SourceDistance {
     double pixels;
     double metres;
 };
-SourceDistance DistanceBetween(const PlacedRaster& from, const PlacedRaster& to, long width, long height);
+MAPANCHOR_INTERNAL SourceDistance DistanceBetween(const PlacedRaster& from, const PlacedRaster& to,
+                                                  long width, long height);
 
 /// The same at these places, which are counted from the outer corner of the top left pixel; z
 /// means nothing.

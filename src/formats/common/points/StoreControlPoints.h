@@ -3,6 +3,7 @@
 #include "common/policy/FailureTexts.h"
 #include "common/policy/Strictness.h"
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BControlPoint.h>
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BPointPair.h>
@@ -21,9 +22,10 @@ struct RasterExtent {
 /// Fits a transform of `type` through the points and stores both. Without a fit the
 /// points are stored alone, or a BGeoReferenceInvalidTransformException ends the read
 /// and the reference stays as it was. True when the transform was stored.
-bool StoreControlPoints(Tellurion::BGeoReference& reference, std::vector<Tellurion::BPointPair> pairs,
-                        Tellurion::EMathTransformType type, RasterExtent extent, OnFailure on_failure,
-                        const FailureTexts& texts);
+MAPANCHOR_INTERNAL bool StoreControlPoints(Tellurion::BGeoReference& reference,
+                                           std::vector<Tellurion::BPointPair> pairs,
+                                           Tellurion::EMathTransformType type, RasterExtent extent,
+                                           OnFailure on_failure, const FailureTexts& texts);
 
 /// The same with points that may have fractions of pixels: the fit is through them, and the
 /// reference holds them rounded. Without a wish for a fit the points are stored alone.

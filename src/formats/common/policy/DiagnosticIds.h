@@ -9,6 +9,7 @@ inline constexpr const char* kDegreesOutOfRange = "degrees-out-of-range";
 inline constexpr const char* kFrameCornersDiffer = "frame-corners-differ";
 inline constexpr const char* kGdalDriverNotAllowed = "gdal-driver-not-allowed";
 inline constexpr const char* kGuessedWorldFile = "guessed-world-file";
+inline constexpr const char* kModuleMissing = "module-missing";
 inline constexpr const char* kOtherMaps = "other-maps";
 inline constexpr const char* kPageRotated = "page-rotated";
 inline constexpr const char* kPdfBeyondRules = "pdf-beyond-rules";

@@ -2,6 +2,7 @@
 
 #include "common/policy/DiagnosticParts.h"
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BControlPoint.h>
 #include <Tellurion/BString.h>
 
@@ -16,7 +17,7 @@ namespace MapAnchor {
 /// fill the one that listens in their thread, and do without where none does:
 ///
 ///     if (ReadNotes* const notes = ReadNotes::Current()) notes->Add({.id = ...});
-class ReadNotes {
+class MAPANCHOR_INTERNAL ReadNotes {
 public:
     /// With `explains`, readers also state where each value is written.
     explicit ReadNotes(bool explains = false);
@@ -70,10 +71,10 @@ private:
 /// "line 3", or "lines 3 to 7"; empty for a line that was not met (0).
 std::string LinePlace(long first, long last = 0);
 /// "byte 198", counted from 0.
-std::string BytePlace(std::uint64_t offset);
+MAPANCHOR_INTERNAL std::string BytePlace(std::uint64_t offset);
 
 /// The largest distance in pixels between places as a source states them and as whole pixels.
-class DroppedFractions {
+class MAPANCHOR_INTERNAL DroppedFractions {
 public:
     void Count(double column, double row, long whole_column, long whole_row);
     /// Adds the diagnostic "points-rounded" where something was dropped.

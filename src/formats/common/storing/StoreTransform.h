@@ -4,6 +4,7 @@
 #include "common/policy/Strictness.h"
 #include "common/storing/Affine.h"
 
+#include <MapAnchor/Internal.h>
 #include <Tellurion/BGeoReference.h>
 #include <Tellurion/BString.h>
 
@@ -13,11 +14,12 @@ namespace MapAnchor {
 /// terms that make none leave the reference as it is, or end in a
 /// BGeoReferenceInvalidTransformException, whose text has the terms, or those of `shown`
 /// where a format shows them as they are in the file.
-bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& terms, OnFailure on_failure,
-                 const FailureTexts& texts, const AffineTerms* shown = nullptr);
+MAPANCHOR_INTERNAL bool StoreAffine(Tellurion::BGeoReference& reference, const AffineTerms& terms,
+                                    OnFailure on_failure, const FailureTexts& texts,
+                                    const AffineTerms* shown = nullptr);
 
 /// The log line of a format whose affine fails.
-Tellurion::BString AffineLogLine(const FailureTexts& texts, const AffineTerms& terms,
-                                 const Tellurion::BString& message);
+MAPANCHOR_INTERNAL Tellurion::BString AffineLogLine(const FailureTexts& texts, const AffineTerms& terms,
+                                                    const Tellurion::BString& message);
 
 }  // namespace MapAnchor

@@ -1,18 +1,18 @@
 #include "raster/gdal/BQuietGdal.h"
 
-#include <Tellurion/QuietGdal.h>
+#include "raster/gdal/QuietErrors.h"
 
 namespace MapAnchor {
 
 struct BQuietGdal::State {
-    Tellurion::QuietGdal quiet;
+    std::unique_ptr<QuietErrors> errors = MakeQuietErrors();
 };
 
 BQuietGdal::BQuietGdal() : state_(std::make_unique<State>()) {}
 BQuietGdal::~BQuietGdal() = default;
 
 Tellurion::BString BQuietGdal::FirstFailure() const {
-    return Tellurion::BString(state_->quiet.FirstFailure().c_str());
+    return state_->errors->FirstFailure();
 }
 
 }  // namespace MapAnchor

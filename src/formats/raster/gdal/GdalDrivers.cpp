@@ -369,12 +369,14 @@ BString GdalDrivers::AllowedNames() {
     return BString(text);
 }
 
-GdalDrivers::Scope::Scope(const BParamList* params) : outer_(innermost) {
-    if (params && params->HasProperty(kKey)) names_ = RequireKnown(params->GetString(kKey, ""));
+void GdalDrivers::Scope::Enter(const BParamList& params) {
+    names_ = RequireKnown(params.GetString(kKey, ""));
+    outer_ = innermost;
     innermost = this;
+    is_entered_ = true;
 }
 
-GdalDrivers::Scope::~Scope() {
+void GdalDrivers::Scope::Leave() {
     innermost = outer_;
 }
 

@@ -41,14 +41,23 @@ public:
     class Scope {
     public:
         /// `params` may be null. Throws as Allow() does.
-        explicit Scope(const Tellurion::BParamList* params);
-        ~Scope();
+        explicit Scope(const Tellurion::BParamList* params) {
+            if (params && params->HasProperty(kKey)) Enter(*params);
+        }
+        ~Scope() {
+            if (is_entered_) Leave();
+        }
         Scope(const Scope&) = delete;
         Scope& operator=(const Scope&) = delete;
 
+        // For the module of GDAL.
+        void Enter(const Tellurion::BParamList& params);
+        void Leave();
+
     private:
+        bool is_entered_ = false;
         std::vector<std::string> names_;
-        const Scope* outer_;
+        const Scope* outer_ = nullptr;
         friend class GdalDrivers;
     };
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "raster/gdal/ConfinedFiles.h"
+#include "raster/gdal/HasGdalDriver.h"
 #include "raster/gdal/RasterKinds.h"
 
 #include <Tellurion/BString.h>
@@ -17,9 +18,6 @@ struct GdalCloser {
     std::shared_ptr<ConfinedFiles> files = {};
 };
 using GdalRaster = std::unique_ptr<GDALDataset, GdalCloser>;
-
-/// True when the installed GDAL has the driver of that name.
-bool HasGdalDriver(const char* name);
 
 /// Opens a raster for reading, together with the files beside it that belong to it: see
 /// GdalDrivers and ConfinedFiles. Null when no driver knows it or it is not a regular file;

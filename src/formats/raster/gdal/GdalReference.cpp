@@ -59,15 +59,23 @@ void NoteFractions(const GDAL_GCP* points, const std::vector<BPointPair>& pairs,
     dropped.Report(file);
 }
 
-/// The raster's size and the files beside it, for whoever wants to know.
-void NoteFiles(GDALDataset& raster, const ConfinedFiles* confined) {
+/// The raster's size and the files beside it, for whoever wants to know. True when there is
+/// no other file.
+bool NoteFiles(GDALDataset& raster, const ConfinedFiles* confined) {
     ReadNotes* const notes = ReadNotes::Current();
-    if (!notes) return;
+    if (!notes) return false;
+    const std::size_t known = notes->files.size();
     notes->SetRasterSize(raster.GetRasterXSize(), raster.GetRasterYSize());
     const std::unique_ptr<char*, decltype(&CSLDestroy)> files(raster.GetFileList(), CSLDestroy);
     for (char** name = files.get(); name && *name; ++name)
         if (std::strcmp(*name, raster.GetDescription()) != 0)
             notes->files.emplace_back(confined ? confined->PathOf(*name) : std::string(*name));
+    return notes->files.size() == known;
+}
+
+bool IsGeoTiff(GDALDataset& raster) {
+    GDALDriver* const driver = raster.GetDriver();
+    return driver && std::strcmp(driver->GetDescription(), "GTiff") == 0;
 }
 
 /// Count and list may come from different files; no more is read than the list holds.
@@ -115,7 +123,8 @@ std::optional<GdalReference> ReadGdalReference(const BString& file, RasterKinds 
     ReadTexts(*raster, auxiliary.get(), out);
     out.vertical_unit = ReadVerticalUnit(*raster);
     if (auxiliary) out.auxiliary_vertical_unit = ReadVerticalUnit(*auxiliary);
-    NoteFiles(*raster, raster.get_deleter().files.get());
+    const bool is_alone = NoteFiles(*raster, raster.get_deleter().files.get());
+    out.is_lone_geotiff = is_alone && !auxiliary && IsGeoTiff(*raster);
     NoteGdalOrigins(*raster, out, file);
     return IsUsable(raster) ? std::optional(std::move(out)) : std::nullopt;
 }

@@ -31,6 +31,10 @@ struct GdalReference {
     Tellurion::BSharedPtr<Tellurion::BLinearUnit> vertical_unit;
     Tellurion::BSharedPtr<Tellurion::BLinearUnit> auxiliary_vertical_unit;
 
+    /// GDAL's GeoTIFF driver read it, and from no file but the raster itself. False where nobody
+    /// listens to notes.
+    bool is_lone_geotiff = false;
+
     bool PointsDiffer() const { return static_cast<std::size_t>(point_count) != points.size(); }
 };
 

@@ -1,6 +1,5 @@
 #include "raster/gdal/VirtualFiles.h"
 
-#include <Tellurion/BFileUtilities.h>
 #include <Tellurion/QuietGdal.h>
 
 #include <cpl_string.h>
@@ -10,7 +9,6 @@
 
 namespace MapAnchor::VirtualFiles {
 
-using Tellurion::BFileUtilities;
 using Tellurion::BString;
 
 namespace {
@@ -20,10 +18,6 @@ struct FileCloser {
 };
 
 }  // namespace
-
-bool IsName(const BString& file) {
-    return file.StdStr().starts_with("/vsi") && !BFileUtilities::IsRegularFile(file);
-}
 
 Kind KindOf(const BString& file) {
     const Tellurion::QuietGdal quiet;

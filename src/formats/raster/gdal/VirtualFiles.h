@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BString.h>
 
 #include <cstddef>
@@ -11,7 +12,9 @@
 namespace MapAnchor::VirtualFiles {
 
 /// True for a name that begins with a prefix of that layer, and that is not a plain file.
-bool IsName(const Tellurion::BString& file);
+inline bool IsName(const Tellurion::BString& file) {
+    return file.StdStr().starts_with("/vsi") && !Tellurion::BFileUtilities::IsRegularFile(file);
+}
 
 enum class Kind { None, File, Folder };
 Kind KindOf(const Tellurion::BString& file);

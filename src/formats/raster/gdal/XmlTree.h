@@ -7,7 +7,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 
 namespace MapAnchor {
 
@@ -20,12 +19,6 @@ using XmlTree = std::unique_ptr<CPLXMLNode, XmlTreeDeleter>;
 /// nothing of it.
 XmlTree ReadXml(const Tellurion::BString& file);
 std::string TextOfXml(const CPLXMLNode* tree);
-
-/// The text without what no XML document may have, such as control characters: question marks
-/// are in their place.
-std::string XmlCharacters(std::string_view utf8);
-/// The same as the text of an element or of an attribute in double quotes.
-std::string XmlEscaped(std::string_view utf8);
 
 /// Puts the reference's place under a PAMDataset or VRTDataset, in place of the one that is there:
 /// the system, and the enabled control points or the affine.

@@ -5,7 +5,7 @@
 #include "common/points/StoreControlPoints.h"
 #include "common/policy/Strictness.h"
 #include "common/storing/StoreTransform.h"
-#include "raster/gdal/GdalReference.h"
+#include "raster/geotiff/KnownRasters.h"
 #include "raster/geotiff/StoreGdalReference.h"
 
 #include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
@@ -151,13 +151,13 @@ bool StoreGdalReference(const BString& file, const GdalReference& raster, long w
 }
 
 bool BRefGeoTIFF::Read(const BString& file, BGeoReference& reference, long width, long height) {
-    const auto raster = ReadGdalReference(file, RasterKinds::OfName);
+    const auto raster = ReadRaster(file, RasterKinds::OfName);
     return raster && Store(file, *raster, kTolerant, {width, height}, reference);
 }
 
 void BRefGeoTIFF::Read(const BString& file, const unsigned int& flags, BGeoReference& reference, long width,
                        long height) {
-    const auto raster = ReadGdalReference(file, RasterKinds::All);
+    const auto raster = ReadRaster(file, RasterKinds::All);
     if (!raster)
         throw BGeoReferenceInvalidReferenceFileException(
             kSource,

@@ -1,6 +1,6 @@
 #include "raster/jp2/HeaderReaders.h"
 
-#include "raster/gdal/GdalRaster.h"
+#include "raster/gdal/HasGdalDriver.h"
 
 #include <algorithm>
 #include <iterator>

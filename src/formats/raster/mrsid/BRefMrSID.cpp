@@ -7,7 +7,7 @@
 #include "common/policy/ReadNotes.h"
 #include "common/policy/Strictness.h"
 #include "common/storing/StoreTransform.h"
-#include "raster/gdal/GdalRaster.h"
+#include "raster/gdal/HasGdalDriver.h"
 #include "raster/geotiff/BRefGeoTIFF.h"
 #include "raster/mrsid/MrSidKit.h"
 #include "sidecar/wld/WorldFile.h"

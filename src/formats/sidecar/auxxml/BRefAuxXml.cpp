@@ -7,13 +7,10 @@
 #include "common/storing/FindCoordSys.h"
 #include "common/storing/StoreTransform.h"
 #include "raster/gdal/AuxiliaryReference.h"
-#include "raster/gdal/XmlTree.h"
+#include "sidecar/auxxml/AuxXmlText.h"
 
 #include <MapAnchor/BGeoReferenceInvalidReferenceFileException.h>
-#include <MapAnchor/BGeoReferenceWriteException.h>
 #include <Tellurion/BCoordSysRepository.h>
-#include <Tellurion/BFileUtilities.h>
-#include <Tellurion/RandomAccessFile.h>
 
 namespace MapAnchor {
 
@@ -38,24 +35,6 @@ BSharedPtr<BCoordSys> FindSystem(const BString& file, const BString& text, OnFai
         return BSharedPtr<BCoordSys>(BCoordSysRepository::Instance()->ReadCoordSysFromWKTString(text));
     };
     return FindCoordSys(look_up, on_failure, {kReadSource, kReadSource, log_line, nothing_found});
-}
-
-[[noreturn]] void RefuseWrite(const BString& file, const char* why) {
-    throw BGeoReferenceWriteException(kWriteTexts.source,
-                                      BString::Format("File <%ls> is not written: %s.", file, BString(why)));
-}
-
-bool IsNewOrEmpty(const BString& file) {
-    return !BFileUtilities::Exists(file) || RandomAccessFile(file).Size() == 0;
-}
-
-/// The file that is there, or one with nothing in it.
-XmlTree TreeFor(const BString& file) {
-    if (IsNewOrEmpty(file)) return XmlTree(CPLCreateXMLNode(nullptr, CXT_Element, "PAMDataset"));
-    XmlTree tree = ReadXml(file);
-    if (!tree || !CPLGetXMLNode(tree.get(), "=PAMDataset"))
-        RefuseWrite(file, "it is there, and is not an auxiliary file of GDAL; move it away first");
-    return tree;
 }
 
 }  // namespace
@@ -83,9 +62,7 @@ void BRefAuxXml::Read(const BString& file, const unsigned int& flags, BGeoRefere
 }
 
 void BRefAuxXml::Write(const BString& file, const BGeoReference& reference) {
-    const XmlTree tree = TreeFor(file);
-    PutPlacement(reference, CPLGetXMLNode(tree.get(), "=PAMDataset"));
-    const std::string text = TextOfXml(tree.get());
+    const std::string text = TextOfAuxXml(file, reference);
     OutputFile out(file, kWriteTexts);
     out.OpenOrThrow(BString::Format("Couldn't open auxiliary file <%ls> for writing.", file));
     out.Save([&] {

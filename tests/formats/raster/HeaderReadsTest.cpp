@@ -1,0 +1,129 @@
+// Rasters that are read from their headers have every bit of GDAL's answer, in any order and
+// from several threads. $MAPANCHOR_CORPUS adds the rasters of a folder.
+
+#include "raster/geotiff/KnownRasters.h"
+
+#include "common/policy/ReadNotes.h"
+
+#include "GdalFiles.h"
+#include "TempFolder.h"
+
+#include <cpl_string.h>
+#include <ogr_spatialref.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <random>
+#include <sstream>
+#include <thread>
+
+namespace MapAnchor {
+namespace {
+
+using Tellurion::BString;
+
+/// All that a read states; doubles to the last bit.
+std::string Answer(const std::string& file, bool from_headers) {
+    std::optional<HeaderReads> headers;
+    if (from_headers) headers.emplace();
+    const ReadNotes notes;
+    std::ostringstream out;
+    out << std::hexfloat;
+    const auto raster = ReadRaster(BString(file), RasterKinds::OfName);
+    if (!raster) return "nothing";
+    out << raster->pixel_is_point << raster->point_count << ' ';
+    for (const auto& point : raster->points)
+        out << point.Column << ' ' << point.Row << ' ' << point.World.x << " " << point.World.y << ' ';
+    if (const auto& t = raster->terms)
+        out << t->a << ' ' << t->b << ' ' << t->c << ' ' << t->d << ' ' << t->e << ' ' << t->f << ' ';
+    for (const BString& text : raster->well_known_texts)
+        out << text.StdStr() << ' ';
+    for (const auto& unit : {raster->vertical_unit, raster->auxiliary_vertical_unit})
+        if (unit) out << unit->GetName().StdStr() << ' ';
+    out << notes.width << ' ' << notes.height << ' ';
+    for (const BString& name : notes.files)
+        out << name.StdStr() << ' ';
+    for (const BDiagnostic& remark : notes.diagnostics)
+        out << remark.GetId().StdStr() << remark.GetText().StdStr() << ' ';
+    return out.str();
+}
+
+void Make(const std::string& path, int system, int place, const char* options, int number) {
+    auto* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+    const CPLStringList words(CSLTokenizeString(options));
+    const GdalFiles::Dataset raster(
+        driver->Create(path.c_str(), 40 + number, 30, 1 + number % 3, GDT_Int16, words.List()));
+    OGRSpatialReference reference;
+    if (system > 0) reference.importFromEPSG(system);
+    if (system > 0 && place != 3) raster->SetSpatialRef(&reference);
+    const double x = 676000.1 + number / 3.0;
+    double north_up[6] = {x, 0.7, 0, 5242000.3, 0, -0.7};
+    double turned[6] = {x, 0.7, 0.1 + number, 5242000.3, 0.2, -0.7};
+    if (place == 1) raster->SetGeoTransform(north_up);
+    if (place == 2) raster->SetGeoTransform(turned);
+    char none[] = "";
+    const GDAL_GCP points[] = {
+        {none, none, 0, 0, x, 5, 0}, {none, none, 9, 0, 7, 5, 0}, {none, none, 9, 9, 7, 4, 0}};
+    if (place == 3) raster->SetGCPs(3, points, &reference);
+    if (number % 4 == 1) raster->SetMetadataItem("TIFFTAG_IMAGEDESCRIPTION", "a sheet");
+    if (number % 4 == 2) raster->GetRasterBand(1)->SetStatistics(number, 2, 3, 4);
+    if (number % 5 == 3) raster->GetRasterBand(1)->SetUnitType(number % 2 ? "ft" : "m");
+    if (number % 5 == 4) raster->GetRasterBand(1)->SetNoDataValue(-1);
+    if (number % 3 == 1) raster->SetMetadataItem("AREA_OR_POINT", "Point");
+    const int step = 2;
+    if (number % 6 == 5)
+        raster->BuildOverviews("NEAREST", 1, const_cast<int*>(&step), 0, nullptr, nullptr, nullptr);
+}
+
+std::vector<std::string> MakeMany(const TempFolder& folder) {
+    GDALAllRegister();
+    std::vector<std::string> files;
+    for (const int system : {0, 32632, 4326, 2056, 2277, 27700, 5555})
+        for (const int place : {0, 1, 2, 3})
+            for (const char* options : {"", "TILED=YES BLOCKXSIZE=16 BLOCKYSIZE=16 BIGTIFF=YES",
+                                        "ENDIANNESS=BIG COMPRESS=LZW INTERLEAVE=BAND"})
+                for (int i = 0; i < 3; ++i) {
+                    const int number = static_cast<int>(files.size());
+                    files.push_back(folder / ("a" + std::to_string(number) + ".tif"));
+                    Make(files.back(), system, place, options, number);
+                }
+    // What is beside a raster may place it.
+    const std::string world = "0.5\n0\n0\n-0.5\n7\n8\n";
+    folder.Write("a1.tfw", world);
+    folder.Write("a4.TFW", world);
+    folder.Write("a7.tif.aux.xml", "<PAMDataset><GeoTransform>1,2,0,3,0,-2</GeoTransform></PAMDataset>");
+    folder.Write("a40.wld", world);
+    return files;
+}
+
+void ExpectAllAlike(std::vector<std::string> files) {
+    std::map<std::string, std::string> wanted;
+    for (const std::string& file : files)
+        wanted[file] = Answer(file, false);
+    const long before = HeaderReads::Count();
+    const auto compare = [&wanted](std::vector<std::string> order, unsigned seed) {
+        std::shuffle(order.begin(), order.end(), std::mt19937(seed));
+        for (const std::string& file : order)
+            EXPECT_EQ(Answer(file, true), wanted.at(file)) << file;
+    };
+    std::vector<std::thread> threads;
+    for (unsigned seed = 0; seed < 8; ++seed)
+        threads.emplace_back(compare, files, seed);
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_GT(HeaderReads::Count(), before + static_cast<long>(files.size())) << "hardly any from its header";
+}
+
+TEST(HeaderReads, AnswerAsGdalDoes) {
+    const TempFolder folder;
+    ExpectAllAlike(MakeMany(folder));
+    const char* const corpus = std::getenv("MAPANCHOR_CORPUS");
+    std::vector<std::string> real;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(corpus ? corpus : folder / ""))
+        if (const std::string name = entry.path(); name.ends_with(".tif") || name.ends_with(".tiff"))
+            real.push_back(name);
+    if (corpus) ExpectAllAlike(real);
+}
+
+}  // namespace
+}  // namespace MapAnchor

@@ -1,0 +1,98 @@
+#include "RunTool.h"
+
+#include <MapAnchor/BGdalAccess.h>
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+/// A folder with the two libraries and no module, in which the tool finds them.
+class Libraries : public TempFolder {
+public:
+    Libraries() {
+        for (const char* name : {"libTellurion.so.0", "libMapAnchor.so.0"})
+            std::filesystem::create_symlink(std::string(MAPANCHOR_LIBRARIES "/") + name, *this / name);
+    }
+    void AddModule(const std::string& name, const std::string& file) const {
+        std::filesystem::create_symlink(file, *this / ("libmapanchor-" + name + ".so.0"));
+    }
+    ToolRun Run(const std::vector<std::string>& words) const {
+        return RunTool(words, {.environment = {{"LD_LIBRARY_PATH", *this / ""}}});
+    }
+    /// The same, with the objects that the dynamic linker maps on stderr.
+    ToolRun RunListed(const std::vector<std::string>& words) const {
+        return RunTool(words, {.environment = {{"LD_LIBRARY_PATH", *this / ""}, {"LD_DEBUG", "files"}}});
+    }
+};
+
+const std::string kWorldFile = MAPANCHOR_SOURCES "/examples/innsbruck.tfw";
+
+TEST(Modules, AreNotMappedByWhatDoesNotNeedThem) {
+    const TempFolder folder;
+    const std::string without_system = folder.Write("a.tfw", "2\n0\n0\n-2\n11\n49\n");
+    const std::vector<std::vector<std::string>> commands = {
+        {"ext", "tif"}, {"info", without_system}, {"info", kWorldFile}, {"crs", "EPSG:25832"}, {"formats"}};
+    const Libraries libraries;
+    for (const auto& words : commands) {
+        const ToolRun run = libraries.RunListed(words);
+        EXPECT_EQ(run.status, 0) << words.front();
+        EXPECT_NE(run.err.find("libproj"), std::string::npos) << "the list has what is mapped";
+        for (const char* library : {"libgdal", "libpodofo", "libQt5", "libX11", "libGL", "libmapanchor-"})
+            EXPECT_EQ(run.err.find(library), std::string::npos) << words.front() << " maps " << library;
+    }
+}
+
+TEST(Modules, ThatAreMissingAreNamedWithTheRemedy) {
+    const Libraries libraries;
+    const TempFolder folder;
+    const std::string raster = folder.Write("a.tif", "II*");
+    const std::string pdf = folder.Write("a.pdf", "%PDF-1.7\n");
+    for (const auto& [file, module] : {std::pair(raster, "gdal"), std::pair(pdf, "pdf")}) {
+        const ToolRun run = libraries.Run({"info", file});
+        EXPECT_EQ(run.status, 5) << run.err;
+        const std::string name = std::string("libmapanchor-") + module + ".so.0";
+        EXPECT_NE(run.err.find(libraries / name + ">, which is not installed"), std::string::npos) << run.err;
+        EXPECT_NE(run.err.find(std::string("install the package libmapanchor0-") + module),
+                  std::string::npos);
+    }
+    EXPECT_EQ(libraries.Run({"info", "/vsizip/a.zip/a.tfw"}).status, 5);
+    EXPECT_NE(libraries.Run({"footprint", "--size", "10x10", kWorldFile}).err.find("libmapanchor-tool.so.0"),
+              std::string::npos);
+}
+
+TEST(Modules, OfAnotherVersionAreRefused) {
+    const Libraries libraries;
+    libraries.AddModule("gdal", MAPANCHOR_FOREIGN_MODULE);
+    libraries.AddModule("pdf", kWorldFile);
+    const TempFolder folder;
+    const ToolRun other = libraries.Run({"info", folder.Write("a.tif", "II*")});
+    EXPECT_EQ(other.status, 5);
+    EXPECT_NE(other.err.find("libmapanchor-gdal.so.0> is of version 0.0.0"), std::string::npos) << other.err;
+    const ToolRun broken = libraries.Run({"info", folder.Write("a.pdf", "%PDF-1.7\n")});
+    EXPECT_EQ(broken.status, 5);
+    EXPECT_NE(broken.err.find("cannot be loaded: "), std::string::npos) << broken.err;
+}
+
+TEST(Modules, AreLoadedOnceByThreadsThatAskAtTheSameTime) {
+    std::atomic<int> waiting{4};
+    std::atomic<int> found{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] {
+            for (--waiting; waiting > 0;)
+                std::this_thread::yield();
+            long width = 0, height = 0;
+            found += MapAnchor::BGdalAccess::GetRasterSize(MAPANCHOR_SOURCES "/fuzz/seeds/geotiff/utm.tif",
+                                                           width, height);
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(found, 4);
+}
+
+}  // namespace
