@@ -83,7 +83,7 @@ std::vector<Fact> FactsOf(const PreviewSubject& subject) {
     }
     if (subject.result.reference.PointPairVector.empty()) return facts;
     facts.push_back({"Control points", PointsText(subject.result)});
-    const Residuals residuals = ComputeResiduals(subject.result.reference);
+    const Residuals residuals = ComputeResiduals(subject.result);
     if (residuals.root_mean_square) facts.push_back({"Residuals", ResidualsText(residuals)});
     return facts;
 }
