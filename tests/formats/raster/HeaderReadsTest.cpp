@@ -84,7 +84,7 @@ std::vector<std::string> MakeMany(const TempFolder& folder) {
                                         "ENDIANNESS=BIG COMPRESS=LZW INTERLEAVE=BAND"})
                 for (int i = 0; i < 3; ++i) {
                     const int number = static_cast<int>(files.size());
-                    files.push_back(folder / ("a" + std::to_string(number) + ".tif"));
+                    files.push_back(folder / std::string("a").append(std::to_string(number)).append(".tif"));
                     Make(files.back(), system, place, options, number);
                 }
     // What is beside a raster may place it.

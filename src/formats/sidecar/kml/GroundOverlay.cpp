@@ -63,7 +63,13 @@ bool IsBox(const std::array<Corner, 4>& c, double width, double height) {
 
 std::string Element(const char* name, double value) {
     const std::string tag = name;
-    return std::string("<").append(tag) + ">" + PrintShortest(value) + "</" + tag + ">";
+    return std::string("<")
+        .append(tag)
+        .append(">")
+        .append(PrintShortest(value))
+        .append("</")
+        .append(tag)
+        .append(">");
 }
 
 std::string Placement(const GroundOverlay& overlay) {
@@ -74,7 +80,8 @@ std::string Placement(const GroundOverlay& overlay) {
     std::string text = "    <gx:LatLonQuad><coordinates>";
     for (const int corner : {3, 2, 1, 0}) {  // from the lower left one, counterclockwise
         const Corner& at = c[static_cast<std::size_t>(corner)];
-        text += (corner == 3 ? "" : " ") + PrintShortest(at.longitude) + "," + PrintShortest(at.latitude);
+        if (corner != 3) text += ' ';
+        text.append(PrintShortest(at.longitude)).append(",").append(PrintShortest(at.latitude));
     }
     return text + "</coordinates></gx:LatLonQuad>\n";
 }
