@@ -114,6 +114,39 @@ void ExpectAllAlike(std::vector<std::string> files) {
     EXPECT_GT(HeaderReads::Count(), before + static_cast<long>(files.size())) << "hardly any from its header";
 }
 
+// Almost the same header, and another answer of GDAL's, either way round.
+TEST(HeaderReads, ASmallDifferenceCounts) {
+    const TempFolder folder;
+    GDALAllRegister();
+    const auto make = [&](const std::string& path, bool is_palette) {
+        auto* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+        const GdalFiles::Dataset raster(driver->Create(path.c_str(), 20, 10, 1, GDT_Byte, nullptr));
+        GDALColorTable colours;
+        const GDALColorEntry grey = {9, 9, 9, 255};
+        colours.SetColorEntry(1, &grey);
+        if (is_palette) raster->GetRasterBand(1)->SetColorTable(&colours);
+        raster->GetRasterBand(1)->SetStatistics(1, 2, 3, 4);
+        raster->GetRasterBand(1)->SetUnitType("ft");
+        return path;
+    };
+    const std::string sound = TempFolder::Slurp(make(folder / "sound.tif", false));
+    std::string spoiled = sound;
+    const std::size_t value = sound.find(">1</Item>");
+    ASSERT_NE(value, std::string::npos);
+    spoiled[value + 1] = '<';
+    const std::string palette = TempFolder::Slurp(make(folder / "palette.tif", true));
+    std::string without = palette;
+    const std::size_t tag = palette.find(std::string("\x40\x01\x03\x00", 4));
+    ASSERT_NE(tag, std::string::npos);
+    without[tag] = '\x3b';
+    for (const auto& [first, second] :
+         {std::pair(sound, spoiled), {spoiled, sound}, {palette, without}, {without, palette}})
+        for (const std::string& content : {first, second}) {
+            const std::string file = folder.Write("one.tif", content);
+            EXPECT_EQ(Answer(file, true), Answer(file, false));
+        }
+}
+
 TEST(HeaderReads, AnswerAsGdalDoes) {
     const TempFolder folder;
     ExpectAllAlike(MakeMany(folder));

@@ -14,9 +14,9 @@ namespace MapAnchor {
 namespace {
 
 bool MayMatter(std::string_view setting) {
-    constexpr std::string_view kStarts[] = {"GTIFF_",    "GDAL_GEOREF", "GDAL_PAM", "GDAL_DISABLE_READDIR",
-                                            "GDAL_SKIP", "OSR_",        "USE_RRD",  "ESRI_XML_PAM",
-                                            "TIFF_"};
+    constexpr std::string_view kStarts[] = {
+        "GTIFF_",           "GDAL_GEOREF", "GDAL_PAM", "GDAL_DISABLE_READDIR", "GDAL_SKIP",
+        "GDAL_ENABLE_TIFF", "OSR_",        "USE_RRD",  "ESRI_XML_PAM",         "TIFF_"};
     return std::any_of(std::begin(kStarts), std::end(kStarts), [setting](std::string_view start) {
         return setting.size() >= start.size() &&
                std::equal(start.begin(), start.end(), setting.begin(),

@@ -43,6 +43,28 @@ constexpr std::uint64_t kMaxLength = 8192;
 constexpr std::uint64_t kMaxEntries = 128;
 constexpr int kMaxDirectories = 32;
 
+constexpr std::string_view kStatistics = "<Item name=\"STATISTICS_";
+
+/// Of an item of statistics as GDAL writes it, from its start; 0 for any other text, which may
+/// be no XML.
+std::size_t LengthOfStatistics(std::string_view text) {
+    std::size_t at = kStatistics.size();
+    const auto skip = [&](std::string_view wanted) {
+        const bool found = text.substr(at).starts_with(wanted);
+        at += found ? wanted.size() : 0;
+        return found;
+    };
+    const auto skip_all_of = [&](std::string_view characters) {
+        at = std::min(text.find_first_not_of(characters, at), text.size());
+    };
+    skip_all_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_");
+    if (!skip("\" sample=\"")) return 0;
+    skip_all_of("0123456789");
+    if (!skip("\">")) return 0;
+    skip_all_of("+-.0123456789eE");
+    return skip("</Item>") ? at : 0;
+}
+
 /// Reads one file; any doubt ends it.
 class Parser {
 public:
@@ -139,6 +161,8 @@ private:
         values_start_ = std::min(values_start_, entry.offset);
         if (entry.Length() <= kMaxLength) values_end_ = std::max(values_end_, entry.offset + entry.Length());
         if (role == Role::Ignored) return true;
+        if (role == Role::Presence) Append(entry, {});
+        if (role == Role::Presence) return true;
         if (role == Role::Blocks) return UseBlocks(entry);
         if (role == Role::Unknown || entry.Length() > kMaxLength) return false;
         if (role == Role::Transform) return UseTransform(entry);
@@ -236,12 +260,11 @@ private:
     /// Statistics differ from raster to raster, and place none.
     bool UseMetadata(const Entry& entry) {
         std::string text = Bytes(entry);
-        constexpr std::string_view kStart = "<Item name=\"STATISTICS_";
-        constexpr std::string_view kEnd = "</Item>";
-        for (std::size_t at = text.find(kStart); at != std::string::npos; at = text.find(kStart, at)) {
-            const std::size_t end = text.find(kEnd, at);
-            if (end == std::string::npos) return false;
-            text.erase(at, end + kEnd.size() - at);
+        for (std::size_t at = text.find(kStatistics); at != std::string::npos;
+             at = text.find(kStatistics, at)) {
+            const std::size_t length = LengthOfStatistics(std::string_view(text).substr(at));
+            if (length == 0) return false;
+            text.erase(at, length);
         }
         Entry kept = entry;
         kept.count = text.size();

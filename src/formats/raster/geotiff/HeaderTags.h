@@ -29,11 +29,12 @@ enum Tag : std::uint16_t {
 
 /// What a tag means for the place of the raster.
 enum class Role {
-    Unknown,  ///< the file is for GDAL
-    Ignored,  ///< resolution, colours and the like
-    Key,      ///< part of the key
-    Size,     ///< width and height
-    Blocks,   ///< lists of strips or tiles, whose lengths must fit
+    Unknown,   ///< the file is for GDAL
+    Ignored,   ///< resolution, colours and the like
+    Presence,  ///< that it is there, and its length, are part of the key
+    Key,       ///< part of the key
+    Size,      ///< width and height
+    Blocks,    ///< lists of strips or tiles, whose lengths must fit
     Transform,
     Metadata,
 };
@@ -52,6 +53,9 @@ inline Role RoleOf(std::uint16_t tag) {
         case kModelTiepoint:
         case kModelTransformation:
             return Role::Transform;
+        case 320:  // ColorMap: a band without one is not a palette
+        case 347:  // JPEGTables
+            return Role::Presence;
         case kGdalMetadata:
             return Role::Metadata;
         case kNewSubfileType:
@@ -84,8 +88,6 @@ inline Role RoleOf(std::uint16_t tag) {
         case 305:    // Software
         case 306:    // DateTime
         case 315:    // Artist
-        case 320:    // ColorMap
-        case 347:    // JPEGTables
         case 33432:  // Copyright
             return Role::Ignored;
         default:
