@@ -34,7 +34,7 @@ using VellumLib::ReadingBudget;
 
 namespace {
 
-/// A page with more than these is no map that a person made.
+/// A page with more than these is not a map that a person made.
 constexpr int kMostMaps = 1000;
 
 BGeoPDFBox BoxOf(const std::vector<double>& numbers) {
