@@ -54,9 +54,10 @@ struct TELLURION_EXPORT BFitAlternative {
 /// of points with normal errors alone has a suspect in 1 or 2 of 100 cases. A spline, which
 /// passes through each point, is judged by a spline that smooths. A polynomial or projective fit
 /// is judged by a simpler fit where that explains the points as well. One error of 20 times the
-/// noise is found in 95 of 100 cases or more from 8 points on, of a polynomial of third order
-/// from 12; with fewer the points do not show which of them is wrong. Where no fit follows the
-/// points, such as a folded map, a point far from the fit may be marked though it is right.
+/// noise is found in 95 of 100 cases or more from 8 points on, of a polynomial of second order
+/// from 9, of a spline from 11 and of a polynomial of third order from 12; with fewer the points
+/// do not show which of them is wrong. Where no fit follows the points, such as those of a folded
+/// map, a point far from the fit may be marked though it is right.
 class TELLURION_EXPORT BFitReport {
 public:
     /// Fits as BMathTransform::Fit, which throws, and reports. `width` and `height` are the
