@@ -1,5 +1,6 @@
 #include "load/CrossReferences.h"
 
+#include "load/FileEnd.h"
 #include "load/LoadBudget.h"
 #include "load/StreamData.h"
 #include "load/SyntaxTracker.h"
@@ -15,7 +16,6 @@ namespace {
 using namespace PoDoFo;
 
 constexpr std::int64_t kRow = 20;
-constexpr std::int64_t kEndOfFile = 1024;
 constexpr std::size_t kSections = 1'000;
 // A look-up goes through all of them.
 constexpr std::size_t kSubsections = 65'536;
@@ -57,7 +57,7 @@ CrossReferences::CrossReferences(FileWindow& file) : file_(file), values_(file) 
     std::int64_t behind = 0;
     Require(file_.At(0) == '%' && values_.TakeWord(behind, "%PDF-"));
     std::set<std::int64_t> seen;
-    std::int64_t start = newest_ = FindStart();
+    std::int64_t start = newest_ = FileEnd(file_).TakeStart(values_);
     for (bool more = true; more;) {
         Require(seen.size() < kSections && seen.insert(start).second);
         const PdfVariant section = ReadSection(start);
@@ -76,17 +76,6 @@ std::int64_t CrossReferences::FirstFreeNumber() const {
     for (const Subsection& part : subsections_)
         number = std::max(number, part.first + part.count);
     return number;
-}
-
-std::int64_t CrossReferences::FindStart() {
-    constexpr std::string_view kWord = "startxref";
-    const std::int64_t first = std::max<std::int64_t>(0, file_.Size() - kEndOfFile);
-    std::string end(static_cast<std::size_t>(file_.Size() - first), '\0');
-    end.resize(file_.Read(first, end.data(), end.size()));
-    const std::size_t found = end.rfind(kWord);
-    Require(found != std::string::npos && end.find("%%EOF", found) != std::string::npos);
-    std::int64_t position = first + static_cast<std::int64_t>(found + kWord.size());
-    return values_.TakeNumber(position);
 }
 
 PdfVariant CrossReferences::ReadSection(std::int64_t start) {

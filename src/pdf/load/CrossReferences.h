@@ -70,7 +70,6 @@ private:
         std::size_t end;
     };
 
-    std::int64_t FindStart();
     PoDoFo::PdfVariant ReadSection(std::int64_t start);
     PoDoFo::PdfVariant ReadTable(std::int64_t position);
     PoDoFo::PdfVariant ReadStreamSection(std::int64_t start);

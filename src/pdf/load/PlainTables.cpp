@@ -1,5 +1,6 @@
 #include "load/PlainTables.h"
 
+#include "load/FileEnd.h"
 #include "load/LoadBudget.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@ namespace {
 using namespace PoDoFo;
 
 constexpr std::int64_t kRow = 20;
-constexpr std::int64_t kEndOfFile = 1024;
 constexpr std::size_t kSections = 50;
 // A look-up goes through all of them.
 constexpr std::size_t kSubsections = 4'096;
@@ -51,7 +51,9 @@ PlainTables::PlainTables(FileWindow& file, const std::optional<std::string>& pas
     Require(file_.At(0) == '%' && values_.TakeWord(behind, kHeader));
     Require(file_.At(behind) >= '0' && file_.At(behind) <= '7');
     std::set<std::int64_t> seen;
-    std::int64_t start = FindStart();
+    const FileEnd end(file_);
+    std::int64_t start = end.TakeStart(values_);
+    last_trailer_ = end.LastPlaceOf(kTrailerWord);
     for (bool more = true; more;) {
         Require(seen.size() < kSections && seen.insert(start).second);
         const bool last_was_open = last_trailer_ >= 0;
@@ -109,20 +111,6 @@ PlainTables::PlainTables(FileWindow& file, FoundObjects found)
 }
 
 PlainTables::~PlainTables() = default;
-
-std::int64_t PlainTables::FindStart() {
-    constexpr std::string_view kWord = "startxref";
-    const std::int64_t first = std::max<std::int64_t>(0, file_.Size() - kEndOfFile);
-    std::string end(static_cast<std::size_t>(file_.Size() - first), '\0');
-    end.resize(file_.Read(first, end.data(), end.size()));
-    const std::size_t found = end.rfind(kWord);
-    Require(found != std::string::npos && end.find("%%EOF", found) != std::string::npos);
-    const std::size_t trailer = end.rfind(kTrailerWord);
-    Require(trailer != std::string::npos);
-    last_trailer_ = first + static_cast<std::int64_t>(trailer);
-    std::int64_t position = first + static_cast<std::int64_t>(found + kWord.size());
-    return values_.TakeNumber(position);
-}
 
 /// Notes where the rows are, and gives the trailer.
 PdfVariant PlainTables::ReadSection(std::int64_t start) {
