@@ -151,16 +151,7 @@ bool CountsFromMediaBox(const BParamList& params) {
 /// The page that is georeferenced, in the units of the save.
 BGeoPDFPage PageOf(const BString& file, const BParamList& params) {
     if (!CountsFromMediaBox(params)) return BGeoPDFPage::Describe(file);
-    const BGeoPDFTraits traits = BGeoPDFTraits::Of(file);
-    // What our own reader does not open is for the parser, and so for the rules.
-    if (!traits.Known) return BGeoPDFPage::Describe(file).InPoints();
-    BParamList page_alone;
-    page_alone.SetInteger(BMapAnchor::kValPDFPage, params.GetInteger(BMapAnchor::kValPDFPage, 1));
-    const BGeoPDFPages pages = BGeoPDFPages::Describe(file, &page_alone);
-    if (pages.Pages.empty()) return BGeoPDFPage();
-    BGeoPDFPage page = pages.Pages.front().Page;
-    page.Encrypted = page.Encrypted || traits.Encrypted;
-    return page.InPoints();
+    return BGeoPDFTraits::Of(file).DescribeTarget(file, params.GetInteger(BMapAnchor::kValPDFPage, 1));
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include <MapAnchor/BGeoPDFTraits.h>
 
+#include <MapAnchor/BGeoPDFPages.h>
+
 #include "PdfFunctions.h"
+#include "PdfParameters.h"
 #include "common/policy/DiagnosticIds.h"
 #include "common/policy/DiagnosticParts.h"
 
@@ -46,6 +49,16 @@ std::vector<BDiagnostic> BGeoPDFTraits::ChangeRemarks() const {
 
 bool BGeoPDFTraits::WantsUpdate() const {
     return Known && !Encrypted && (Size >= kLargeFile || !RewriteLosses().empty());
+}
+
+BGeoPDFPage BGeoPDFTraits::DescribeTarget(const BString& file, long number) const {
+    // What our own reader does not open is for the parser, and so for the rules.
+    if (!Known) return BGeoPDFPage::Describe(file).InPoints();
+    Tellurion::BParamList page_alone;
+    page_alone.SetInteger(PdfParameters::kPage, number);
+    BGeoPDFPage page = BGeoPDFPages::Describe(file, &page_alone).Pages.front().Page;
+    page.Encrypted = page.Encrypted || Encrypted;
+    return page.InPoints();
 }
 
 }  // namespace MapAnchor

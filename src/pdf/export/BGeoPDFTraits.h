@@ -1,6 +1,7 @@
 #pragma once
 
 #include <MapAnchor/BDiagnostic.h>
+#include <MapAnchor/BGeoPDFPage.h>
 #include <MapAnchor/Export.h>
 #include <Tellurion/BString.h>
 
@@ -33,6 +34,9 @@ public:
     std::vector<BDiagnostic> ChangeRemarks() const;
     /// True where an update is the better way to change the file.
     bool WantsUpdate() const;
+    /// The page of `file`, whose traits these are, that a save beyond the rules georeferences, counted
+    /// from 1; its boxes are in points of 1/72 inch. BGeoPDFPage::Fault says why there is none.
+    BGeoPDFPage DescribeTarget(const Tellurion::BString& file, long number) const;
 };
 
 }  // namespace MapAnchor

@@ -158,13 +158,8 @@ void WorkAt(PdfWorkplace& place, const ConvertOptions& options, const BGeoRefere
 /// The page that is georeferenced, in points of 1/72 inch.
 BGeoPDFPage TargetPage(const ConvertOptions& options, const BGeoPDFTraits& traits) {
     const BString target(options.target);
-    // What our own reader does not open is for the parser, and so for the rules.
-    if (options.read.pdf_by_rules || !traits.Known) return BGeoPDFPage::Describe(target);
-    BParamList params;
-    params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
-    BGeoPDFPage page = BGeoPDFPages::Describe(target, &params).Pages.front().Page;
-    page.Encrypted = page.Encrypted || traits.Encrypted;
-    return page.InPoints();
+    if (options.read.pdf_by_rules) return BGeoPDFPage::Describe(target);
+    return traits.DescribeTarget(target, options.target_page);
 }
 
 /// Lets the library append where that is asked for, or the better way; true where it will.
