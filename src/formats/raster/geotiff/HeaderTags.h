@@ -18,6 +18,7 @@ enum Tag : std::uint16_t {
     kTileLength = 323,
     kTileOffsets = 324,
     kTileByteCounts = 325,
+    kImageDepth = 32997,  ///< of libtiff
     kModelPixelScale = 33550,
     kModelTiepoint = 33922,
     kModelTransformation = 34264,

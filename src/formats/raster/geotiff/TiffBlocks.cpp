@@ -1,6 +1,7 @@
 #include "raster/geotiff/TiffBlocks.h"
 
 #include "common/files/ByteReader.h"
+#include "raster/geotiff/HeaderTags.h"
 
 #include <algorithm>
 #include <limits>
@@ -10,21 +11,8 @@
 namespace MapAnchor {
 namespace {
 
-/// Tag numbers as TIFF 6.0 assigns them.
-enum Tag : std::uint16_t {
-    kImageWidth = 256,
-    kImageLength = 257,
-    kStripOffsets = 273,
-    kSamplesPerPixel = 277,
-    kRowsPerStrip = 278,
-    kStripByteCounts = 279,
-    kPlanarConfiguration = 284,
-    kTileWidth = 322,
-    kTileLength = 323,
-    kTileOffsets = 324,
-    kTileByteCounts = 325,
-    kImageDepth = 32997,
-};
+using namespace HeaderTags;
+
 constexpr std::uint64_t kSeparatePlanes = 2;
 
 /// The sizes of the two layouts.
