@@ -1,16 +1,16 @@
 #pragma once
 
-#include <MapAnchor/Internal.h>
+#include <Tellurion/Export.h>
 
 #include <string>
 #include <string_view>
 
-namespace MapAnchor {
+namespace Tellurion {
 
 /// The text without what no XML document may have, such as control characters: question marks
 /// are in their place.
-MAPANCHOR_INTERNAL std::string XmlCharacters(std::string_view utf8);
-/// The same as the text of an element or of an attribute in double quotes.
-MAPANCHOR_INTERNAL std::string XmlEscaped(std::string_view utf8);
+TELLURION_EXPORT std::string XmlCharacters(std::string_view utf8);
+/// The same as the text of an element or of an attribute in double quotes, in XML, SVG and HTML.
+TELLURION_EXPORT std::string XmlEscaped(std::string_view utf8);
 
-}  // namespace MapAnchor
+}  // namespace Tellurion

@@ -5,6 +5,7 @@
 
 #include <Tellurion/Numbers.h>
 #include <Tellurion/Printable.h>
+#include <Tellurion/XmlText.h>
 
 #include <cmath>
 
@@ -125,26 +126,7 @@ std::string FitTableOf(const Georeferenced& made) {
 }  // namespace
 
 std::string HtmlText(const std::string& text) {
-    std::string escaped;
-    for (const char c : Printable(text)) {
-        switch (c) {
-            case '<':
-                escaped += "&lt;";
-                break;
-            case '>':
-                escaped += "&gt;";
-                break;
-            case '&':
-                escaped += "&amp;";
-                break;
-            case '"':
-                escaped += "&quot;";
-                break;
-            default:
-                escaped += c;
-        }
-    }
-    return escaped;
+    return XmlEscaped(Printable(text));
 }
 
 std::string RenderReportPage(const GeoreferenceOptions& options, const Georeferenced& made) {

@@ -2,6 +2,7 @@
 
 #include <Tellurion/Numbers.h>
 #include <Tellurion/Printable.h>
+#include <Tellurion/XmlText.h>
 
 #include <algorithm>
 #include <cmath>
@@ -37,21 +38,6 @@ std::string Class(const char* style) {
 }
 
 /// Well-formed whatever the bytes are: XML forbids most of what is not printable.
-std::string Escaped(const std::string& text) {
-    std::string escaped;
-    for (const char c : Tellurion::Printable(text)) {
-        if (c == '<')
-            escaped += "&lt;";
-        else if (c == '>')
-            escaped += "&gt;";
-        else if (c == '&')
-            escaped += "&amp;";
-        else
-            escaped += c;
-    }
-    return escaped;
-}
-
 std::string Base64(const std::string& bytes) {
     constexpr const char* kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string text;
@@ -185,7 +171,8 @@ void Svg::Circle(const Position& centre, double radius, const char* style) {
 
 void Svg::Text(const Position& at, const std::string& text, const char* style, Anchor anchor) {
     shapes_ += "<text" + Attribute("x", at.x) + Attribute("y", at.y) + Class(style) +
-               AnchorAttribute(anchor) + ">" + Escaped(text) + "</text>\n";
+               AnchorAttribute(anchor) + ">" + Tellurion::XmlEscaped(Tellurion::Printable(text)) +
+               "</text>\n";
 }
 
 std::string Svg::ToText() const {

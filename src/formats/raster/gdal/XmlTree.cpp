@@ -1,12 +1,12 @@
 #include "raster/gdal/XmlTree.h"
 
 #include "common/points/ExactPoints.h"
-#include "common/scanning/XmlText.h"
 
 #include <Tellurion/BControlPoint.h>
 #include <Tellurion/Numbers.h>
 #include <Tellurion/QuietGdal.h>
 #include <Tellurion/RandomAccessFile.h>
+#include <Tellurion/XmlText.h>
 
 #include <cpl_conv.h>
 

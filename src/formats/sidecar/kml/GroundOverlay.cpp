@@ -1,9 +1,8 @@
 #include "sidecar/kml/GroundOverlay.h"
 
-#include "common/scanning/XmlText.h"
-
 #include <Tellurion/BException.h>
 #include <Tellurion/Numbers.h>
+#include <Tellurion/XmlText.h>
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,9 @@
 
 #include "common/files/OutputFile.h"
 #include "common/policy/ReferenceFormat.h"
-#include "common/scanning/XmlText.h"
 #include "sidecar/vrt/VrtText.h"
+
+#include <Tellurion/XmlText.h>
 
 #include <MapAnchor/BGeoReferenceWriteException.h>
 
