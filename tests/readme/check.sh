@@ -2,12 +2,13 @@
 # Compares the README's C++ block with the example that is compiled and run by the tests,
 # runs the commands and the Python sessions of the documents, each document in a folder of
 # its own, and compares the README's picture with the one that its commands draw:
-# check.sh <source folder> <tool> [<folder of the Python package>]
+# check.sh <source folder> <tool> [<folder of the Python package> <python>]
 # With RENEW_PICTURE=1 the picture is stored instead.
 set -euo pipefail
 source=$(realpath "$1")
 tool=$(realpath "$2")
-python=${3:-}
+package=${3:+$(realpath "$3")}
+python=${4:-python3}
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 mkdir "$scratch/bin"
@@ -35,12 +36,12 @@ runs() {
 
 # sessions <document>: its Python, in the folder that its commands have left
 sessions() {
-    [ -n "$python" ] || { echo "$1: no Python package, its sessions are not run"; return; }
+    [ -n "$package" ] || { echo "$1: no Python package, its sessions are not run"; return; }
     local work=$scratch/${1//\//_}
     block pycon "$1" >"$work.doctest"
     grep -q '^>>> ' "$work.doctest"
     rm -f "$work"/copy.*
-    (cd "$work" && PYTHONDONTWRITEBYTECODE=1 PYTHONPATH=$python python3 -m doctest "$work.doctest")
+    (cd "$work" && PYTHONDONTWRITEBYTECODE=1 PYTHONPATH=$package "$python" -m doctest "$work.doctest")
     echo "$1: $(grep -c '^>>> ' "$work.doctest") lines of Python hold"
 }
 
