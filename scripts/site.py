@@ -1,0 +1,92 @@
+#!/usr/bin/env python3
+"""Builds the documentation site: site.py <folder of the API reference> <output folder>
+
+The README is the front page; the pages of docs/ follow, those of LAST_PAGES last. Pages that
+this list does not know are put before them. A warning of Sphinx, such as a link to a page that
+is not there, is an error. Exit status 77: Sphinx, MyST or the theme is not installed.
+"""
+
+import importlib.util
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+NEEDED = ("sphinx", "myst_parser", "furo")
+# Files outside docs/ that are pages of the site.
+PAGES = {"README.md": "index", "CHANGELOG.md": "changelog", "CONTRIBUTING.md": "contributing",
+         "examples/SOURCES.md": "example-sources"}
+SECTIONS = {
+    "Use it": ["cookbook", "georeference", "formats", "coordinate-systems", "diagnostics", "scale-out"],
+    "Call it": ["python", "c", "languages", "api"],
+    "Trust it": ["conformance", "performance", "reliability"],
+    "Work on it": ["architecture", "contributing", "changelog", "example-sources"],
+}
+
+
+def lay_out(stage):
+    """The pages under the names that they have in the site, with their links changed to match."""
+    names = {file: page + ".md" for file, page in PAGES.items() if (ROOT / file).exists()}
+    names |= {f"docs/{path.name}": path.name for path in (ROOT / "docs").glob("*.md")}
+    for file, name in names.items():
+        folder = pathlib.PurePosixPath(file).parent
+
+        def link(match):
+            target, _, anchor = match[1].partition("#")
+            if not target or ":" in target:
+                return match[0]
+            path = os.path.normpath(folder / target)
+            if path not in names and path.startswith("docs/"):
+                shutil.copy(ROOT / path, stage)  # a picture; one that is missing ends the build
+            return f"]({names.get(path, path.removeprefix('docs/'))}{'#' + anchor if anchor else ''})"
+
+        text = (ROOT / file).read_text(encoding="utf-8")
+        parts = re.split(r"(^```.*?^```$)", text, flags=re.S | re.M)
+        parts[::2] = [re.sub(r"\]\(([^)\s]+)\)", link, part) for part in parts[::2]]
+        (stage / name).write_text("".join(parts), encoding="utf-8")
+
+
+def add_contents(stage):
+    there = {path.stem for path in stage.glob("*.md")} - {"index"}
+    known = {page for pages in SECTIONS.values() for page in pages}
+    with open(stage / "index.md", "a", encoding="utf-8") as index:
+        for title, pages in SECTIONS.items():
+            pages = [page for page in pages if page in there]
+            if title == "Use it":
+                pages += sorted(there - known)
+            index.write(f"\n```{{toctree}}\n:hidden:\n:caption: {title}\n\n" + "\n".join(pages) + "\n```\n")
+
+
+def main():
+    reference, output = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+    missing = [name for name in NEEDED if importlib.util.find_spec(name) is None]
+    if missing:
+        print("site: not installed:", *missing)
+        return 77
+    stage = output / "pages"
+    shutil.rmtree(output, ignore_errors=True)
+    stage.mkdir(parents=True)
+    (stage / "static").mkdir()
+    (stage / "extra").mkdir()
+    lay_out(stage)
+    site = ROOT / "docs/site"
+    shutil.copy(site / "conf.py", stage)
+    shutil.copy(site / "site.css", stage / "static")
+    shutil.copy(ROOT / "examples/read_reference.cpp", stage)
+    if (reference / "index.html").exists():
+        shutil.copytree(reference, stage / "extra/api")
+        shutil.copy(site / "api.md", stage)
+    add_contents(stage)
+    version = re.search(r"^project\(MapAnchor VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
+    made = subprocess.run(
+        [sys.executable, "-m", "sphinx", "-b", "html", "-W", "--keep-going", "-q", "-d", output / "doctrees", stage,
+         output / "html"], env=os.environ | {"MAPANCHOR_VERSION": version, "PYTHONDONTWRITEBYTECODE": "1"})
+    if made.returncode == 0:
+        print(f"documentation: {output / 'html/index.html'}")
+    return made.returncode
+
+
+sys.exit(main())
