@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Builds the documentation site: site.py <folder of the API reference> <output folder>
 
-The README is the front page; the pages of docs/ follow, those of LAST_PAGES last. Pages that
-this list does not know are put before them. A warning of Sphinx, such as a link to a page that
-is not there, is an error. Exit status 77: Sphinx, MyST or the theme is not installed.
+The README is the front page, and every file of docs/ is a page. SECTIONS orders those that it
+names and that exist; all others follow in its first section. A warning of Sphinx, such as a link
+to a missing page, is an error. Exit status 77: Sphinx, MyST or the theme is not installed.
 """
 
 import importlib.util
@@ -35,17 +35,23 @@ def lay_out(stage):
         folder = pathlib.PurePosixPath(file).parent
 
         def link(match):
-            target, _, anchor = match[1].partition("#")
+            mark, text, target = match[1], match[2], match[3]
+            target, _, anchor = target.partition("#")
             if not target or ":" in target:
                 return match[0]
             path = os.path.normpath(folder / target)
-            if path not in names and path.startswith("docs/"):
-                shutil.copy(ROOT / path, stage)  # a picture; one that is missing ends the build
-            return f"]({names.get(path, path.removeprefix('docs/'))}{'#' + anchor if anchor else ''})"
+            if path in names:
+                return f"[{text}]({names[path]}{'#' + anchor if anchor else ''})"
+            if not (ROOT / path).exists():
+                sys.exit(f"site: {file} has a link to {target}, which does not exist")
+            if not mark:
+                return text  # a file of the tree that is not a page
+            shutil.copy(ROOT / path, stage)
+            return f"![{text}]({pathlib.PurePosixPath(path).name})"
 
         text = (ROOT / file).read_text(encoding="utf-8")
         parts = re.split(r"(^```.*?^```$)", text, flags=re.S | re.M)
-        parts[::2] = [re.sub(r"\]\(([^)\s]+)\)", link, part) for part in parts[::2]]
+        parts[::2] = [re.sub(r"(!?)\[([^\]]*)\]\(([^)\s]+)\)", link, part) for part in parts[::2]]
         (stage / name).write_text("".join(parts), encoding="utf-8")
 
 
@@ -55,7 +61,7 @@ def add_contents(stage):
     with open(stage / "index.md", "a", encoding="utf-8") as index:
         for title, pages in SECTIONS.items():
             pages = [page for page in pages if page in there]
-            if title == "Use it":
+            if title == next(iter(SECTIONS)):
                 pages += sorted(there - known)
             index.write(f"\n```{{toctree}}\n:hidden:\n:caption: {title}\n\n" + "\n".join(pages) + "\n```\n")
 

@@ -57,9 +57,9 @@ def look(site):
              f"--user-data-dir={home}", f"http://127.0.0.1:{server.server_port}/look"],
             env=os.environ | {"HOME": home}, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         try:
-            return server.reports.get(timeout=90)
+            return server.reports.get(timeout=150)
         except queue.Empty:
-            sys.exit("the browser has not come to the end of the site in 90 seconds")
+            sys.exit("the browser has not come to the end of the site in 150 seconds")
         finally:
             browser.terminate()
             browser.wait()
