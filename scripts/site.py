@@ -41,6 +41,8 @@ def lay_out(stage):
                 return match[0]
             path = os.path.normpath(folder / target)
             if path in names:
+                if text == match[3]:  # a path means nothing on the site: the title of the page
+                    text = re.search(r"^# (.*)", (ROOT / path).read_text(encoding="utf-8"), re.M)[1]
                 return f"[{text}]({names[path]}{'#' + anchor if anchor else ''})"
             if not (ROOT / path).exists():
                 sys.exit(f"site: {file} has a link to {target}, which does not exist")
