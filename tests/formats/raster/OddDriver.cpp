@@ -39,7 +39,11 @@ public:
     int GetGCPCount() override { return Has("lists-none") ? 3 : 0; }
     const GDAL_GCP* GetGCPs() override { return nullptr; }
     CPLErr SetGCPs(int, const GDAL_GCP*, const OGRSpatialReference*) override { return Answer("no-points"); }
+#if GDAL_VERSION_NUM >= GDAL_COMPUTE_VERSION(3, 12, 0)
+    CPLErr SetGeoTransform(const GDALGeoTransform&) override { return Answer("no-transform"); }
+#else
     CPLErr SetGeoTransform(double*) override { return Answer("no-transform"); }
+#endif
     CPLErr SetSpatialRef(const OGRSpatialReference*) override { return Answer("no-system"); }
 
 private:
