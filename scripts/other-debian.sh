@@ -2,6 +2,7 @@
 # Builds and tests the committed tree in a clean root of another Debian, as root:
 #
 #   other-debian.sh [--keep] SUITE [TARGET...]
+#   other-debian.sh --keep SUITE -- COMMAND...     runs a command in the tree there
 #
 # SUITE is 12, 13 or what a mirror calls it, such as testing; TARGET is one of make (run test).
 # --keep works in the root that a run with --keep left, if there is one, and leaves it again.
@@ -84,6 +85,11 @@ git -C "$root/tree" fetch -q "$PWD" HEAD
 git -C "$root/tree" reset -q --hard FETCH_HEAD
 echo "other-debian: $suite ($arch) with $(git log -1 --format='%h, %s')"
 
+if [ "${1:-}" = -- ]; then
+    shift
+    inside env --chdir=/tree "$@"
+    exit
+fi
 failed=0
 for target in "$@"; do
     # shellcheck disable=SC2086
