@@ -24,6 +24,7 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -58,11 +59,12 @@ bool IsEmpty(const BGeoReference& reference) {
 }
 
 void ReadByName(const BReadingOptions& options, ReadingState& state) {
-    const BString kind =
+    const std::string kind =
         BReferenceFormats::Read(state.file, state.reference, state.used_file, options.GetWidth(),
-                                options.GetHeight(), options.GetMathType(), &options.GetState().params);
+                                options.GetHeight(), options.GetMathType(), &options.GetState().params)
+            .StdStr();
     state.by_name = true;
-    state.kind = FindRow([&](const ReferenceFormat& row) { return kind == BString(row.name); });
+    state.kind = FindRow([&](const ReferenceFormat& row) { return kind == row.name; });
 }
 
 void ReadByType(EReferenceType type, const BReadingOptions& options, ReadingState& state) {
@@ -297,8 +299,14 @@ bool IsAboutThis(const BDiagnostic& remark, const ReadingState& state) {
     return !state.kind && HasWorldFileExtension(state.file);
 }
 
-/// People cannot see why a text of that name is refused.
+/// People cannot see from outside that a file is empty, or why a text of that name is refused.
 void ExplainRefusedContent(ReadingState& state) {
+    std::error_code no_size;
+    if (std::filesystem::file_size(state.file.StdStr(), no_size) == 0 && !no_size) {
+        state.Add(
+            {.id = DiagnosticId::kFileEmpty, .severity = ESeverity::Error, .text = "the file is empty"});
+        return;
+    }
     if (state.failure->type != "BUnsupportedFileTypeException") return;
     const std::string driver = GdalDrivers::RefusedFor(state.file);
     if (driver.empty()) return;

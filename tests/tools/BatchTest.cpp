@@ -103,6 +103,7 @@ TEST_F(BatchRun, ABadFileFailsOnlyItsOwnRow) {
     for (const char* name : {"hangs.rsf", "dies.rsf"})
         folder.Write(name, points);
     folder.Write("huge.tfw", std::string(12 << 20, '1'));
+    folder.Write("module.tif", "for GDAL, whose module needs more than the limit\n");
     // AddressSanitizer ends a process at its limit before it can report that.
 #ifdef __SANITIZE_ADDRESS__
     const char* const at_limit = "Crash";
@@ -111,6 +112,9 @@ TEST_F(BatchRun, ABadFileFailsOnlyItsOwnRow) {
 #endif
     const std::string limits[][3] = {{"hangs.rsf", "Timeout", "--timeout 0.7 --fit tps"},
                                      {"dies.rsf", "Crash", "--fit tps"},
+#ifndef __SANITIZE_ADDRESS__
+                                     {"module.tif", at_limit, "--memory 8"},
+#endif
                                      {"huge.tfw", at_limit, "--memory 8"}};
     for (const auto& [file, type, limit] : limits) {
         std::thread killer;

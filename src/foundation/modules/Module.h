@@ -31,7 +31,8 @@ public:
     constexpr Module(const char* name, const char* purpose) : name_(name), purpose_(purpose) {}
 
     /// The table of its functions. A BUnsupportedFileTypeException, which names the file and
-    /// the remedy, where the module is not installed, cannot be loaded or is of another version.
+    /// the remedy, where the module is not installed, cannot be loaded or is of another version;
+    /// std::bad_alloc where there is no memory for it.
     const void* Functions();
     /// The same, but null where it was not loaded yet.
     const void* FunctionsIfLoaded() const { return functions_.load(std::memory_order_acquire); }

@@ -1,5 +1,7 @@
 #include "batch/Worker.h"
 
+#include "batch/AllocationWatch.h"
+
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -52,7 +54,9 @@ void LimitMemory(std::uint64_t bytes) {
     try {
         while (const auto name = ReceiveText(names)) {
             LimitMemory(limits.memory);
-            if (!SendText(answers, answer(*name))) break;
+            const std::string text = answer(*name);
+            if (AllocationHasFailed()) _exit(kOutOfMemory);
+            if (!SendText(answers, text)) break;
         }
     } catch (const std::bad_alloc&) {
         _exit(kOutOfMemory);

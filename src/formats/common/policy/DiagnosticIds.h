@@ -6,6 +6,7 @@ namespace MapAnchor::DiagnosticId {
 // test compares with this list; an id that was released keeps its meaning.
 inline constexpr const char* kCrossesAntimeridian = "crosses-antimeridian";
 inline constexpr const char* kDegreesOutOfRange = "degrees-out-of-range";
+inline constexpr const char* kFileEmpty = "file-empty";
 inline constexpr const char* kFrameCornersDiffer = "frame-corners-differ";
 inline constexpr const char* kGdalDriverNotAllowed = "gdal-driver-not-allowed";
 inline constexpr const char* kGuessedWorldFile = "guessed-world-file";
