@@ -115,7 +115,7 @@ py::dict FeatureOf(const PyReference& self) {
     properties["file"] = self.used_file;
     properties["kind"] = self.kind;
     const BString code = self.reference.HasCoordSys() ? self.reference.CoordSys->ToEPSGCode() : BString();
-    properties["crs"] = code.IsEmpty() ? py::object(py::none()) : py::cast(code);
+    properties["epsg"] = code.IsEmpty() ? py::object(py::none()) : py::cast(code);
     py::dict feature;
     feature["type"] = "Feature";
     feature["geometry"] = area.footprint ? py::object(ToPython(*area.footprint)) : py::object(py::none());

@@ -81,7 +81,7 @@ py::object SourceValue(const BReferenceSource& source) {
 
 void RequireFile(const BString& file, const char* source) {
     if (!BFileUtilities::Exists(file))
-        throw BFileNotFoundException(source, BString("<" + file.StdStr() + ">"));
+        throw BFileNotFoundException(source, BString("File <" + file.StdStr() + "> does NOT exist."));
 }
 
 py::list Sources(const py::object& path, EMathTransformType fit, long width, long height) {

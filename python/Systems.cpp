@@ -3,8 +3,8 @@
 
 #include <pybind11/operators.h>
 
-#include <MapAnchor/BGeoReferenceInvalidCoordSysException.h>
 #include <Tellurion/BCoordSys.h>
+#include <Tellurion/BCoordSysException.h>
 #include <Tellurion/BLinearUnit.h>
 
 #include <memory>
@@ -14,18 +14,15 @@ using namespace Tellurion;
 
 namespace {
 
+[[noreturn]] void Fail(const std::string& message, const char* source) {
+    throw BCoordSysException(BString(message), source, BString());
+}
+
 BCoordSys MakeSystem(const BString& text) {
     constexpr const char* kSource = "mapanchor.CoordSys";
     const py::gil_scoped_release released;
-    std::unique_ptr<BCoordSys> made;
-    try {
-        made.reset(BCoordSys::FromText(text));
-    } catch (const BCoordSysException& error) {
-        throw MapAnchor::BGeoReferenceInvalidCoordSysException(kSource, error.GetDetailedMessage());
-    }
-    if (!made)
-        throw MapAnchor::BGeoReferenceInvalidCoordSysException(
-            kSource, BString("unknown coordinate system: " + text.StdStr()));
+    const std::unique_ptr<BCoordSys> made(BCoordSys::FromText(text));
+    if (!made) Fail("unknown coordinate system: " + text.StdStr(), kSource);
     return *made;
 }
 
@@ -57,9 +54,9 @@ py::tuple Geodetic(BPoint (BCoordSys::*convert)(const BPoint&) const, const BCoo
 py::tuple ConvertTo(const BCoordSys& self, const py::object& to, const py::object& x, const py::object& y) {
     const BCoordSys other = SystemFrom(to);
     if (!self.CanConvertTo(other))
-        throw MapAnchor::BGeoReferenceInvalidCoordSysException(
-            "mapanchor.CoordSys.convert_to", BString("no transformation from " + self.GetName().StdStr() +
-                                                     " to " + other.GetName().StdStr() + " is available"));
+        Fail("no transformation from " + self.GetName().StdStr() + " to " + other.GetName().StdStr() +
+                 " is available",
+             "mapanchor.CoordSys.convert_to");
     return ConvertPositions(x, y, [&](double& one, double& two) {
         const BPoint point = self.ConvertTo(other, BPoint(one, two, 0.0));
         one = point.x;

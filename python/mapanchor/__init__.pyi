@@ -5,15 +5,15 @@ from typing import Any, Dict, Iterable, List, Optional, Protocol, Sequence, Tupl
 
 from ._words import Word
 
-Path = Union[str, bytes, "PathLike[str]", "PathLike[bytes]"]
-Affine = Tuple[float, float, float, float, float, float]
+_Path = Union[str, bytes, "PathLike[str]", "PathLike[bytes]"]
+_Affine = Tuple[float, float, float, float, float, float]
 
 class _HasWkt(Protocol):
     def to_wkt(self) -> str: ...
 
-System = Union["CoordSys", str, int, _HasWkt]
-Terms = Union[Affine, Sequence[float]]
-Numbers = Any
+_System = Union["CoordSys", str, int, _HasWkt]
+_Terms = Union[_Affine, Sequence[float]]
+_Numbers = Any
 """A float, or what numpy makes an array of."""
 
 __version__: str
@@ -126,13 +126,13 @@ class Transform:
     def __init__(self, a: float, b: float, c: float, d: float, e: float, f: float) -> None:
         """x = a * column + b * row + c, y = d * column + e * row + f; ValueError without an inverse."""
     @overload
-    def __init__(self, terms: Terms) -> None:
+    def __init__(self, terms: _Terms) -> None:
         """Of the same six in a sequence, or of an affine.Affine."""
     @property
     def kind(self) -> Fit:
         """The kind of fit."""
     @property
-    def affine(self) -> Optional[Affine]:
+    def affine(self) -> Optional[_Affine]:
         """The six terms in the order of the constructor; None for a transform that is not affine."""
     def to_affine(self) -> Any:
         """An affine.Affine of the same terms, which needs the package affine; ValueError for a transform
@@ -140,13 +140,13 @@ class Transform:
     @overload
     def to_world(self, column: float, row: float) -> Tuple[float, float]: ...
     @overload
-    def to_world(self, column: Numbers, row: Numbers) -> Tuple[Any, Any]:
+    def to_world(self, column: _Numbers, row: _Numbers) -> Tuple[Any, Any]:
         """The position of a pixel. ValueError where the transform has no value; of arrays two arrays of
         their common shape, with NaN there."""
     @overload
     def to_pixel(self, x: float, y: float) -> Tuple[float, float]: ...
     @overload
-    def to_pixel(self, x: Numbers, y: Numbers) -> Tuple[Any, Any]:
+    def to_pixel(self, x: _Numbers, y: _Numbers) -> Tuple[Any, Any]:
         """The column and row of a position, as to_world()."""
     def __copy__(self) -> Transform: ...
     def __deepcopy__(self, memo: Any) -> Transform: ...
@@ -154,7 +154,7 @@ class Transform:
 class CoordSys:
     """A coordinate system. Two are equal when is_same() says so."""
 
-    def __init__(self, system: System) -> None:
+    def __init__(self, system: _System) -> None:
         """Of a code, a URN, well-known text, PROJJSON, a PROJ string, a MapInfo clause, ER
         Mapper names, a name or the path of a PRJ file; of a number of EPSG; or of an object with to_wkt(),
         such as a pyproj.CRS. InvalidCoordSysError, a ValueError, when it is not understood."""
@@ -199,16 +199,16 @@ class CoordSys:
     @property
     def unit(self) -> Optional[str]:
         """The unit of the horizontal axes."""
-    def to_geodetic(self, x: Numbers, y: Numbers) -> Tuple[Any, Any]:
+    def to_geodetic(self, x: _Numbers, y: _Numbers) -> Tuple[Any, Any]:
         """Longitude and latitude in degrees, on the system's own datum. InvalidCoordSysError where there
         is no value; of arrays two arrays, with NaN there."""
-    def from_geodetic(self, longitude: Numbers, latitude: Numbers) -> Tuple[Any, Any]:
+    def from_geodetic(self, longitude: _Numbers, latitude: _Numbers) -> Tuple[Any, Any]:
         """The way back."""
-    def is_same(self, other: System, tolerance: Optional[float] = None) -> bool:
+    def is_same(self, other: _System, tolerance: Optional[float] = None) -> bool:
         """By what they are; with a tolerance by place, in metres on the Earth."""
-    def distance_to(self, other: System) -> float:
+    def distance_to(self, other: _System) -> float:
         """How far apart the two place the same coordinates, in metres; inf without a way."""
-    def convert_to(self, other: System, x: Numbers, y: Numbers) -> Tuple[Any, Any]:
+    def convert_to(self, other: _System, x: _Numbers, y: _Numbers) -> Tuple[Any, Any]:
         """The position in the other system, across datums; arrays as in to_geodetic()."""
 
 @dataclass(frozen=True)
@@ -277,26 +277,26 @@ class Reference:
 
     def __init__(
         self,
-        crs: Optional[System] = None,
-        transform: Union[Transform, Terms, None] = None,
+        crs: Optional[_System] = None,
+        transform: Union[Transform, _Terms, None] = None,
         points: Iterable[Point] = (),
     ) -> None: ...
     @property
     def crs(self) -> Optional[CoordSys]:
         """The coordinate system; whatever CoordSys() understands can be assigned."""
     @crs.setter
-    def crs(self, system: Optional[System]) -> None: ...
+    def crs(self, system: Optional[_System]) -> None: ...
     @property
     def transform(self) -> Optional[Transform]:
         """From pixels to the system; six terms or an affine.Affine can be assigned."""
     @transform.setter
-    def transform(self, transform: Union[Transform, Terms, None]) -> None: ...
+    def transform(self, transform: Union[Transform, _Terms, None]) -> None: ...
     @property
-    def affine(self) -> Optional[Affine]:
+    def affine(self) -> Optional[_Affine]:
         """The six terms of the transform; None when it is missing or not affine. An affine.Affine can be
         assigned."""
     @affine.setter
-    def affine(self, terms: Terms) -> None: ...
+    def affine(self, terms: _Terms) -> None: ...
     @property
     def points(self) -> List[Point]:
         """A copy of the control points: assign a list to change them."""
@@ -376,7 +376,7 @@ class Saving:
         """What the kind cannot hold, what was rounded, and what differs."""
 
 def read(
-    path: Path,
+    path: _Path,
     type: Union[Type, str, None] = None,
     *,
     width: int = 0,
@@ -403,22 +403,22 @@ def read(
     """
 
 def sources(
-    path: Path, *, fit: Union[Fit, str] = "affine", width: int = 0, height: int = 0
+    path: _Path, *, fit: Union[Fit, str] = "affine", width: int = 0, height: int = 0
 ) -> List[Source]:
     """Every place where the georeferencing of a raster is written, and how far apart they are. A raster
     without any has an empty list."""
 
-def maps(path: Path) -> List[Map]:
+def maps(path: _Path) -> List[Map]:
     """The maps of all pages of a PDF, at most 10,000; a warning says when there are more."""
 
 def write(
     reference: Reference,
-    path: Path,
+    path: _Path,
     type: Union[Type, str, None] = None,
     *,
     width: int = 0,
     height: int = 0,
-    image_name: Path = "",
+    image_name: _Path = "",
     strict_transform: bool = False,
     strict_crs: bool = False,
     dpi: Optional[float] = None,

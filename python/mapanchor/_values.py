@@ -1,7 +1,7 @@
 """Answers that are values of Python; the module fills them."""
 
 from dataclasses import dataclass
-from typing import Any, List, Optional, Tuple
+from typing import Any, Optional, Tuple
 
 
 @dataclass(frozen=True)
@@ -33,8 +33,6 @@ class Source:
     metres: Optional[float]
     diagnostics: Tuple[Diagnostic, ...]
 
-    __hash__ = None  # a Reference can be changed
-
 
 @dataclass(frozen=True)
 class Map:
@@ -46,6 +44,3 @@ class Map:
     crs: str
     in_use: bool
     fault: str
-
-
-__all__: List[str] = ["Diagnostic", "Map", "Origin", "Source"]
