@@ -4,6 +4,7 @@ Each row is the name of a class, function or member, its signature as inspect re
 The hints are so the one place where the module is described."""
 
 import ast
+import inspect
 import sys
 
 
@@ -42,7 +43,7 @@ def rows(body, prefix=""):
                 continue
             yield prefix + node.name, sign, ast.get_docstring(node) or ""
         elif isinstance(node, ast.AnnAssign) and prefix:
-            yield prefix + node.target.id, "", text_after(body, i)
+            yield prefix + node.target.id, "", inspect.cleandoc(text_after(body, i))
 
 
 def quoted(text):

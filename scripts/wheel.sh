@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
 # Builds the wheel into build/wheel, installs it into a new virtual environment and runs the Python tests
 # against it: wheel.sh
-# numpy, rasterio and the other peers of the tests are those of the system.
+# numpy, rasterio and the other peers of the tests are those of the system. PYTHON names the interpreter.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 python=${PYTHON:-/usr/bin/python3}
 out=build/wheel
+if ! "$python" -c 'import build, pybind11, scikit_build_core'; then
+    echo "wheel: install python3-build, python3-pybind11 and python3-scikit-build-core; Debian has them from 13 on" >&2
+    exit 1
+fi
 rm -rf "$out"
 "$python" -m build --no-isolation --wheel --outdir "$out" .
 wheel=$(echo "$out"/mapanchor-*.whl)

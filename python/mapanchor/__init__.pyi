@@ -1,12 +1,21 @@
 from dataclasses import dataclass
 from enum import Enum
 from os import PathLike
-from typing import Any, Dict, Iterable, List, Optional, Protocol, Sequence, Tuple, Union, overload
+from typing import Any, Dict, Generic, Iterable, List, Optional, Protocol, Sequence, Tuple, TypeVar, Union, overload
 
 from ._words import Word
 
 _Path = Union[str, bytes, "PathLike[str]", "PathLike[bytes]"]
 _Affine = Tuple[float, float, float, float, float, float]
+
+_Got = TypeVar("_Got", covariant=True)
+_Given = TypeVar("_Given", contravariant=True)
+
+class _Part(Generic[_Got, _Given]):
+    """A property to which more can be assigned than it returns."""
+
+    def __get__(self, owner: Any, type: Any = None) -> _Got: ...
+    def __set__(self, owner: Any, value: _Given) -> None: ...
 
 class _HasWkt(Protocol):
     def to_wkt(self) -> str: ...
@@ -281,27 +290,15 @@ class Reference:
         transform: Union[Transform, _Terms, None] = None,
         points: Iterable[Point] = (),
     ) -> None: ...
-    @property
-    def crs(self) -> Optional[CoordSys]:
-        """The coordinate system; whatever CoordSys() understands can be assigned."""
-    @crs.setter
-    def crs(self, system: Optional[_System]) -> None: ...
-    @property
-    def transform(self) -> Optional[Transform]:
-        """From pixels to the system; six terms or an affine.Affine can be assigned."""
-    @transform.setter
-    def transform(self, transform: Union[Transform, _Terms, None]) -> None: ...
-    @property
-    def affine(self) -> Optional[_Affine]:
-        """The six terms of the transform; None when it is missing or not affine. An affine.Affine can be
-        assigned."""
-    @affine.setter
-    def affine(self, terms: _Terms) -> None: ...
-    @property
-    def points(self) -> List[Point]:
-        """A copy of the control points: assign a list to change them."""
-    @points.setter
-    def points(self, points: Iterable[Point]) -> None: ...
+    crs: _Part[Optional[CoordSys], Optional[_System]]
+    """The coordinate system; whatever CoordSys() understands can be assigned."""
+    transform: _Part[Optional[Transform], Union[Transform, _Terms, None]]
+    """From pixels to the system; six terms or an affine.Affine can be assigned."""
+    affine: _Part[Optional[_Affine], _Terms]
+    """The six terms of the transform; None when it is missing or not affine. An affine.Affine can be
+    assigned."""
+    points: _Part[List[Point], Iterable[Point]]
+    """A copy of the control points: assign a list to change them."""
     @property
     def pixel_is_point(self) -> bool:
         """The source states positions of pixel centres; the transform is not moved by it."""

@@ -183,3 +183,21 @@ def test_hints_name_what_is_there():
     for words in (mapanchor.Type, Fit, mapanchor.Box):
         hints = {node.targets[0].id: node.value.value for node in hinted[words.__name__].body[1:]}
         assert hints == {member: word.value for member, word in words.__members__.items()}
+
+
+def test_hints_are_checked_by_mypy(tmp_path, monkeypatch):
+    api = pytest.importorskip("mypy.api")
+    (tmp_path / "use.py").write_text(
+        """import mapanchor
+mapanchor.read('a', 'WLD', fit='tps', box=mapanchor.Box.CROP).crs = 4326
+mapanchor.Reference(mapanchor.CoordSys('EPSG:4326'), (1, 0, 0, 0, 1, 0)).footprint()['type']
+x: float = mapanchor.Transform(1, 0, 0, 0, 1, 0).to_world(1, 2)[0]
+word: str = mapanchor.Type.WLD
+mapanchor.read(3)
+mapanchor.read('a').kind = 'WLD'
+"""
+    )
+    monkeypatch.chdir(tmp_path)
+    monkeypatch.setenv("MYPYPATH", str(pathlib.Path(mapanchor.__file__).parents[1]))
+    said, _, _ = api.run(["--strict", "use.py"])
+    assert [line.split(":")[1] for line in said.splitlines()[:-1]] == ["6", "7"], said
