@@ -134,7 +134,7 @@ private:
     NameSource::Settings SourceSettings();
     void Deal();
     void Finish(JobOutcome outcome);
-    void Write(const Row& row);
+    void Write(const Row& row, std::string& text);
     void WriteInOrder();
     std::optional<std::size_t> Left() const;
 
@@ -201,8 +201,14 @@ void Batch::Deal() {
     }
 }
 
-void Batch::Write(const Row& row) {
-    out_.Print(row.text);
+/// Adds the row to a text of rows, which is printed at the latest when it is long.
+void Batch::Write(const Row& row, std::string& text) {
+    constexpr std::size_t kLong = std::size_t{1} << 18U;
+    text += row.text;
+    if (text.size() >= kLong) {
+        out_.Print(text);
+        text.clear();
+    }
     // Of several maps a file has several features, each on its own line.
     for (std::size_t at = 0; index_ && at < row.feature.size();) {
         const std::size_t end = std::min(row.feature.find('\n', at), row.feature.size() - 1) + 1;
@@ -213,10 +219,12 @@ void Batch::Write(const Row& row) {
 }
 
 void Batch::WriteInOrder() {
+    std::string text;
     while (!waiting_.empty() && (options_.unordered || waiting_.begin()->first == written_)) {
-        Write(waiting_.begin()->second);
+        Write(waiting_.begin()->second, text);
         waiting_.erase(waiting_.begin());
     }
+    if (!text.empty()) out_.Print(text);
 }
 
 void Batch::Finish(JobOutcome outcome) {
@@ -225,7 +233,6 @@ void Batch::Finish(JobOutcome outcome) {
     tally_.Count(row.status);
     progress_.Count(row.status != ExitStatus::Done && row.status != ExitStatus::Warnings);
     waiting_.emplace(outcome.job.number, std::move(row));
-    WriteInOrder();
 }
 
 std::optional<std::size_t> Batch::Left() const {
@@ -245,6 +252,7 @@ ExitStatus Batch::Run() {
             !pool_.HasFree() || source_.Pending() > 0 || source_.Descriptor() >= 0 || source_.IsListed();
         for (JobOutcome& outcome : pool_.Wait(source_.Descriptor(), can_wait ? kTick : kTick * 0))
             Finish(std::move(outcome));
+        WriteInOrder();
         progress_.Tell(Left());
     }
     if (index_) index_->Close();
