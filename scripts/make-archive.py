@@ -3,6 +3,7 @@
 
 make-archive.py geotiff COUNT FOLDER   GeoTIFFs of 20 systems
 make-archive.py world COUNT FOLDER     world files without rasters
+make-archive.py placed COUNT FOLDER    world files with a prj, which count as one
 make-archive.py pdf COUNT FOLDER       geospatial PDFs of one page
 make-archive.py mixed COUNT FOLDER     of 1,000 files 850 GeoTIFFs, 50 of them with a world file beside
                                        them, and 50 world files with a prj; hard links to a few hundred
@@ -68,7 +69,17 @@ def world(number):
 
 
 def prj(number):
-    return f"EPSG:{place(number)[0]}\n".encode()
+    """WGS 84, or a UTM zone of it."""
+    code = place(number)[0]
+    geographic = ('GEOGCS["GCS_WGS_1984",DATUM["D_WGS_1984",SPHEROID["WGS_1984",6378137.0,298.257223563]],'
+                  'PRIMEM["Greenwich",0.0],UNIT["Degree",0.0174532925199433]]')
+    if is_geographic(code):
+        return f"{geographic}\n".encode()
+    zone = code - 32600 if 32600 < code <= 32660 else 32
+    return (f'PROJCS["WGS_1984_UTM_Zone_{zone}N",{geographic},PROJECTION["Transverse_Mercator"],'
+            'PARAMETER["False_Easting",500000.0],PARAMETER["False_Northing",0.0],'
+            f'PARAMETER["Central_Meridian",{zone * 6 - 183}.0],PARAMETER["Scale_Factor",0.9996],'
+            'PARAMETER["Latitude_Of_Origin",0.0],UNIT["Meter",1.0]]\n').encode()
 
 
 def pdf(number):
@@ -80,8 +91,9 @@ def pdf(number):
         "<</Type/Page/Parent 2 0 R/MediaBox[0 0 600 800]/Resources<<>>/Contents 4 0 R/VP[<</Type/Viewport"
         "/BBox[50 50 550 750]/Measure 5 0 R>>]>>",
         "<</Length 0>>stream\n\nendstream",
-        f"<</Type/Measure/Subtype/GEO/GCS<</Type/GEOGCS/EPSG 4326>>/GPTS[{corners}]/LPTS[0 0 0 1 1 1 1 0]"
-        "/Bounds[0 0 0 1 1 1 1 0]>>")
+        f"<</Type/Measure/Subtype/GEO/GCS 6 0 R/GPTS[{corners}]/LPTS[0 0 0 1 1 1 1 0]"
+        "/Bounds[0 0 0 1 1 1 1 0]>>",
+        "<</Type/GEOGCS/EPSG 4326>>")
     text, places = "%PDF-1.7\n", []
     for i, item in enumerate(objects, 1):
         places.append(len(text))
@@ -92,6 +104,10 @@ def pdf(number):
             f"startxref\n{len(text)}\n%%EOF\n").encode()
 
 
+KINDS = {"geotiff": [(".tif", geotiff)], "world": [(".tfw", world)],
+         "placed": [(".tfw", world), (".prj", prj)], "pdf": [(".pdf", pdf)]}
+
+
 def folder_of(options, number):
     folder = options.folder / f"{number // options.per_folder:04d}"
     if number % options.per_folder == 0:
@@ -99,9 +115,11 @@ def folder_of(options, number):
     return folder
 
 
-def make_alike(options, content, extension):
+def make_alike(options, contents):
     for number in range(options.count):
-        (folder_of(options, number) / f"file{number:07d}{extension}").write_bytes(content(number))
+        folder = folder_of(options, number)
+        for extension, content in contents:
+            (folder / f"file{number:07d}{extension}").write_bytes(content(number))
 
 
 def make_mixed(options):
@@ -126,15 +144,14 @@ def make_mixed(options):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("kind", choices=("geotiff", "world", "pdf", "mixed"))
+    parser.add_argument("kind", choices=(*KINDS, "mixed"))
     parser.add_argument("count", type=int)
     parser.add_argument("folder", type=pathlib.Path)
     parser.add_argument("--per-folder", type=int, default=1000)
     options = parser.parse_args()
     if options.kind == "mixed":
         return make_mixed(options)
-    content = {"geotiff": geotiff, "world": world, "pdf": pdf}[options.kind]
-    return make_alike(options, content, {"geotiff": ".tif", "world": ".tfw", "pdf": ".pdf"}[options.kind])
+    return make_alike(options, KINDS[options.kind])
 
 
 if __name__ == "__main__":

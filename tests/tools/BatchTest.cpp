@@ -193,6 +193,42 @@ TEST_F(BatchRun, ResumeTouchesNothingThatIsNotItsOwn) {
     EXPECT_FALSE(fs::exists(folder / "new"));
 }
 
+TEST_F(BatchRun, NamesWithoutExactlyOneRowAreReported) {
+    const auto row = [](const std::string& name) {
+        return R"({"description":")" + name + R"(","mapanchor":{"schemaVersion":2,"ok":true}})" + "\n";
+    };
+    const std::string a = row("a"), b = row("b c");
+    folder.Write("list", "a\r\nb c\n\nd");
+    const struct {
+        std::string rows;
+        int status;
+        std::string out;
+        std::string err;
+    } cases[] = {{a + row("d") + b, 0, "", ""},
+                 {a, 3, "b c\nd\n", ""},
+                 {"", 3, "a\nb c\nd\n", ""},
+                 {a + b + a + row("d") + a, 3, "", "2 rows too many for a"},
+                 {a + b + row("d") + row("e"), 3, "", "line 4 is of a file that is not in the list: e"},
+                 {a + b + row("d").substr(0, 30), 3, "d\n", "not written to its end"},
+                 {a + "{}\n" + b, 2, "", "line 2 is not a row"}};
+    for (const auto& [rows, status, out, err] : cases) {
+        folder.Write("rows", rows);
+        const ToolRun run = folder.ExpectRun("batch --missing %list %rows", status, {}, {err});
+        EXPECT_EQ(run.out, out) << rows;
+    }
+    folder.Write("more", b);
+    folder.Write("rows", a);
+    EXPECT_EQ(RunTool({"batch", "--missing", "-", "-0", folder / "rows", folder / "more"},
+                      {.in = std::string("a\0b c\0x\ny\0", 11)})
+                  .out,
+              std::string("x\ny\0", 4));
+    for (const auto& [words, status] : {std::pair("batch --missing %none %rows", 2),
+                                        {"batch --missing %list %none", 2},
+                                        {"batch --missing %list", 64},
+                                        {"batch --missing %list --shard 1/2 %rows", 64}})
+        folder.ExpectRun(words, status);
+}
+
 TEST_F(BatchRun, NamesThatAreNotUtf8StayApart) {
     const std::vector<std::string> names = {"\xFF%.tfw", "\xFE%.tfw", "\xEF\xBF\xBD%.tfw"};
     for (int run = 0; run < 2; ++run) {

@@ -1,4 +1,5 @@
 #include "batch/Index.h"
+#include "batch/MissingRows.h"
 #include "batch/NameSource.h"
 #include "batch/Progress.h"
 #include "batch/Row.h"
@@ -37,7 +38,8 @@ constexpr const char* kBatchDescription =
     "  mapanchor batch --jobs 8 --resume rows.jsonl /archive\n"
     "  mapanchor batch --to geojsonseq --unordered /archive\n"
     "  mapanchor batch --index footprints.gpkg /archive > rows.jsonl\n"
-    "  mapanchor batch --shard 2/5 /archive > rows-2.jsonl";
+    "  mapanchor batch --shard 2/5 /archive > rows-2.jsonl\n"
+    "  mapanchor batch --missing names.txt rows-*.jsonl";
 
 struct BatchOptions {
     CommonOptions common;
@@ -52,6 +54,7 @@ struct BatchOptions {
     RowFormat format = RowFormat::JsonLines;
     std::string index;
     std::string resume;
+    std::string missing;
     int jobs = 0;  ///< 0: one for each processor
     double seconds = 60.0;
     std::uint64_t megabytes = 2048;
@@ -262,6 +265,9 @@ ExitStatus Batch::Run() {
 }
 
 ExitStatus Run(const BatchOptions& options) {
+    if (!options.missing.empty())
+        return PrintMissing({options.missing, options.roots, options.nul_separated},
+                            options.common.MakeConsole());
     return Batch(options).Run();
 }
 
@@ -321,6 +327,17 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
         ->excludes(to)
         ->excludes(index)
         ->excludes(all_maps);
+    batch
+        .add_option("--missing", options.missing,
+                    "Read no files, but a list of names (- for stdin) and, as NAME, files of rows in jsonl. "
+                    "Print the names without a row; the exit status is 0 only with exactly one row for each")
+        ->check(RefuseEmpty)
+        ->type_name("LIST")
+        ->excludes(to)
+        ->excludes(index)
+        ->excludes(all_maps)
+        ->excludes("--resume")
+        ->excludes("--shard");
     batch.add_flag("--progress", options.progress, "Show progress on stderr even if it is not a terminal");
 }
 
@@ -349,6 +366,8 @@ void AddBatchCommand(CLI::App& app, ExitStatus& status) {
     options->read.AddTo(*batch);
     options->common.AddTo(*batch);
     batch->callback([options, &status] {
+        if (options->roots.empty() && !options->missing.empty())
+            throw CLI::ValidationError("--missing", "wants the files of rows as well, such as rows*.jsonl");
         if (options->roots.empty()) options->roots.emplace_back("-");
         if (options->all_maps && options->format == RowFormat::Stac)
             throw CLI::ValidationError("--all-maps", "an item of STAC is one file; use another --to");
