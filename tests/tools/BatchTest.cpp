@@ -117,16 +117,19 @@ TEST_F(BatchRun, ABadFileFailsOnlyItsOwnRow) {
 #endif
                                      {"huge.tfw", at_limit, "--memory 8"}};
     for (const auto& [file, type, limit] : limits) {
+        Strings names(8, "a.tfw");  // quick ones, so that others wait behind the bad one
+        names.push_back(file);
+        names.insert(names.end(), 8, "b.tfw");
         std::thread killer;
         if (file == "dies.rsf") killer = std::thread(KillBusyWorker, SIGSEGV);
-        const ToolRun run =
-            RunTool(Words("batch --jobs 1 " + limit), {.in = Names({"a.tfw", file, "b.tfw"})});
+        const ToolRun run = RunTool(Words("batch --jobs 1 " + limit), {.in = Names(names)});
         if (killer.joinable()) killer.join();
         EXPECT_EQ(run.status, 3) << file << run.err;
         const auto rows = run.Objects();
-        ASSERT_EQ(FilesOf(run), (Strings{"a.tfw", file, "b.tfw"}));
-        EXPECT_EQ(rows[1]["mapanchor"].value("/error/type"_json_pointer, ""), type) << rows[1];
-        EXPECT_TRUE(rows[0]["mapanchor"]["ok"] == true && rows[2]["mapanchor"]["ok"] == true) << file;
+        ASSERT_EQ(FilesOf(run), names);
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            EXPECT_EQ(rows[i]["mapanchor"].value("/error/type"_json_pointer, ""), i == 8 ? type : "")
+                << rows[i];
     }
 }
 
