@@ -59,11 +59,12 @@ bool IsEmpty(const BGeoReference& reference) {
 }
 
 void ReadByName(const BReadingOptions& options, ReadingState& state) {
-    const BString kind =
+    const std::string kind =
         BReferenceFormats::Read(state.file, state.reference, state.used_file, options.GetWidth(),
-                                options.GetHeight(), options.GetMathType(), &options.GetState().params);
+                                options.GetHeight(), options.GetMathType(), &options.GetState().params)
+            .StdStr();
     state.by_name = true;
-    state.kind = FindRow([&](const ReferenceFormat& row) { return kind == BString(row.name); });
+    state.kind = FindRow([&](const ReferenceFormat& row) { return kind == row.name; });
 }
 
 void ReadByType(EReferenceType type, const BReadingOptions& options, ReadingState& state) {

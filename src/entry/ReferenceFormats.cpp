@@ -66,13 +66,14 @@ bool IsKept(Keeps keeps, bool by_type) {
 }
 
 /// The whole of a name is no ending: ".points" is a hidden file without one.
-bool IsTypedName(const ReferenceFormat& format, const BString& file) {
-    if (format.typed_extensions.empty()) return false;
-    const BString name = Tellurion::BFileUtilities::GetFileName(file).ToLower();
-    return std::any_of(format.typed_extensions.begin(), format.typed_extensions.end(),
-                       [&name](std::u16string_view ending) {
-                           return name.GetUnits().size() > ending.size() && name.GetUnits().ends_with(ending);
-                       });
+BString LowerName(const BString& file) {
+    return Tellurion::BFileUtilities::GetFileName(file).ToLower();
+}
+
+bool IsTypedName(const ReferenceFormat& format, std::u16string_view name) {
+    return std::any_of(
+        format.typed_extensions.begin(), format.typed_extensions.end(),
+        [name](std::u16string_view ending) { return name.size() > ending.size() && name.ends_with(ending); });
 }
 
 /// Some rows only answer for others.
@@ -112,7 +113,9 @@ const ReferenceFormat* FindFormatByType(EReferenceType type) {
 }
 
 const ReferenceFormat* FindFormatByTypedName(const BString& file) {
-    return FindFormat([&file](const ReferenceFormat& format) { return IsTypedName(format, file); });
+    const BString name = LowerName(file);
+    return FindFormat(
+        [&name](const ReferenceFormat& format) { return IsTypedName(format, name.GetUnits()); });
 }
 
 const ReferenceFormat* FindFormatToRead(std::u16string_view extension) {
@@ -176,7 +179,7 @@ std::vector<BString> BReferenceFormat::GetSaveExtensions() const {
 }
 
 bool BReferenceFormat::IsNamedByType(const BString& file) const {
-    return IsTypedName(*row_, file);
+    return IsTypedName(*row_, LowerName(file).GetUnits());
 }
 
 std::vector<BString> BReferenceFormat::GetTypedExtensions() const {

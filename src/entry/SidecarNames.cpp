@@ -9,6 +9,7 @@
 #include <Tellurion/BFileUtilities.h>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,31 +24,47 @@ namespace {
 /// What a name has behind a raster's stem or behind its whole name.
 struct Ending {
     const char* kind;
-    std::string text;  ///< in lower case, with its dot
+    std::string_view text;  ///< in lower case, with its dot
     bool behind_name = false;
 };
 
-std::vector<Ending> EndingsFor(const BString& raster) {
-    const std::string own = BMapAnchor::GenerateWorldFileExt(raster).StdStr();
-    const std::string long_one = BFileUtilities::GetExtension(raster).ToLower().StdStr() + "w";
-    std::vector<Ending> endings = {{"aux.xml", ".aux.xml", true}};
-    if (own.size() > 2) endings.push_back({"WLD", own});
-    if (long_one != own && long_one.size() > 2) endings.push_back({"WLD", long_one});
-    for (const auto& [kind, text] :
-         {std::pair("WLD", ".wld"), {"TAB", ".tab"}, {"ERS", ".ers"}, {"RSF", ".rsf"}, {"PRJ", ".prj"}})
-        endings.push_back({kind, text});
-    endings.push_back({"POINTS", ".points", true});  // as QGIS names it
-    endings.push_back({"POINTS", ".points"});
-    return endings;
-}
+/// The endings of a raster's sidecars.
+struct SidecarEndings {
+    std::string own;       ///< of its world file, by the usual rule
+    std::string long_one;  ///< and with the whole extension
+    std::array<Ending, 10> all;
 
-std::vector<Ending> RasterEndings() {
-    std::vector<Ending> endings;
-    for (const char* text :
-         {".tif", ".tiff", ".jpg", ".jpeg", ".png", ".jp2", ".bmp", ".gif", ".img", ".kap", ".sid", ".ecw"})
-        endings.push_back({"", text});
-    return endings;
-}
+    explicit SidecarEndings(const BString& raster)
+        : own(BMapAnchor::GenerateWorldFileExt(raster).StdStr()),
+          long_one(BFileUtilities::GetExtension(raster).ToLower().StdStr() + "w"),
+          all{{{"aux.xml", ".aux.xml", true},
+               {"WLD", own.size() > 2 ? std::string_view(own) : kNone},
+               {"WLD", long_one != own && long_one.size() > 2 ? std::string_view(long_one) : kNone},
+               {"WLD", ".wld"},
+               {"TAB", ".tab"},
+               {"ERS", ".ers"},
+               {"RSF", ".rsf"},
+               {"PRJ", ".prj"},
+               {"POINTS", ".points", true},  // as QGIS names it
+               {"POINTS", ".points"}}} {}
+    SidecarEndings(const SidecarEndings&) = delete;
+    SidecarEndings& operator=(const SidecarEndings&) = delete;
+
+    static constexpr std::string_view kNone = {};
+};
+
+constexpr std::array<Ending, 12> kRasterEndings = {{{"", ".tif"},
+                                                    {"", ".tiff"},
+                                                    {"", ".jpg"},
+                                                    {"", ".jpeg"},
+                                                    {"", ".png"},
+                                                    {"", ".jp2"},
+                                                    {"", ".bmp"},
+                                                    {"", ".gif"},
+                                                    {"", ".img"},
+                                                    {"", ".kap"},
+                                                    {"", ".sid"},
+                                                    {"", ".ecw"}}};
 
 /// The folder of a file, with the slash; and its stem and name there.
 struct Place {
@@ -90,15 +107,14 @@ bool IsRegular(const std::string& file) {
 }
 
 /// The spelling of a name that is there, lower case before upper and mixed; empty for none.
-std::string FindIn(const std::vector<std::string>& names, const std::string& base,
-                   const std::string& ending) {
+std::string FindIn(const std::vector<std::string>& names, const std::string& base, std::string_view ending) {
     std::string found;
     for (const std::string& name : names) {
         if (name.size() != base.size() + ending.size() || !name.starts_with(base)) continue;
-        const std::string rest = name.substr(base.size());
+        const std::string_view rest = std::string_view(name).substr(base.size());
         if (Tellurion::LowerAscii(rest) != ending) continue;
         if (found.empty() || rest == ending ||
-            (rest == Tellurion::UpperAscii(ending) && found != base + ending))
+            (rest == Tellurion::UpperAscii(ending) && found != base + std::string(ending)))
             found = name;
     }
     return found;
@@ -111,7 +127,7 @@ std::string Find(const Place& place, const std::optional<std::vector<std::string
         const std::string name = FindIn(*names, base, ending.text);
         return !name.empty() && IsRegular(place.folder + name) ? place.folder + name : "";
     }
-    for (const std::string& text : {ending.text, Tellurion::UpperAscii(ending.text)}) {
+    for (const std::string& text : {std::string(ending.text), Tellurion::UpperAscii(ending.text)}) {
         if (text == ending.text || !ending.behind_name)
             if (IsRegular(place.folder + base + text)) return place.folder + base + text;
     }
@@ -125,7 +141,9 @@ std::vector<SidecarName> FindSidecars(const BString& raster) {
     const auto names = List(place);
     std::vector<SidecarName> found;
     if (names && names->empty()) return found;
-    for (const Ending& ending : EndingsFor(raster)) {
+    const SidecarEndings endings(raster);
+    for (const Ending& ending : endings.all) {
+        if (ending.text.empty()) continue;
         const std::string file = Find(place, names, ending);
         if (!file.empty() && file != raster.StdStr()) found.push_back({ending.kind, BString(file)});
     }
@@ -136,7 +154,7 @@ BString FindRasterBeside(const BString& sidecar) {
     const Place place(sidecar.StdStr());
     const auto names = List(place);
     if (names && names->empty()) return {};
-    for (const Ending& ending : RasterEndings()) {
+    for (const Ending& ending : kRasterEndings) {
         const std::string file = Find(place, names, ending);
         if (!file.empty() && file != sidecar.StdStr()) return BString(file);
     }
@@ -146,7 +164,7 @@ BString FindRasterBeside(const BString& sidecar) {
 bool IsSidecarName(const BString& file) {
     const std::u16string extension = BFileUtilities::GetExtension(file).ToLower().GetUnits();
     const ReferenceFormat* const row = FindFormatToRead(extension);
-    if (row && row->sidecar) return true;
+    if (row) return row->sidecar;
     const ReferenceFormat* const typed = FindFormatByTypedName(file);
     if (typed && typed->sidecar) return true;
     const auto& of_world_files = FindFormatByType(Tellurion::EReferenceType::WLD)->save_extensions;
@@ -157,8 +175,8 @@ bool IsRasterExtension(const BString& extension) {
     if (IsPlainRasterExtension(extension.GetUnits())) return true;
     const ReferenceFormat* const row = FindFormatToRead(extension.GetUnits());
     if (row) return !row->sidecar;
-    for (const Ending& ending : RasterEndings())
-        if (extension == BString(ending.text)) return true;
+    for (const Ending& ending : kRasterEndings)
+        if (extension == BString(std::string(ending.text))) return true;
     return false;
 }
 

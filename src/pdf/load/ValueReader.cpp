@@ -96,8 +96,9 @@ std::int64_t ValueReader::ReadValue(std::int64_t position, PdfVariant& value) {
     SyntaxTracker tracker;
     std::int64_t end = position;
     while (!tracker.ValueEnded()) {
-        const int byte = file_.At(end++);
+        const int byte = file_.At(end);
         RequirePlain(byte >= 0 && ++text_ < kText);
+        ++end;
         tracker.Consume(static_cast<unsigned char>(byte));
         RequirePlain(tracker.Depth() <= LoadBudget::kDeepest &&
                      tracker.Values() <= LoadBudget::kValuesOfOneObject &&
@@ -132,8 +133,10 @@ std::int64_t ValueReader::TakeNumber(std::int64_t& position) {
 bool ValueReader::TakeWord(std::int64_t& position, std::string_view word) {
     SkipWhite(position);
     std::int64_t at = position;
-    for (const char byte : word)
-        if (file_.At(at++) != byte) return false;
+    for (const char byte : word) {
+        if (file_.At(at) != byte) return false;
+        ++at;  // only now: a file may name any number as a place
+    }
     position = at;
     return true;
 }

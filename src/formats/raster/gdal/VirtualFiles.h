@@ -13,7 +13,7 @@ namespace MapAnchor::VirtualFiles {
 
 /// True for a name that begins with a prefix of that layer, and that is not a plain file.
 inline bool IsName(const Tellurion::BString& file) {
-    return file.StdStr().starts_with("/vsi") && !Tellurion::BFileUtilities::IsRegularFile(file);
+    return file.GetUnits().starts_with(u"/vsi") && !Tellurion::BFileUtilities::IsRegularFile(file);
 }
 
 enum class Kind { None, File, Folder };
