@@ -1,6 +1,6 @@
 from enum import Enum
 from os import PathLike
-from typing import Any, Dict, Generic, Iterable, List, Optional, Protocol, Sequence, Tuple, TypeVar, Union, overload
+from typing import Any, Dict, Generic, List, Optional, Protocol, Sequence, Tuple, TypeVar, Union, overload
 
 from ._values import Diagnostic as Diagnostic
 from ._values import Map as Map
@@ -231,7 +231,7 @@ class Reference:
         self,
         crs: Optional[_System] = None,
         transform: Union[Transform, _Terms, None] = None,
-        points: Iterable[Point] = (),
+        points: Sequence[Point] = (),
     ) -> None: ...
     crs: _Part[Optional[CoordSys], Optional[_System]]
     """The coordinate system; whatever CoordSys() understands can be assigned."""
@@ -240,7 +240,7 @@ class Reference:
     affine: _Part[Optional[_Affine], _Terms]
     """The six terms of the transform; None when it is missing or not affine. An affine.Affine can be
     assigned."""
-    points: _Part[List[Point], Iterable[Point]]
+    points: _Part[List[Point], Sequence[Point]]
     """A copy of the control points: assign a list to change them."""
     @property
     def pixel_is_point(self) -> bool:
@@ -473,7 +473,7 @@ class FitReport:
         """Scale, rotation and shear in a sentence."""
 
 def fit(
-    points: Iterable[Union[ControlPoint, Point]],
+    points: Sequence[Union[ControlPoint, Point]],
     kind: Union[Fit, str] = "affine",
     *,
     width: int = 0,
@@ -482,7 +482,7 @@ def fit(
     """The transform through the points that are enabled; Error when they cannot carry it."""
 
 def report(
-    points: Iterable[Union[ControlPoint, Point]],
+    points: Sequence[Union[ControlPoint, Point]],
     kind: Union[Fit, str] = "affine",
     *,
     width: int = 0,
@@ -491,6 +491,6 @@ def report(
     """The same with its residuals, left-out residuals and suspects."""
 
 def compare(
-    points: Iterable[Union[ControlPoint, Point]], *, width: int = 0, height: int = 0
+    points: Sequence[Union[ControlPoint, Point]], *, width: int = 0, height: int = 0
 ) -> List[Alternative]:
     """All fits that the points carry, from simple to rich, compared by their left-out residuals."""

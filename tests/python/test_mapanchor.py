@@ -177,6 +177,9 @@ def test_hints_name_what_is_there():
             members = {member for member in members if member[0] != "_"}
             there_are = {member for member, _ in inspect.getmembers(there) if member[0] != "_"}
             assert members == there_are, name
+            for member in there_are:
+                if callable(getattr(there, member)):
+                    assert list(inspect.signature(getattr(there, member)).parameters)[0] == "self", member
         if not inspect.isclass(there):
             assert list(inspect.signature(there).parameters) == [
                 argument.arg for argument in hinted[name].args.args + hinted[name].args.kwonlyargs
