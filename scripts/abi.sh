@@ -17,7 +17,7 @@ mkdir "$scratch/include"
 abidw --headers-dir "$scratch/include" --drop-private-types --drop-undefined-syms --no-corpus-path \
     --no-comp-dir-path --no-show-locs --no-parameter-names --type-id-style hash --no-elf-needed \
     --suppressions abi/suppressions.ini "$build/lib/libmapanchor_abi.so" |
-    sed "s/^ *//; s|path='[^']*/\(src\|capi\)/|path='\1/|" >"$new"
+    sed -E "s/^ *//; s#path='[^']*/(src|capi)/#path='\1/#" >"$new"
 if grep -q "$PWD\|$HOME/" "$new"; then
     echo "abi: the description names a folder of this machine" >&2
     exit 1
