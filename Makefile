@@ -64,9 +64,10 @@ abi: build ## compare the public ABI with the one that is kept in abi/
 abi-update: build ## keep the public ABI as it is now
 	@scripts/abi.sh build/release $(JOBS) --renew
 
-docs: setup ## make the API reference of the installed headers, into build/release/docs
+docs: setup ## build the documentation site with the API reference, into build/release/site/html
 	@cmake --preset release >/dev/null
 	@scripts/docs.sh build/release build/release/docs
+	@/usr/bin/python3 scripts/site.py build/release/docs/html build/release/site
 
 package: setup ## build the Debian packages and look them over with lintian
 	@scripts/package.sh $(JOBS)

@@ -5,7 +5,7 @@ tool=$(realpath "$1")
 cd "$(dirname "$0")"
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-cp innsbruck.* sheet.* yosemite.png "$scratch"
+cp innsbruck.* sheet.* yosemite.* "$scratch"
 cd "$scratch"
 
 say() { printf '\n# %s\n' "$*"; }
@@ -21,23 +21,24 @@ say 'A sidecar: its numbers, and the same as another kind'
 show info innsbruck.tfw
 show convert --size 3000x2000 innsbruck.tfw innsbruck.rsf
 
-say 'A scan: the report names the point that was typed wrongly'
-show georeference sheet.png --gcps sheet.csv --crs EPSG:25832
+say 'A scan of 1897 with points of today: the report names the one that does not fit'
+scan=(georeference yosemite.png --gcps yosemite.csv --crs EPSG:26911)
+show "${scan[@]}"
 
-say 'Without it the fit is good, and is saved'
-show georeference sheet.png --gcps sheet.csv --crs EPSG:25832 --drop P7 -o sheet.pgw
-
-say 'A part of a scan of 1897 whose bounds are known, and a picture of where it is'
-show georeference yosemite.png --crs EPSG:3857 -o yosemite.pgw \
-    --bounds=-13315941.823503986,4539747.983913189,-13306157.883883484,4549531.923533691
+say 'Without it the fit is good, and is saved; a picture of where the scan is'
+show "${scan[@]}" --drop 'Yosemite Creek' -o yosemite.pgw
 show preview yosemite.png -o yosemite.svg
 
-say 'A raster with two sources that disagree'
-"$tool" georeference -q sheet.png --gcps sheet.csv --crs EPSG:25832 -o sheet.tab >report.txt || [ $? = 3 ]
-show sources sheet.png
-show info sheet.png
+say 'The same scan, whose bounds are known'
+show georeference yosemite.png --crs EPSG:3857 -o yosemite.png.aux.xml \
+    --bounds=-13315941.823503986,4539747.983913189,-13306157.883883484,4549531.923533691
+
+say 'A raster with two sources that disagree: which one wins'
+show sources yosemite.png
+show info yosemite.png
 
 say 'A PDF, georeferenced in place and read back'
+"$tool" georeference -q sheet.png --gcps sheet.csv --crs EPSG:25832 --drop P7 -o sheet.pgw >report.txt || [ $? = 3 ]
 show convert --overwrite --verify --dpi 144 sheet.pgw sheet.pdf
 show info --print crs,affine sheet.pdf
 

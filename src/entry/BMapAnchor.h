@@ -63,15 +63,14 @@ public:
     /// default.
     static const Tellurion::BString kValPDFPage;
     /// Key of a BParamList, for a read beyond the rules: the map of the page, by its name, by
-    /// its number from 1 in the order of BGeoPDFPages, or "largest". The default is the map
+    /// its number from 1 in the order of BGeoPDFPages, "largest" or "last". The default is the map
     /// that a read by the rules takes, or the largest where the rules refuse the file.
     static const Tellurion::BString kValPDFMap;
     /// Key of a BParamList, for a read beyond the rules: when it is not 0, the raster shows the
     /// page as viewers draw it, turned by its rotation and cut to its crop box.
     static const Tellurion::BString kValPDFShown;
     /// Key of a BParamList, for a read beyond the rules: the password of a PDF whose first page
-    /// is read. Without it the empty one is tried. Files of AES-256 alone are read, and those
-    /// with cross-reference streams are not.
+    /// is read. Without it the empty one is tried. Files of AES-256 alone are read.
     static const Tellurion::BString kValPDFPassword;
 
     /// Key of a BParamList, a whole number: 1 saves a PDF by an incremental update, which appends
@@ -83,6 +82,17 @@ public:
     /// well-known text cannot describe is written in version 2 of 2019, which few readers of PDF
     /// know. Without it the save is refused.
     static const Tellurion::BString kValPDFWkt2;
+    /// Key of a BParamList, for a save beyond the rules: the part of the page that the map covers, as
+    /// "left bottom right top" in points of 1/72 inch from the lower left corner of the media box. The
+    /// reference stays that of the raster, and has to be an affine transform. Without it the map covers
+    /// the raster.
+    static const Tellurion::BString kValPDFFrame;
+    /// Key of a BParamList, for a save beyond the rules: when it is not 0, the page keeps the maps that it
+    /// has, and this one comes after them. Always an incremental update; refused for a page with an
+    /// LGIDict, beside which readers see no other map.
+    static const Tellurion::BString kValPDFAdd;
+    /// Key of a BParamList, for a save beyond the rules: the name of the map, "AllLayers" without it.
+    static const Tellurion::BString kValPDFMapName;
 
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system

@@ -58,6 +58,10 @@ struct Finer {
     double FinerRow(double row) const { return (row - row_offset) * steps; }
 };
 
+bool AddsMap(const BParamList& params) {
+    return params.GetInteger(BMapAnchor::kValPDFAdd, 0) != 0;
+}
+
 /// As fine as the numbers of a pixel allow.
 Finer FinerOf(const Raster& raster) {
     constexpr double kMaxPixels = 1e9;
@@ -98,7 +102,7 @@ std::string SizeText(double width, double height) {
 }
 
 void RemarkOnPage(const BString& file, const BGeoPDFPage& page, const BGeoPDFBox& box, const Raster& raster,
-                  std::vector<BDiagnostic>& diagnostics) {
+                  const BParamList& params, std::vector<BDiagnostic>& diagnostics) {
     const auto add = [&](const char* id, const std::string& text) {
         diagnostics.push_back(DiagnosticParts{.id = id, .text = BString(text), .file = file}.Make());
     };
@@ -115,7 +119,7 @@ void RemarkOnPage(const BString& file, const BGeoPDFPage& page, const BGeoPDFBox
     if (page.Rotate != 0)
         add(DiagnosticId::kPageRotated, "the page is shown turned by " + std::to_string(page.Rotate) +
                                             " degrees; the reference refers to the unrotated page");
-    if (!page.Maps.empty())
+    if (!page.Maps.empty() && !AddsMap(params))
         add(DiagnosticId::kMapReplaced, "the reference that the page has already is replaced");
 }
 
@@ -145,7 +149,8 @@ Raster RasterOf(const BString& file, const BGeoPDFBox& box, const BSavingOptions
 /// the origin of the page in its own units.
 bool CountsFromMediaBox(const BParamList& params) {
     return params.GetInteger(BMapAnchor::kValPDFWide, 0) != 0 ||
-           params.GetInteger(BMapAnchor::kValPDFIncremental, 0) != 0;
+           params.GetInteger(BMapAnchor::kValPDFIncremental, 0) != 0 || AddsMap(params) ||
+           params.HasProperty(BMapAnchor::kValPDFFrame);
 }
 
 /// The page that is georeferenced, in the units of the save.
@@ -169,7 +174,7 @@ PagePlacement PlaceOnPage(const BString& file, const BGeoReference& reference,
         raster.left -= page.MediaBox.Left;
         raster.bottom -= page.MediaBox.Bottom;
     }
-    if (box.Present) RemarkOnPage(file, page, box, raster, placed.diagnostics);
+    if (box.Present) RemarkOnPage(file, page, box, raster, options.GetParams(), placed.diagnostics);
     placed.read_options.SetSize(raster.width, raster.height);
     placed.options.SetSize(raster.width, raster.height);
     double resolution = kPointsPerInch / raster.scale;

@@ -53,6 +53,7 @@ BReadingOptions ReadingOptionsOf(const ReferenceFormat& kind, const BGeoReferenc
             reading.SetPdfBox(params.GetInteger(BMapAnchor::kValPDFCropType, 0));
         if (params.HasProperty(BMapAnchor::kValPDFPage))
             reading.SetPdfPage(params.GetInteger(BMapAnchor::kValPDFPage, 1));
+        if (params.GetInteger(BMapAnchor::kValPDFAdd, 0) != 0) reading.SetPdfMap("last");
         if (params.HasProperty(BMapAnchor::kValPDFResolution))
             reading.SetResolution(params.GetDouble(BMapAnchor::kValPDFResolution, 0.0));
     }
@@ -177,9 +178,10 @@ bool ToPixelsOfBox(const BString& file, const BSavingOptions& options, SecondRea
 
 void AskGdal(const ReferenceFormat& kind, const BString& file, const BGeoReference& meant,
              const BSavingOptions& options, BSavingProof::Parts& proof) {
-    // GDAL's raster is the first page.
-    if (std::string_view(kind.name) == "PDF" &&
-        options.GetParams().GetInteger(BMapAnchor::kValPDFPage, 1) != 1)
+    // GDAL's raster is the first page, and its map the largest of several.
+    const BParamList& params = options.GetParams();
+    if (std::string_view(kind.name) == "PDF" && (params.GetInteger(BMapAnchor::kValPDFPage, 1) != 1 ||
+                                                 params.GetInteger(BMapAnchor::kValPDFAdd, 0) != 0))
         return;
     std::string refusal;
     std::optional<SecondReading> gdal = ReadByGdalAlone(kind, file, refusal);

@@ -23,6 +23,13 @@ struct PdfParameters {
     static constexpr const char* kIncremental = "MAP_ANCHOR_PDF_INCREMENTAL";
     /// Not 0: a system that ESRI's text cannot describe is written in well-known text 2.
     static constexpr const char* kWkt2 = "MAP_ANCHOR_PDF_WKT2";
+    /// The part of the page that the map covers, "left bottom right top" in points of 1/72 inch
+    /// from the lower left corner of the media box; without it the raster.
+    static constexpr const char* kFrame = "MAP_ANCHOR_PDF_FRAME";
+    /// Not 0: the page keeps its maps, and this one comes last. Always an update.
+    static constexpr const char* kAdd = "MAP_ANCHOR_PDF_ADD";
+    /// The name of the viewport, "AllLayers" without it.
+    static constexpr const char* kMapName = "MAP_ANCHOR_PDF_MAP_NAME";
 };
 
 }  // namespace MapAnchor

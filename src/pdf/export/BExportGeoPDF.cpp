@@ -78,6 +78,10 @@ void BExportGeoPDF::SetCoordSysName(const BString& name) {
     coord_sys_name_ = ToQString(name);
 }
 
+void BExportGeoPDF::SetMapName(const BString& name) {
+    SetViewportName(ToQString(name));
+}
+
 void BExportGeoPDF::AddTiePoint(const CPDFPathPoint& pixel, const CPDFPathPoint& world) {
     pixel_points_.push_back(pixel);
     world_points_.push_back(world);

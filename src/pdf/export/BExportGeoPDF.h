@@ -27,6 +27,8 @@ public:
     void SetRemovesLGIDict(bool removes) { removes_lgi_dict_ = removes; }
     void SetUnitName(const Tellurion::BString& name);
     void SetCoordSysName(const Tellurion::BString& name);
+    /// Of the viewport; "AllLayers" until set.
+    void SetMapName(const Tellurion::BString& name);
     /// A pixel's place on the page in points, from the top left, and its longitude
     /// (x) and latitude (y) in degrees.
     void AddTiePoint(const VellumLib::CPDFPathPoint& pixel, const VellumLib::CPDFPathPoint& world);

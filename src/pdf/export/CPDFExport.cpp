@@ -112,7 +112,7 @@ void CPDFExport::WriteViewport(CPDFDocument& document, CPDFArray& vp, const CPDF
         box.InsertPreciseReal(position++, edge);
     CPDFDictionary measure = document.CreateDictionary();
     viewport.AddReference("Measure", measure);
-    viewport.AddString("Name", "AllLayers");
+    viewport.AddString("Name", viewport_name_);
     viewport.AddName("Type", "Viewport");
     WriteMeasure(document, measure, system);
 }

@@ -42,6 +42,8 @@ public:
     void SetPageIndex(int index) { page_index_ = index; }
     /// Whether longitudes are written as they are, and not within 180 degrees of Greenwich.
     void SetKeepsLongitudes(bool keeps) { keeps_longitudes_ = keeps; }
+    /// "AllLayers" until set.
+    void SetViewportName(const QString& name) { viewport_name_ = name; }
     int GetPageIndex() const { return page_index_; }
     const QString& GetSourcePath() const { return source_path_; }
     /// True once all is in the document and the destination is being written.
@@ -99,6 +101,7 @@ private:
     bool clear_contents_ = true;
     int page_index_ = 0;
     bool keeps_longitudes_ = false;
+    QString viewport_name_ = QStringLiteral("AllLayers");
 };
 
 }  // namespace VellumLib

@@ -45,12 +45,12 @@ std::string StringText(const BString& text) {
 
 }  // namespace
 
-std::string ViewportsText(const MapToWrite& map, const PdfReference& measure) {
+std::string ViewportText(const MapToWrite& map, const PdfReference& measure) {
     const double shrunk = std::min(1.0, kLongestEdge / std::max(map.width, map.height));
     const std::string box = Numbers({map.origin[0], map.origin[1], map.origin[0] + map.width * shrunk,
                                      map.origin[1] + map.height * shrunk});
-    return "[ << /Type /Viewport /Name (AllLayers) /BBox " + box + " /Measure " + ReferenceText(measure) +
-           " >> ]";
+    return "<< /Type /Viewport /Name " + StringText(map.name) + " /BBox " + box + " /Measure " +
+           ReferenceText(measure) + " >>";
 }
 
 std::string MeasureText(const MapToWrite& map, const PdfReference& system) {

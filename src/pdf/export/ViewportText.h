@@ -17,6 +17,7 @@ struct MapToWrite {
     Tellurion::BString system_code;  ///< "EPSG:32633", or empty
     Tellurion::BString system_name;
     Tellurion::BString unit_name;
+    Tellurion::BString name = "AllLayers";  ///< of the viewport
     bool projected = false;
     double width = 0.0;  ///< of the raster on the page, in the units of the page
     double height = 0.0;
@@ -29,8 +30,8 @@ constexpr double kLongestEdge = 14400.0;
 
 // The objects of a map as they are in a file. All numbers have all their digits.
 
-/// The array of the page's viewports, with this one alone.
-std::string ViewportsText(const MapToWrite& map, const PoDoFo::PdfReference& measure);
+/// The viewport of the page.
+std::string ViewportText(const MapToWrite& map, const PoDoFo::PdfReference& measure);
 std::string MeasureText(const MapToWrite& map, const PoDoFo::PdfReference& system);
 std::string SystemText(const MapToWrite& map);
 

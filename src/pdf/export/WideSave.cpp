@@ -17,10 +17,12 @@
 #include <MapAnchor/BGeoReferenceNotSupportedException.h>
 #include <MapAnchor/BGeoReferenceWriteException.h>
 #include <MapAnchor/BReadParametersException.h>
+#include <Tellurion/AffineTerms.h>
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileNotFoundException.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
+#include <Tellurion/Numbers.h>
 
 #include <algorithm>
 #include <cmath>
@@ -43,6 +45,7 @@ using VellumLib::IncrementalUpdate;
 namespace {
 
 constexpr const char* kSource = "BRefGeoPDF::Write";
+constexpr double kPointsPerInch = 72.0;
 
 enum class EUpdate : int { Never = 0, Always = 1, WhereNeeded = 2 };
 
@@ -149,6 +152,58 @@ void PlaceOnGround(TiePoints& points, const BCoordSys& system, bool projected) {
                                    "written beyond 180 degrees, which some readers do not expect");
 }
 
+/// A part of the page in points, from the lower left corner of the media box.
+struct Frame {
+    double left = 0.0, bottom = 0.0, right = 0.0, top = 0.0;
+};
+
+std::optional<Frame> FrameOf(const BKeyValuePairs& params) {
+    if (!params.HasProperty(PdfParameters::kFrame)) return std::nullopt;
+    const BString words = params.GetString(PdfParameters::kFrame, BString());
+    const std::string text = words.StdStr();
+    std::string_view rest = text;
+    Frame frame;
+    bool held = true;
+    for (double* const number : {&frame.left, &frame.bottom, &frame.right, &frame.top})
+        held = held && Tellurion::ScanDouble(rest, *number) && std::fabs(*number) <= kLongestEdge;
+    constexpr double kLeast = 0.001;
+    if (held && rest.find_first_not_of(' ') == std::string_view::npos && frame.right - frame.left >= kLeast &&
+        frame.top - frame.bottom >= kLeast)
+        return frame;
+    throw BReadParametersException(BString::Format(
+        "The frame <%ls> of the map is not four numbers, left, bottom, right and top, in points.", words));
+}
+
+/// The raster that is the frame alone, at a thousandth of a point.
+constexpr double kFramePixel = 0.001;
+long FramePixels(double points) {
+    return std::lround(points / kFramePixel);
+}
+
+BGeoReference FramedReference(const BGeoReference& reference, const Frame& frame, long height,
+                              const BKeyValuePairs& params) {
+    RequireReference(reference);
+    Tellurion::AffineTerms t;
+    try {
+        if (!reference.HasMathTransform()) throw BException("", kSource, "");
+        reference.MathTransform->GetAffineParameters(t.a, t.b, t.c, t.d, t.e, t.f);
+    } catch (const BException&) {
+        throw Tellurion::BException("Could not generate Tie points", kSource,
+                                    "A frame on the page needs an affine transform.");
+    }
+    const double scale = PointsPerPixel(&params);
+    const double column = frame.left / scale;
+    const double row = static_cast<double>(height) - frame.top / scale;
+    const double step = kFramePixel / scale;
+    BGeoReference framed = reference;
+    framed.PointPairVector.clear();
+    const std::unique_ptr<Tellurion::BMathTransform> transform(Tellurion::BMathTransform::CreateAffine(
+        t.a * step, t.b * step, t.a * column + t.b * row + t.c, t.d * step, t.e * step,
+        t.d * column + t.e * row + t.f, true));
+    if (transform) framed.SetMathTransform(*transform);
+    return framed;
+}
+
 MapToWrite MapOf(const BGeoReference& reference, long width, long height, const BKeyValuePairs& params) {
     RequireReference(reference);
     const double scale = PointsPerPixel(&params);
@@ -174,9 +229,24 @@ MapToWrite MapOf(const BGeoReference& reference, long width, long height, const 
     return map;
 }
 
+/// The map of the frame, or of the whole raster.
+MapToWrite MapOfFrame(const BGeoReference& reference, long width, long height, const BKeyValuePairs& params) {
+    const std::optional<Frame> frame = FrameOf(params);
+    if (!frame) return MapOf(reference, width, height, params);
+    const BGeoReference framed = FramedReference(reference, *frame, height, params);
+    Tellurion::BParamList of_frame;
+    of_frame.SetDouble(PdfParameters::kResolution, kPointsPerInch / kFramePixel);
+    of_frame.SetInteger(PdfParameters::kWkt2, Number(params, PdfParameters::kWkt2, 0));
+    MapToWrite map = MapOf(framed, FramePixels(frame->right - frame->left),
+                           FramePixels(frame->top - frame->bottom), of_frame);
+    map.origin = {frame->left, frame->bottom};
+    return map;
+}
+
 /// From points of 1/72 inch to the units of the page.
 void FitToPage(MapToWrite& map, const PageFacts& page) {
-    map.origin = page.origin;
+    for (std::size_t i = 0; i < map.origin.size(); ++i)
+        map.origin[i] = page.origin[i] + map.origin[i] / page.user_unit;
     map.width /= page.user_unit;
     map.height /= page.user_unit;
     for (auto& pixel : map.points.pixels) {
@@ -185,13 +255,34 @@ void FitToPage(MapToWrite& map, const PageFacts& page) {
     }
 }
 
-std::string TailOf(OpenFile& open, const MapToWrite& map) {
+/// The page's viewports as they are in the file, and one more.
+std::string WithOneMore(OpenFile& open, std::string viewports, const std::string& added) {
+    const PoDoFo::PdfObject* const entry = open.page->dictionary.GetKey("VP");
+    if (entry && entry->IsReference()) viewports = open.references.TextOf(entry->GetReference());
+    const std::size_t end = viewports.find_last_not_of(" \t\r\n\f");
+    if (viewports.empty() || end == std::string::npos) return "[ " + added + " ]";
+    if (viewports[viewports.find_first_not_of(" \t\r\n\f")] != '[' || viewports[end] != ']')
+        throw BGeoReferenceNotSupportedException(
+            kSource, "The viewports of the page are not an array; save without adding a map.");
+    return viewports.substr(0, end) + " " + added + " ]";
+}
+
+void RequireRoomForMore(const DictionaryText& page) {
+    if (!page.Value("LGIDict").empty())
+        throw BGeoReferenceNotSupportedException(
+            kSource,
+            "The page has an LGIDict, beside which readers see no other map; save without adding one.");
+}
+
+std::string TailOf(OpenFile& open, const MapToWrite& map, bool adds) {
     IncrementalUpdate update(open.references, open.file);
     const auto measure = update.NewObject();
     const auto system = update.NewObject();
     DictionaryText page(open.references.TextOf(open.page->reference));
+    if (adds) RequireRoomForMore(page);
     page.Remove("LGIDict");
-    page.Set("VP", ViewportsText(map, measure));
+    page.Set("VP", adds ? WithOneMore(open, page.Value("VP"), ViewportText(map, measure))
+                        : "[ " + ViewportText(map, measure) + " ]");
     update.Put(open.page->reference, page.Text());
     update.Put(measure, MeasureText(map, system));
     update.Put(system, SystemText(map));
@@ -211,6 +302,7 @@ void WriteWhole(const BString& file, const MapToWrite& map, long number) {
     out.SetDestinationPath(original.Destination());
     out.SetWorkPath(original.WorkName());
     out.SetPageSize(map.width, map.height);
+    out.SetMapName(map.name);
     out.SetOrigin(map.origin[0], map.origin[1]);
     out.SetPageIndex(static_cast<int>(number - 1));
     out.SetRemovesLGIDict(true);
@@ -246,8 +338,10 @@ void RequireUpdatable(const BString& file, const OpenFile* open) {
 }  // namespace
 
 bool IsWideSave(const BKeyValuePairs* params) {
-    return params && (Number(*params, PdfParameters::kWide, 0) != 0 ||
-                      Number(*params, PdfParameters::kIncremental, 0) != 0);
+    if (!params) return false;
+    for (const char* key : {PdfParameters::kWide, PdfParameters::kIncremental, PdfParameters::kAdd})
+        if (Number(*params, key, 0) != 0) return true;
+    return params->HasProperty(PdfParameters::kFrame);
 }
 
 void SaveWide(const BString& file, const BGeoReference& reference, long width, long height,
@@ -257,8 +351,12 @@ void SaveWide(const BString& file, const BGeoReference& reference, long width, l
     const VellumLib::PoDoFoSettings settings;
     const long number = Number(params, PdfParameters::kPage, 1);
     if (number < 1) throw BReadParametersException(BString::Format("A PDF has no page %ld.", number));
-    MapToWrite map = MapOf(reference, width, height, params);
-    const auto wish = static_cast<EUpdate>(Number(params, PdfParameters::kIncremental, 0));
+    MapToWrite map = MapOfFrame(reference, width, height, params);
+    if (params.HasProperty(PdfParameters::kMapName))
+        map.name = params.GetString(PdfParameters::kMapName, BString());
+    const bool adds = Number(params, PdfParameters::kAdd, 0) != 0;
+    const auto wish =
+        adds ? EUpdate::Always : static_cast<EUpdate>(Number(params, PdfParameters::kIncremental, 0));
     const std::unique_ptr<OpenFile> open = OpenForUpdate(file, number);
     if (wish == EUpdate::Always) RequireUpdatable(file, open.get());
     const bool can_update = open && open->page;
@@ -266,7 +364,7 @@ void SaveWide(const BString& file, const BGeoReference& reference, long width, l
     const BGeoPDFTraits traits = open ? TraitsOf(open->references, open->file) : BGeoPDFTraits();
     Log(traits.ChangeRemarks());
     if (can_update && (wish == EUpdate::Always || (wish != EUpdate::Never && traits.WantsUpdate())))
-        return AppendToFile(file, static_cast<std::uint64_t>(open->file.Size()), TailOf(*open, map));
+        return AppendToFile(file, static_cast<std::uint64_t>(open->file.Size()), TailOf(*open, map, adds));
     Log(traits.RewriteLosses());
     WriteWhole(file, map, number);
 }

@@ -53,7 +53,8 @@ std::uint64_t NextNumber(std::string_view text, std::size_t& at) {
 
 }  // namespace
 
-CrossReferences::CrossReferences(FileWindow& file) : file_(file), values_(file) {
+CrossReferences::CrossReferences(FileWindow& file, const std::optional<std::string>& password)
+    : file_(file), values_(file) {
     std::int64_t behind = 0;
     Require(file_.At(0) == '%' && values_.TakeWord(behind, "%PDF-"));
     std::set<std::int64_t> seen;
@@ -67,6 +68,7 @@ CrossReferences::CrossReferences(FileWindow& file) : file_(file), values_(file) 
         if (seen.size() == 1) trailer_ = section;
     }
     Require(WholeNumber(Trailer(), "Size") <= LoadBudget::kObjectNumbers);
+    if (password) decryption_ = Decryption::Unlock(*this, *password);
 }
 
 CrossReferences::~CrossReferences() = default;
@@ -125,7 +127,7 @@ PdfVariant CrossReferences::ReadStreamSection(std::int64_t start) {
     std::uint64_t held = 0;
     for (const Decoded& decoded : decoded_)
         held += decoded.entries.size();
-    std::string entries = DecodeAt(position, section, kEntryBytes - std::min(held, kEntryBytes));
+    std::string entries = DecodeAt(position, section, kEntryBytes - std::min(held, kEntryBytes), nullptr);
     const auto layout = ReadLayout(section.GetDictionary(), entries.size());
     Require(layout.has_value());
     std::size_t offset = 0;
@@ -179,11 +181,11 @@ XRefEntry CrossReferences::Find(const PdfReference& reference) {
 }
 
 std::string CrossReferences::DecodeAt(std::int64_t position, const PdfVariant& dictionary,
-                                      std::uint64_t limit) {
+                                      std::uint64_t limit, Decryption* decryption) {
     Require(values_.TakeWord(position, "stream"));
     if (file_.At(position) == '\r') ++position;
     if (file_.At(position) == '\n') ++position;
-    std::string content = DecodeStream(file_, dictionary, position, limit);
+    std::string content = DecodeStream(file_, dictionary, position, limit, decryption);
     Require(content.size() < limit);
     decoded_bytes_ += content.size();
     if (decoded_bytes_ > kAllStreams) RefusePdf(ePdfError_OutOfMemory, "The object streams are too large.");
@@ -193,7 +195,7 @@ std::string CrossReferences::DecodeAt(std::int64_t position, const PdfVariant& d
 const CrossReferences::ObjectStream& CrossReferences::StreamOfNumber(std::uint64_t number) {
     if (const auto known = streams_.find(number); known != streams_.end()) return known->second;
     if (kept_ > kKept) streams_.clear(), kept_ = 0;
-    Require(!IsEncrypted() && number > 0 && number <= LoadBudget::kObjectNumbers);
+    Require((!IsEncrypted() || decryption_) && number > 0 && number <= LoadBudget::kObjectNumbers);
     const PdfReference reference(static_cast<pdf_objnum>(number), 0);
     const XRefEntry entry = Find(reference);
     Require(entry.type == 1);
@@ -202,7 +204,7 @@ const CrossReferences::ObjectStream& CrossReferences::StreamOfNumber(std::uint64
         values_.ReadObject(static_cast<std::int64_t>(entry.place), reference, dictionary);
     Require(dictionary.IsDictionary());
     ObjectStream stream;
-    stream.content = DecodeAt(behind, dictionary, kOneStream);
+    stream.content = DecodeAt(behind, dictionary, kOneStream, decryption_.get());
     stream.first = static_cast<std::size_t>(WholeNumber(dictionary.GetDictionary(), "First"));
     Require(stream.first <= stream.content.size());
     const std::string_view head = std::string_view(stream.content).substr(0, stream.first);
@@ -245,6 +247,7 @@ void CrossReferences::Read(PdfObject& object) {
     }
     std::int64_t position =
         values_.ReadObject(static_cast<std::int64_t>(entry.place), object.Reference(), object);
+    if (decryption_) decryption_->DecryptStrings(object);
     Require(values_.TakeWord(position, "endobj") ||
             (object.IsDictionary() && values_.TakeWord(position, "stream")));
 }
@@ -269,7 +272,7 @@ std::string CrossReferences::StreamOf(const PdfReference& reference, std::uint64
     std::int64_t behind = values_.ReadObject(static_cast<std::int64_t>(entry.place), reference, dictionary);
     std::int64_t position = behind;
     if (!dictionary.IsDictionary() || !values_.TakeWord(position, "stream")) return {};
-    return DecodeAt(behind, dictionary, limit);
+    return DecodeAt(behind, dictionary, limit, decryption_.get());
 }
 
 std::string CrossReferences::CopyOf(std::int64_t begin, std::int64_t end) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "load/Decryption.h"
 #include "load/ObjectSource.h"
 #include "load/ValueReader.h"
 #include "load/XRefLayout.h"
@@ -8,6 +9,8 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,15 +26,17 @@ namespace VellumLib {
 ///                  table:  rows of 20 bytes, and perhaps a stream with further entries (XRefStm)
 ///                  stream: entries, decoded
 ///
-/// Every doubt ends in a PdfError. An encrypted file shows its trailer alone.
+/// Every doubt ends in a PdfError. An encrypted file that no password opens shows its trailer alone.
 class CrossReferences final : public ObjectSource {
 public:
-    explicit CrossReferences(FileWindow& file);
+    /// With a password, which may be empty, an encrypted file that it opens shows all of its objects.
+    explicit CrossReferences(FileWindow& file, const std::optional<std::string>& password = std::nullopt);
     ~CrossReferences() override;
 
     const PoDoFo::PdfDictionary& Trailer() const override { return trailer_.GetDictionary(); }
     void RequireObject(const PoDoFo::PdfReference& reference) override { Find(reference); }
     void Read(PoDoFo::PdfObject& object) override;
+    bool IsUnlocked() const override { return decryption_ != nullptr; }
 
     bool IsEncrypted() const { return Trailer().HasKey("Encrypt"); }
     /// Where the newest section begins, as the end of the file has it.
@@ -76,7 +81,8 @@ private:
     void AddSubsection(const Subsection& subsection);
     XRefEntry RowAt(std::int64_t position);
     XRefEntry Find(const PoDoFo::PdfReference& reference);
-    std::string DecodeAt(std::int64_t position, const PoDoFo::PdfVariant& dictionary, std::uint64_t limit);
+    std::string DecodeAt(std::int64_t position, const PoDoFo::PdfVariant& dictionary, std::uint64_t limit,
+                         Decryption* decryption);
     const ObjectStream& StreamOfNumber(std::uint64_t number);
     Extent ExtentOf(const XRefEntry& entry, std::uint64_t number);
     std::string CopyOf(std::int64_t begin, std::int64_t end);
@@ -93,6 +99,7 @@ private:
     bool ends_in_stream_ = false;
     PoDoFo::PdfVariant trailer_;
     std::string trailer_text_;
+    std::unique_ptr<Decryption> decryption_;  ///< of an encrypted file
 };
 
 }  // namespace VellumLib

@@ -1,6 +1,8 @@
 #include "load/Decryption.h"
 
 #include "load/LoadBudget.h"
+#include "load/ObjectSource.h"
+#include "load/ValueReader.h"
 
 #include <vector>
 
@@ -60,7 +62,34 @@ std::unique_ptr<Decryption> Decryption::Unlock(const PdfObject& dictionary, cons
     return std::unique_ptr<Decryption>(new Decryption(std::move(cipher)));
 }
 
-void Decryption::DecryptStrings(PdfObject& value) {
+std::unique_ptr<Decryption> Decryption::Unlock(ObjectSource& source, const std::string& password) {
+    const PdfObject* const entry = source.Trailer().GetKey("Encrypt");
+    if (!entry) return nullptr;
+    PdfObject dictionary = *entry;
+    if (entry->IsReference()) {
+        dictionary = PdfObject(entry->GetReference(), PdfVariant());
+        source.Read(dictionary);
+    }
+    std::unique_ptr<Decryption> unlocked = Unlock(dictionary, password);
+    RequirePlain(unlocked != nullptr);
+    return unlocked;
+}
+
+std::string Decryption::DecryptBytes(std::string_view bytes) {
+    const auto length = static_cast<pdf_long>(bytes.size());
+    // A first block to begin with, and at least one of text.
+    if (length < 2 * kBlock || length % kBlock != 0)
+        RefusePdf(ePdfError_BrokenFile, "An encrypted string or stream is damaged.");
+    std::vector<unsigned char> plain(static_cast<std::size_t>(length + kBlock));
+    pdf_long size = 0;
+    cipher_->Decrypt(reinterpret_cast<const unsigned char*>(bytes.data()), length, plain.data(), size);
+    if (size < 0 || size > length)
+        RefusePdf(ePdfError_BrokenFile, "An encrypted string or stream is damaged.");
+    size = WithoutPadding(plain, size);
+    return {reinterpret_cast<const char*>(plain.data()), static_cast<std::size_t>(size)};
+}
+
+void Decryption::DecryptStrings(PdfVariant& value) {
     if (value.IsArray()) {
         for (PdfObject& element : value.GetArray())
             DecryptStrings(element);
@@ -69,17 +98,10 @@ void Decryption::DecryptStrings(PdfObject& value) {
             DecryptStrings(*element);
     } else if (value.IsString() || value.IsHexString()) {
         const PdfString text = value.GetString();
-        const pdf_long length = text.GetLength();
-        // A first block to begin with, and at least one of text.
-        if (text.IsUnicode() || length < 2 * kBlock || length % kBlock != 0)
-            RefusePdf(ePdfError_BrokenFile, "An encrypted string is damaged.");
-        std::vector<unsigned char> plain(static_cast<std::size_t>(length + kBlock));
-        pdf_long size = 0;
-        cipher_->Decrypt(reinterpret_cast<const unsigned char*>(text.GetString()), length, plain.data(),
-                         size);
-        if (size < 0 || size > length) RefusePdf(ePdfError_BrokenFile, "An encrypted string is damaged.");
-        size = WithoutPadding(plain, size);
-        value = PdfObject(PdfString(reinterpret_cast<const char*>(plain.data()), size));
+        if (text.IsUnicode()) RefusePdf(ePdfError_BrokenFile, "An encrypted string is damaged.");
+        const std::string plain =
+            DecryptBytes({text.GetString(), static_cast<std::size_t>(text.GetLength())});
+        value = PdfVariant(PdfString(plain.data(), static_cast<pdf_long>(plain.size())));
     }
 }
 

@@ -4,10 +4,13 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace VellumLib {
 
-/// The strings of a file that is encrypted with AES-256 and opens with a password. Other
+class ObjectSource;
+
+/// The strings and streams of a file that is encrypted with AES-256 and opens with a password. Other
 /// ciphers are refused: the parser's own library does not offer them any more.
 class Decryption {
 public:
@@ -15,9 +18,14 @@ public:
     /// not the file's.
     static std::unique_ptr<Decryption> Unlock(const PoDoFo::PdfObject& dictionary,
                                               const std::string& password);
+    /// By the dictionary that the trailer of `source` names, which has to be open. A PdfError where that
+    /// one does not unlock; null for a file that is not encrypted.
+    static std::unique_ptr<Decryption> Unlock(ObjectSource& source, const std::string& password);
 
     /// Replaces every string in the value. A PdfError for one that is damaged.
-    void DecryptStrings(PoDoFo::PdfObject& value);
+    void DecryptStrings(PoDoFo::PdfVariant& value);
+    /// The bytes of a stream, before its filters.
+    std::string DecryptBytes(std::string_view bytes);
 
 private:
     explicit Decryption(std::unique_ptr<PoDoFo::PdfEncrypt> cipher) : cipher_(std::move(cipher)) {}

@@ -155,8 +155,8 @@ std::unique_ptr<PdfMemDocument> LoadFirstPage(FileWindow& file, const FirstPageW
         if (!wishes.inherited) return nullptr;
     }
     try {
-        CrossReferences references(file);
-        if (references.IsEncrypted()) return nullptr;
+        CrossReferences references(file, wishes.password);
+        if (references.IsEncrypted() && !references.IsUnlocked()) return nullptr;
         return Load(references, wishes.inherited);
     } catch (const PdfError&) {
         return nullptr;

@@ -75,19 +75,7 @@ PlainTables::PlainTables(FileWindow& file, const std::optional<std::string>& pas
     Require(last_trailer_ < 0);
     const PdfObject* const size = Trailer().GetKey("Size");
     Require(size && size->IsNumber() && size->GetNumber() <= LoadBudget::kObjectNumbers);
-    if (password) Unlock(*password);
-}
-
-void PlainTables::Unlock(const std::string& password) {
-    const PdfObject* const entry = Trailer().GetKey("Encrypt");
-    if (!entry) return;
-    PdfObject dictionary = *entry;
-    if (entry->IsReference()) {
-        dictionary = PdfObject(entry->GetReference(), PdfVariant());
-        ReadObject(Find(entry->GetReference()), dictionary);
-    }
-    decryption_ = Decryption::Unlock(dictionary, password);
-    Require(decryption_ != nullptr);
+    if (password) decryption_ = Decryption::Unlock(*this, *password);
 }
 
 PlainTables::PlainTables(FileWindow& file, FoundObjects found)

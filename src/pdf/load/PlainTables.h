@@ -50,7 +50,6 @@ private:
         bool used;
     };
 
-    void Unlock(const std::string& password);
     PoDoFo::PdfVariant ReadSection(std::int64_t start);
     Row RowAt(std::int64_t position);
     std::int64_t Find(const PoDoFo::PdfReference& reference);

@@ -1,5 +1,6 @@
 #include "load/StreamData.h"
 
+#include "load/Decryption.h"
 #include "load/LoadBudget.h"
 
 #include <algorithm>
@@ -70,27 +71,44 @@ std::int64_t RawLength(const PdfDictionary& dictionary, std::int64_t available) 
     return std::clamp<std::int64_t>(length->GetNumber(), 0, available);
 }
 
+std::string DecryptedBytes(FileWindow& file, std::int64_t start, std::int64_t length,
+                           Decryption& decryption) {
+    std::string bytes(static_cast<std::size_t>(length), '\0');
+    bytes.resize(file.Read(start, bytes.data(), bytes.size()));
+    return decryption.DecryptBytes(bytes);
+}
+
+void WritePieces(FileWindow& file, std::int64_t start, std::int64_t length, PdfOutputStream& target,
+                 const BoundedSink& sink) {
+    std::array<char, 8192> piece;
+    while (length > 0 && !sink.IsFull()) {
+        const std::size_t got = file.Read(
+            start, piece.data(), static_cast<std::size_t>(std::min<std::int64_t>(length, piece.size())));
+        if (got == 0) return;
+        target.Write(piece.data(), static_cast<pdf_long>(got));
+        start += static_cast<std::int64_t>(got);
+        length -= static_cast<std::int64_t>(got);
+    }
+}
+
 }  // namespace
 
 std::string DecodeStream(FileWindow& file, const PdfVariant& dictionary, std::int64_t start,
-                         std::uint64_t limit) {
+                         std::uint64_t limit, Decryption* decryption) {
     const TVecFilters filters = Filters(dictionary);
     const PdfDictionary& keys = dictionary.GetDictionary();
     CheckRow(keys);
+    const std::int64_t length = RawLength(keys, std::max<std::int64_t>(file.Size() - start, 0));
+    const std::string plain = decryption ? DecryptedBytes(file, start, length, *decryption) : std::string();
     BoundedSink sink(limit);
     std::unique_ptr<PdfOutputStream> decoder;
     if (!filters.empty()) decoder.reset(PdfFilterFactory::CreateDecodeStream(filters, &sink, &keys));
     PdfOutputStream& target = decoder ? *decoder : static_cast<PdfOutputStream&>(sink);
     try {
-        std::array<char, 8192> piece;
-        for (std::int64_t left = RawLength(keys, std::max<std::int64_t>(file.Size() - start, 0));
-             left > 0 && !sink.IsFull();) {
-            const std::size_t got = file.Read(
-                start, piece.data(), static_cast<std::size_t>(std::min<std::int64_t>(left, piece.size())));
-            if (got == 0) break;
-            target.Write(piece.data(), static_cast<pdf_long>(got));
-            start += static_cast<std::int64_t>(got);
-            left -= static_cast<std::int64_t>(got);
+        if (decryption) {
+            target.Write(plain.data(), static_cast<pdf_long>(plain.size()));
+        } else {
+            WritePieces(file, start, length, target, sink);
         }
         target.Close();
     } catch (const PdfError&) {

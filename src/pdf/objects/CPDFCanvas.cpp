@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace VellumLib {
 
@@ -22,9 +23,6 @@ bool IsOneOf(const QString& name, const std::array<std::string_view, N>& names) 
         return name == QLatin1String(candidate.data(), static_cast<int>(candidate.size()));
     });
 }
-
-/// Each clip within a clip is a call within a call.
-constexpr int kDeepestClip = 500;
 
 constexpr std::array kState = {"w"sv, "j"sv, "J"sv, "M"sv, "d"sv, "ri"sv, "i"sv, "gs"sv};
 constexpr std::array kColor = {"CS"sv, "cs"sv, "SC"sv, "SCN"sv, "sc"sv, "scn"sv,
@@ -179,22 +177,43 @@ void CPDFCanvas::ReadPath(CPDFStatement& statement) {
         if (IsOneOf(name, kClip)) statement.SetKind(StatementClip);
         more = more && !IsOneOf(name, kPainting);
     }
-    if (statement.GetKind() == StatementClip) ReadClippedGroup(statement);
+    opens_group_ = statement.GetKind() == StatementClip;
+    if (opens_group_ && reads_group_) return;
+    if (opens_group_) ReadClippedGroup(statement);
     if (progress_end_) progress_end_();
 }
 
 /// Up to the first restore, at whatever level. Goes in at the front and comes out at
-/// the back.
+/// the back. A clip in the group has a group of its own, which is read first; honest pages nest
+/// them a thousand deep.
 void CPDFCanvas::ReadClippedGroup(CPDFStatement& clip) {
-    if (++clip_depth_ > kDeepestClip) PODOFO_RAISE_ERROR(PoDoFo::ePdfError_ValueOutOfRange);
-    for (std::int32_t kind = StatementOther; kind != StatementEnd && kind != StatementRestore;) {
+    struct Reading {
+        bool& flag;
+        explicit Reading(bool& of) : flag(of) { flag = true; }
+        ~Reading() { flag = false; }
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+    };
+    const Reading reading(reads_group_);
+    std::vector<CPDFStatement> open;
+    for (bool more = true; more;) {
         CPDFStatement statement;
+        opens_group_ = false;
         ReadStatement(statement);
-        kind = statement.GetKind();
-        if (kind == StatementShading) clip.SetHasShading(true);
+        if (opens_group_) {
+            open.push_back(std::move(statement));
+            continue;
+        }
+        const std::int32_t kind = statement.GetKind();
+        if (kind == StatementShading) (open.empty() ? clip : open.back()).SetHasShading(true);
         if (kind != StatementEnd) ahead_.push_front(std::move(statement));
+        if (kind != StatementEnd && kind != StatementRestore) continue;
+        more = !open.empty();
+        if (!more) break;
+        ahead_.push_front(std::move(open.back()));
+        open.pop_back();
+        if (progress_end_) progress_end_();
     }
-    --clip_depth_;
 }
 
 }  // namespace VellumLib

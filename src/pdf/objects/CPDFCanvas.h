@@ -67,7 +67,8 @@ private:
     QMatrix matrix_;
     std::deque<QMatrix> matrices_;
     std::deque<CPDFStatement> ahead_;
-    int clip_depth_ = 0;  ///< groups within groups that are being read ahead
+    bool reads_group_ = false;  ///< a clip's group is being read ahead
+    bool opens_group_ = false;  ///< the last path is a clip, whose group follows
     Callback progress_begin_;
     Callback progress_step_;
     Callback progress_end_;

@@ -60,6 +60,7 @@ std::size_t ChooseMap(WideDocument& document, const WidePage& page, long number,
     for (std::size_t i = 0; i < maps.size(); ++i)
         if (maps[i].name == wish) return i;
     if (wish == "largest") return VellumLib::LargestMap(maps);
+    if (wish == "last" && !maps.empty()) return maps.size() - 1;
     if (const std::size_t index = NumberIn(wish); index >= 1 && index <= maps.size()) return index - 1;
     throw BReadParametersException(
         BString::Format("The page has no map %s; its maps are %s.", BString(wish), BString(NamesOf(maps))));

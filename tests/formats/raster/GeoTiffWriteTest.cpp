@@ -217,9 +217,13 @@ TEST_F(GeoTiff, AFullDiskLeavesTheRasterAndItsMetadataAsTheyWere) {
     const SmallDisk disk(own / ".", "64k");
     if (!disk.IsMounted()) GTEST_SKIP() << "only root can have a small disk";
     // Little is left of the file's last page, so that the disk is full for it.
-    const std::string file = MakeTiff(own / "map.tif", 1, [](GDALDataset& raster) {
-        raster.SetMetadataItem("TIFFTAG_IMAGEDESCRIPTION", std::string(3700, 'x').c_str());
-    });
+    const auto make = [](const std::string& name, std::size_t letters) {
+        return MakeTiff(name, 1, [letters](GDALDataset& raster) {
+            raster.SetMetadataItem("TIFFTAG_IMAGEDESCRIPTION", std::string(letters, 'x').c_str());
+        });
+    };
+    const std::size_t size = std::filesystem::file_size(make(folder / "size.tif", 100)) % 4096;
+    const std::string file = make(own / "map.tif", 100 + (4096 + 4000 - size) % 4096);
     ASSERT_GT(std::filesystem::file_size(file) % 4096, 3900U);
     const std::string metadata =
         "<PAMDataset><GeoTransform>1,2,3,4,5,6</GeoTransform><Metadata><MDI key=\"of\">" +

@@ -39,12 +39,26 @@ public:
     int GetGCPCount() override { return Has("lists-none") ? 3 : 0; }
     const GDAL_GCP* GetGCPs() override { return nullptr; }
     CPLErr SetGCPs(int, const GDAL_GCP*, const OGRSpatialReference*) override { return Answer("no-points"); }
-    CPLErr SetGeoTransform(double*) override { return Answer("no-transform"); }
-    CPLErr SetSpatialRef(const OGRSpatialReference*) override { return Answer("no-system"); }
+#if GDAL_VERSION_NUM >= GDAL_COMPUTE_VERSION(3, 12, 0)
+    CPLErr SetGeoTransform(const GDALGeoTransform&) override {
+        return Answer("no-transform");
+    }
+#else
+    CPLErr SetGeoTransform(double*) override {
+        return Answer("no-transform");
+    }
+#endif
+    CPLErr SetSpatialRef(const OGRSpatialReference*) override {
+        return Answer("no-system");
+    }
 
 private:
-    bool Has(const char* word) const { return words_.find(word) != std::string::npos; }
-    CPLErr Answer(const char* refusal) const { return Has(refusal) ? CE_Failure : CE_None; }
+    bool Has(const char* word) const {
+        return words_.find(word) != std::string::npos;
+    }
+    CPLErr Answer(const char* refusal) const {
+        return Has(refusal) ? CE_Failure : CE_None;
+    }
 
     std::string words_;
 };

@@ -33,6 +33,9 @@ struct Wish {
     bool wkt2 = false;
     long width = 200;
     long height = 100;
+    const char* frame = nullptr;
+    const char* name = nullptr;
+    bool adds = false;
 };
 
 /// The failure, empty for none.
@@ -42,6 +45,9 @@ std::string Save(const std::string& file, const BGeoReference& reference, const 
     params.SetInteger(BMapAnchor::kValPDFIncremental, wish.update);
     params.SetInteger(BMapAnchor::kValPDFPage, wish.page);
     params.SetInteger(BMapAnchor::kValPDFWkt2, wish.wkt2 ? 1 : 0);
+    if (wish.frame) params.SetString(BMapAnchor::kValPDFFrame, wish.frame);
+    if (wish.name) params.SetString(BMapAnchor::kValPDFMapName, wish.name);
+    params.SetInteger(BMapAnchor::kValPDFAdd, wish.adds ? 1 : 0);
     try {
         BMapAnchor::Save(EReferenceType::GeoPDF, BString(file), reference, wish.width, wish.height, BString(),
                          0, &params);
@@ -51,10 +57,12 @@ std::string Save(const std::string& file, const BGeoReference& reference, const 
     return "";
 }
 
-BGeoReference ReadBack(const std::string& file, int page = 1, long width = 200, long height = 100) {
+BGeoReference ReadBack(const std::string& file, int page = 1, long width = 200, long height = 100,
+                       const char* map = "") {
     BParamList params;
     params.SetInteger(BMapAnchor::kValPDFWide, 1);
     params.SetInteger(BMapAnchor::kValPDFPage, page);
+    params.SetString(BMapAnchor::kValPDFMap, map);
     BGeoReference reference;
     BMapAnchor::Read(EReferenceType::GeoPDF, BString(file), reference, width, height,
                      EMathTransformType::Affine, 0, &params);
@@ -128,6 +136,42 @@ TEST(WideSave, AnUpdateOnlyAppends) {
         EXPECT_EQ(BGeoPDFPages::Describe(BString(file), nullptr).Pages.at(0).Page.Maps.size(), 1U);
         EXPECT_TRUE(!Runs("qpdf --version") || Runs("qpdf --check '" + file + "'"));
     }
+}
+
+TEST(WideSave, APageTakesSeveralMaps) {
+    const TempFolder folder;
+    const BGeoReference first = References::WithCorners(600000, 5200000);
+    const BGeoReference second = References::WithCorners(700000, 5300000);
+    const Wish inset{.frame = "110.5 10 190 90.25", .name = "Inset", .adds = true};
+    for (const int update : {kAlways, kNever}) {
+        const std::string file =
+            folder.Write("map.pdf", PagePdf("/MediaBox[10 20 210 120]/UserUnit 2").Text());
+        const auto map = [&file](const char* name) { return ReadBack(file, 1, 400, 200, name); };
+        const Wish main{
+            .update = update, .width = 400, .height = 200, .frame = "10 10 90 60", .name = "Main"};
+        ASSERT_EQ(Save(file, first, main), "");
+        Wish last = inset;
+        last.width = 400;
+        last.height = 200;
+        ASSERT_EQ(Save(file, second, last), "");
+        const BGeoPDFPages pages = BGeoPDFPages::Describe(BString(file), nullptr);
+        const auto& maps = pages.Pages.at(0).Page.Maps;
+        ASSERT_EQ(maps.size(), 2U);
+        EXPECT_EQ(maps[1].Name, BString("Inset"));
+        EXPECT_NEAR(maps[0].Box.Left, 15.0, 1e-9) << "in the units of the page";
+        ExpectPlace(map("Main"), 600000, 5200000);
+        ExpectPlace(map("last"), 700000, 5300000);
+    }
+    const std::string other = PagePdf(kPage).Text();
+    const std::string refused = folder.Write("other.pdf", other);
+    EXPECT_NE(Save(refused, first, inset).find("LGIDict"), std::string::npos);
+    BGeoReference points = first;
+    points.MathTransform = {};
+    EXPECT_NE(Save(refused, points, {.frame = "1 1 5 5"}).find("affine"), std::string::npos);
+    for (const char* frame : {"", "1 2 3", "5 1 1 5", "1 1 5 5 x", "nan 1 2 3"})
+        EXPECT_NE(Save(refused, first, {.frame = frame}).find("not four numbers"), std::string::npos)
+            << frame;
+    EXPECT_EQ(TempFolder::Slurp(refused), other);
 }
 
 TEST(WideSave, WhatWritingTheWholeFileBreaksIsSaidBeforeOrSpared) {

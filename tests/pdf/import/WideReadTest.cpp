@@ -226,6 +226,11 @@ TEST(WidePdf, APasswordOpensAes256) {
     EXPECT_NE(empty.log.find("encrypted"), std::string::npos) << empty.log;
     EXPECT_TRUE(outcome_of("open", "open").reference.HasMathTransform());
     EXPECT_EQ(outcome_of("open", "shut").failure, "PdfError");
+    const std::string pack = "qpdf --encrypt open owner 256 -- --object-streams=generate '" +
+                             (folder / "plain.pdf") + "' '" + file + "'";
+    if (std::system(pack.c_str()) != 0) GTEST_SKIP() << "object streams need qpdf";
+    for (const auto& [given, failure] : {std::pair("open", ""), {"shut", "PdfError"}})
+        EXPECT_EQ(ReadWide(TempFolder::Slurp(file), {.password = given}).failure, failure);
 }
 
 TEST(WidePdf, PositionsAreExactAndNotRoundedToPixels) {

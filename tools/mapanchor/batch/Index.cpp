@@ -18,6 +18,8 @@
 #include <memory>
 #include <sstream>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace Tool {
 
@@ -101,6 +103,7 @@ public:
     GdalIndex(const std::string& file, bool overwrite);
     void Add(const std::string& feature) override;
     void Close() override;
+    std::string LeftOutText() const override;
 
 private:
     void Commit();
@@ -111,7 +114,9 @@ private:
     GDALDatasetUniquePtr dataset_;
     OGRLayer* layer_ = nullptr;  ///< the dataset's
     bool has_transactions_ = false;
+    bool wants_areas_ = false;
     int uncommitted_ = 0;
+    std::uint64_t left_out_ = 0;
 };
 
 GdalIndex::GdalIndex(const std::string& file, bool overwrite) : file_(file), overwrite_(overwrite) {
@@ -122,6 +127,8 @@ GdalIndex::GdalIndex(const std::string& file, bool overwrite) : file_(file), ove
     GDALDriver& driver = DriverFor(file);
     if (exists && !IsIndex(file, driver))
         Fail(file, "is not an index of this tool and stays as it is; --index needs another name");
+    // Its spatial index holds no row without an area: GDAL drops one in silence, newer versions fail.
+    wants_areas_ = std::string_view(driver.GetDescription()) == "FlatGeobuf";
     folder_ = std::make_unique<FolderBeside>(file);
     dataset_.reset(driver.Create(folder_->NameInside().c_str(), 0, 0, 0, GDT_Unknown, nullptr));
     OGRSpatialReference wgs84;
@@ -141,6 +148,10 @@ GdalIndex::GdalIndex(const std::string& file, bool overwrite) : file_(file), ove
 void GdalIndex::Add(const std::string& feature) {
     const BQuietGdal quiet;
     const Json json = Json::parse(feature);
+    if (wants_areas_ && json["geometry"].is_null()) {
+        ++left_out_;
+        return;
+    }
     const Json& properties = json["properties"];
     OGRFeature row(layer_->GetLayerDefn());
     row.SetField("location", LocationOf(properties).c_str());
@@ -176,6 +187,12 @@ void GdalIndex::Close() {
         Fail(file_, "cannot be written: " + quiet.FirstFailure().StdStr());
     if (overwrite_) RemoveJournals(file_);
     folder_->MoveOut(overwrite_);
+}
+
+std::string GdalIndex::LeftOutText() const {
+    if (left_out_ == 0) return "";
+    return std::to_string(left_out_) + (left_out_ == 1 ? " row has" : " rows have") +
+           " no footprint and cannot be stored in <" + file_ + ">; an index of type .gpkg stores every row";
 }
 
 }  // namespace

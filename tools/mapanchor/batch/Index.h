@@ -17,6 +17,8 @@ public:
     virtual void Add(const std::string& feature) = 0;
     /// To be called at the end, puts the index in its place; a late failure, such as a full disk, shows here.
     virtual void Close() = 0;
+    /// Says, for a kind of file that holds no row without an area, how many were left out; else empty.
+    virtual std::string LeftOutText() const = 0;
 };
 
 std::unique_ptr<Index> MakeIndex(const std::string& file, bool overwrite);

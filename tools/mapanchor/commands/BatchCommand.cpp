@@ -249,6 +249,8 @@ ExitStatus Batch::Run() {
     }
     if (index_) index_->Close();
     progress_.Tell(Left(), true);
+    if (index_ && !index_->LeftOutText().empty())
+        options_.common.MakeConsole().Talk("batch: " + index_->LeftOutText());
     if (!source_.Fault().empty()) throw std::runtime_error(source_.Fault());
     return tally_.Status();
 }

@@ -15,6 +15,10 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace Tool {
 
 struct ConvertOptions {
@@ -29,6 +33,10 @@ struct ConvertOptions {
     bool backup = false;
     std::optional<bool> incremental;  ///< of a PDF; empty: where it is the better way
     int target_page = 1;              ///< of a PDF, counted from 1
+    bool add_map = false;             ///< the page keeps the maps that it has
+    std::string frame;                ///< of the map on the page, "left,bottom,right,top"; empty: the raster
+    std::string map_name;             ///< empty: the library's
+    bool wkt2 = false;                ///< where ESRI's text cannot describe the system
     bool no_sync = false;
     bool no_verify = false;
     std::optional<double> tolerance;               ///< in pixels
@@ -87,6 +95,10 @@ void FailByCurrent(Outcome& outcome);
 
 /// Copies the files that the plan writes over. False, with a failure, when that fails.
 bool KeepCopies(Outcome& outcome);
+
+/// The options of a save into a PDF, and what they mean for the library.
+void AddPdfTargetOptions(CLI::App& command, ConvertOptions& options);
+void SetPdfTarget(ConvertOptions& options);
 
 /// Looks at the page that is to be georeferenced, and sets the raster's size where it is not
 /// known: the page at the resolution that was given or, with a warning, at 72 dots per inch.

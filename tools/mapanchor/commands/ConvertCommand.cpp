@@ -348,16 +348,7 @@ void AddConvertCommand(CLI::App& app, ExitStatus& status) {
     convert->add_flag("--require-exact", options->require_exact,
                       "Keep the old file when what is read back is farther away");
     convert->add_flag("--dry-run", options->dry_run, "Show what would be written, and write nothing");
-    convert->add_flag_callback(
-        "--incremental", [options] { options->incremental = true; },
-        "Append to a PDF and keep its bytes, as for signed and large ones");
-    convert->add_flag_callback(
-        "--no-incremental", [options] { options->incremental = false; }, "Write the whole PDF");
-    convert
-        ->add_option("--target-page", options->target_page,
-                     "Page of a PDF that is georeferenced, counted from 1")
-        ->check(CLI::Range(1, 0x7FFFFFFF))
-        ->type_name("N");
+    AddPdfTargetOptions(*convert, *options);
     options->read.AddTo(*convert);
     options->common.AddTo(*convert);
     convert->callback([options, &status] { status = Run(*options); });

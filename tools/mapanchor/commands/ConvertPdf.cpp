@@ -69,6 +69,7 @@ void ReadBack(const ConvertOptions& options, const std::string& file, LogCollect
     how.type = EReferenceType::GeoPDF;
     how.pdf_page = options.target_page;
     how.params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
+    if (options.add_map) how.params.SetString(BMapAnchor::kValPDFMap, "last");
     ReadResult back = ReadFile(file, how, log);
     back.file = back.used_file = options.target;
     if (back.failure) {
@@ -171,7 +172,6 @@ bool ChooseUpdate(ConvertOptions& options, const BGeoPDFTraits& traits, Outcome&
                                                                        ? kAlways
                                                                    : options.incremental ? kNever
                                                                                          : kWhereNeeded);
-    options.read.params.SetInteger(BMapAnchor::kValPDFPage, options.target_page);
     if (chosen) {
         std::string reasons;
         for (const BDiagnostic& loss : traits.RewriteLosses())
@@ -205,6 +205,7 @@ void AppendToTarget(const ConvertOptions& options, const BGeoReference& referenc
 
 bool FitToPage(ConvertOptions& options, Outcome& outcome) {
     constexpr int kMediaBox = 5;
+    SetPdfTarget(options);
     const BGeoPDFPage page = TargetPage(options, BGeoPDFTraits::Of(BString(options.target)));
     if (!IsWritablePage(options.target, page, outcome)) return false;
     if (options.read.width) return true;

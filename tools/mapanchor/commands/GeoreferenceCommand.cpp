@@ -167,10 +167,12 @@ void WarnOf(const GeoreferenceOptions& options, Georeferenced& made) {
     for (std::size_t i = 0; i < made.points.size(); ++i)
         if (report.Residuals[i].Suspect) names += (names.empty() ? "" : ",") + made.points[i].Name.StdStr();
     auto& remarks = made.result.diagnostics;
+    const std::string quote(names.find(' ') == std::string::npos ? "" : "\"");
     if (!names.empty())
-        remarks.push_back({false,
-                           "these points stand out: " + names + "; --drop " + names + " leaves them out",
-                           RemarkId::kSuspects});
+        remarks.push_back(
+            {false,
+             "these points stand out: " + names + "; --drop " + quote + names + quote + " leaves them out",
+             RemarkId::kSuspects});
     if (report.NearLine)
         remarks.push_back(
             {false, "the points are near a line: the fit is weak across it", RemarkId::kNearLine});

@@ -116,7 +116,7 @@ void ReadOptions::AddPdfTo(CLI::App& app) {
                params.SetString(BMapAnchor::kValPDFMap, Tellurion::BString(map));
                AskBeyondRules("--map");
            },
-           "Map of a PDF page: its name, its number from 1, or largest")
+           "Map of a PDF page: its name, its number from 1, largest or last")
         ->type_name("MAP");
     app.add_flag_callback(
         "--shown",

@@ -20,6 +20,7 @@ constexpr const char* kStyle =
     ".grid{fill:none;stroke:#9db2c2;stroke-width:.5}.frame{fill:none;stroke:#99a}"
     ".area{fill:#d33;fill-opacity:.3;stroke:#b00}.ring{fill:none;stroke:#b00;stroke-width:1.5}"
     ".raster{fill:#fafafa;stroke:#333}.edge{fill:none;stroke:#333}.first{fill:#b00}"
+    ".label{paint-order:stroke;stroke:#fff;stroke-opacity:.85;stroke-width:3px;stroke-linejoin:round}"
     ".point{fill:#06c;stroke:#fff}.unused{fill:#fff;stroke:#06c}"
     ".arrow{stroke:#d50;stroke-width:1.5}.head{fill:#d50}"
     ".box{fill:none;stroke:#777;stroke-dasharray:4 2}.map{fill:#888;fill-opacity:.15;stroke:#555}"

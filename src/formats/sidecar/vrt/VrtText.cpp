@@ -36,7 +36,7 @@ XmlTree WrapRaster(const BString& file, const BString& path) {
     GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("VRT");
     if (!driver) Refuse(file, "this GDAL has no driver for VRT");
     const GdalRaster copy(driver->CreateCopy("", raster.get(), FALSE, nullptr, nullptr, nullptr));
-    char** const text = copy ? copy->GetMetadata("xml:VRT") : nullptr;
+    const CSLConstList text = copy ? copy->GetMetadata("xml:VRT") : nullptr;
     XmlTree tree(text && *text ? CPLParseXMLString(*text) : nullptr);
     if (!tree || !CPLGetXMLNode(tree.get(), "=VRTDataset")) Refuse(file, "GDAL does not wrap the raster");
     return tree;
