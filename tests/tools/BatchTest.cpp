@@ -117,16 +117,19 @@ TEST_F(BatchRun, ABadFileFailsOnlyItsOwnRow) {
 #endif
                                      {"huge.tfw", at_limit, "--memory 8"}};
     for (const auto& [file, type, limit] : limits) {
+        Strings names(8, "a.tfw");  // quick ones, so that others wait behind the bad one
+        names.push_back(file);
+        names.insert(names.end(), 8, "b.tfw");
         std::thread killer;
         if (file == "dies.rsf") killer = std::thread(KillBusyWorker, SIGSEGV);
-        const ToolRun run =
-            RunTool(Words("batch --jobs 1 " + limit), {.in = Names({"a.tfw", file, "b.tfw"})});
+        const ToolRun run = RunTool(Words("batch --jobs 1 " + limit), {.in = Names(names)});
         if (killer.joinable()) killer.join();
         EXPECT_EQ(run.status, 3) << file << run.err;
         const auto rows = run.Objects();
-        ASSERT_EQ(FilesOf(run), (Strings{"a.tfw", file, "b.tfw"}));
-        EXPECT_EQ(rows[1]["mapanchor"].value("/error/type"_json_pointer, ""), type) << rows[1];
-        EXPECT_TRUE(rows[0]["mapanchor"]["ok"] == true && rows[2]["mapanchor"]["ok"] == true) << file;
+        ASSERT_EQ(FilesOf(run), names);
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            EXPECT_EQ(rows[i]["mapanchor"].value("/error/type"_json_pointer, ""), i == 8 ? type : "")
+                << rows[i];
     }
 }
 
@@ -191,6 +194,42 @@ TEST_F(BatchRun, ResumeTouchesNothingThatIsNotItsOwn) {
     close(other_run);
     EXPECT_EQ(TempFolder::Slurp(rows), row);
     EXPECT_FALSE(fs::exists(folder / "new"));
+}
+
+TEST_F(BatchRun, NamesWithoutExactlyOneRowAreReported) {
+    const auto row = [](const std::string& name) {
+        return R"({"description":")" + name + R"(","mapanchor":{"schemaVersion":2,"ok":true}})" + "\n";
+    };
+    const std::string a = row("a"), b = row("b c");
+    folder.Write("list", "a\r\nb c\n\nd");
+    const struct {
+        std::string rows;
+        int status;
+        std::string out;
+        std::string err;
+    } cases[] = {{a + row("d") + b, 0, "", ""},
+                 {a, 3, "b c\nd\n", ""},
+                 {"", 3, "a\nb c\nd\n", ""},
+                 {a + b + a + row("d") + a, 3, "", "2 rows too many for a"},
+                 {a + b + row("d") + row("e"), 3, "", "line 4 is of a file that is not in the list: e"},
+                 {a + b + row("d").substr(0, 30), 3, "d\n", "not written to its end"},
+                 {a + "{}\n" + b, 2, "", "line 2 is not a row"}};
+    for (const auto& [rows, status, out, err] : cases) {
+        folder.Write("rows", rows);
+        const ToolRun run = folder.ExpectRun("batch --missing %list %rows", status, {}, {err});
+        EXPECT_EQ(run.out, out) << rows;
+    }
+    folder.Write("more", b);
+    folder.Write("rows", a);
+    EXPECT_EQ(RunTool({"batch", "--missing", "-", "-0", folder / "rows", folder / "more"},
+                      {.in = std::string("a\0b c\0x\ny\0", 11)})
+                  .out,
+              std::string("x\ny\0", 4));
+    for (const auto& [words, status] : {std::pair("batch --missing %none %rows", 2),
+                                        {"batch --missing %list %none", 2},
+                                        {"batch --missing %list", 64},
+                                        {"batch --missing %list --shard 1/2 %rows", 64}})
+        folder.ExpectRun(words, status);
 }
 
 TEST_F(BatchRun, NamesThatAreNotUtf8StayApart) {

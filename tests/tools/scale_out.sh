@@ -5,10 +5,12 @@ set -euo pipefail
 tool=$(realpath "$1")
 recipe=$3
 scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
+source "$(dirname "$0")/slurm.sh"
+trap 'slurm_stop; rm -rf "$scratch"' EXIT
 case $recipe in
     parallel) command -v parallel >/dev/null || { echo "SKIPPED: GNU parallel is not installed"; exit 77; } ;;
     dask) /usr/bin/python3 -c 'import distributed' 2>/dev/null || { echo "SKIPPED: python3-distributed is not installed"; exit 77; } ;;
+    slurm) slurm_is_installed || { echo "SKIPPED: slurmctld, slurmd or munge is not installed"; exit 77; } ;;
 esac
 awk -v wanted="<!-- recipe: $recipe -->" '
     $0 == wanted { armed = 1; next }
@@ -23,6 +25,7 @@ echo 'no numbers' >"$ARCHIVE/deep/bad.tfw"
 mapanchor batch --quiet "$ARCHIVE" >"$scratch/wanted" || [ $? -le 5 ]
 
 cd "$scratch"
+[ "$recipe" != slurm ] || slurm_start "$scratch/slurm"
 case $recipe in
     dask) /usr/bin/python3 recipe ;;
     *) bash -euo pipefail recipe ;;

@@ -147,6 +147,32 @@ TEST(HeaderReads, ASmallDifferenceCounts) {
         }
 }
 
+// An ampersand among the bytes of a number is no reason to ask GDAL; the reference of a character is.
+TEST(HeaderReads, AmpersandsInNumbersDoNotCount) {
+    const TempFolder folder;
+    GDALAllRegister();
+    const auto make = [&](const char* name, double x, const char* unit) {
+        auto* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+        const GdalFiles::Dataset raster(driver->Create((folder / name).c_str(), 8, 8, 1, GDT_Byte, nullptr));
+        double terms[6] = {x, 1, 0, 5, 0, -1};
+        raster->SetGeoTransform(terms);
+        if (*unit) raster->GetRasterBand(1)->SetUnitType(unit);
+    };
+    const auto from_header = [&](const char* name) {
+        const long before = HeaderReads::Count();
+        EXPECT_EQ(Answer(folder / name, true), Answer(folder / name, false));
+        return HeaderReads::Count() - before;
+    };
+    constexpr double kAmpersands = 0x1.26262626263b2p+19;  // bytes 26 and, once, the 3b of a semicolon
+    make("plain.tif", 7, "");
+    make("marks.tif", kAmpersands, "");
+    make("unit.tif", 7, "a&b");
+    from_header("plain.tif");
+    EXPECT_EQ(from_header("marks.tif"), 1);
+    from_header("unit.tif");
+    EXPECT_EQ(from_header("unit.tif"), 0);
+}
+
 TEST(HeaderReads, AnswerAsGdalDoes) {
     const TempFolder folder;
     ExpectAllAlike(MakeMany(folder));

@@ -36,13 +36,10 @@ bool SendText(int descriptor, std::string_view text) {
            WriteAll(descriptor, text.substr(with_length));
 }
 
-std::optional<std::string> ReceiveText(int descriptor) {
-    TextReceiver receiver;
-    while (true) {
-        const auto state = receiver.Receive(descriptor);
-        if (state == TextReceiver::State::Complete) return receiver.Take();
-        if (state == TextReceiver::State::Ended) return std::nullopt;
-    }
+std::optional<std::string> TextReceiver::Next(int descriptor) {
+    while (!HasText())
+        if (Receive(descriptor) == State::Ended) return std::nullopt;
+    return Take();
 }
 
 std::optional<std::uint64_t> TextReceiver::Length() const {
@@ -61,12 +58,20 @@ TextReceiver::State TextReceiver::Receive(int descriptor) {
     bytes_.append(piece.data(), static_cast<std::size_t>(count));
     const auto length = Length();
     if (length && *length > kMostLength) return State::Ended;
-    return length && bytes_.size() >= kLengthSize + *length ? State::Complete : State::Waiting;
+    return HasText() ? State::Complete : State::Waiting;
+}
+
+bool TextReceiver::HasText() const {
+    const auto length = Length();
+    return length && *length <= kMostLength && bytes_.size() >= kLengthSize + *length;
 }
 
 std::string TextReceiver::Take() {
+    const std::size_t end = kLengthSize + static_cast<std::size_t>(Length().value_or(0));
+    std::string rest = bytes_.substr(end);
+    bytes_.resize(end);
     std::string text = std::move(bytes_.erase(0, kLengthSize));
-    bytes_.clear();
+    bytes_ = std::move(rest);
     return text;
 }
 

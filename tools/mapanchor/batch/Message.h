@@ -12,18 +12,19 @@ namespace Tool {
 /// False when the other end is gone.
 bool SendText(int descriptor, std::string_view text);
 
-/// Waits for one text; empty when the other end is gone.
-std::optional<std::string> ReceiveText(int descriptor);
-
-/// Puts one text together from pieces that come as they like.
+/// Puts texts together from pieces that come as they like.
 class TextReceiver {
 public:
     enum class State { Waiting, Complete, Ended };
 
-    /// Takes what the pipe holds now. Ended also for a length that nobody sends.
+    /// Reads what the pipe holds now. Ended also for a length that nobody sends.
     State Receive(int descriptor);
-    /// The complete text; the next one can be received then.
+    /// The next text is complete.
+    bool HasText() const;
+    /// That text.
     std::string Take();
+    /// Waits for the next text; empty when the other end is gone.
+    std::optional<std::string> Next(int descriptor);
 
 private:
     std::optional<std::uint64_t> Length() const;

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kMostAhead = 1'000'000;
+constexpr std::size_t kMostAhead = 100'000;
 
 bool IsReadable(int descriptor) {
     pollfd wait{descriptor, POLLIN, 0};

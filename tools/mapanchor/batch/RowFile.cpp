@@ -23,15 +23,6 @@ constexpr std::string_view kRowBegin = R"({"description":")";
 constexpr const char* kForeign =
     "holds more than rows of mapanchor batch and stays as it is; --resume needs another file";
 
-/// The name in a row; empty for what is no row of this tool.
-std::optional<std::string> NameInRow(std::string_view text) {
-    const Json row = Json::parse(text, nullptr, false);
-    const auto name = NameIn(row);
-    if (!name || !row.contains("mapanchor") || !row["mapanchor"].is_object()) return std::nullopt;
-    const Json& ours = row["mapanchor"];
-    return ours.contains("schemaVersion") && ours.contains("ok") ? name : std::nullopt;
-}
-
 /// True when neither text contradicts the other one as far as both go.
 bool Agree(std::string_view a, std::string_view b) {
     return a.starts_with(b) || b.starts_with(a);
@@ -72,6 +63,14 @@ std::string_view WithoutLineEnd(std::string_view text) {
 }
 
 }  // namespace
+
+std::optional<std::string> NameInRow(std::string_view text) {
+    const Json row = Json::parse(text, nullptr, false);
+    const auto name = NameIn(row);
+    if (!name || !row.contains("mapanchor") || !row["mapanchor"].is_object()) return std::nullopt;
+    const Json& ours = row["mapanchor"];
+    return ours.contains("schemaVersion") && ours.contains("ok") ? name : std::nullopt;
+}
 
 RowFile::RowFile(const std::string& file) : file_("<" + file + ">") {
     // Neither waits for the other end of a pipe nor changes anything yet.

@@ -2,11 +2,15 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 
 namespace Tool {
+
+/// The name in a row of JSON Lines; empty for what is not a row of this tool.
+std::optional<std::string> NameInRow(std::string_view text);
 
 /// Where rows go, a whole one at a time: stdout, or a file of JSON Lines that an earlier
 /// run began. Throws OutputLost when a row does not get there.

@@ -7,11 +7,12 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <array>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <new>
 #include <stdexcept>
 
@@ -33,27 +34,44 @@ Pipe MakePipe() {
     return {ends[0], ends[1]};
 }
 
-std::uint64_t MappedBytes() {
-    std::ifstream in("/proc/self/statm");
-    std::uint64_t pages = 0;
-    in >> pages;
-    return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
-}
+/// Limits the memory of this process to some bytes beyond what it has.
+class MemoryLimit {
+public:
+    explicit MemoryLimit(std::uint64_t bytes)
+        : bytes_(bytes), pages_(bytes == 0 ? -1 : open("/proc/self/statm", O_RDONLY | O_CLOEXEC)) {}
 
-/// The hard limit stays, so that the soft one can follow from file to file.
-void LimitMemory(std::uint64_t bytes) {
-    rlimit limit{};
-    const std::uint64_t mapped = MappedBytes();
-    if (bytes == 0 || mapped == 0 || getrlimit(RLIMIT_AS, &limit) != 0) return;
-    limit.rlim_cur = mapped + bytes;
-    if (limit.rlim_max != RLIM_INFINITY && limit.rlim_cur > limit.rlim_max) limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_AS, &limit);
-}
+    /// The hard limit stays, so that the soft one can follow from file to file.
+    void Follow() {
+        const std::uint64_t mapped = MappedBytes();
+        rlimit limit{};
+        if (mapped == 0 || mapped == mapped_ || getrlimit(RLIMIT_AS, &limit) != 0) return;
+        mapped_ = mapped;
+        limit.rlim_cur = mapped + bytes_;
+        if (limit.rlim_max != RLIM_INFINITY && limit.rlim_cur > limit.rlim_max)
+            limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_AS, &limit);
+    }
+
+private:
+    std::uint64_t MappedBytes() const {
+        std::array<char, 32> text{};
+        const ssize_t count = pages_ < 0 ? 0 : pread(pages_, text.data(), text.size(), 0);
+        std::uint64_t pages = 0;
+        if (count > 0) std::from_chars(text.data(), text.data() + count, pages);
+        return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+    }
+
+    std::uint64_t bytes_;
+    int pages_;
+    std::uint64_t mapped_ = 0;
+};
 
 [[noreturn]] void Serve(int names, int answers, const Answer& answer, const Limits& limits) {
+    MemoryLimit memory(limits.memory);
+    TextReceiver receiver;
     try {
-        while (const auto name = ReceiveText(names)) {
-            LimitMemory(limits.memory);
+        while (const auto name = receiver.Next(names)) {
+            memory.Follow();
             const std::string text = answer(*name);
             if (AllocationHasFailed()) _exit(kOutOfMemory);
             if (!SendText(answers, text)) break;

@@ -20,8 +20,8 @@ struct Limits {
     std::uint64_t memory = 0;  ///< bytes for a file, beyond what the process has before
 };
 
-/// A process that answers names, one at a time. What kills it, or holds it up, is not
-/// felt here.
+/// A process that answers names one at a time, in their order. What kills it, or holds it up,
+/// is not felt here.
 class Worker {
 public:
     /// Starts the process, which closes `strangers`, such as the pipes of its fellows.
@@ -33,6 +33,7 @@ public:
     /// False when the process is no longer there.
     bool Give(const std::string& name) { return SendText(names_, name); }
     TextReceiver::State Receive() { return receiver_.Receive(answers_); }
+    bool HasAnswer() const { return receiver_.HasText(); }
     std::string TakeAnswer() { return receiver_.Take(); }
     /// Kills the process, where it still runs; its end in words, such as "signal 11
     /// (Segmentation fault)".

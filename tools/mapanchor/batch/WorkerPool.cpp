@@ -5,8 +5,18 @@
 #include <poll.h>
 #include <algorithm>
 #include <stdexcept>
+#include <thread>
 
 namespace Tool {
+
+namespace {
+
+/// Of one worker: enough that it need not wait for the next name.
+constexpr std::size_t kMaxJobs = 32;
+/// Jobs that wait behind a slower one may be better off with another worker.
+constexpr std::chrono::milliseconds kQuick(5);
+
+}  // namespace
 
 WorkerPool::WorkerPool(int count, Answer answer, const Limits& limits, std::vector<int> strangers)
     : answer_(std::move(answer)), limits_(limits), strangers_(std::move(strangers)) {
@@ -16,14 +26,20 @@ WorkerPool::WorkerPool(int count, Answer answer, const Limits& limits, std::vect
     }
 }
 
+/// The worker with the fewest jobs, where it can have one more.
 WorkerPool::Seat* WorkerPool::FindFree() const {
-    const auto found =
-        std::find_if(seats_.begin(), seats_.end(), [](const auto& seat) { return !seat->job; });
-    return found == seats_.end() ? nullptr : found->get();
+    constexpr std::size_t kMaxBytes = 16384;  // far less than a pipe holds, so that no write to it waits
+    const auto found = std::min_element(seats_.begin(), seats_.end(), [](const auto& a, const auto& b) {
+        return a->jobs.size() < b->jobs.size();
+    });
+    const Seat& seat = **found;
+    const bool has_place =
+        seat.jobs.empty() || (seat.is_quick && seat.jobs.size() < kMaxJobs && seat.waiting_bytes < kMaxBytes);
+    return has_place ? found->get() : nullptr;
 }
 
 bool WorkerPool::IsIdle() const {
-    return std::none_of(seats_.begin(), seats_.end(), [](const auto& seat) { return seat->job.has_value(); });
+    return std::all_of(seats_.begin(), seats_.end(), [](const auto& seat) { return seat->jobs.empty(); });
 }
 
 void WorkerPool::Hire(Seat& seat) {
@@ -37,22 +53,38 @@ void WorkerPool::Hire(Seat& seat) {
     seat.worker = std::make_unique<Worker>(answer_, limits_, strangers);
 }
 
-/// A worker may have died while it had nothing to do; no job pays for that.
+void WorkerPool::StartClock(Seat& seat) {
+    const auto limit = std::chrono::duration<double>(limits_.seconds);
+    seat.begin = Clock::now();
+    seat.deadline = seat.begin + std::chrono::duration_cast<Clock::duration>(limit);
+}
+
+/// A worker may have died while it had nothing to do; no job pays for that. One that died at a
+/// job gets nothing more, and its successor this one.
 void WorkerPool::Give(Job job) {
     Seat& seat = *FindFree();
-    if (!seat.worker->Give(job.name)) {
+    if (!seat.worker->Give(job.name) && seat.jobs.empty()) {
         Hire(seat);
         if (!seat.worker->Give(job.name)) throw std::runtime_error("no worker process stays alive");
     }
-    const auto limit = std::chrono::duration<double>(limits_.seconds);
-    seat.deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
-    seat.job = std::move(job);
+    if (seat.jobs.empty()) StartClock(seat);
+    seat.waiting_bytes += job.name.size();
+    seat.jobs.push_back(std::move(job));
+}
+
+Job WorkerPool::TakeFirst(Seat& seat) {
+    Job job = std::move(seat.jobs.front());
+    seat.jobs.pop_front();
+    seat.waiting_bytes -= job.name.size();
+    seat.is_quick = Clock::now() - seat.begin < kQuick;
+    StartClock(seat);
+    return job;
 }
 
 JobOutcome WorkerPool::Lose(Seat& seat, bool timed_out) {
     JobOutcome outcome;
-    outcome.job = std::move(*seat.job);
-    seat.job.reset();
+    outcome.job = TakeFirst(seat);
+    seat.is_quick = false;
     const std::string end = seat.worker->End();
     if (timed_out) {
         outcome.loss = FailureTypes::kTimeout;
@@ -65,26 +97,36 @@ JobOutcome WorkerPool::Lose(Seat& seat, bool timed_out) {
         outcome.loss_detail = "The reading process ended by " + end + ".";
     }
     Hire(seat);
+    for (const Job& job : seat.jobs)
+        if (!seat.worker->Give(job.name)) throw std::runtime_error("no worker process stays alive");
     return outcome;
 }
 
-std::optional<JobOutcome> WorkerPool::Look(Seat& seat, bool is_readable) {
+void WorkerPool::Look(Seat& seat, bool is_readable, std::vector<JobOutcome>& outcomes) {
     using State = TextReceiver::State;
     const State state = is_readable ? seat.worker->Receive() : State::Waiting;
-    if (state == State::Ended) return Lose(seat, false);
-    if (state == State::Waiting)
-        return Clock::now() < seat.deadline ? std::nullopt : std::optional(Lose(seat, true));
-    JobOutcome outcome;
-    outcome.job = std::move(*seat.job);
-    outcome.answer = seat.worker->TakeAnswer();
-    seat.job.reset();
-    return outcome;
+    if (state == State::Ended) return outcomes.push_back(Lose(seat, false));
+    if (state == State::Waiting && Clock::now() >= seat.deadline) return outcomes.push_back(Lose(seat, true));
+    while (!seat.jobs.empty() && seat.worker->HasAnswer()) {
+        JobOutcome outcome;
+        outcome.job = TakeFirst(seat);
+        outcome.answer = seat.worker->TakeAnswer();
+        outcomes.push_back(std::move(outcome));
+    }
+}
+
+/// Waking up for each answer would cost more than some answers do.
+void WorkerPool::LetAnswersGather() const {
+    constexpr std::chrono::microseconds kPause(300);
+    const bool is_busy = std::all_of(seats_.begin(), seats_.end(),
+                                     [](const auto& seat) { return seat->jobs.size() > kMaxJobs / 2; });
+    if (is_busy) std::this_thread::sleep_for(kPause);
 }
 
 int WorkerPool::PollTime(std::chrono::milliseconds wait) const {
     const auto now = Clock::now();
     for (const auto& seat : seats_) {
-        if (!seat->job) continue;
+        if (seat->jobs.empty()) continue;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(seat->deadline - now);
         wait = std::clamp(left, std::chrono::milliseconds(0), wait);
     }
@@ -92,10 +134,11 @@ int WorkerPool::PollTime(std::chrono::milliseconds wait) const {
 }
 
 std::vector<JobOutcome> WorkerPool::Wait(int descriptor, std::chrono::milliseconds wait) {
+    LetAnswersGather();
     std::vector<pollfd> polled;
     std::vector<Seat*> busy;
     for (const auto& seat : seats_) {
-        if (!seat->job) continue;
+        if (seat->jobs.empty()) continue;
         busy.push_back(seat.get());
         polled.push_back({seat->worker->AnswerDescriptor(), POLLIN, 0});
     }
@@ -103,7 +146,7 @@ std::vector<JobOutcome> WorkerPool::Wait(int descriptor, std::chrono::millisecon
     if (poll(polled.data(), polled.size(), PollTime(wait)) < 0) return {};
     std::vector<JobOutcome> outcomes;
     for (std::size_t i = 0; i < busy.size(); ++i)
-        if (auto outcome = Look(*busy[i], polled[i].revents != 0)) outcomes.push_back(std::move(*outcome));
+        Look(*busy[i], polled[i].revents != 0, outcomes);
     return outcomes;
 }
 

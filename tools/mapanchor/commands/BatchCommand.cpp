@@ -1,4 +1,5 @@
 #include "batch/Index.h"
+#include "batch/MissingRows.h"
 #include "batch/NameSource.h"
 #include "batch/Progress.h"
 #include "batch/Row.h"
@@ -37,7 +38,8 @@ constexpr const char* kBatchDescription =
     "  mapanchor batch --jobs 8 --resume rows.jsonl /archive\n"
     "  mapanchor batch --to geojsonseq --unordered /archive\n"
     "  mapanchor batch --index footprints.gpkg /archive > rows.jsonl\n"
-    "  mapanchor batch --shard 2/5 /archive > rows-2.jsonl";
+    "  mapanchor batch --shard 2/5 /archive > rows-2.jsonl\n"
+    "  mapanchor batch --missing names.txt rows-*.jsonl";
 
 struct BatchOptions {
     CommonOptions common;
@@ -52,6 +54,7 @@ struct BatchOptions {
     RowFormat format = RowFormat::JsonLines;
     std::string index;
     std::string resume;
+    std::string missing;
     int jobs = 0;  ///< 0: one for each processor
     double seconds = 60.0;
     std::uint64_t megabytes = 2048;
@@ -134,7 +137,7 @@ private:
     NameSource::Settings SourceSettings();
     void Deal();
     void Finish(JobOutcome outcome);
-    void Write(const Row& row);
+    void Write(const Row& row, std::string& text);
     void WriteInOrder();
     std::optional<std::size_t> Left() const;
 
@@ -201,8 +204,14 @@ void Batch::Deal() {
     }
 }
 
-void Batch::Write(const Row& row) {
-    out_.Print(row.text);
+/// Adds the row to a text of rows, which is printed at the latest when it is long.
+void Batch::Write(const Row& row, std::string& text) {
+    constexpr std::size_t kLong = std::size_t{1} << 18U;
+    text += row.text;
+    if (text.size() >= kLong) {
+        out_.Print(text);
+        text.clear();
+    }
     // Of several maps a file has several features, each on its own line.
     for (std::size_t at = 0; index_ && at < row.feature.size();) {
         const std::size_t end = std::min(row.feature.find('\n', at), row.feature.size() - 1) + 1;
@@ -213,10 +222,12 @@ void Batch::Write(const Row& row) {
 }
 
 void Batch::WriteInOrder() {
+    std::string text;
     while (!waiting_.empty() && (options_.unordered || waiting_.begin()->first == written_)) {
-        Write(waiting_.begin()->second);
+        Write(waiting_.begin()->second, text);
         waiting_.erase(waiting_.begin());
     }
+    if (!text.empty()) out_.Print(text);
 }
 
 void Batch::Finish(JobOutcome outcome) {
@@ -225,7 +236,6 @@ void Batch::Finish(JobOutcome outcome) {
     tally_.Count(row.status);
     progress_.Count(row.status != ExitStatus::Done && row.status != ExitStatus::Warnings);
     waiting_.emplace(outcome.job.number, std::move(row));
-    WriteInOrder();
 }
 
 std::optional<std::size_t> Batch::Left() const {
@@ -245,6 +255,7 @@ ExitStatus Batch::Run() {
             !pool_.HasFree() || source_.Pending() > 0 || source_.Descriptor() >= 0 || source_.IsListed();
         for (JobOutcome& outcome : pool_.Wait(source_.Descriptor(), can_wait ? kTick : kTick * 0))
             Finish(std::move(outcome));
+        WriteInOrder();
         progress_.Tell(Left());
     }
     if (index_) index_->Close();
@@ -256,6 +267,9 @@ ExitStatus Batch::Run() {
 }
 
 ExitStatus Run(const BatchOptions& options) {
+    if (!options.missing.empty())
+        return PrintMissing({options.missing, options.roots, options.nul_separated},
+                            options.common.MakeConsole());
     return Batch(options).Run();
 }
 
@@ -315,6 +329,17 @@ void AddOutputs(CLI::App& batch, BatchOptions& options) {
         ->excludes(to)
         ->excludes(index)
         ->excludes(all_maps);
+    batch
+        .add_option("--missing", options.missing,
+                    "Read no files, but a list of names (- for stdin) and, as NAME, files of rows in jsonl. "
+                    "Print the names without a row; the exit status is 0 only with exactly one row for each")
+        ->check(RefuseEmpty)
+        ->type_name("LIST")
+        ->excludes(to)
+        ->excludes(index)
+        ->excludes(all_maps)
+        ->excludes("--resume")
+        ->excludes("--shard");
     batch.add_flag("--progress", options.progress, "Show progress on stderr even if it is not a terminal");
 }
 
@@ -343,6 +368,8 @@ void AddBatchCommand(CLI::App& app, ExitStatus& status) {
     options->read.AddTo(*batch);
     options->common.AddTo(*batch);
     batch->callback([options, &status] {
+        if (options->roots.empty() && !options->missing.empty())
+            throw CLI::ValidationError("--missing", "wants the files of rows as well, such as rows*.jsonl");
         if (options->roots.empty()) options->roots.emplace_back("-");
         if (options->all_maps && options->format == RowFormat::Stac)
             throw CLI::ValidationError("--all-maps", "an item of STAC is one file; use another --to");

@@ -4,6 +4,7 @@
 #include "read/ReferenceFacts.h"
 #include "read/Residuals.h"
 #include "render/PdfPageJson.h"
+#include "render/SystemTexts.h"
 
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BLinearUnit.h>
@@ -88,8 +89,18 @@ Json OriginsJson(const ReadResult& result) {
     return list;
 }
 
+enum class Systems { Now, Later };
+
+/// With Systems::Later the objects of the system stay empty.
+void PutSystem(Json& top, Json& ours, const BCoordSys& system, Systems when) {
+    const bool now = when == Systems::Now;
+    if (Json wkt = now ? WktJson(system) : Json::object(); !wkt.is_null())
+        top["coordinateSystem"] = std::move(wkt);
+    ours["coordSys"] = now ? RenderJson(system) : Json::object();
+}
+
 /// The lists of control points stay empty.
-void PutReference(Json& top, Json& ours, const ReadResult& result, const Residuals& residuals) {
+void PutReference(Json& top, Json& ours, const ReadResult& result, const Residuals& residuals, Systems when) {
     const BGeoReference& reference = result.reference;
     if (const auto affine = AffineOf(reference)) {
         const auto& t = *affine;
@@ -98,11 +109,7 @@ void PutReference(Json& top, Json& ours, const ReadResult& result, const Residua
         ours["pixelAnchor"] = result.centre_anchored ? "centre" : "corner";
     }
     if (reference.HasMathTransform()) ours["transform"] = Transform(*reference.MathTransform, residuals);
-    if (reference.HasCoordSys()) {
-        const BString wkt = reference.CoordSys->ToWholeWKT();
-        if (!wkt.IsEmpty()) top["coordinateSystem"] = {{"wkt", wkt.StdStr()}};
-        ours["coordSys"] = RenderJson(*reference.CoordSys);
-    }
+    if (reference.HasCoordSys()) PutSystem(top, ours, *reference.CoordSys, when);
     if (!reference.PointPairVector.empty()) {
         top["gcps"] = {{"gcpList", Json::array()}};
         ours["points"] = Json::array();
@@ -113,7 +120,7 @@ void PutReference(Json& top, Json& ours, const ReadResult& result, const Residua
     ours["pixelIsPoint"] = reference.IsPixelAsPointRegistered();
 }
 
-Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals) {
+Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals, Systems when = Systems::Now) {
     Json top = JsonAbout(result.file);
     Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
     if (result.failure) {
@@ -125,7 +132,7 @@ Json JsonWithoutPoints(const ReadResult& result, const Residuals& residuals) {
         ours["usedFile"] = result.used_file;
         ours["files"] = result.files;
         if (!result.origins.empty()) ours["origins"] = OriginsJson(result);
-        PutReference(top, ours, result, residuals);
+        PutReference(top, ours, result, residuals, when);
     }
     if (result.page) {
         ours["pdfPage"] = PdfPageJson(*result.page);
@@ -140,8 +147,8 @@ std::string DumpedJson(const Json& json, const CommonOptions& options) {
     return PrintableJson(json.dump(options.indent, ' ', false, Json::error_handler_t::replace));
 }
 
-/// Passes a text of JSON on and fills the empty lists in it, entry by entry: as one tree
-/// they would need a hundred times the memory of the points.
+/// Passes a text of JSON on and fills the empty objects and lists in it, these entry by entry: as
+/// one tree they would need a hundred times the memory of the points.
 class ListFiller {
 public:
     ListFiller(std::string_view text, const CommonOptions& options, const TextPieces::Write& write)
@@ -163,6 +170,13 @@ public:
             out_.PassOn();
         }
         out_.Text() += LineEnd(kListLevel);
+    }
+    /// The next object of that name, which is empty and on one line.
+    void FillObject(const char* name, std::string_view text) {
+        const std::string object = std::string("\"").append(name).append("\":{}");
+        const std::size_t end = rest_.find(object) + object.size() - 2;
+        out_.Text().append(rest_.substr(0, end)).append(text);
+        rest_.remove_prefix(end + 2);
     }
     void Finish() {
         out_.Text() += rest_;
@@ -272,6 +286,11 @@ void PutParts(Json& json, const BCoordSys& system) {
 
 }  // namespace
 
+Json WktJson(const BCoordSys& system) {
+    const BString wkt = system.ToWholeWKT();
+    return wkt.IsEmpty() ? Json() : Json{{"wkt", wkt.StdStr()}};
+}
+
 Json RenderJson(const BCoordSys& system) {
     Json json = Json::object();
     PutText(json, "name", system.GetName());
@@ -323,13 +342,21 @@ Json PointsJson(const ReadResult& result) {
 void WriteJson(const ReadResult& result, const CommonOptions& options, const TextPieces::Write& write) {
     const Residuals residuals = ComputeResiduals(result);
     const std::vector<BControlPoint>& points = residuals.points;
-    const std::string text = ToText(JsonWithoutPoints(result, residuals), options);
+    // On one line, the texts of the system are those of the file before.
+    const SystemTexts* const system = result.Ok() && result.reference.HasCoordSys() && options.indent < 0
+                                          ? &SystemTextsOf(*result.reference.CoordSys)
+                                          : nullptr;
+    const bool later = system && !system->in_wkt.empty();
+    const std::string text =
+        ToText(JsonWithoutPoints(result, residuals, later ? Systems::Later : Systems::Now), options);
     ListFiller filler(text, options, write);
-    if (result.Ok() && !points.empty()) {
-        filler.Fill("gcpList", points.size(), [&](std::size_t i) { return GcpJson(points[i]); });
+    const bool has_points = result.Ok() && !points.empty();
+    if (later) filler.FillObject("coordinateSystem", system->in_wkt);
+    if (has_points) filler.Fill("gcpList", points.size(), [&](std::size_t i) { return GcpJson(points[i]); });
+    if (later) filler.FillObject("coordSys", system->described);
+    if (has_points)
         filler.Fill("points", points.size(),
                     [&](std::size_t i) { return PointJson(points[i], residuals.of_points[i]); });
-    }
     filler.Finish();
 }
 

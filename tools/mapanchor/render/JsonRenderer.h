@@ -34,6 +34,8 @@ Json JsonWithoutPoints(const ReadResult& result);
 Json PointsJson(const ReadResult& result);
 Json RenderJson(const Failure& failure);
 Json RenderJson(const Tellurion::BCoordSys& system);
+/// The system as well-known text; null for one that has none.
+Json WktJson(const Tellurion::BCoordSys& system);
 Json RenderJson(const Diagnostics& diagnostics);
 
 /// All that is known of an input, as ToText() of it, piece by piece.

@@ -65,6 +65,17 @@ std::size_t LengthOfStatistics(std::string_view text) {
     return skip("</Item>") ? at : 0;
 }
 
+/// True when a text in small letters may hold the reference of a character, such as "&#47;" or
+/// "&quot;". Among numbers there are ampersands too.
+bool MayHoldReference(std::string_view text) {
+    constexpr std::size_t kLongest = 12;
+    for (std::size_t at = text.find('&'); at != std::string_view::npos; at = text.find('&', at + 1)) {
+        const std::string_view rest = text.substr(at + 1, kLongest);
+        if (rest.find_first_of("#qalg") == 0 && rest.find(';') != std::string_view::npos) return true;
+    }
+    return false;
+}
+
 /// Reads one file; any doubt ends it.
 class Parser {
 public:
@@ -294,9 +305,9 @@ private:
         if (values_end_ < values_start_ || values_end_ - values_start_ > kMaxSpan) return true;
         const auto length = static_cast<std::size_t>(values_end_ - values_start_);
         const std::string text = Tellurion::LowerAscii(file_.Window(values_start_, length));
-        constexpr std::string_view kWords[] = {"grids",   "init",       "file", "model",
-                                               "catalog", "parameters", "&"};
-        return std::any_of(std::begin(kWords), std::end(kWords),
+        constexpr std::string_view kWords[] = {"grids", "init", "file", "model", "catalog", "parameters"};
+        return MayHoldReference(text) ||
+               std::any_of(std::begin(kWords), std::end(kWords),
                            [&text](std::string_view word) { return text.find(word) != std::string::npos; });
     }
 
