@@ -8,7 +8,7 @@ export CCACHE_BASEDIR := $(CURDIR)
 export CCACHE_NOHASHDIR := 1
 export CCACHE_SLOPPINESS := pch_defines,time_macros,include_file_mtime,include_file_ctime
 
-.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare crs-sweep format format-check tidy conformance consumer package docs abi abi-update hard-places fault-sweep clean
+.PHONY: help setup build run test asan tsan coverage fuzz bench bench-compare crs-sweep format format-check tidy conformance consumer package wheel docs abi abi-update hard-places fault-sweep clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -71,6 +71,9 @@ docs: setup ## build the documentation site with the API reference, into build/r
 
 package: setup ## build the Debian packages and look them over with lintian
 	@scripts/package.sh $(JOBS)
+
+wheel: ## build the wheel of the Python package and test it; needs Debian 13
+	@scripts/wheel.sh
 
 format: setup ## lay out the sources
 	@scripts/format.sh

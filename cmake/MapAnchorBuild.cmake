@@ -77,6 +77,7 @@ function(mapanchor_module name)
         OUTPUT_NAME mapanchor-${name} VERSION ${PROJECT_VERSION} SOVERSION ${MAPANCHOR_SOVERSION}
         INSTALL_RPATH "$<$<NOT:$<BOOL:${MAPANCHOR_DEBIAN_PACKAGES}>>:$ORIGIN>")
     add_dependencies(mapanchor_modules ${target})
+    set_property(GLOBAL APPEND PROPERTY MAPANCHOR_MODULE_TARGETS ${target})
     target_compile_definitions(${target} PRIVATE ${MAPANCHOR_MODULE_DEFINITIONS})
     target_link_options(${target} PRIVATE ${MAPANCHOR_ALL_DEFINED})
     target_link_libraries(${target} PRIVATE ${arg_LINK} mapanchor_options)

@@ -19,7 +19,7 @@ struct Row {
 
 // The classes live as long as the interpreter.
 PyObject* base = nullptr;
-PyObject* classes[11] = {};
+PyObject* classes[12] = {};
 
 const Row* Rows() {
     static const Row rows[] = {
@@ -33,6 +33,7 @@ const Row* Rows() {
         {"BGeoReferenceInvalidReferenceFileException", "InvalidFileError", PyExc_ValueError},
         {"BGeoReferenceInvalidTransformException", "InvalidTransformError", PyExc_ValueError},
         {"BGeoReferenceInvalidCoordSysException", "InvalidCoordSysError", PyExc_ValueError},
+        {"BCoordSysException", "InvalidCoordSysError", PyExc_ValueError},
         {"BReadParametersException", "ParameterError", PyExc_ValueError}};
     static_assert(std::size(rows) == std::size(classes));
     return rows;
@@ -65,8 +66,14 @@ void Translate(std::exception_ptr failure) {
 }  // namespace
 
 void DefineFailures(py::module_& module) {
-    base = py::exception<void>(module, "Error").release().ptr();
+    base = PyErr_NewException("mapanchor.Error", nullptr, nullptr);
+    if (!base) throw py::error_already_set();
+    module.add_object("Error", py::handle(base));
     for (std::size_t i = 0; i < std::size(classes); ++i) {
+        if (py::hasattr(module, Rows()[i].name)) {  // two of the library's have one name
+            classes[i] = module.attr(Rows()[i].name).ptr();
+            continue;
+        }
         const py::tuple bases = py::make_tuple(py::handle(base), py::handle(Rows()[i].builtin));
         const std::string name = std::string("mapanchor.") + Rows()[i].name;
         classes[i] = PyErr_NewException(name.c_str(), bases.ptr(), nullptr);

@@ -1,94 +1,37 @@
 #include "Module.h"
 
-#include <pybind11/stl.h>
+#include <pybind11/operators.h>
 
-#include <Tellurion/BCoordSys.h>
+#include <Tellurion/BIdentifier.h>
 #include <Tellurion/BLinearUnit.h>
-#include <Tellurion/BMathTransform.h>
 
-#include <array>
-#include <memory>
-#include <optional>
+#include <algorithm>
+#include <cmath>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace py = pybind11;
 using namespace Tellurion;
 
 namespace {
 
-using Terms = std::array<double, 6>;
-using Position = std::pair<double, double>;
 using Points = std::vector<BPointPair>;
-
-BMathTransform Affine(const Terms& t) {
-    const std::unique_ptr<BMathTransform> made(
-        BMathTransform::CreateAffine(t[0], t[1], t[2], t[3], t[4], t[5], true));
-    if (!made) throw py::value_error("these terms have no inverse");
-    return *made;
-}
-
-/// A tuple of six, as Python users know a placement; None where it is no affine one.
-py::object TermsOf(const BMathTransform& transform) {
-    const EMathTransformType type = transform.GetMathTransformType();
-    if (type != EMathTransformType::Affine && type != EMathTransformType::Conformal) return py::none();
-    Terms t{};
-    transform.GetAffineParameters(t[0], t[1], t[2], t[3], t[4], t[5]);
-    return py::make_tuple(t[0], t[1], t[2], t[3], t[4], t[5]);
-}
-
-Position Convert(bool (BMathTransform::*convert)(double&, double&) const, const BMathTransform& transform,
-                 double x, double y) {
-    if (!(transform.*convert)(x, y)) throw py::value_error("the transform has no value there");
-    return {x, y};
-}
-
-BCoordSys MakeSystem(const BString& text) {
-    const std::unique_ptr<BCoordSys> made(BCoordSys::FromText(text));
-    if (!made) throw py::value_error("the coordinate system is not understood");
-    return *made;
-}
-
-std::optional<BString> NotEmpty(const BString& text) {
-    return text.IsEmpty() ? std::nullopt : std::optional<BString>(text);
-}
-
-std::optional<BCoordSys> Optional(BCoordSys* made) {
-    const std::unique_ptr<BCoordSys> owner(made);
-    return owner ? std::optional<BCoordSys>(*owner) : std::nullopt;
-}
-
-/// The system itself unless it is a compound.
-BCoordSys HorizontalOf(const BCoordSys& system) {
-    const std::unique_ptr<BCoordSys> vertical(system.GetVerticalCoordSys());
-    return vertical ? Optional(system.GetBaseCoordSys()).value_or(system) : system;
-}
-
-Position Geodetic(BPoint (BCoordSys::*convert)(const BPoint&) const, const BCoordSys& system, double x,
-                  double y) {
-    const BPoint point = (system.*convert)(BPoint(x, y, 0.0));
-    return {point.x, point.y};
-}
-
-std::optional<BMathTransform> TransformOf(const PyReference& self) {
-    if (!self.reference.HasMathTransform()) return std::nullopt;
-    return *self.reference.MathTransform;
-}
-
-void SetTransform(PyReference& self, const std::optional<BMathTransform>& transform) {
-    self.reference.MathTransform = BSharedPtr<BMathTransform>();
-    if (transform) self.reference.SetMathTransform(*transform);
-}
 
 std::optional<BCoordSys> SystemOf(const PyReference& self) {
     if (!self.reference.HasCoordSys()) return std::nullopt;
     return *self.reference.CoordSys;
 }
 
-void SetSystem(PyReference& self, const std::optional<BCoordSys>& system) {
+void SetSystem(PyReference& self, const py::object& from) {
+    const std::optional<BCoordSys> system = OptionalSystemFrom(from);
     self.reference.SetCoordSys(system ? BSharedPtr<BCoordSys>(new BCoordSys(*system))
                                       : BSharedPtr<BCoordSys>());
+}
+
+/// A Transform or what has six terms.
+std::optional<PyTransform> TransformFrom(const py::object& from) {
+    if (from.is_none()) return std::nullopt;
+    if (py::isinstance<PyTransform>(from)) return from.cast<PyTransform>();
+    return PyTransform(AffineFrom(from));
 }
 
 std::optional<std::pair<BString, double>> VerticalUnit(const PyReference& self) {
@@ -97,11 +40,10 @@ std::optional<std::pair<BString, double>> VerticalUnit(const PyReference& self) 
     return std::make_pair(unit->GetName(), unit->GetUnitsPerMeter());
 }
 
-PyReference MakeReference(const std::optional<BCoordSys>& system,
-                          const std::optional<BMathTransform>& transform, const Points& points) {
+PyReference MakeReference(const py::object& system, const py::object& transform, const Points& points) {
     PyReference made;
     SetSystem(made, system);
-    SetTransform(made, transform);
+    SetTransform(made, TransformFrom(transform));
     made.reference.PointPairVector = points;
     return made;
 }
@@ -112,140 +54,110 @@ std::string Show(const PyReference& self) {
     if (!self.kind.IsEmpty()) text += " " + self.kind.StdStr();
     if (reference.HasCoordSys()) text += ", " + reference.CoordSys->GetName().StdStr();
     if (reference.HasMathTransform()) text += ", with a transform";
+    if (self.width > 0) text += ", " + std::to_string(self.width) + " x " + std::to_string(self.height);
     return text + ", " + std::to_string(reference.PointPairVector.size()) + " points>";
 }
 
-void DefinePoint(py::module_& module) {
-    py::class_<BPointPair>(module, "Point")
-        .def(py::init<long, long, double, double, double, BString, bool>(), py::arg("column"), py::arg("row"),
-             py::arg("x"), py::arg("y"), py::arg("z") = 0.0, py::arg("name") = BString(),
-             py::arg("enabled") = true)
-        .def_readwrite("column", &BPointPair::Column)
-        .def_readwrite("row", &BPointPair::Row)
-        .def_property(
-            "x", [](const BPointPair& p) { return p.World.x; },
-            [](BPointPair& p, double value) { p.World.x = value; })
-        .def_property(
-            "y", [](const BPointPair& p) { return p.World.y; },
-            [](BPointPair& p, double value) { p.World.y = value; })
-        .def_property(
-            "z", [](const BPointPair& p) { return p.World.z; },
-            [](BPointPair& p, double value) { p.World.z = value; })
-        .def_property(
-            "name", [](const BPointPair& p) { return p.Name; },
-            [](BPointPair& p, const BString& name) { p.Name = name; })
-        .def_readwrite("enabled", &BPointPair::Enabled);
+bool HaveSameUnit(const PyReference& a, const PyReference& b) {
+    constexpr double kRounding = 1e-12;  // a unit is kept by its inverse
+    const auto one = VerticalUnit(a);
+    const auto other = VerticalUnit(b);
+    if (!one || !other) return one.has_value() == other.has_value();
+    return one->first == other->first && std::fabs(one->second - other->second) <= kRounding * one->second;
 }
 
-void DefineTransform(py::module_& module) {
-    const auto to_world = [](const BMathTransform& self, double column, double row) {
-        return Convert(&BMathTransform::ConvertSourceToTarget, self, column, row);
-    };
-    const auto to_pixel = [](const BMathTransform& self, double x, double y) {
-        return Convert(&BMathTransform::ConvertTargetToSource, self, x, y);
-    };
-    py::class_<BMathTransform>(module, "Transform")
-        .def(py::init([](double a, double b, double c, double d, double e, double f) {
-                 return Affine({a, b, c, d, e, f});
-             }),
-             py::arg("a"), py::arg("b"), py::arg("c"), py::arg("d"), py::arg("e"), py::arg("f"))
-        .def_property_readonly("kind", &BMathTransform::GetMathTransformType)
-        .def_property_readonly("affine", &TermsOf)
-        .def("to_world", to_world, py::arg("column"), py::arg("row"))
-        .def("to_pixel", to_pixel, py::arg("x"), py::arg("y"));
+/// By where they put a raster, not by the file that they were read from.
+bool AreSame(const PyReference& a, const PyReference& b) {
+    const BGeoReference& one = a.reference;
+    const BGeoReference& other = b.reference;
+    const auto transform_a = TransformOf(a);
+    const auto transform_b = TransformOf(b);
+    if (one.HasCoordSys() != other.HasCoordSys() || transform_a.has_value() != transform_b.has_value() ||
+        one.IsPixelAsPointRegistered() != other.IsPixelAsPointRegistered() || !HaveSameUnit(a, b) ||
+        a.centre_anchored != b.centre_anchored || a.width != b.width || a.height != b.height)
+        return false;
+    const Points& points = one.PointPairVector;
+    const Points& others = other.PointPairVector;
+    return std::equal(points.begin(), points.end(), others.begin(), others.end(),
+                      [](const BPointPair& p, const BPointPair& q) { return AreSamePoints(p, q); }) &&
+           (!transform_a || AreSameTransforms(*transform_a, *transform_b)) &&
+           (!one.HasCoordSys() || one.CoordSys->IsSame(*other.CoordSys));
 }
 
-void DefineSystem(py::module_& module) {
-    const auto to_geodetic = [](const BCoordSys& self, double x, double y) {
-        return Geodetic(&BCoordSys::ConvertToGeodetic, self, x, y);
-    };
-    const auto from_geodetic = [](const BCoordSys& self, double longitude, double latitude) {
-        return Geodetic(&BCoordSys::ConvertFromGeodetic, self, longitude, latitude);
-    };
-    const auto unit = [](const BCoordSys& self) {
-        const BSharedPtr<BUnit> found = self.GetUnits();
-        return found ? NotEmpty(found->GetName()) : std::nullopt;
-    };
-    const auto epoch = [](const BCoordSys& self) {
-        const double year = self.GetCoordinateEpoch();
-        return year == 0.0 ? std::nullopt : std::optional<double>(year);
-    };
-    const auto is_same = [](const BCoordSys& self, const BCoordSys& other, std::optional<double> tolerance) {
-        return tolerance ? self.IsSame(other, *tolerance) : self.IsSame(other);
-    };
-    const auto convert_to = [](const BCoordSys& self, const BCoordSys& other, double x, double y) {
-        const BPoint point = self.ConvertTo(other, BPoint(x, y, 0.0));
-        return Position(point.x, point.y);
-    };
-    py::class_<BCoordSys>(module, "CoordSys")
-        .def(py::init(&MakeSystem), py::arg("text"))
-        .def_property_readonly("name", &BCoordSys::GetName)
-        .def_property_readonly("epsg", [](const BCoordSys& self) { return NotEmpty(self.ToEPSGCode()); })
-        .def_property_readonly("wkt", &BCoordSys::ToWKT)
-        .def_property_readonly("whole_wkt", &BCoordSys::ToWholeWKT)
-        .def_property_readonly("wkt2", &BCoordSys::ToWKT2)
-        .def_property_readonly("esri", [](const BCoordSys& self) { return NotEmpty(self.ToPRJ()); })
-        .def_property_readonly("projjson", [](const BCoordSys& self) { return NotEmpty(self.ToPROJJSON()); })
-        .def_property_readonly("proj", [](const BCoordSys& self) { return NotEmpty(self.ToPROJString()); })
-        .def_property_readonly("horizontal", [](const BCoordSys& self) { return HorizontalOf(self); })
-        .def_property_readonly("vertical",
-                               [](const BCoordSys& self) { return Optional(self.GetVerticalCoordSys()); })
-        .def_property_readonly("epoch", epoch)
-        .def_property_readonly(
-            "geodetic", [](const BCoordSys& self) { return self.GetKind() == BCoordSys::kKindGeodetic; })
-        .def_property_readonly("unit", unit)
-        .def("to_geodetic", to_geodetic, py::arg("x"), py::arg("y"))
-        .def("from_geodetic", from_geodetic, py::arg("longitude"), py::arg("latitude"))
-        .def("is_same", is_same, py::arg("other"), py::arg("tolerance") = py::none())
-        .def("distance_to", &BCoordSys::DistanceTo, py::arg("other"))
-        .def("convert_to", convert_to, py::arg("other"), py::arg("x"), py::arg("y"))
-        .def("__repr__",
-             [](const BCoordSys& self) { return "<mapanchor.CoordSys " + self.GetName().StdStr() + ">"; });
+/// Issuer and code, or name and metres.
+py::object UnitState(const PyReference& self) {
+    const BSharedPtr<BLinearUnit> unit = self.reference.GetVerticalUnit();
+    BIdentifier known;
+    if (!unit) return py::none();
+    if (unit->GetIdentifier("GC", known)) return py::make_tuple("GC", known.Code);
+    return py::make_tuple(unit->GetName(), 1.0 / unit->GetUnitsPerMeter());
 }
 
-void DefineDiagnostic(py::module_& module) {
-    using MapAnchor::BDiagnostic;
-    const auto severity = [](const BDiagnostic& self) {
-        constexpr const char* kWords[] = {"note", "warning", "error"};
-        return kWords[static_cast<int>(self.GetSeverity())];
-    };
-    const auto line = [](const BDiagnostic& self) {
-        return self.GetLine() > 0 ? std::optional<long>(self.GetLine()) : std::nullopt;
-    };
-    using Origin = MapAnchor::BReading::Origin;
-    py::class_<Origin>(module, "Origin")
-        .def_readonly("value", &Origin::Value)
-        .def_readonly("file", &Origin::File)
-        .def_readonly("place", &Origin::Place);
-    py::class_<BDiagnostic>(module, "Diagnostic")
-        .def_property_readonly("id", &BDiagnostic::GetId)
-        .def_property_readonly("severity", severity)
-        .def_property_readonly("text", &BDiagnostic::GetText)
-        .def_property_readonly("file", &BDiagnostic::GetFile)
-        .def_property_readonly("line", line)
-        .def("__repr__", [](const BDiagnostic& self) {
-            return BString::Format("<mapanchor.Diagnostic %ls: %ls>", self.GetId(), self.GetText());
-        });
+BSharedPtr<BLinearUnit> UnitFrom(const py::object& state) {
+    if (state.is_none()) return {};
+    const py::tuple parts = state;
+    const auto name = parts[0].cast<BString>();
+    if (py::isinstance<py::str>(parts[1]))
+        return BLinearUnit::GetLinearUnit(BIdentifier(name, parts[1].cast<BString>()));
+    return BSharedPtr<BLinearUnit>(new BLinearUnit(name, parts[1].cast<double>()));
 }
 
-}  // namespace
+py::dict StateOf(const PyReference& self) {
+    using namespace py::literals;
+    return py::dict("crs"_a = SystemOf(self), "transform"_a = TransformOf(self),
+                    "points"_a = self.reference.PointPairVector,
+                    "pixel_is_point"_a = self.reference.IsPixelAsPointRegistered(),
+                    "vertical_unit"_a = UnitState(self), "kind"_a = self.kind, "used_file"_a = self.used_file,
+                    "files"_a = self.files, "centre_anchored"_a = self.centre_anchored,
+                    "width"_a = self.width, "height"_a = self.height, "diagnostics"_a = self.diagnostics,
+                    "origins"_a = self.origins);
+}
 
-void DefineReference(py::module_& module) {
-    DefineDiagnostic(module);
-    DefinePoint(module);
-    DefineTransform(module);
-    DefineSystem(module);
+PyReference FromState(const py::dict& state) {
+    PyReference made = MakeReference(state["crs"], state["transform"], state["points"].cast<Points>());
+    made.reference.SetPixelAsPointRegistered(state["pixel_is_point"].cast<bool>());
+    made.reference.SetVerticalUnit(UnitFrom(state["vertical_unit"]));
+    made.kind = state["kind"].cast<BString>();
+    made.used_file = state["used_file"].cast<BString>();
+    made.files = state["files"].cast<std::vector<BString>>();
+    made.centre_anchored = state["centre_anchored"].cast<bool>();
+    made.width = state["width"].cast<long>();
+    made.height = state["height"].cast<long>();
+    made.diagnostics = state["diagnostics"].cast<std::vector<PyDiagnostic>>();
+    made.origins = state["origins"].cast<std::vector<MapAnchor::BReading::Origin>>();
+    return made;
+}
+
+std::optional<std::pair<long, long>> SizeOf(const PyReference& self) {
+    if (self.width <= 0 || self.height <= 0) return std::nullopt;
+    return std::pair(self.width, self.height);
+}
+
+void SetSize(PyReference& self, const std::optional<std::pair<long, long>>& size) {
+    if (size && (size->first <= 0 || size->second <= 0)) throw py::value_error("a size is positive");
+    self.width = size ? size->first : 0;
+    self.height = size ? size->second : 0;
+}
+
+/// From the outer corner of the raster, as rasterio counts.
+py::object AffineOfPackage(const PyReference& self) {
+    if (!self.reference.HasMathTransform()) throw py::value_error("there is no transform");
+    return ToAffinePackage(*self.reference.MathTransform, self.centre_anchored ? -0.5 : 0.0);
+}
+
+void DefineParts(py::class_<PyReference>& reference) {
     const auto affine = [](const PyReference& self) {
-        const BGeoReference& reference = self.reference;
-        return reference.HasMathTransform() ? TermsOf(*reference.MathTransform) : py::object(py::none());
+        return self.reference.HasMathTransform() ? TermsOf(*self.reference.MathTransform)
+                                                 : py::object(py::none());
     };
-    py::class_<PyReference>(module, "Reference")
-        .def(py::init(&MakeReference), py::arg("crs") = py::none(), py::arg("transform") = py::none(),
-             py::arg("points") = Points())
-        .def_property("crs", &SystemOf, &SetSystem)
-        .def_property("transform", &TransformOf, &SetTransform)
+    reference.def_property("crs", &SystemOf, &SetSystem)
+        .def_property(
+            "transform", &TransformOf,
+            [](PyReference& self, const py::object& from) { SetTransform(self, TransformFrom(from)); })
         .def_property("affine", affine,
-                      [](PyReference& self, const Terms& terms) { SetTransform(self, Affine(terms)); })
+                      [](PyReference& self, const py::object& terms) {
+                          SetTransform(self, PyTransform(AffineFrom(terms)));
+                      })
         .def_property(
             "points", [](const PyReference& self) { return self.reference.PointPairVector; },
             [](PyReference& self, const Points& points) { self.reference.PointPairVector = points; })
@@ -253,18 +165,44 @@ void DefineReference(py::module_& module) {
             "pixel_is_point",
             [](const PyReference& self) { return self.reference.IsPixelAsPointRegistered(); },
             [](PyReference& self, bool value) { self.reference.SetPixelAsPointRegistered(value); })
+        .def_property("size", &SizeOf, &SetSize)
         .def_property_readonly("vertical_unit", &VerticalUnit)
         .def_property_readonly("kind", [](const PyReference& self) { return self.kind; })
         .def_property_readonly("used_file", [](const PyReference& self) { return self.used_file; })
         .def_property_readonly("files", [](const PyReference& self) { return self.files; })
         .def_property_readonly("diagnostics", [](const PyReference& self) { return self.diagnostics; })
         .def_property_readonly("origins", [](const PyReference& self) { return self.origins; })
-        .def_property_readonly("size",
-                               [](const PyReference& self) -> std::optional<std::pair<long, long>> {
-                                   if (self.width <= 0 || self.height <= 0) return std::nullopt;
-                                   return std::pair(self.width, self.height);
-                               })
         .def_property_readonly(
-            "anchor", [](const PyReference& self) { return self.centre_anchored ? "centre" : "corner"; })
-        .def("__repr__", &Show);
+            "anchor", [](const PyReference& self) { return self.centre_anchored ? "centre" : "corner"; });
+}
+
+}  // namespace
+
+std::optional<PyTransform> TransformOf(const PyReference& self) {
+    if (!self.reference.HasMathTransform()) return std::nullopt;
+    const auto* const known = dynamic_cast<const PyTransform*>(self.reference.MathTransform.Get());
+    return known ? *known : PyTransform(*self.reference.MathTransform);
+}
+
+void SetTransform(PyReference& self, const std::optional<PyTransform>& transform) {
+    self.reference.MathTransform = transform && transform->IsValid()
+                                       ? BSharedPtr<BMathTransform>(new PyTransform(*transform))
+                                       : BSharedPtr<BMathTransform>();
+}
+
+void DefineReference(py::module_& module) {
+    py::class_<PyReference> reference(module, "Reference");
+    reference.def(py::init(&MakeReference), py::arg("crs") = py::none(), py::arg("transform") = py::none(),
+                  py::arg("points") = Points());
+    DefineParts(reference);
+    reference.def_property_readonly("bounds", &BoundsOf)
+        .def_property_readonly("__geo_interface__", &FeatureOf)
+        .def("footprint", &FootprintOf, py::kw_only(), py::arg("width") = 0, py::arg("height") = 0)
+        .def("to_affine", &AffineOfPackage)
+        .def(
+            "__eq__", [](const PyReference& a, const PyReference& b) { return AreSame(a, b); },
+            py::is_operator())
+        .def("__repr__", &Show)
+        .def(py::pickle(&StateOf, &FromState));
+    reference.attr("__hash__") = py::none();  // it can be changed
 }

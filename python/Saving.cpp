@@ -77,7 +77,8 @@ void DefineSaving(py::module_& module) {
         .def_property_readonly("same_crs",
                                [proof](const BSaving& self) { return proof(self).IsSameSystem(); })
         .def_property_readonly("text", [proof](const BSaving& self) { return proof(self).GetText(); })
-        .def_property_readonly("diagnostics", [](const BSaving& self) { return self.GetDiagnostics(); })
+        .def_property_readonly("diagnostics",
+                               [](const BSaving& self) { return ToPython(self.GetDiagnostics()); })
         .def("__repr__", [proof](const BSaving& self) {
             return BString("<mapanchor.Saving: " + proof(self).GetText().StdStr() + ">");
         });

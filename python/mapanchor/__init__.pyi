@@ -1,56 +1,76 @@
+from dataclasses import dataclass
 from enum import Enum
 from os import PathLike
-from typing import ClassVar, Iterable, List, Optional, Tuple, Union, overload
+from typing import Any, Dict, Generic, Iterable, List, Optional, Protocol, Sequence, Tuple, TypeVar, Union, overload
 
-Path = Union[str, bytes, PathLike]
-Affine = Tuple[float, float, float, float, float, float]
+from ._words import Word
+
+_Path = Union[str, bytes, "PathLike[str]", "PathLike[bytes]"]
+_Affine = Tuple[float, float, float, float, float, float]
+
+_Got = TypeVar("_Got", covariant=True)
+_Given = TypeVar("_Given", contravariant=True)
+
+class _Part(Generic[_Got, _Given]):
+    """A property to which more can be assigned than it returns."""
+
+    def __get__(self, owner: Any, type: Any = None) -> _Got: ...
+    def __set__(self, owner: Any, value: _Given) -> None: ...
+
+class _HasWkt(Protocol):
+    def to_wkt(self) -> str: ...
+
+_System = Union["CoordSys", str, int, _HasWkt]
+_Terms = Union[_Affine, Sequence[float]]
+_Numbers = Any
+"""A float, or what numpy makes an array of."""
 
 __version__: str
 
-class Type:
-    """The kinds of reference that have a type."""
+class Type(Word):
+    """The kinds of reference that have a type. A member is a str; its text will do in its place."""
 
-    GEOTIFF: ClassVar[Type]
-    TAB: ClassVar[Type]
-    RSF: ClassVar[Type]
-    WLD: ClassVar[Type]
-    MRSID: ClassVar[Type]
-    ECW: ClassVar[Type]
-    ERS: ClassVar[Type]
-    DOQQ: ClassVar[Type]
-    KAP: ClassVar[Type]
-    POINTS: ClassVar[Type]
-    AUX: ClassVar[Type]
-    VRT: ClassVar[Type]
-    KML: ClassVar[Type]
-    PDF: ClassVar[Type]
-    name: str
-    value: int
+    RSF = "RSF"
+    WLD = "WLD"
+    TIF = "TIF"
+    TAB = "TAB"
+    ERS = "ERS"
+    DOQ = "DOQ"
+    KAP = "KAP"
+    SID = "SID"
+    ECW = "ECW"
+    PDF = "PDF"
+    POINTS = "POINTS"
+    AUX = "AUX"
+    VRT = "VRT"
+    KML = "KML"
+    GEOTIFF = "TIF"
+    MRSID = "SID"
+    DOQQ = "DOQ"
 
-class Fit:
-    """The kinds of fit through control points."""
+class Fit(Word):
+    """The kinds of fit through control points, by the words of the command line."""
 
-    AFFINE: ClassVar[Fit]
-    CONFORMAL: ClassVar[Fit]
-    POLYNOMIAL2: ClassVar[Fit]
-    POLYNOMIAL3: ClassVar[Fit]
-    PROJECTIVE: ClassVar[Fit]
-    THIN_PLATE_SPLINE: ClassVar[Fit]
-    BILINEAR: ClassVar[Fit]
-    NONE: ClassVar[Fit]
-    name: str
-    value: int
+    AFFINE = "affine"
+    CONFORMAL = "conformal"
+    POLY2 = "poly2"
+    POLY3 = "poly3"
+    PROJECTIVE = "projective"
+    TPS = "tps"
+    BILINEAR = "bilinear"
+    NONE = "none"
+    POLYNOMIAL2 = "poly2"
+    POLYNOMIAL3 = "poly3"
+    THIN_PLATE_SPLINE = "tps"
 
-class Box:
+class Box(Word):
     """The box of a PDF page that a raster shows."""
 
-    ART: ClassVar[Box]
-    TRIM: ClassVar[Box]
-    BLEED: ClassVar[Box]
-    CROP: ClassVar[Box]
-    MEDIA: ClassVar[Box]
-    name: str
-    value: int
+    ART = "art"
+    TRIM = "trim"
+    BLEED = "bleed"
+    CROP = "crop"
+    MEDIA = "media"
 
 class Error(Exception):
     """A failure of the library: a message, where it comes from, and what distinguishes it."""
@@ -59,17 +79,39 @@ class Error(Exception):
     source: str
     detail: str
 
-class MissingFileError(Error, FileNotFoundError): ...
-class FileAccessError(Error, OSError): ...
-class ReadError(Error, OSError): ...
-class WriteError(Error, OSError): ...
-class UnsupportedFileError(Error, ValueError): ...
-class NotSupportedError(Error, ValueError): ...
-class InvalidContentError(Error, ValueError): ...
-class InvalidFileError(Error, ValueError): ...
-class InvalidTransformError(Error, ValueError): ...
-class InvalidCoordSysError(Error, ValueError): ...
-class ParameterError(Error, ValueError): ...
+class MissingFileError(Error, FileNotFoundError):
+    """There is no such file."""
+
+class FileAccessError(Error, OSError):
+    """A file cannot be opened or read."""
+
+class ReadError(Error, OSError):
+    """A reference cannot be read."""
+
+class WriteError(Error, OSError):
+    """A reference cannot be saved; the old file is there still."""
+
+class UnsupportedFileError(Error, ValueError):
+    """A file is of no kind that is read."""
+
+class NotSupportedError(Error, ValueError):
+    """A kind of reference cannot do what was asked."""
+
+class InvalidContentError(Error, ValueError):
+    """A file holds nothing that can be used."""
+
+class InvalidFileError(Error, ValueError):
+    """A file breaks the rules of its kind."""
+
+class InvalidTransformError(Error, ValueError):
+    """A transform in a file cannot be used."""
+
+class InvalidCoordSysError(Error, ValueError):
+    """A coordinate system is not understood, or has no value at a position."""
+
+class ParameterError(Error, ValueError):
+    """An option has a value that cannot be used."""
+
 
 class Point:
     """A control point: a whole pixel and its position in the coordinate system."""
@@ -82,31 +124,52 @@ class Point:
     name: str
     enabled: bool
     def __init__(
-        self, column: int, row: int, x: float, y: float, z: float = ..., name: str = ..., enabled: bool = ...
+        self, column: int, row: int, x: float, y: float, z: float = 0.0, name: str = "", enabled: bool = True
     ) -> None: ...
 
 class Transform:
-    """From columns and rows to the units of a coordinate system; immutable."""
+    """From columns and rows to the units of a coordinate system; immutable. Two are equal when their terms
+    are, or the control points that they were fitted through."""
 
+    @overload
     def __init__(self, a: float, b: float, c: float, d: float, e: float, f: float) -> None:
         """x = a * column + b * row + c, y = d * column + e * row + f; ValueError without an inverse."""
+    @overload
+    def __init__(self, terms: _Terms) -> None:
+        """Of the same six in a sequence, or of an affine.Affine."""
     @property
-    def kind(self) -> Fit: ...
+    def kind(self) -> Fit:
+        """The kind of fit."""
     @property
-    def affine(self) -> Optional[Affine]:
+    def affine(self) -> Optional[_Affine]:
         """The six terms in the order of the constructor; None for a transform that is not affine."""
-    def to_world(self, column: float, row: float) -> Tuple[float, float]:
-        """ValueError where the transform has no value."""
+    def to_affine(self) -> Any:
+        """An affine.Affine of the same terms, which needs the package affine; ValueError for a transform
+        that is not affine."""
+    @overload
+    def to_world(self, column: float, row: float) -> Tuple[float, float]: ...
+    @overload
+    def to_world(self, column: _Numbers, row: _Numbers) -> Tuple[Any, Any]:
+        """The position of a pixel. ValueError where the transform has no value; of arrays two arrays of
+        their common shape, with NaN there."""
+    @overload
     def to_pixel(self, x: float, y: float) -> Tuple[float, float]: ...
+    @overload
+    def to_pixel(self, x: _Numbers, y: _Numbers) -> Tuple[Any, Any]:
+        """The column and row of a position, as to_world()."""
+    def __copy__(self) -> Transform: ...
+    def __deepcopy__(self, memo: Any) -> Transform: ...
 
 class CoordSys:
-    """A coordinate system."""
+    """A coordinate system. Two are equal when is_same() says so."""
 
-    def __init__(self, text: str) -> None:
+    def __init__(self, system: _System) -> None:
         """Of a code, a URN, well-known text, PROJJSON, a PROJ string, a MapInfo clause, ER
-        Mapper names, a name or the path of a PRJ file; ValueError when it is not understood."""
+        Mapper names, a name or the path of a PRJ file; of a number of EPSG; or of an object with to_wkt(),
+        such as a pyproj.CRS. InvalidCoordSysError, a ValueError, when it is not understood."""
     @property
-    def name(self) -> str: ...
+    def name(self) -> str:
+        """As its text states it."""
     @property
     def epsg(self) -> Optional[str]:
         """Such as "EPSG:32632"; None when no system of EPSG is the same."""
@@ -119,11 +182,14 @@ class CoordSys:
     @property
     def wkt2(self) -> str:
         """Well-known text 2 of 2019, of the whole system."""
+    def to_wkt(self) -> str:
+        """The same as wkt2; by it pyproj, rasterio and geopandas accept a CoordSys."""
     @property
     def esri(self) -> Optional[str]:
         """ESRI's well-known text, as in a PRJ file; None when it cannot describe the system."""
     @property
-    def projjson(self) -> Optional[str]: ...
+    def projjson(self) -> Optional[str]:
+        """PROJJSON, of the whole system."""
     @property
     def proj(self) -> Optional[str]:
         """A PROJ string, which does not name the datum."""
@@ -140,66 +206,113 @@ class CoordSys:
     def geodetic(self) -> bool:
         """True when x and y are longitude and latitude."""
     @property
-    def unit(self) -> Optional[str]: ...
-    def to_geodetic(self, x: float, y: float) -> Tuple[float, float]:
-        """Longitude and latitude in degrees, on the system's own datum."""
-    def from_geodetic(self, longitude: float, latitude: float) -> Tuple[float, float]: ...
-    def is_same(self, other: CoordSys, tolerance: Optional[float] = ...) -> bool:
+    def unit(self) -> Optional[str]:
+        """The unit of the horizontal axes."""
+    def to_geodetic(self, x: _Numbers, y: _Numbers) -> Tuple[Any, Any]:
+        """Longitude and latitude in degrees, on the system's own datum. InvalidCoordSysError where there
+        is no value; of arrays two arrays, with NaN there."""
+    def from_geodetic(self, longitude: _Numbers, latitude: _Numbers) -> Tuple[Any, Any]:
+        """The way back."""
+    def is_same(self, other: _System, tolerance: Optional[float] = None) -> bool:
         """By what they are; with a tolerance by place, in metres on the Earth."""
-    def distance_to(self, other: CoordSys) -> float:
+    def distance_to(self, other: _System) -> float:
         """How far apart the two place the same coordinates, in metres; inf without a way."""
-    def convert_to(self, other: CoordSys, x: float, y: float) -> Tuple[float, float]:
-        """The position in the other system, across datums."""
+    def convert_to(self, other: _System, x: _Numbers, y: _Numbers) -> Tuple[Any, Any]:
+        """The position in the other system, across datums; arrays as in to_geodetic()."""
 
+@dataclass(frozen=True)
 class Diagnostic:
     """A remark on a reading; docs/diagnostics.md explains each id."""
 
-    @property
-    def id(self) -> str: ...
-    @property
-    def severity(self) -> str:
-        """"note", "warning" or "error"."""
-    @property
-    def text(self) -> str: ...
-    @property
-    def file(self) -> str: ...
-    @property
-    def line(self) -> Optional[int]: ...
+    id: str
+    severity: str
+    """"note", "warning" or "error"."""
+    text: str
+    file: str = ""
+    line: Optional[int] = None
+    place: str = ""
+    """Within the file: a tag, a field or an object of a PDF."""
 
+@dataclass(frozen=True)
 class Origin:
     """Where a value is written."""
 
-    @property
-    def value(self) -> str:
-        """Such as "system", "transform" or "point 3"."""
-    @property
-    def file(self) -> str: ...
-    @property
-    def place(self) -> str:
-        """Within the file: a line, a byte, a tag, an element or an object of a PDF."""
+    value: str
+    """Such as "system", "transform" or "point 3"."""
+    file: str
+    place: str
+    """Within the file: a line, a byte, a tag, an element or an object of a PDF."""
+
+@dataclass(frozen=True)
+class Source:
+    """One place where the georeferencing of a raster is written."""
+
+    kind: str
+    """"internal" for the raster's own, "aux.xml", "PRJ" or a kind such as "WLD"."""
+    files: Tuple[str, ...]
+    reference: Optional[Reference]
+    """What it states on its own; None when it states nothing, and `failure` says why."""
+    failure: str
+    wins: bool
+    """read() takes its position."""
+    wins_in_gdal: bool
+    """GDAL takes its position."""
+    pixels: Optional[float]
+    """How far it puts the corners of the raster from where the winner puts them; None when unknown."""
+    metres: Optional[float]
+    diagnostics: Tuple[Diagnostic, ...]
+
+@dataclass(frozen=True)
+class Map:
+    """One map of a PDF; `page` and `number`, both from 1, are what read() expects as `page` and `map`."""
+
+    name: str
+    page: int
+    number: int
+    box: Tuple[float, float, float, float]
+    """Left, bottom, right and top of what encloses it, in points from the lower left of the page."""
+    area: float
+    """Of its outline, in square points."""
+    crs: str
+    """Name and code of its system; empty when it is not understood."""
+    in_use: bool
+    """read() takes it unless another is named."""
+    fault: str
+    """Why it cannot be read; usually empty."""
 
 class Reference:
-    """The georeferencing of one raster or page. Any part may be missing."""
+    """The georeferencing of one raster or page. Any part may be missing. Two are equal when they place a
+    raster alike, whatever file they were read from."""
 
-    crs: Optional[CoordSys]
-    points: List[Point]
-    """A copy of the control points: assign a list to change them."""
-    pixel_is_point: bool
-    """The source states positions of pixel centres; the transform is not moved by it."""
     def __init__(
         self,
-        crs: Optional[CoordSys] = ...,
-        transform: Optional[Transform] = ...,
-        points: Iterable[Point] = ...,
+        crs: Optional[_System] = None,
+        transform: Union[Transform, _Terms, None] = None,
+        points: Iterable[Point] = (),
     ) -> None: ...
+    crs: _Part[Optional[CoordSys], Optional[_System]]
+    """The coordinate system; whatever CoordSys() understands can be assigned."""
+    transform: _Part[Optional[Transform], Union[Transform, _Terms, None]]
+    """From pixels to the system; six terms or an affine.Affine can be assigned."""
+    affine: _Part[Optional[_Affine], _Terms]
+    """The six terms of the transform; None when it is missing or not affine. An affine.Affine can be
+    assigned."""
+    points: _Part[List[Point], Iterable[Point]]
+    """A copy of the control points: assign a list to change them."""
     @property
-    def transform(self) -> Optional[Transform]: ...
-    @transform.setter
-    def transform(self, transform: Optional[Transform]) -> None: ...
+    def pixel_is_point(self) -> bool:
+        """The source states positions of pixel centres; the transform is not moved by it."""
+    @pixel_is_point.setter
+    def pixel_is_point(self, value: bool) -> None: ...
     @property
-    def affine(self) -> Optional[Affine]: ...
-    @affine.setter
-    def affine(self, terms: Affine) -> None: ...
+    def size(self) -> Optional[Tuple[int, int]]:
+        """Width and height of the raster in pixels; None when they are not known."""
+    @size.setter
+    def size(self, size: Optional[Tuple[int, int]]) -> None: ...
+    @property
+    def bounds(self) -> Optional[Tuple[float, float, float, float]]:
+        """Left, bottom, right and top of the raster's outer edge in the units of the system; None without
+        a size or a transform. Of a curved transform at 257 positions per side."""
     @property
     def vertical_unit(self) -> Optional[Tuple[str, float]]:
         """The name of the unit of heights and how many make a metre."""
@@ -216,14 +329,20 @@ class Reference:
     def files(self) -> List[str]:
         """All files that took part in the reading."""
     @property
-    def size(self) -> Optional[Tuple[int, int]]:
-        """Width and height of the raster in pixels; None when they are not known."""
-    @property
     def diagnostics(self) -> List[Diagnostic]:
         """What was guessed, rounded, replaced or left out, and where the answer comes from."""
     @property
     def origins(self) -> List[Origin]:
         """Where each value is written, for one that was read with `explain`."""
+    def to_affine(self) -> Any:
+        """An affine.Affine from the outer corner of the raster, as rasterio counts, whatever the anchor is;
+        needs the package affine. ValueError without an affine transform."""
+    def footprint(self, *, width: int = 0, height: int = 0) -> Dict[str, Any]:
+        """The area of the raster on WGS 84 as a geometry of GeoJSON, which shapely.geometry.shape() accepts;
+        a MultiPolygon where it crosses the antimeridian. ValueError where there is none."""
+    @property
+    def __geo_interface__(self) -> Dict[str, Any]:
+        """A feature of GeoJSON with the footprint, or without a geometry where there is none."""
 
 class Saving:
     """A save, and what reading the file back showed."""
@@ -254,23 +373,23 @@ class Saving:
         """What the kind cannot hold, what was rounded, and what differs."""
 
 def read(
-    path: Path,
-    type: Optional[Type] = ...,
+    path: _Path,
+    type: Union[Type, str, None] = None,
     *,
-    width: int = ...,
-    height: int = ...,
-    fit: Fit = ...,
-    strict_transform: bool = ...,
-    strict_crs: bool = ...,
-    box: Optional[Box] = ...,
-    dpi: Optional[float] = ...,
-    source: str = ...,
-    page: int = ...,
-    map: str = ...,
-    shown: bool = ...,
-    password: str = ...,
-    strict_pdf: bool = ...,
-    explain: bool = ...,
+    width: int = 0,
+    height: int = 0,
+    fit: Union[Fit, str] = "affine",
+    strict_transform: bool = False,
+    strict_crs: bool = False,
+    box: Union[Box, str, None] = None,
+    dpi: Optional[float] = None,
+    source: str = "",
+    page: int = 1,
+    map: str = "",
+    shown: bool = False,
+    password: str = "",
+    strict_pdf: bool = False,
+    explain: bool = False,
 ) -> Reference:
     """Reads what a person means by the name: the file itself, or the sidecars of a raster, of
     which `source` picks one; with `type` as that kind.
@@ -280,22 +399,31 @@ def read(
     `shown` is the page as viewers draw it.
     """
 
+def sources(
+    path: _Path, *, fit: Union[Fit, str] = "affine", width: int = 0, height: int = 0
+) -> List[Source]:
+    """Every place where the georeferencing of a raster is written, and how far apart they are. A raster
+    without any has an empty list."""
+
+def maps(path: _Path) -> List[Map]:
+    """The maps of all pages of a PDF, at most 10,000; a warning says when there are more."""
+
 def write(
     reference: Reference,
-    path: Path,
-    type: Optional[Type] = ...,
+    path: _Path,
+    type: Union[Type, str, None] = None,
     *,
-    width: int = ...,
-    height: int = ...,
-    image_name: Path = ...,
-    strict_transform: bool = ...,
-    strict_crs: bool = ...,
-    dpi: Optional[float] = ...,
-    verify: bool = ...,
-    tolerance: Optional[float] = ...,
-    require_exact: bool = ...,
-    overwrite: bool = ...,
-    sync: bool = ...,
+    width: int = 0,
+    height: int = 0,
+    image_name: _Path = "",
+    strict_transform: bool = False,
+    strict_crs: bool = False,
+    dpi: Optional[float] = None,
+    verify: bool = True,
+    tolerance: Optional[float] = None,
+    require_exact: bool = False,
+    overwrite: bool = True,
+    sync: bool = True,
 ) -> Saving:
     """Saves by the file's name, or as `type`. A raster or PDF that is there is georeferenced in place.
 
@@ -323,9 +451,9 @@ class ControlPoint:
         row: float,
         x: float,
         y: float,
-        z: float = ...,
-        name: str = ...,
-        enabled: bool = ...,
+        z: float = 0.0,
+        name: str = "",
+        enabled: bool = True,
     ) -> None: ...
     @overload
     def __init__(self, point: Point) -> None: ...
@@ -355,12 +483,20 @@ class Residual:
 class Alternative:
     """One fit among those that the points can carry."""
 
-    kind: Fit
-    worse: bool
-    chosen: bool
-    reason: str
     @property
-    def left_out_rmse_pixels(self) -> Optional[float]: ...
+    def kind(self) -> Fit: ...
+    @property
+    def left_out_rmse_pixels(self) -> Optional[float]:
+        """Root mean square of the left-out residuals; None when there is nothing to compare it by."""
+    @property
+    def worse(self) -> bool:
+        """Its left-out residuals are larger than those of the best, by more than chance explains."""
+    @property
+    def chosen(self) -> bool:
+        """The simplest fit that is not worse."""
+    @property
+    def reason(self) -> str:
+        """Why there is nothing to compare it by; usually empty."""
 
 class FitReport:
     """A fit, and how well it explains its points. What is not known is None."""
@@ -394,16 +530,24 @@ class FitReport:
         """Scale, rotation and shear in a sentence."""
 
 def fit(
-    points: Iterable[Union[ControlPoint, Point]], kind: Fit = ..., *, width: int = ..., height: int = ...
+    points: Iterable[Union[ControlPoint, Point]],
+    kind: Union[Fit, str] = "affine",
+    *,
+    width: int = 0,
+    height: int = 0,
 ) -> Transform:
     """The transform through the points that are enabled; Error when they cannot carry it."""
 
 def report(
-    points: Iterable[Union[ControlPoint, Point]], kind: Fit = ..., *, width: int = ..., height: int = ...
+    points: Iterable[Union[ControlPoint, Point]],
+    kind: Union[Fit, str] = "affine",
+    *,
+    width: int = 0,
+    height: int = 0,
 ) -> FitReport:
     """The same with its residuals, left-out residuals and suspects."""
 
 def compare(
-    points: Iterable[Union[ControlPoint, Point]], *, width: int = ..., height: int = ...
+    points: Iterable[Union[ControlPoint, Point]], *, width: int = 0, height: int = 0
 ) -> List[Alternative]:
     """All fits that the points carry, from simple to rich, compared by their left-out residuals."""

@@ -1,9 +1,10 @@
 """The Python package as a script meets it."""
 
+import ast
+import dataclasses
 import inspect
 import logging
 import pathlib
-import re
 import threading
 import time
 
@@ -81,7 +82,7 @@ def test_failures_are_exceptions(tmp_path, name, content, type, raised, also):
     assert caught.value.source and str(caught.value).endswith(f"({caught.value.source})")
 
 
-@pytest.mark.parametrize("kind", [kind for name, kind in Fit.__members__.items() if name != "NONE"])
+@pytest.mark.parametrize("kind", [kind for kind in Fit if kind != "none"])
 def test_every_fit_goes_both_ways(kind):
     transform = mapanchor.fit(GRID, kind, width=100, height=100)
     assert transform.kind == kind
@@ -99,7 +100,16 @@ def test_what_cannot_be_made(map_file):
     for raised, make in [
         (mapanchor.Error, lambda: mapanchor.fit(GRID[:1])),
         (ValueError, lambda: Transform(1, 2, 0, 2, 4, 0)),
-        (ValueError, lambda: CoordSys("nowhere")),
+        (mapanchor.InvalidCoordSysError, lambda: CoordSys("nowhere")),
+        (mapanchor.InvalidCoordSysError, lambda: CoordSys("CoordSys Earth Projection 99")),
+        (mapanchor.InvalidCoordSysError, lambda: CoordSys(2154).from_geodetic(0, -90)),
+        (TypeError, lambda: CoordSys(1.5)),
+        (TypeError, lambda: Transform(1, 0, 0, 0, 1, 0).to_world("1", 2)),
+        (mapanchor.MissingFileError, lambda: mapanchor.sources(missing)),
+        (mapanchor.MissingFileError, lambda: mapanchor.maps(missing)),
+        (mapanchor.InvalidContentError, lambda: mapanchor.maps(map_file)),
+        (ValueError, lambda: mapanchor.read(map_file, "nothing")),
+        (ValueError, lambda: mapanchor.read(map_file).footprint()),
         (TypeError, lambda: mapanchor.read(17)),
     ]:
         with pytest.raises(raised):
@@ -154,12 +164,40 @@ def test_other_threads_run_while_a_file_is_read(tmp_path):
 
 
 def test_hints_name_what_is_there():
-    hints = (pathlib.Path(mapanchor.__file__).with_name("__init__.pyi")).read_text()
-    hinted = set(re.findall(r"^(?:class|def) (\w+)", hints, re.M))
-    assert hinted == set(mapanchor.__all__)
-    for name in hinted:
-        body = re.search(rf"^class {name}\b.*?(?=^\S|\Z)", hints, re.M | re.S)
-        if not body or issubclass(getattr(mapanchor, name), BaseException):
-            continue
-        members = set(re.findall(r"^    (?:def )?([a-zA-Z]\w*)[:(]", body.group(), re.M))
-        assert members == {m for m, _ in inspect.getmembers(getattr(mapanchor, name)) if not m.startswith("_")}, name
+    page = ast.parse(pathlib.Path(mapanchor.__file__).with_name("__init__.pyi").read_text())
+    hinted = {node.name: node for node in page.body if isinstance(node, (ast.ClassDef, ast.FunctionDef))}
+    assert {name for name in hinted if name[0] != "_"} == set(mapanchor.__all__)
+    for name in mapanchor.__all__:
+        there = getattr(mapanchor, name)
+        assert there.__doc__ == ast.get_docstring(hinted[name]) or dataclasses.is_dataclass(there), name
+        if inspect.isclass(there) and not issubclass(there, (BaseException, str)):
+            of_class = [getattr(node, "target", node) for node in hinted[name].body]
+            members = {getattr(node, "id", getattr(node, "name", "_")) for node in of_class}
+            members = {member for member in members if member[0] != "_"}
+            there_are = {member for member, _ in inspect.getmembers(there) if member[0] != "_"}
+            assert members == there_are | set(getattr(there, "__dataclass_fields__", ())), name
+        if not inspect.isclass(there):
+            assert list(inspect.signature(there).parameters) == [
+                argument.arg for argument in hinted[name].args.args + hinted[name].args.kwonlyargs
+            ]
+    for words in (mapanchor.Type, Fit, mapanchor.Box):
+        hints = {node.targets[0].id: node.value.value for node in hinted[words.__name__].body[1:]}
+        assert hints == {member: word.value for member, word in words.__members__.items()}
+
+
+def test_hints_are_checked_by_mypy(tmp_path, monkeypatch):
+    api = pytest.importorskip("mypy.api")
+    (tmp_path / "use.py").write_text(
+        """import mapanchor
+mapanchor.read('a', 'WLD', fit='tps', box=mapanchor.Box.CROP).crs = 4326
+mapanchor.Reference(mapanchor.CoordSys('EPSG:4326'), (1, 0, 0, 0, 1, 0)).footprint()['type']
+x: float = mapanchor.Transform(1, 0, 0, 0, 1, 0).to_world(1, 2)[0]
+word: str = mapanchor.Type.WLD
+mapanchor.read(3)
+mapanchor.read('a').kind = 'WLD'
+"""
+    )
+    monkeypatch.chdir(tmp_path)
+    monkeypatch.setenv("MYPYPATH", str(pathlib.Path(mapanchor.__file__).parents[1]))
+    said, _, _ = api.run(["--strict", "use.py"])
+    assert [line.split(":")[1] for line in said.splitlines()[:-1]] == ["6", "7"], said
