@@ -1,5 +1,5 @@
-# The CMake package MapAnchor (targets MapAnchor::MapAnchor, MapAnchor::Tellurion)
-# and the pkg-config file mapanchor.
+# The CMake package MapAnchor (targets MapAnchor::MapAnchor, MapAnchor::Tellurion and, for C,
+# MapAnchor::C) and the pkg-config files mapanchor and mapanchor-c.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MapAnchor)
@@ -11,8 +11,10 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/MapAnchorConfigVersion.cm
 install(FILES ${PROJECT_BINARY_DIR}/MapAnchorConfig.cmake ${PROJECT_BINARY_DIR}/MapAnchorConfigVersion.cmake
     DESTINATION ${package_dir} COMPONENT dev)
 
-configure_file(${PROJECT_SOURCE_DIR}/cmake/mapanchor.pc.in ${PROJECT_BINARY_DIR}/mapanchor.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/mapanchor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+foreach(name mapanchor mapanchor-c)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+endforeach()
 if(NOT MAPANCHOR_DEBIAN_PACKAGES)  # whose copyright file says it
     install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 endif()

@@ -9,7 +9,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 new=$scratch/new.abi
 kept=$scratch/kept.abi
-cmake --build "$build" -j "$2" --target mapanchor_abi MapAnchor >"$scratch/build.log" || { cat "$scratch/build.log"; exit 1; }
+cmake --build "$build" -j "$2" --target mapanchor_abi MapAnchor mapanchor_c >"$scratch/build.log" || { cat "$scratch/build.log"; exit 1; }
 
 # The types of the installed headers and no others, and nothing that depends on the machine.
 mkdir "$scratch/include"
@@ -17,15 +17,15 @@ mkdir "$scratch/include"
 abidw --headers-dir "$scratch/include" --drop-private-types --drop-undefined-syms --no-corpus-path \
     --no-comp-dir-path --no-show-locs --no-parameter-names --type-id-style hash --no-elf-needed \
     --suppressions abi/suppressions.ini "$build/lib/libmapanchor_abi.so" |
-    sed "s/^ *//; s|path='[^']*/src/|path='src/|" >"$new"
+    sed -E "s/^ *//; s#path='[^']*/(src|capi)/#path='\1/#" >"$new"
 if grep -q "$PWD\|$HOME/" "$new"; then
     echo "abi: the description names a folder of this machine" >&2
     exit 1
 fi
 
 # Whatever the libraries export of ours is in it, so that nothing escapes.
-ours() { nm -D --defined-only "$@" | awk '{print $3}' | grep -E '^_ZNK?(9MapAnchor|9Tellurion)' | sort -u; }
-if comm -13 <(ours "$build/lib/libmapanchor_abi.so") <(ours "$build"/lib/lib{MapAnchor,Tellurion}.so) | grep .; then
+ours() { nm -D --defined-only "$@" | awk '{sub(/@.*/, "", $3); print $3}' | grep -E '^(_ZNK?(9MapAnchor|9Tellurion)|mapanchor_)' | sort -u; }
+if comm -13 <(ours "$build/lib/libmapanchor_abi.so") <(ours "$build"/lib/lib{MapAnchor,Tellurion,mapanchor-c}.so) | grep .; then
     echo "abi: abi/CMakeLists.txt does not name the sources of what the libraries export" >&2
     exit 1
 fi

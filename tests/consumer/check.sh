@@ -28,4 +28,19 @@ flags=$(pkg-config --define-variable=prefix="$scratch/prefix" --cflags --libs ma
 g++ -std=c++17 -Wall -Werror "$here/main.cpp" $flags -o "$scratch/by_pkg_config"
 echo "by pkg-config: $(LD_LIBRARY_PATH="$library_dir/.." "$scratch/by_pkg_config" "$scratch/map.tfw")"
 LD_LIBRARY_PATH="$library_dir/.." "$scratch/prefix/bin/mapanchor" info "$scratch/map.tfw" >/dev/null
+
+# In plain C, with its leaks counted; the JSON is that of the tool.
+mkdir "$scratch/c"
+export LD_LIBRARY_PATH="$library_dir/.."  # where the linker, too, finds what the library needs
+"$scratch/cmake/consumer_c" "$scratch/map.tfw" "$scratch/c" >"$scratch/by_cmake.json"
+flags=$(pkg-config --define-variable=prefix="$scratch/prefix" --cflags --libs mapanchor-c)
+# shellcheck disable=SC2086
+gcc -std=c99 -pedantic -Wall -Wextra -Werror -fsanitize=address,undefined "$here/main.c" $flags -o "$scratch/c_by_pkg_config"
+ASAN_OPTIONS=detect_leaks=1 "$scratch/c_by_pkg_config" "$scratch/map.tfw" "$scratch/c" >"$scratch/c.json"
+for command in info sources; do
+    "$scratch/prefix/bin/mapanchor" $command --json "$scratch/map.tfw"
+done >"$scratch/tool.json"
+diff "$scratch/tool.json" "$scratch/c.json"
+diff "$scratch/tool.json" "$scratch/by_cmake.json"
+echo "in C:          the same JSON as the tool's, no leak"
 echo "consumer: the installed package works"

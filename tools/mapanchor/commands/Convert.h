@@ -83,10 +83,6 @@ void WarnOfLosses(const ConvertOptions& options, const Tellurion::BGeoReference&
 bool HasWhatItNeeds(const ConvertOptions& options, const Tellurion::BGeoReference& reference,
                     Outcome& outcome);
 
-/// The raster's name as the target has it: a path from its place in kinds that a program opens with
-/// the raster, the name alone in others.
-std::string ImageNameFor(const std::string& target, const std::string& raster);
-
 /// How the library is to save.
 MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options);
 

@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 #include "commands/Convert.h"
+#include "read/ImageName.h"
 #include "read/Systems.h"
 #include "render/JsonRenderer.h"
 #include "render/TextRenderer.h"
@@ -106,17 +107,6 @@ MapAnchor::BSavingOptions SavingOptionsOf(const ConvertOptions& options) {
     saving.SetRequiresExact(options.require_exact);
     if (options.tolerance) saving.SetTolerance(*options.tolerance, kAnyMetres);
     return saving;
-}
-
-std::string ImageNameFor(const std::string& target, const std::string& raster) {
-    namespace fs = std::filesystem;
-    const std::string name = BFileUtilities::GetFileName(BString(raster)).StdStr();
-    const BString extension = BFileUtilities::GetExtension(BString(target)).ToLower();
-    if (extension != BString(".vrt") && extension != BString(".kml")) return name;
-    std::error_code error;
-    const fs::path path =
-        fs::proximate(fs::absolute(raster, error), fs::absolute(target, error).parent_path(), error);
-    return error ? name : path.string();
 }
 
 bool FailWhenInexact(const ConvertOptions& options, Outcome& outcome) {

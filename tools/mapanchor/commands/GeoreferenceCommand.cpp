@@ -3,6 +3,7 @@
 #include "commands/Georeference.h"
 #include "commands/GeoreferenceReport.h"
 #include "read/Conversion.h"
+#include "read/ImageName.h"
 #include "read/ReferenceFacts.h"
 #include "read/RemarkIds.h"
 #include "read/Systems.h"

@@ -4,7 +4,7 @@
 #include "read/ReadFile.h"
 #include "read/ReadOptions.h"
 #include "read/Systems.h"
-#include "render/JsonRenderer.h"
+#include "render/SourcesJson.h"
 #include "render/TextRenderer.h"
 #include "terminal/CommonOptions.h"
 
@@ -40,21 +40,6 @@ struct SourcesOptions {
     bool nul_separated = false;
 };
 
-Json SourceJson(const BReferenceSource& source) {
-    Json files = Json::array();
-    for (const BString& file : source.GetFiles())
-        files.push_back(file.StdStr());
-    Json json = {{"kind", source.GetKind().StdStr()},
-                 {"files", std::move(files)},
-                 {"wins", source.Wins()},
-                 {"winsInGdal", source.WinsInGdal()}};
-    if (std::isfinite(source.GetDistancePixels())) json["distancePixels"] = source.GetDistancePixels();
-    if (std::isfinite(source.GetDistanceMetres())) json["distanceMetres"] = source.GetDistanceMetres();
-    json["ok"] = source.GetReading().HasReference();
-    if (!source.GetReading().HasReference()) json["error"] = source.GetReading().GetFailureText().StdStr();
-    return json;
-}
-
 std::string Distance(double value, int decimals) {
     return std::isfinite(value) ? Tellurion::PrintFixed(value, decimals) : "-";
 }
@@ -80,15 +65,7 @@ ExitStatus ListSources(const std::string& file, const SourcesOptions& options, c
     const auto sources = BReferenceSources::Of(BString(file), options.read.ForReading());
     const ReadResult result = ResultOf(sources.GetReading(), file);
     if (options.common.json) {
-        Json top = JsonAbout(file);
-        Json ours = {{"schemaVersion", kSchemaVersion}, {"ok", result.Ok()}};
-        if (result.failure) ours["error"] = RenderJson(*result.failure);
-        ours["sources"] = Json::array();
-        for (const BReferenceSource& source : sources.GetSources())
-            ours["sources"].push_back(SourceJson(source));
-        ours["diagnostics"] = RenderJson(result.diagnostics);
-        top["mapanchor"] = std::move(ours);
-        console.Print(ToText(top, options.common));
+        console.Print(ToText(SourcesJson(sources, result), options.common));
         return result.Status();
     }
     std::vector<std::vector<std::string>> rows = {

@@ -83,11 +83,6 @@ EReferenceType KindFromWord(const std::string& option, const std::string& word) 
     throw CLI::ValidationError(option, word + " is not one of " + KindWords());
 }
 
-ReadOptions::ReadOptions() {
-    params.SetInteger(BMapAnchor::kValErsCodes, 1);
-    params.SetInteger(BMapAnchor::kValPDFWide, 1);
-}
-
 /// Options that say nothing where a PDF is read by the rules alone.
 void ReadOptions::AskBeyondRules(const char* option) {
     const bool asked = pdf_page != 1 || pdf_shown || params.HasProperty(BMapAnchor::kValPDFMap) ||
@@ -139,27 +134,6 @@ void ReadOptions::AddPdfTo(CLI::App& app) {
            },
            "Password of a PDF that is encrypted with AES-256")
         ->type_name("TEXT");
-}
-
-MapAnchor::BReadingOptions ReadOptions::ForReading() const {
-    MapAnchor::BReadingOptions reading;
-    if (type) reading.SetType(*type);
-    reading.SetFlags(flags);
-    reading.SetSize(width.value_or(0), height.value_or(0));
-    reading.SetFindsSize(true);
-    reading.SetMathType(fit);
-    if (pdf_box) reading.SetPdfBox(*pdf_box);
-    reading.SetPdfStrict(pdf_by_rules);
-    if (pdf_page != 1) reading.SetPdfPage(pdf_page);
-    reading.SetPdfShown(pdf_shown);
-    reading.SetListsPdfPages(pdf_list_pages);
-    reading.SetExplains(explains);
-    for (const Tellurion::BString& key : {BMapAnchor::kValPDFMap, BMapAnchor::kValPDFPassword})
-        if (params.HasProperty(key)) reading.SetParam(key, params.GetString(key, ""));
-    reading.SetResolution(dpi);
-    reading.SetSource(Tellurion::BString(source));
-    reading.SetCoordSys(crs, overrides_crs);
-    return reading;
 }
 
 void ReadOptions::AddSystemsTo(CLI::App& app) {

@@ -3,7 +3,7 @@
 #include "read/AffineOf.h"
 #include "read/ReferenceFacts.h"
 #include "read/Residuals.h"
-#include "render/PdfPageRenderer.h"
+#include "render/PdfPageJson.h"
 #include "render/SystemTexts.h"
 
 #include <MapAnchor/BReferenceFormats.h>

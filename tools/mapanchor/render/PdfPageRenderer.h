@@ -4,11 +4,10 @@
 
 #include <MapAnchor/BGeoPDFPage.h>
 
-#include <nlohmann/json.hpp>
+#include <string>
 
 namespace Tool {
 
 std::string RenderPdfPage(const MapAnchor::BGeoPDFPage& page, const Console& console);
-nlohmann::ordered_json PdfPageJson(const MapAnchor::BGeoPDFPage& page);
 
 }  // namespace Tool
