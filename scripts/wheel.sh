@@ -34,4 +34,6 @@ PYTHON
 
 "$python" -m venv --system-site-packages "$scratch/tests"
 "$scratch/tests/bin/pip" install --quiet --no-index --no-deps "$wheel"
+# In an environment Debian's pyproj finds PROJ's data only where the program proj is installed.
+[ ! -e /usr/share/proj/proj.db ] || export PROJ_DATA=${PROJ_DATA:-/usr/share/proj}
 "$scratch/tests/bin/python" -m pytest -q -rs -p no:cacheprovider tests/python
