@@ -31,9 +31,11 @@ void Report(benchmark::State& state, EMathTransformType type, int count) {
         benchmark::DoNotOptimize(BFitReport::Make(type, points, 4000, 4000));
 }
 
-BENCHMARK_CAPTURE(Report, affine of 10000 points, EMathTransformType::Affine, 10000)
+BENCHMARK_CAPTURE(Report, affine, EMathTransformType::Affine, 10000)
+    ->Name("ours/report on an affine of 10000 points")
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Report, spline of 1000 points, EMathTransformType::ThinPlateSpline, 1000)
+BENCHMARK_CAPTURE(Report, spline, EMathTransformType::ThinPlateSpline, 1000)
+    ->Name("ours/report on a spline of 1000 points")
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -23,8 +23,11 @@ void SendLogToPython() {
 }
 
 void TakeValueClasses(py::module_& module) {
-    for (const char* name : {"Diagnostic", "Map", "Origin", "Source"})
-        module.attr(name) = py::detail::ValueClass(name);
+    for (const char* name : {"Diagnostic", "Map", "Origin", "Source"}) {
+        const py::object value = py::detail::ValueClass(name);
+        value.attr("__module__") = "mapanchor";
+        module.attr(name) = value;
+    }
 }
 
 }  // namespace

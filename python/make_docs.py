@@ -16,10 +16,6 @@ def signature(function):
     return f"({ast.unparse(plain.args)})"
 
 
-def is_overload(function):
-    return any(ast.unparse(mark) == "overload" for mark in function.decorator_list)
-
-
 def is_property(function):
     return any(ast.unparse(mark) == "property" for mark in function.decorator_list)
 
@@ -38,7 +34,7 @@ def rows(body, prefix=""):
         elif isinstance(node, ast.FunctionDef) and not any(
             ast.unparse(mark).endswith(".setter") for mark in node.decorator_list
         ):
-            sign = "" if is_property(node) or is_overload(node) else signature(node)
+            sign = "" if is_property(node) else signature(node)
             if node.name.startswith("__") and node.name != "__geo_interface__":
                 continue
             yield prefix + node.name, sign, ast.get_docstring(node) or ""

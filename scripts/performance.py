@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Runs the benchmarks and sets ours, the peer's and the floor side by side.
 
-performance.py BIN TABLE            measures everything and writes TABLE (Markdown)
+performance.py BIN TABLE            measures everything and writes it into TABLE (Markdown), below its
+                                    heading "Single operations"
 performance.py --only RE BIN TABLE  measures the operations that match, keeps the other rows
 performance.py --compare BIN TABLE  measures the times and prints which ratio got worse than
                                     the one kept in TABLE by more than a tenth; a row counts
@@ -19,8 +20,9 @@ import statistics
 import subprocess
 import sys
 
-PROGRAMS = ("bench_read", "bench_coord_sys", "bench_pdf", "bench_pdf_write")
+PROGRAMS = ("bench_read", "bench_coord_sys", "bench_pdf", "bench_pdf_write", "bench_fit_report")
 PEERS = {"gdal": "GDAL", "podofo": "PoDoFo", "walk": "plain walk", "named": "read by name"}
+HEADING = "## Single operations"
 COLD_PROGRAM, COLD = "bench_coord_sys", "^ours/first"
 WORSE = 1.1
 # Of operations below so many nanoseconds many rounds are counted: a start varies by thousands.
@@ -138,13 +140,13 @@ def row_text(row):
 
 def table_text(lines_by_operation):
     lines = [
-        "# Performance", "",
-        "Made by `make bench`. Times are medians of processor time for one operation; a peer and the",
+        HEADING, "",
+        "Times are medians of processor time for one operation; a peer and the",
         "floor ran in the same process, in turn. \"Peer / ours\" says how many times faster than the",
         "peer we are (below 1: slower); the floor opens the file, reads its numbers and closes it.",
         "Of a TAB file of 10,000 points GDAL does not read the end: it finds no system there.",
         "Instructions are those of one operation, by Cachegrind; where there are none, none were counted.",
-        "`make bench-compare` prints which ratio got worse than the one kept here by more than a tenth.",
+        "`make bench-compare` shows which ratio is worse than the one stored here by more than a tenth.",
         "",
         f"{datetime.date.today().isoformat()}, {version('uname', '-m')}, "
         f"{version('c++', '--version')}, GDAL {version('gdal-config', '--version')}", "",
@@ -157,7 +159,8 @@ def table_text(lines_by_operation):
 def kept_lines(path):
     """{operation: line}"""
     with open(path, encoding="utf-8") as table:
-        lines = [line.rstrip("\n") for line in table if line.startswith("| ")]
+        operations = table.read().split(HEADING)[1]
+    lines = [line for line in operations.split("\n") if line.startswith("| ")]
     return {line.split(" | ")[0][2:]: line for line in lines[1:]}
 
 
@@ -214,8 +217,10 @@ def main():
         return compare(options.folder, rows, kept_rows(options.table))
     lines = kept_lines(options.table) if options.only else {}
     lines.update({row.operation: row_text(with_counts(options.folder, row)) for row in rows})
+    with open(options.table, encoding="utf-8") as table:
+        before = table.read().split(HEADING)[0]
     with open(options.table, "w", encoding="utf-8") as table:
-        table.write(table_text(lines))
+        table.write(before + table_text(lines))
     return 0
 
 

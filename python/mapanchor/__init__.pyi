@@ -1,8 +1,11 @@
-from dataclasses import dataclass
 from enum import Enum
 from os import PathLike
-from typing import Any, Dict, Generic, Iterable, List, Optional, Protocol, Sequence, Tuple, TypeVar, Union, overload
+from typing import Any, Dict, Generic, List, Optional, Protocol, Sequence, Tuple, TypeVar, Union, overload
 
+from ._values import Diagnostic as Diagnostic
+from ._values import Map as Map
+from ._values import Origin as Origin
+from ._values import Source as Source
 from ._words import Word
 
 _Path = Union[str, bytes, "PathLike[str]", "PathLike[bytes]"]
@@ -220,66 +223,6 @@ class CoordSys:
     def convert_to(self, other: _System, x: _Numbers, y: _Numbers) -> Tuple[Any, Any]:
         """The position in the other system, across datums; arrays as in to_geodetic()."""
 
-@dataclass(frozen=True)
-class Diagnostic:
-    """A remark on a reading; docs/diagnostics.md explains each id."""
-
-    id: str
-    severity: str
-    """"note", "warning" or "error"."""
-    text: str
-    file: str = ""
-    line: Optional[int] = None
-    place: str = ""
-    """Within the file: a tag, a field or an object of a PDF."""
-
-@dataclass(frozen=True)
-class Origin:
-    """Where a value is written."""
-
-    value: str
-    """Such as "system", "transform" or "point 3"."""
-    file: str
-    place: str
-    """Within the file: a line, a byte, a tag, an element or an object of a PDF."""
-
-@dataclass(frozen=True)
-class Source:
-    """One place where the georeferencing of a raster is written."""
-
-    kind: str
-    """"internal" for the raster's own, "aux.xml", "PRJ" or a kind such as "WLD"."""
-    files: Tuple[str, ...]
-    reference: Optional[Reference]
-    """What it states on its own; None when it states nothing, and `failure` says why."""
-    failure: str
-    wins: bool
-    """read() takes its position."""
-    wins_in_gdal: bool
-    """GDAL takes its position."""
-    pixels: Optional[float]
-    """How far it puts the corners of the raster from where the winner puts them; None when unknown."""
-    metres: Optional[float]
-    diagnostics: Tuple[Diagnostic, ...]
-
-@dataclass(frozen=True)
-class Map:
-    """One map of a PDF; `page` and `number`, both from 1, are what read() expects as `page` and `map`."""
-
-    name: str
-    page: int
-    number: int
-    box: Tuple[float, float, float, float]
-    """Left, bottom, right and top of what encloses it, in points from the lower left of the page."""
-    area: float
-    """Of its outline, in square points."""
-    crs: str
-    """Name and code of its system; empty when it is not understood."""
-    in_use: bool
-    """read() takes it unless another is named."""
-    fault: str
-    """Why it cannot be read; usually empty."""
-
 class Reference:
     """The georeferencing of one raster or page. Any part may be missing. Two are equal when they place a
     raster alike, whatever file they were read from."""
@@ -288,7 +231,7 @@ class Reference:
         self,
         crs: Optional[_System] = None,
         transform: Union[Transform, _Terms, None] = None,
-        points: Iterable[Point] = (),
+        points: Sequence[Point] = (),
     ) -> None: ...
     crs: _Part[Optional[CoordSys], Optional[_System]]
     """The coordinate system; whatever CoordSys() understands can be assigned."""
@@ -297,7 +240,7 @@ class Reference:
     affine: _Part[Optional[_Affine], _Terms]
     """The six terms of the transform; None when it is missing or not affine. An affine.Affine can be
     assigned."""
-    points: _Part[List[Point], Iterable[Point]]
+    points: _Part[List[Point], Sequence[Point]]
     """A copy of the control points: assign a list to change them."""
     @property
     def pixel_is_point(self) -> bool:
@@ -530,7 +473,7 @@ class FitReport:
         """Scale, rotation and shear in a sentence."""
 
 def fit(
-    points: Iterable[Union[ControlPoint, Point]],
+    points: Sequence[Union[ControlPoint, Point]],
     kind: Union[Fit, str] = "affine",
     *,
     width: int = 0,
@@ -539,7 +482,7 @@ def fit(
     """The transform through the points that are enabled; Error when they cannot carry it."""
 
 def report(
-    points: Iterable[Union[ControlPoint, Point]],
+    points: Sequence[Union[ControlPoint, Point]],
     kind: Union[Fit, str] = "affine",
     *,
     width: int = 0,
@@ -548,6 +491,6 @@ def report(
     """The same with its residuals, left-out residuals and suspects."""
 
 def compare(
-    points: Iterable[Union[ControlPoint, Point]], *, width: int = 0, height: int = 0
+    points: Sequence[Union[ControlPoint, Point]], *, width: int = 0, height: int = 0
 ) -> List[Alternative]:
     """All fits that the points carry, from simple to rich, compared by their left-out residuals."""

@@ -54,6 +54,9 @@ pdf_long WithoutPadding(const std::vector<unsigned char>& plain, pdf_long size) 
 
 }  // namespace
 
+// Here, so that only this source destroys a cipher; see the folder's CMakeLists.txt.
+Decryption::~Decryption() = default;
+
 std::unique_ptr<Decryption> Decryption::Unlock(const PdfObject& dictionary, const std::string& password) {
     if (!dictionary.IsDictionary() || !IsComplete(dictionary.GetDictionary())) return nullptr;
     if (static_cast<pdf_long>(password.size()) > kMaxPassword) return nullptr;

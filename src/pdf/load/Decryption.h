@@ -14,6 +14,8 @@ class ObjectSource;
 /// ciphers are refused: the parser's own library does not offer them any more.
 class Decryption {
 public:
+    ~Decryption();
+
     /// Null where the dictionary is of another kind or incomplete, or where the password is
     /// not the file's.
     static std::unique_ptr<Decryption> Unlock(const PoDoFo::PdfObject& dictionary,

@@ -1,0 +1,168 @@
+#!/usr/bin/env python3
+"""Measures what a whole process costs: its start, and `mapanchor batch` over archives against loops
+over GDAL in C++ and in Python.
+
+bench-archive.py BIN TABLE   BIN holds mapanchor and gdal_loop; the results go into TABLE (Markdown),
+                             between its marks for them
+--scale F                    archives of F times the usual number of files
+--runs N                     runs of each command in turn, of which the median counts
+--keep FOLDER                archives are made there once, and kept; default: a temporary folder
+
+Processor time is user and system time of a process with all of its children, so that the load of
+other programs on the machine distorts it far less than the time on the clock.
+"""
+
+import argparse
+import collections
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+Cost = collections.namedtuple("Cost", "processor clock megabytes")
+
+PYTHON_LOOP = """
+import multiprocessing, sys
+from osgeo import gdal, osr
+gdal.UseExceptions()
+def read(name):
+    raster = gdal.Open(name)
+    system = raster.GetSpatialRef()
+    return (raster.RasterXSize, raster.GetGeoTransform(), raster.GetGCPCount(),
+            system.ExportToWkt(["FORMAT=WKT2_2019"]) if system else "",
+            raster.GetMetadataItem("AREA_OR_POINT"))
+names = sys.stdin.read().split("\\n")[:-1]
+with multiprocessing.get_context("fork").Pool(2) as pool:
+    for _ in pool.imap(read, names, chunksize=64):
+        pass
+    pool.close()
+    pool.join()
+"""
+
+
+def run(words, names=None, statuses=(0, 3)):
+    """What one run costs; its output goes nowhere."""
+    begin = time.monotonic()
+    with open(names or os.devnull, "rb") as listed:
+        process = subprocess.Popen([str(word) for word in words], stdin=listed, stdout=subprocess.DEVNULL)
+        _, status, used = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode not in statuses:
+        raise SystemExit(f"{' '.join(map(str, words))} ended with {process.returncode}")
+    return Cost(used.ru_utime + used.ru_stime, time.monotonic() - begin, used.ru_maxrss / 1024)
+
+
+def in_turn(commands, runs):
+    """The run with the median processor time of each command."""
+    costs = [[run(*command) for command in commands] for _ in range(runs)]
+    return [sorted(column)[len(column) // 2] for column in zip(*costs)]
+
+
+class Archives:
+    def __init__(self, folder, scale):
+        self.folder = folder
+        self.scale = scale
+
+    def make(self, kind, count, per_folder=1000):
+        """A list of names."""
+        count = max(1, int(count * self.scale))
+        folder = self.folder / f"{kind}-{count}-{per_folder}"
+        if not folder.exists():
+            subprocess.run([HERE / "make-archive.py", kind, str(count), folder, "--per-folder",
+                            str(per_folder)], check=True)
+            time.sleep(3)  # a folder that has just changed is listed for each file
+        names = sorted(str(path) for path in folder.rglob("*") if path.is_file())
+        listed = folder.with_suffix(".names")
+        listed.write_text("".join(f"{name}\n" for name in names))
+        return listed, names
+
+
+def starts(tool, archives, runs):
+    """(what, our seconds, the peer's words, the peer's seconds)"""
+    _, tiffs = archives.make("geotiff", 20)
+    _, worlds = archives.make("world", 20)
+    _, pdfs = archives.make("pdf", 20)
+    _, placed = archives.make("placed", 20)
+    with_system = next(name for name in placed if name.endswith(".tfw"))
+    gdal = ["gdalinfo", tiffs[0]]
+    for what, ours, peer in (
+            ("`ext`", ["ext", "map.tif"], gdal),
+            ("`info` of a world file", ["info", worlds[0]], gdal),
+            ("`info` of a world file with a system", ["info", with_system], gdal),
+            ("`info` of a GeoTIFF", ["info", tiffs[0]], gdal),
+            ("`info` of a PDF", ["info", pdfs[0]], ["gdalinfo", pdfs[0]]),
+            ("`crs EPSG:32632`", ["crs", "EPSG:32632"], ["projinfo", "EPSG:32632"])):
+        mine, theirs = in_turn([([tool, *ours],), (peer,)], runs)
+        yield what, mine.processor, peer[0] + (" of the PDF" if peer[-1] == pdfs[0] else ""), theirs.processor
+
+
+def start_table(rows):
+    yield "| Process | Ours | Peer | Ours / peer |"
+    yield "|---|---:|---:|---:|"
+    for what, mine, peer, theirs in rows:
+        yield f"| {what} | {mine * 1e3:.1f} ms | {theirs * 1e3:.1f} ms ({peer}) | {mine / theirs:.2f} |"
+
+
+def batch_table(tool, loop, archives, runs):
+    yield ("| Files | Program | Files per second | Processor time per file | "
+           "Times ours |")
+    yield "|---|---|---:|---:|---:|"
+    for kind, count, what in (("geotiff", 100_000, "GeoTIFFs of 20 systems"), ("world", 100_000, "world files"),
+                              ("pdf", 10_000, "PDFs")):
+        listed, names = archives.make(kind, count)
+        programs = [("`batch --jobs 2`", [tool, "batch", "--quiet", "--jobs", "2"])]
+        if kind != "world":  # which GDAL does not open by itself
+            programs += [("GDAL in C++, 2 threads", [loop, "2"]),
+                         ("GDAL in Python, 2 processes", ["/usr/bin/python3", "-c", PYTHON_LOOP])]
+        costs = in_turn([(words, listed) for _, words in programs], runs)
+        for (program, _), cost in zip(programs, costs):
+            ratio = f"{cost.processor / costs[0].processor:.1f}" if cost is not costs[0] else ""
+            yield (f"| {len(names):,} {what} | {program} | {len(names) / cost.clock:,.0f} | "
+                   f"{cost.processor / len(names) * 1e6:.0f} us | {ratio} |")
+
+
+def growth_table(tool, archives, runs):
+    yield "| GeoTIFFs in one folder | `batch --jobs 2`, processor time per file | `info` of one of them |"
+    yield "|---:|---:|---:|"
+    for count in (1_000, 100_000):
+        listed, names = archives.make("geotiff", count, 10_000_000)
+        batch, info = in_turn([([tool, "batch", "--quiet", "--jobs", "2"], listed), ([tool, "info", names[0]],)],
+                              runs)
+        yield (f"| {len(names):,} | {batch.processor / len(names) * 1e6:.0f} us | "
+               f"{info.processor * 1e3:.1f} ms |")
+
+
+def replace(table, mark, lines):
+    """Puts the lines between <!-- mark --> and <!-- end -->."""
+    text = table.read_text(encoding="utf-8")
+    head, rest = text.split(f"<!-- {mark} -->\n", 1)
+    tail = rest.split("<!-- end -->\n", 1)[1]
+    body = "".join(f"{line}\n" for line in lines)
+    table.write_text(f"{head}<!-- {mark} -->\n{body}<!-- end -->\n{tail}", encoding="utf-8")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--scale", type=float, default=1.0)
+    parser.add_argument("--runs", type=int, default=3)
+    parser.add_argument("--keep", type=pathlib.Path)
+    parser.add_argument("folder", type=pathlib.Path)
+    parser.add_argument("table", type=pathlib.Path)
+    options = parser.parse_args()
+    tool, loop = options.folder / "mapanchor", options.folder / "gdal_loop"
+    with tempfile.TemporaryDirectory() as scratch:
+        if options.keep:
+            options.keep.mkdir(parents=True, exist_ok=True)
+        archives = Archives(options.keep or pathlib.Path(scratch), options.scale)
+        few = Archives(archives.folder, 1.0)
+        replace(options.table, "starts", start_table(starts(tool, few, options.runs * 5)))
+        replace(options.table, "archives", batch_table(tool, loop, archives, options.runs))
+        replace(options.table, "folders", growth_table(tool, archives, options.runs))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
