@@ -12,18 +12,24 @@
 #include <optional>
 #include <string>
 
+namespace Border {
+
+/// What a structure states of a coordinate system.
+struct SystemFacts {
+    std::string wkt;
+    std::string name;
+    int32_t epsg = 0;
+};
+
+}  // namespace Border
+
 /// What was read, with the texts that structures point to.
 struct mapanchor_reading {
     Tool::ReadResult result;
     int status = MAPANCHOR_OK;
     std::string error;
-
-    struct System {
-        std::string wkt;
-        std::string name;
-        int32_t epsg = 0;
-    };
-    mutable std::optional<System> system;  ///< made when it is asked for, by one thread at a time
+    mutable std::optional<Border::SystemFacts>
+        system;  ///< made when it is asked for, by one thread at a time
 };
 
 struct mapanchor_saving {

@@ -49,9 +49,9 @@ const char* TextOrNull(const std::string& text) {
     return text.empty() ? nullptr : text.c_str();
 }
 
-const mapanchor_reading::System& SystemIn(const mapanchor_reading& handle) {
+const SystemFacts& SystemIn(const mapanchor_reading& handle) {
     if (handle.system) return *handle.system;
-    mapanchor_reading::System& system = handle.system.emplace();
+    SystemFacts& system = handle.system.emplace();
     const Tellurion::BGeoReference& reference = handle.result.reference;
     if (!reference.HasCoordSys()) return system;
     system.wkt = reference.CoordSys->ToWholeWKT().StdStr();
@@ -73,7 +73,7 @@ mapanchor_reference ReferenceOf(const mapanchor_reading& handle) {
     known.fit = result.reference.HasMathTransform()
                     ? static_cast<int32_t>(result.reference.MathTransform->GetMathTransformType())
                     : MAPANCHOR_FIT_NONE;
-    const mapanchor_reading::System& system = SystemIn(handle);
+    const SystemFacts& system = SystemIn(handle);
     known.epsg = system.epsg;
     known.wkt = TextOrNull(system.wkt);
     known.crs_name = TextOrNull(system.name);

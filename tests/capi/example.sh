@@ -54,7 +54,7 @@ rust)
     ;;
 r)
     needs R Rscript
-    block glue 1 >glue.c
+    block c 3 >glue.c
     block r 1 >where.R
     PKG_CPPFLAGS="-I$source/capi" PKG_LIBS="-L$libraries -lmapanchor-c" R CMD SHLIB glue.c >shlib.log || { cat shlib.log; exit 1; }
     Rscript where.R innsbruck.tfw >happened
