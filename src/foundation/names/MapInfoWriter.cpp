@@ -59,14 +59,11 @@ bool ReadFigure(PJ* crs, Figure& figure) {
     return true;
 }
 
-/// The shift to WGS 84 that a system states of its own; zeros without one.
-MapInfoShift StatedShift(const CoordSysDefinition& system) {
+/// The shift to WGS 84 of a system that is bound to it; zeros without one.
+MapInfoShift ShiftOf(PJ* bound) {
     MapInfoShift shift{};
     PJ_CONTEXT* context = Proj::ThreadContext();
-    const std::string text = system.Wkt().StdStr();
-    if (text.find("TOWGS84[") == std::string::npos) return shift;
-    const Proj::Object bound(proj_create_from_wkt(context, text.c_str(), nullptr, nullptr, nullptr));
-    const Proj::Object operation(bound ? proj_crs_get_coordoperation(context, bound.get()) : nullptr);
+    const Proj::Object operation(bound ? proj_crs_get_coordoperation(context, bound) : nullptr);
     if (!operation || !proj_coordoperation_get_towgs84_values(context, operation.get(), shift.data(), 7, 0))
         return {};
     for (std::size_t i = 3; i < 6; ++i)
@@ -77,13 +74,28 @@ MapInfoShift StatedShift(const CoordSysDefinition& system) {
     return shift;
 }
 
-std::optional<MapInfoDatum> DatumOf(const CoordSysDefinition& system, const Figure& figure) {
+/// The shift that a system states of its own, or else the one that PROJ knows for its datum where
+/// there is no doubt about it: datums are newer than the table. Zeros without one.
+MapInfoShift FindShift(const CoordSysDefinition& system, PJ* horizontal) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const std::string text = system.Wkt().StdStr();
+    if (text.find("TOWGS84[") != std::string::npos) {
+        const Proj::Object bound(proj_create_from_wkt(context, text.c_str(), nullptr, nullptr, nullptr));
+        return ShiftOf(bound.get());
+    }
+    if (system.GeodeticEpsgNumber() == 0) return {};
+    const Proj::Object bound(proj_crs_create_bound_crs_to_WGS84(context, horizontal, nullptr));
+    const bool is_bound = bound && proj_get_type(bound.get()) == PJ_TYPE_BOUND_CRS;
+    return is_bound ? ShiftOf(bound.get()) : MapInfoShift{};
+}
+
+std::optional<MapInfoDatum> DatumOf(const CoordSysDefinition& system, PJ* horizontal, const Figure& figure) {
     if (const MapInfoDatum* known = FindMapInfoDatum(system.GeodeticEpsgNumber()))
         return known->ellipsoid >= 0 ? std::optional(*known) : std::nullopt;
     const MapInfoEllipsoid* ellipsoid =
         FindMapInfoEllipsoid(figure.ellipsoid.semi_major, figure.ellipsoid.inverse_flattening);
     if (!ellipsoid) return std::nullopt;
-    const MapInfoShift shift = StatedShift(system);
+    const MapInfoShift shift = FindShift(system, horizontal);
     MapInfoDatum datum = MakeMapInfoDatum(ellipsoid->number, figure.prime_meridian, shift);
     // Without a shift that is known: a number that means no more than this ellipsoid.
     if (ellipsoid->number == kGrs80 && datum.number == kMapInfoShift && shift == MapInfoShift{})
@@ -142,7 +154,7 @@ MapInfoTerms EarthTermsOf(const CoordSysDefinition& system) {
     const Proj::Object crs = system.CloneHorizontal();
     Figure figure;
     if (!ReadFigure(crs.get(), figure)) return terms;
-    const auto datum = DatumOf(system, figure);
+    const auto datum = DatumOf(system, crs.get(), figure);
     if (!datum) return terms;
     terms.datum = datum->number;
     terms.datum_parameters = datum->Parameters();

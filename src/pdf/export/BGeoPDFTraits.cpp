@@ -51,7 +51,7 @@ bool BGeoPDFTraits::WantsUpdate() const {
     return Known && !Encrypted && (Size >= kLargeFile || !RewriteLosses().empty());
 }
 
-BGeoPDFPage BGeoPDFTraits::DescribeTarget(const BString& file, long number) const {
+BGeoPDFPage BGeoPDFTraits::DescribeTarget(const BString& file, int number) const {
     // What our own reader does not open is for the parser, and so for the rules.
     if (!Known) return BGeoPDFPage::Describe(file).InPoints();
     Tellurion::BParamList page_alone;

@@ -36,7 +36,7 @@ public:
     bool WantsUpdate() const;
     /// The page of `file`, whose traits these are, that a save beyond the rules georeferences, counted
     /// from 1; its boxes are in points of 1/72 inch. BGeoPDFPage::Fault says why there is none.
-    BGeoPDFPage DescribeTarget(const Tellurion::BString& file, long number) const;
+    BGeoPDFPage DescribeTarget(const Tellurion::BString& file, int number) const;
 };
 
 }  // namespace MapAnchor
