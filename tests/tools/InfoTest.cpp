@@ -70,6 +70,9 @@ TEST(Info, ExitStatusSaysHowItEnded) {
     folder.ExpectRun("--json %tiny.tfw", 3, R"("road":"type","coordSys":{"epsg":"EPSG:32632"})",
                      {"read by type", "BRefWLD::Read Failure A & E (or B & C) are zero!"});
     folder.ExpectRun("%map.jpg", 0, "", {"read from map.jgw"});
+    folder.Write("none.ers", "DatasetHeader Begin\n\tDataType\t= Raster\nDatasetHeader End\n");
+    folder.ExpectRun("%none.ers", 5, "",
+                     {"[gdal-driver-not-allowed]"});  // although nothing opened GDAL before
     EXPECT_EQ(folder.ExpectRun("--crs EPSG:32632 --print epsg,affine,size --size 4x2 %map.jpg", 0).out,
               "EPSG:32632\t0.5 0 676000 0 -0.5 5242000\t4 2\n");
     EXPECT_EQ(folder.ExpectRun("info --print epsg %tiny.tfw", 3).out, "EPSG:32632\n");

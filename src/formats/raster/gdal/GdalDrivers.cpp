@@ -338,6 +338,7 @@ std::string GdalDrivers::RefusedFor(const BString& file) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(std::string(file.StdStr()), error)) return {};
     const Tellurion::QuietGdal quiet;
+    RegisterDrivers();
     GDALOpenInfo content(file.StdStr().c_str(), GDAL_OF_RASTER);
     const Names allowed = Allowed();
     for (const Driver& row : kDrivers) {

@@ -23,11 +23,9 @@ using Tellurion::BLogger;
 using Tellurion::BString;
 using Tellurion::ELogSeverity;
 
-namespace {
-
-/// Registering again scans the folder of plug-ins, so it is done only when
-/// the host changed the list of drivers since.
 void RegisterDrivers() {
+    // Registering again scans the folder of plug-ins, so it is done only when the host changed
+    // the list of drivers since.
     static std::mutex mutex;
     static int registered = 0;
     const std::lock_guard lock(mutex);
@@ -36,6 +34,8 @@ void RegisterDrivers() {
     ConfinedFiles::Install();
     registered = GDALGetDriverCount();
 }
+
+namespace {
 
 GDALDataset* Open(const char* name, const GdalDrivers::Names& drivers, unsigned access = GDAL_OF_READONLY) {
     return GDALDataset::Open(name, GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | access, drivers.data(), nullptr,

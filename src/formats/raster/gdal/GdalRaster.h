@@ -19,6 +19,9 @@ struct GdalCloser {
 };
 using GdalRaster = std::unique_ptr<GDALDataset, GdalCloser>;
 
+/// Registers GDAL's drivers where they are not.
+void RegisterDrivers();
+
 /// Opens a raster for reading, together with the files beside it that belong to it: see
 /// GdalDrivers and ConfinedFiles. Null when no driver knows it or it is not a regular file;
 /// what was refused is logged. Registers GDAL's drivers where they are not.
