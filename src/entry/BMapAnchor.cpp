@@ -5,6 +5,7 @@
 #include "raster/gdal/GdalDrivers.h"
 #include "raster/geotiff/BRefGeoTIFF.h"
 #include "sidecar/ers/BRefERS.h"
+#include "sidecar/points/BRefPoints.h"
 
 #include <Tellurion/BException.h>
 #include <Tellurion/BFile.h>
@@ -43,6 +44,8 @@ const BString BMapAnchor::kValPDFWkt2(PdfParameters::kWkt2);
 const BString BMapAnchor::kValPDFFrame(PdfParameters::kFrame);
 const BString BMapAnchor::kValPDFAdd(PdfParameters::kAdd);
 const BString BMapAnchor::kValPDFMapName(PdfParameters::kMapName);
+const BString BMapAnchor::kValPointsSystem(BRefPoints::kSystem);
+const BString BMapAnchor::kValPointsOldHeader(BRefPoints::kOldHeader);
 const BString BMapAnchor::kValGdalDrivers(GdalDrivers::kKey);
 const BString BMapAnchor::kValReplaceSystem(BRefGeoTIFF::kReplaceSystemKey);
 const BString BMapAnchor::kValErsCodes(BRefERS::kCodesKey);

@@ -94,6 +94,12 @@ public:
     /// Key of a BParamList, for a save beyond the rules: the name of the map, "AllLayers" without it.
     static const Tellurion::BString kValPDFMapName;
 
+    /// Keys of a BParamList, for a save of QGIS's table of points: how the table that the points came from
+    /// names the system, which counts where it is the one of the reference; and, when it is not 0, that
+    /// the columns are named pixelX and pixelY as in older tables.
+    static const Tellurion::BString kValPointsSystem;
+    static const Tellurion::BString kValPointsOldHeader;
+
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system
 

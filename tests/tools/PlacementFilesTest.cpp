@@ -9,7 +9,7 @@
 namespace {
 
 constexpr const char* kQgis =
-    "#CRS: EPSG:25832\nmapX,mapY,sourceX,sourceY,enable,dX,dY,residual\n"
+    "#CRS: urn:ogc:def:crs:EPSG::25832\nmapX,mapY,pixelX,pixelY,enable,dX,dY,residual\n"
     "676000.5,5242000.25,10.5,-20.25,1,0,0,0\n676100.5,5242000.25,110.5,-20.25,1,0,0,0\n"
     "676100.5,5241900.25,110.5,-120.25,1,0,0,0\n676050,5241900,60,-120.75,0,0,0,0\n";
 

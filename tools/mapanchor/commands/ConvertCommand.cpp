@@ -6,8 +6,10 @@
 #include "render/TextRenderer.h"
 #include "terminal/TargetFile.h"
 
+#include <MapAnchor/BControlPointFile.h>
 #include <MapAnchor/BMapAnchor.h>
 #include <MapAnchor/BReferenceFormats.h>
+#include <Tellurion/BException.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/Numbers.h>
 #include <Tellurion/Printable.h>
@@ -24,6 +26,7 @@ namespace Tool {
 namespace {
 
 using namespace Tellurion;
+using MapAnchor::BControlPointFile;
 using MapAnchor::BMapAnchor;
 using MapAnchor::BReferenceFormat;
 using MapAnchor::BReferenceFormats;
@@ -222,6 +225,24 @@ void CarryOut(const ConvertOptions& options, const BGeoReference& reference, Log
 
 }  // namespace
 
+namespace {
+
+/// A table of QGIS that becomes one again keeps the words of its system and the names of its columns.
+void KeepWordsOfPoints(const Plan& plan, ConvertOptions& options) {
+    const BString source(options.source);
+    if (!plan.Is(EReferenceType::Points) ||
+        BFileUtilities::GetExtension(source).ToLower() != BString(".points"))
+        return;
+    try {
+        const auto file = BControlPointFile::Read(source);
+        options.read.params.SetString(BMapAnchor::kValPointsSystem, file.CoordSys);
+        options.read.params.SetInteger(BMapAnchor::kValPointsOldHeader, file.OldHeader ? 1 : 0);
+    } catch (const BException&) {  // a reference of another kind under that name
+    }
+}
+
+}  // namespace
+
 Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log) {
     options.read.width = source.width;
     options.read.height = source.height;
@@ -236,6 +257,7 @@ Outcome SaveReading(ConvertOptions options, ReadResult source, LogCollector& log
     // Writers count from the corner of the top left pixel.
     if (source.centre_anchored) source.reference = BSaving::FromCentre(source.reference);
     outcome.plan = MakePlan(options, source.reference);
+    KeepWordsOfPoints(outcome.plan, options);
     if (!IsPossible(options, source, outcome)) return outcome;
     WarnOfLosses(options, source.reference, outcome);
     CarryOut(options, source.reference, log, outcome);

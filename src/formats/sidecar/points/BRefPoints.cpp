@@ -17,6 +17,7 @@ namespace MapAnchor {
 using Tellurion::BControlPoint;
 using Tellurion::BCoordSys;
 using Tellurion::BGeoReference;
+using Tellurion::BParamList;
 using Tellurion::BPointPair;
 using Tellurion::BSharedPtr;
 using Tellurion::BString;
@@ -65,9 +66,15 @@ void Note(const BString& file, const PointTable& table, bool has_system) {
     if (has_system) notes->AddOrigin("system", file, "line #CRS");
 }
 
-/// By its code where it has one, in one line otherwise.
-BString TextOf(const BGeoReference& reference) {
+/// In the words of the table before where it means the same system, else by its code where it has one,
+/// and in one line otherwise.
+BString TextOf(const BGeoReference& reference, const BParamList* params) {
     if (!reference.HasCoordSys()) return {};
+    const BString before = params ? params->GetString(BRefPoints::kSystem, BString()) : BString();
+    if (!before.IsEmpty()) {
+        const BSharedPtr<BCoordSys> system(BCoordSys::FromText(before));
+        if (system && system->IsSame(*reference.CoordSys)) return before;
+    }
     const BString code = reference.CoordSys->ToEPSGCode();
     return code.IsEmpty() ? reference.CoordSys->ToWholeWKT() : code;
 }
@@ -85,7 +92,7 @@ void BRefPoints::Read(const BString& file, const unsigned int& flags, BGeoRefere
 }
 
 void BRefPoints::Write(const BString& file, const unsigned int& flags, const BGeoReference& reference,
-                       long width, long height) {
+                       long width, long height, const BParamList* params) {
     std::vector<BPointPair> corners;
     const auto& pairs =
         PointsToWrite(reference, {width, height}, Strictness(flags).Transform(), file, kWriteTexts, corners);
@@ -96,7 +103,9 @@ void BRefPoints::Write(const BString& file, const unsigned int& flags, const BGe
                             "that stand for them need a transform and the raster's size.",
                             file));
     const std::string text =
-        FormatQgisPoints({.Points = ExactPoints::Of(pairs), .CoordSys = TextOf(reference)});
+        FormatQgisPoints({.Points = ExactPoints::Of(pairs),
+                          .CoordSys = TextOf(reference, params),
+                          .OldHeader = params && params->GetInteger(kOldHeader, 0) != 0});
     OutputFile out(file, kWriteTexts);
     out.OpenOrThrow(BString::Format("Couldn't open points file <%ls> for writing.", file));
     out.Save([&] {
@@ -115,7 +124,7 @@ ReferenceFormat BRefPoints::Format() {
                 },
             .typed_save =
                 [](const SaveCall& call) {
-                    Write(call.file, call.flags, call.reference, call.width, call.height);
+                    Write(call.file, call.flags, call.reference, call.width, call.height, call.params);
                 },
             .typed_extensions = {u".points"},
             .sidecar = true,
