@@ -98,7 +98,7 @@ public:
     /// names the system, which counts where it is the one of the reference; and, when it is not 0, that
     /// the columns are named pixelX and pixelY as in older tables.
     static const Tellurion::BString kValPointsSystem;
-    static const Tellurion::BString kValPointsOldHeader;
+    static const Tellurion::BString kValPointsOldHeader;  ///< see kValPointsSystem
 
     static constexpr unsigned int kStrictTransform = 1;  ///< of `flags`: insist on the transform
     static constexpr unsigned int kStrictCoordSys = 2;   ///< of `flags`: insist on the system
