@@ -180,9 +180,11 @@ long FramePixels(double points) {
     return std::lround(points / kFramePixel);
 }
 
-BGeoReference FramedReference(const BGeoReference& reference, const Frame& frame, long height,
+BGeoReference FramedReference(const BGeoReference& reference, const Frame& frame, long width, long height,
                               const BKeyValuePairs& params) {
     RequireReference(reference);
+    const double scale = PointsPerPixel(&params);
+    RequirePageSize(static_cast<double>(width) * scale, static_cast<double>(height) * scale);
     Tellurion::AffineTerms t;
     try {
         if (!reference.HasMathTransform()) throw BException("", kSource, "");
@@ -191,7 +193,6 @@ BGeoReference FramedReference(const BGeoReference& reference, const Frame& frame
         throw Tellurion::BException("Could not generate Tie points", kSource,
                                     "A frame on the page needs an affine transform.");
     }
-    const double scale = PointsPerPixel(&params);
     const double column = frame.left / scale;
     const double row = static_cast<double>(height) - frame.top / scale;
     const double step = kFramePixel / scale;
@@ -200,7 +201,10 @@ BGeoReference FramedReference(const BGeoReference& reference, const Frame& frame
     const std::unique_ptr<Tellurion::BMathTransform> transform(Tellurion::BMathTransform::CreateAffine(
         t.a * step, t.b * step, t.a * column + t.b * row + t.c, t.d * step, t.e * step,
         t.d * column + t.e * row + t.f, true));
-    if (transform) framed.SetMathTransform(*transform);
+    if (!transform)
+        throw Tellurion::BException("Could not generate Tie points", kSource,
+                                    "The transform of the reference has no inverse.");
+    framed.SetMathTransform(*transform);
     return framed;
 }
 
@@ -233,7 +237,7 @@ MapToWrite MapOf(const BGeoReference& reference, long width, long height, const 
 MapToWrite MapOfFrame(const BGeoReference& reference, long width, long height, const BKeyValuePairs& params) {
     const std::optional<Frame> frame = FrameOf(params);
     if (!frame) return MapOf(reference, width, height, params);
-    const BGeoReference framed = FramedReference(reference, *frame, height, params);
+    const BGeoReference framed = FramedReference(reference, *frame, width, height, params);
     Tellurion::BParamList of_frame;
     of_frame.SetDouble(PdfParameters::kResolution, kPointsPerInch / kFramePixel);
     of_frame.SetInteger(PdfParameters::kWkt2, Number(params, PdfParameters::kWkt2, 0));

@@ -165,6 +165,7 @@ TEST(WideSave, APageTakesSeveralMaps) {
     const std::string other = PagePdf(kPage).Text();
     const std::string refused = folder.Write("other.pdf", other);
     EXPECT_NE(Save(refused, first, inset).find("LGIDict"), std::string::npos);
+    EXPECT_NE(Save(refused, first, {.width = 0, .frame = "1 1 5 5"}), "");
     BGeoReference points = first;
     points.MathTransform = {};
     EXPECT_NE(Save(refused, points, {.frame = "1 1 5 5"}).find("affine"), std::string::npos);
