@@ -2,6 +2,7 @@
 // from several threads. $MAPANCHOR_CORPUS adds the rasters of a folder.
 
 #include "raster/geotiff/KnownRasters.h"
+#include "raster/geotiff/UpdatedDirectory.h"
 
 #include "common/policy/ReadNotes.h"
 
@@ -182,6 +183,41 @@ TEST(HeaderReads, AnswerAsGdalDoes) {
         if (const std::string name = entry.path(); name.ends_with(".tif") || name.ends_with(".tiff"))
             real.push_back(name);
     if (corpus) ExpectAllAlike(real);
+}
+
+// What the directory of an update shows without GDAL: the place that was asked for, and all else
+// as it was. A value that differs is a doubt.
+TEST(UpdatedDirectory, IsComparedValueByValue) {
+    const TempFolder folder;
+    RasterState wanted;
+    wanted.transform = {500000, 10, 0, 4100000, 0, -10};
+    const std::string file = GdalFiles::MakeTiff(folder / "map.tif", 1, [&wanted](GDALDataset& raster) {
+        raster.SetGeoTransform(wanted.transform->data());
+    });
+    const std::string whole = TempFolder::Slurp(file);
+    const auto number = [&whole](std::size_t at) {
+        return static_cast<unsigned char>(whole[at]) + 256U * static_cast<unsigned char>(whole[at + 1]);
+    };
+    const std::size_t start = number(4);
+    const std::string directory = whole.substr(start, 2 + 12 * number(start) + 4);
+    const auto shows = [&](std::size_t changed) {
+        std::string tail = directory;
+        if (changed < tail.size()) ++tail[changed];
+        const auto staged = StagedFile::Open(file, StagedFile::Access::Update);
+        const char end[] = {static_cast<char>(whole.size() & 255), static_cast<char>(whole.size() >> 8)};
+        staged->WriteAt(whole.size(), tail);
+        staged->WriteAt(4, end);
+        return ShowsWanted(*staged, wanted);
+    };
+    // The byte of an entry at which its value, or the place of its values, begins.
+    const auto value_of = [&directory](std::string_view tag) { return directory.find(tag) + 8; };
+    EXPECT_TRUE(shows(directory.size()));
+    for (const std::string_view tag : {std::string_view("\0\1\3", 3), std::string_view("\x11\1\4", 3),
+                                       std::string_view("\x82\x84\x0c", 3)})
+        EXPECT_FALSE(shows(value_of(tag))) << "the width, an offset or the tie point, at " << value_of(tag);
+    EXPECT_FALSE(shows(directory.size() - 1)) << "the next directory";
+    (*wanted.transform)[0] += 0.01;
+    EXPECT_FALSE(shows(directory.size()));
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include "common/policy/ReadNotes.h"
 #include "raster/geotiff/AuxiliaryXml.h"
 #include "raster/geotiff/TiffBlocks.h"
+#include "raster/geotiff/TiffDirectory.h"
+#include "raster/geotiff/UpdatedDirectory.h"
 
 #include <cpl_string.h>
 
@@ -107,12 +109,15 @@ std::string GdalUpdate::CheckStaged(const RasterState& wanted) {
 }
 
 std::string GdalUpdate::CloseStaged() {
-    RasterState wanted = RasterState::Of(*raster_, {});
+    RasterState wanted = RasterState::Of(*raster_, {.layout = false});
     wanted.layout = layout_;
+    const bool was_alone = driver_ == "GTiff" && FilesBeside(*raster_).empty();
     quiet_.ForgetFailures();
     raster_.reset();
     if (!quiet_.FirstFailure().empty()) return quiet_.FirstFailure();
-    std::string fault = CheckStaged(wanted);
+    // To open a raster again costs GDAL as much as to update it.
+    const bool is_alone = was_alone && folder_->Files().size() == 1 && folder_->Raster();
+    std::string fault = is_alone && ShowsWanted(*folder_->Raster(), wanted) ? "" : CheckStaged(wanted);
     if (fault.empty()) fault = Commit(*folder_, *lock_);
     if (fault.empty() && has_cloud_layout_)
         Note(DiagnosticId::kSavedLayout,

@@ -14,9 +14,9 @@
 namespace MapAnchor {
 
 /// A raster that is open for writing. GDAL writes into memory (StagingFolder) and prints
-/// nothing. Close() opens the result once more, compares it with what was set, and only
-/// then changes the disk, in one step: whatever fails, and whenever the process ends,
-/// the raster is the old one or the new one. Names that begin with "/vsi" are left to
+/// nothing. Close() compares the result with what was set, by its directory or by opening it
+/// once more, and only then changes the disk, in one step: whatever fails, and whenever the
+/// process ends, the raster is the old one or the new one. Names that begin with "/vsi" are left to
 /// GDAL: they may have no disk below them.
 class GdalUpdate {
 public:

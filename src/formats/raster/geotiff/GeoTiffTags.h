@@ -3,6 +3,8 @@
 #include "common/files/ByteReader.h"
 #include "common/storing/Affine.h"
 
+#include <MapAnchor/Internal.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,7 +14,7 @@
 namespace MapAnchor {
 
 /// The GeoTIFF tags that other formats carry in a box of theirs, as stored.
-struct GeoTiffTags {
+struct MAPANCHOR_INTERNAL GeoTiffTags {
     std::vector<double> pixel_scale;
     std::vector<double> tie_points;
     std::vector<double> matrix;

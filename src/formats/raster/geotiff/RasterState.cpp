@@ -70,7 +70,7 @@ RasterState::Layout RasterState::LayoutOf(GDALDataset& raster) {
 
 RasterState RasterState::Of(GDALDataset& raster, Costly wanted) {
     RasterState state;
-    state.layout = LayoutOf(raster);
+    if (wanted.layout) state.layout = LayoutOf(raster);
     state.point_count = raster.GetGCPCount();
     std::array<double, 6> transform{};
     if (state.point_count == 0 && raster.GetGeoTransform(transform.data()) == CE_None)

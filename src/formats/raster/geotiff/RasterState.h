@@ -34,8 +34,10 @@ struct RasterState {
     OGRSpatialReference system;  ///< empty for none
     std::string registration;    ///< AREA_OR_POINT; empty where it is not stated
 
-    /// What costs GDAL the building of a coordinate system, which is most of opening a raster.
+    /// What is worth to be left out: GDAL builds a coordinate system for the last two, which is
+    /// most of opening a raster.
     struct Costly {
+        bool layout = true;
         bool system = true;
         bool registration = true;
     };

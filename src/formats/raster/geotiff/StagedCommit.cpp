@@ -1,6 +1,7 @@
 #include "raster/geotiff/StagedCommit.h"
 
-#include "raster/geotiff/TiffBlocks.h"
+#include "raster/geotiff/TiffDirectory.h"
+#include "raster/geotiff/UpdatedDirectory.h"
 
 #include <Tellurion/BFileReplacement.h>
 #include <Tellurion/BLogger.h>
@@ -69,13 +70,12 @@ struct Append {
 std::optional<Append> FindAppend(const StagedFile& raster, const std::vector<StagedFile::Change>& changes) {
     if (!raster.KeepsOldLength() || raster.Length() < raster.OldLength() || !IsTiff(raster))
         return std::nullopt;
-    const TiffPointer pointer = PointerOf(raster);
+    const TiffPointer pointer = TiffDirectoryReader(raster).Pointer();
     Append append;
     append.pointer_offset = pointer.offset;
-    append.new_pointer = append.old_pointer = raster.Bytes(pointer.offset, pointer.size);
-    if (::pread(raster.Descriptor(), append.old_pointer.data(), pointer.size,
-                static_cast<off_t>(pointer.offset)) != static_cast<ssize_t>(pointer.size))
-        return std::nullopt;
+    append.new_pointer = raster.Bytes(pointer.offset, pointer.size);
+    append.old_pointer = PointerOnDisk(raster);
+    if (append.old_pointer.empty()) return std::nullopt;
     for (const StagedFile::Change& change : changes)
         if (change.offset < pointer.offset ||
             change.offset + change.bytes.size() > pointer.offset + pointer.size)
