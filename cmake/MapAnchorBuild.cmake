@@ -64,6 +64,24 @@ if(NOT MAPANCHOR_SANITIZERS)
     set(MAPANCHOR_ALL_DEFINED LINKER:--no-undefined)
 endif()
 
+# mapanchor_load_on_demand(<target> <library> <forwarders>): the library is loaded by the first call
+# of one of its functions, which the file of forwarders defines. Linked as any other where it is a
+# part of one library with everything, or has no name that a loader would find.
+function(mapanchor_load_on_demand target library forwarders)
+    get_target_property(file ${library} LOCATION)
+    execute_process(COMMAND ${CMAKE_OBJDUMP} -p ${file} OUTPUT_VARIABLE header ERROR_QUIET)
+    if(NOT MAPANCHOR_MODULES OR NOT header MATCHES "SONAME +([^ \n]+)")
+        target_link_libraries(${target} PRIVATE ${library})
+        return()
+    endif()
+    set_source_files_properties(${forwarders} TARGET_DIRECTORY ${target} PROPERTIES
+        COMPILE_DEFINITIONS MAPANCHOR_LIBRARY="${CMAKE_MATCH_1}" SKIP_PRECOMPILE_HEADERS ON)
+    target_sources(${target} PRIVATE ${forwarders})
+    set_property(GLOBAL PROPERTY MAPANCHOR_LOADED_BY_${target} ${CMAKE_MATCH_1})
+    target_include_directories(${target} SYSTEM PRIVATE
+        $<TARGET_PROPERTY:${library},INTERFACE_INCLUDE_DIRECTORIES>)
+endfunction()
+
 # What is loaded at run time and so linked by nobody: targets that run something depend on it.
 add_custom_target(mapanchor_modules)
 

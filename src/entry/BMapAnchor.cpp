@@ -14,6 +14,7 @@
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLogger.h>
 #include <Tellurion/BUnsupportedFileTypeException.h>
+#include <Tellurion/LibraryOnDemand.h>
 
 namespace MapAnchor {
 
@@ -124,6 +125,7 @@ void BMapAnchor::Read(const EReferenceType& type, const BString& file, BGeoRefer
     const GdalDrivers::Scope allowed(params);
     BGeoReference local;
     format->typed_read({file, local, width, height, mathType, flags, params, nullptr});
+    Tellurion::LibraryOnDemand::RequireAll();
     reference = local;
 }
 
@@ -148,6 +150,7 @@ const char* BMapAnchor::ReadAndName(const BString& file, BGeoReference& referenc
         if (IsPlainRasterExtension(wanted)) return nullptr;
         return TryOpeningForRead(file, reference, usedFile, width, height, mathType);
     });
+    Tellurion::LibraryOnDemand::RequireAll();
     if (!kind) ThrowUnsupported(file, kReadSource);
     if (!HasReference(reference))
         throw BFileContentNotValidException(

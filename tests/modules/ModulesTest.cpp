@@ -35,13 +35,18 @@ const std::string kWorldFile = MAPANCHOR_SOURCES "/examples/innsbruck.tfw";
 TEST(Modules, AreNotMappedByWhatDoesNotNeedThem) {
     const TempFolder folder;
     const std::string without_system = folder.Write("a.tfw", "2\n0\n0\n-2\n11\n49\n");
-    const std::vector<std::vector<std::string>> commands = {
-        {"ext", "tif"}, {"info", without_system}, {"info", kWorldFile}, {"crs", "EPSG:25832"}, {"formats"}};
+    const std::vector<std::pair<std::vector<std::string>, bool>> commands = {
+        {{"ext", "tif"}, false},
+        {{"info", without_system}, false},
+        {{"formats"}, false},
+        {{"info", kWorldFile}, true},
+        {{"crs", "EPSG:25832"}, true}};
     const Libraries libraries;
-    for (const auto& words : commands) {
+    for (const auto& [words, has_system] : commands) {
         const ToolRun run = libraries.RunListed(words);
         EXPECT_EQ(run.status, 0) << words.front();
-        EXPECT_NE(run.err.find("libproj"), std::string::npos) << "the list has what is mapped";
+        EXPECT_NE(run.err.find("libTellurion"), std::string::npos) << "the list has what is mapped";
+        EXPECT_EQ(run.err.find("libproj") != std::string::npos, has_system) << words.front();
         for (const char* library : {"libgdal", "libpodofo", "libQt5", "libX11", "libGL", "libmapanchor-"})
             EXPECT_EQ(run.err.find(library), std::string::npos) << words.front() << " maps " << library;
     }
@@ -63,6 +68,25 @@ TEST(Modules, ThatAreMissingAreNamedWithTheRemedy) {
     EXPECT_EQ(libraries.Run({"info", "/vsizip/a.zip/a.tfw"}).status, 5);
     EXPECT_NE(libraries.Run({"footprint", "--size", "10x10", kWorldFile}).err.find("libmapanchor-tool.so.0"),
               std::string::npos);
+}
+
+// Without PROJ no system is read, and none is left out in silence.
+TEST(Modules, APROJThatCannotBeLoadedFailsWhatNeedsIt) {
+    if (!*MAPANCHOR_PROJ) GTEST_SKIP() << "PROJ is linked";
+    const Libraries libraries;
+    libraries.Write(MAPANCHOR_PROJ, "no library");
+    const TempFolder folder;
+    const std::string without_system = folder.Write("a.tfw", "2\n0\n0\n-2\n11\n49\n");
+    EXPECT_EQ(libraries.Run({"info", without_system}).status, 0);
+    for (const auto& [words, status] :
+         {std::pair(std::vector<std::string>{"info", kWorldFile}, 5), {{"crs", "EPSG:25832"}, 2}}) {
+        const ToolRun run = libraries.Run(words);
+        EXPECT_EQ(run.status, status) << run.err;
+        EXPECT_NE(run.err.find("need PROJ, but the library <" MAPANCHOR_PROJ "> cannot be used: "),
+                  std::string::npos)
+            << run.err;
+    }
+    EXPECT_NE(libraries.Run({"batch", kWorldFile}).out.find("\"ok\":false"), std::string::npos);
 }
 
 TEST(Modules, OfAnotherVersionAreRefused) {

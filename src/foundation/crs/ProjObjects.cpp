@@ -19,9 +19,9 @@ struct ContextEnd {
 };
 
 PJ_CONTEXT* CreateContext() {
+    PJ_CONTEXT* created = proj_context_create();
     static thread_local const ContextEnd end;
     static_cast<void>(end);
-    PJ_CONTEXT* created = proj_context_create();
     proj_log_level(created, PJ_LOG_NONE);
     proj_context_set_enable_network(created, 0);
     return created;

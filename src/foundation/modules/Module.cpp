@@ -1,13 +1,13 @@
 #include "modules/Module.h"
 
+#include "io/LibraryOnDemand.h"
+
 #include <Tellurion/BUnsupportedFileTypeException.h>
 
 #include <dlfcn.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cstring>
-#include <new>
 
 namespace Tellurion {
 namespace {
@@ -28,16 +28,6 @@ std::string OwnFolder() {
     throw BUnsupportedFileTypeException(kSource, BString(text));
 }
 
-/// The loader gives no number of the error. That it cannot map a file has other reasons, too, where the
-/// process may have all the memory that it wants.
-bool IsForMemory(const std::string& reason) {
-    rlimit limit{};
-    const bool is_limited = getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
-    return reason.find("Cannot allocate memory") != std::string::npos ||
-           (is_limited && (reason.find("failed to map") != std::string::npos ||
-                           reason.find("cannot map") != std::string::npos));
-}
-
 }  // namespace
 
 std::string Module::File() const {
@@ -50,13 +40,9 @@ const void* Module::Load() const {
                                name_ + " of version " + MAPANCHOR_MODULE_VERSION + ".";
     if (access(file.c_str(), F_OK) != 0)
         Fail(std::string(purpose_) + " need the module <" + file + ">, which is not installed; " + remedy);
-    void* const handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle) {
-        const char* const words = dlerror();
-        const std::string reason = words ? words : "unknown reason";
-        if (IsForMemory(reason)) throw std::bad_alloc();
-        Fail("The module <" + file + "> cannot be loaded: " + reason + "; " + remedy);
-    }
+    std::string reason;
+    void* const handle = LoadLibrary(file, reason);
+    if (!handle) Fail("The module <" + file + "> cannot be loaded: " + reason + "; " + remedy);
     void* const symbol = dlsym(handle, kFunction);
     const auto function = reinterpret_cast<const ModuleTable* (*)()>(symbol);
     const ModuleTable* const table = function ? function() : nullptr;

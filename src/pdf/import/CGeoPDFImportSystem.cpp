@@ -4,12 +4,12 @@
 
 #include "import/LGINumbers.h"
 #include "import/LGIProjectionMapping.h"
+#include "import/OgrSystem.h"
 
 #include <Tellurion/LruCache.h>
+#include <Tellurion/QuietGdal.h>
 
 #include <cpl_conv.h>
-#include <cpl_error.h>
-#include <ogr_spatialref.h>
 
 #include <limits>
 #include <memory>
@@ -17,20 +17,13 @@
 namespace VellumLib {
 namespace {
 
-/// No error handler of the host hears of what OGR thinks of a file's parameters.
-class QuietOgr {
-private:
-    CPLErrorStateBackuper state_;
-    CPLErrorHandlerPusher handler_{CPLQuietErrorHandler};
-};
-
 struct CplDeleter {
     void operator()(char* text) const noexcept { CPLFree(text); }
 };
 
-std::string ExportToWkt(const OGRSpatialReference& srs) {
+std::string ExportToWkt(OGRSpatialReference& srs) {
     char* text = nullptr;
-    srs.exportToWkt(&text);
+    OSRExportToWkt(HandleOf(srs), &text);
     const std::unique_ptr<char, CplDeleter> owner(text);
     return text ? text : "";
 }
@@ -67,13 +60,12 @@ Tellurion::LruCache<std::string, std::string>& SystemTexts() {
 
 std::string CGeoPDFImport::BuildWKT() {
     std::string text = SystemTexts().Get(CacheKey(Parameters), [this] {
-        const QuietOgr quiet;
-        OGRSpatialReference srs;
-        srs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-        ApplyDatum(srs);
-        ApplyProjection(srs);
-        AmendSystem(srs);
-        return ExportToWkt(srs);
+        const Tellurion::QuietGdal quiet;
+        const OgrSystem srs = MakeOgrSystem();
+        ApplyDatum(*srs);
+        ApplyProjection(*srs);
+        AmendSystem(*srs);
+        return ExportToWkt(*srs);
     });
     ScaleCTM();
     return text;
@@ -84,7 +76,7 @@ void CGeoPDFImport::ApplyDatum(OGRSpatialReference& srs) {
     const std::string code = datum.substr(0, datum.find('-'));
     if (code.empty()) return;
     const auto found = Datums.find(code);
-    if (found != Datums.end()) srs.importFromEPSG(found->second.EPSG);
+    if (found != Datums.end()) OSRImportFromEPSG(HandleOf(srs), found->second.EPSG);
 }
 
 std::int32_t CGeoPDFImport::ProjectionId() {
@@ -97,14 +89,15 @@ void CGeoPDFImport::ApplyProjection(OGRSpatialReference& srs) {
         case CLGIProjection::kNoProjection:
             return;
         case CLGIProjection::kUTM:
-            srs.SetUTM(LGIInteger(Parameters[kZone]), Parameters[kHemisphere] == "N");
+            OSRSetUTM(HandleOf(srs), LGIInteger(Parameters[kZone]), Parameters[kHemisphere] == "N");
             return;
         case CLGIProjection::kStatePlane:
             return ApplyStatePlane(srs);
         default:
-            srs.SetProjCS(SetLGIProjection(srs, id, [this](LGIParameter number) -> const std::string& {
-                              return Parameters[number];
-                          }).c_str());
+            OSRSetProjCS(HandleOf(srs),
+                         SetLGIProjection(srs, id, [this](LGIParameter number) -> const std::string& {
+                             return Parameters[number];
+                         }).c_str());
             ApplyLinearUnits(srs);
             ApplyFalseOrigin(srs);
     }
@@ -112,31 +105,31 @@ void CGeoPDFImport::ApplyProjection(OGRSpatialReference& srs) {
 
 void CGeoPDFImport::ApplyStatePlane(OGRSpatialReference& srs) {
     // NAD83 whatever the datum says, "NAS" included.
-    constexpr bool kNad83 = true;
+    constexpr int kNad83 = 1;
     constexpr int kOtherZones = 10000;
     const int zone = LGIInteger(Parameters[kZone]);
     const FootUnit unit = FootUnit::Of(Parameters[kUnits]);
-    if (srs.SetStatePlane(zone, kNad83, unit.name, unit.metres) != OGRERR_NONE &&
+    if (OSRSetStatePlaneWithUnits(HandleOf(srs), zone, kNad83, unit.name, unit.metres) != OGRERR_NONE &&
         zone <= std::numeric_limits<int>::max() - kOtherZones)
-        srs.SetStatePlane(zone + kOtherZones, kNad83, unit.name, unit.metres);
-    srs.SetProjCS("State Plane 83");
+        OSRSetStatePlaneWithUnits(HandleOf(srs), zone + kOtherZones, kNad83, unit.name, unit.metres);
+    OSRSetProjCS(HandleOf(srs), "State Plane 83");
     ApplyFalseOrigin(srs);
 }
 
 void CGeoPDFImport::ApplyLinearUnits(OGRSpatialReference& srs) {
     const FootUnit unit = FootUnit::Of(Parameters[kUnits]);
     if (unit.name) {
-        srs.SetLinearUnits(unit.name, unit.metres);
+        OSRSetLinearUnits(HandleOf(srs), unit.name, unit.metres);
     } else {
-        srs.SetLinearUnits("Meter", 1.0);
+        OSRSetLinearUnits(HandleOf(srs), "Meter", 1.0);
     }
 }
 
 void CGeoPDFImport::ApplyFalseOrigin(OGRSpatialReference& srs) {
     if (const std::string& easting = Parameters[kFalseEasting]; !easting.empty())
-        srs.SetNormProjParm("false_easting", LGIReal(easting));
+        OSRSetNormProjParm(HandleOf(srs), "false_easting", LGIReal(easting));
     if (const std::string& northing = Parameters[kFalseNorthing]; !northing.empty())
-        srs.SetNormProjParm("false_northing", LGIReal(northing));
+        OSRSetNormProjParm(HandleOf(srs), "false_northing", LGIReal(northing));
 }
 
 /// The matrix counts as metres; the system may be in feet. A geographic system and UTM

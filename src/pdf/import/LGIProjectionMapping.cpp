@@ -1,8 +1,7 @@
 #include "import/LGIProjectionMapping.h"
 
 #include "import/LGINumbers.h"
-
-#include <ogr_spatialref.h>
+#include "import/OgrSystem.h"
 
 #include <algorithm>
 #include <array>
@@ -88,7 +87,7 @@ double ValueOf(const Parameter& parameter, const std::string& text) {
 
 void Set(OGRSpatialReference& srs, const Parameter& parameter, const std::string& text) {
     if (parameter.rule == Rule::OnlyWhenEmpty && !text.empty()) return;
-    srs.SetNormProjParm(parameter.name, ValueOf(parameter, text));
+    OSRSetNormProjParm(HandleOf(srs), parameter.name, ValueOf(parameter, text));
 }
 
 }  // namespace
@@ -100,8 +99,8 @@ std::string SetLGIProjection(OGRSpatialReference& srs, std::int32_t id, const LG
     // These two come ahead of the projection itself.
     if (id == kEquidistantCylindrical && !text(kOriginLatitude).empty())
         Set(srs, kLatitude, text(kOriginLatitude));
-    if (id == kTransverseMercator) srs.SetProjCS(mapping->projection);
-    srs.SetProjection(mapping->projection);
+    if (id == kTransverseMercator) OSRSetProjCS(HandleOf(srs), mapping->projection);
+    OSRSetProjection(HandleOf(srs), mapping->projection);
     for (const Parameter& parameter : mapping->parameters)
         if (parameter.name) Set(srs, parameter, text(parameter.from));
     return mapping->projection;

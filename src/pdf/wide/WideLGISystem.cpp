@@ -1,11 +1,10 @@
 // The system of an "LGIDict" as it is written by others.
 
 #include "import/LGINumbers.h"
+#include "import/OgrSystem.h"
 #include "wide/WideLGIDict.h"
 
 #include <Tellurion/Numbers.h>
-
-#include <ogr_spatialref.h>
 
 #include <array>
 #include <cmath>
@@ -181,8 +180,8 @@ double WideLGIDict::ParameterNumber(LGIParameter number) const {
 }
 
 void WideLGIDict::AmendPolar(OGRSpatialReference& srs) {
-    srs.SetPS(ParameterNumber(kLatitudeOfTrueScale), ParameterNumber(kLongitudeDownFromPole), 1.0,
-              ParameterNumber(kFalseEasting), ParameterNumber(kFalseNorthing));
+    OSRSetPS(HandleOf(srs), ParameterNumber(kLatitudeOfTrueScale), ParameterNumber(kLongitudeDownFromPole),
+             1.0, ParameterNumber(kFalseEasting), ParameterNumber(kFalseNorthing));
 }
 
 /// Projections that the tables lack or read otherwise, and a datum of the file's own.
@@ -191,34 +190,35 @@ void WideLGIDict::AmendSystem(OGRSpatialReference& srs) {
     constexpr double kPolarOrigin = 2e6;
     const std::string& type = Parameters[kProjectionType];
     if (type == "UP")
-        srs.SetPS(Parameters[kHemisphere] == "S" ? -90 : 90, 0, kPolarScale, kPolarOrigin, kPolarOrigin);
+        OSRSetPS(HandleOf(srs), Parameters[kHemisphere] == "S" ? -90 : 90, 0, kPolarScale, kPolarOrigin,
+                 kPolarOrigin);
     if (type == "OC")
-        srs.SetHOM2PNO(ParameterNumber(kOriginLatitude), ParameterNumber(kLatitudeOne),
-                       ParameterNumber(kLongitudeOne), ParameterNumber(kLatitudeTwo),
-                       ParameterNumber(kLongitudeTwo), ParameterNumber(kScaleFactor),
-                       ParameterNumber(kFalseEasting), ParameterNumber(kFalseNorthing));
+        OSRSetHOM2PNO(HandleOf(srs), ParameterNumber(kOriginLatitude), ParameterNumber(kLatitudeOne),
+                      ParameterNumber(kLongitudeOne), ParameterNumber(kLatitudeTwo),
+                      ParameterNumber(kLongitudeTwo), ParameterNumber(kScaleFactor),
+                      ParameterNumber(kFalseEasting), ParameterNumber(kFalseNorthing));
     if (type == "PG") AmendPolar(srs);
-    if (type == "SD") srs.SetNormProjParm("scale_factor", ParameterNumber(kScaleFactor));
+    if (type == "SD") OSRSetNormProjParm(HandleOf(srs), "scale_factor", ParameterNumber(kScaleFactor));
     if (type == "SPCS" && Parameters[kDatum].compare(0, 3, "NAS") == 0) {
-        constexpr bool kNad83 = true;
-        OGRSpatialReference older;
-        older.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-        // Its zones count in feet; the matrix, and so the system, in metres unless the file says feet.
-        if (older.SetStatePlane(LGIInteger(Parameters[kZone]), !kNad83) == OGRERR_NONE) {
+        constexpr int kNad27 = 0;
+        const int zone = LGIInteger(Parameters[kZone]);
+        // A zone that does not exist would leave nothing of the system; so it is tried aside.
+        if (OSRSetStatePlane(HandleOf(*MakeOgrSystem()), zone, kNad27) == OGRERR_NONE) {
+            OSRSetStatePlane(HandleOf(srs), zone, kNad27);
+            // Its zones count in feet; the matrix, and so the system, in metres unless the file says feet.
             if (Parameters[kUnits] == "FT")
-                older.SetLinearUnitsAndUpdateParameters("Foot (International)", 0.3048);
+                OSRSetLinearUnitsAndUpdateParameters(HandleOf(srs), "Foot (International)", 0.3048);
             if (Parameters[kUnits] != "FT" && Parameters[kUnits] != "USSF")
-                older.SetLinearUnitsAndUpdateParameters("Meter", 1.0);
-            srs = older;
+                OSRSetLinearUnitsAndUpdateParameters(HandleOf(srs), "Meter", 1.0);
         }
     }
     if (!datum_) return;
-    srs.SetGeogCS("unknown", datum_->name.c_str(), datum_->ellipsoid.c_str(), datum_->semi_major,
-                  datum_->inverse_flattening);
+    OSRSetGeogCS(HandleOf(srs), "unknown", datum_->name.c_str(), datum_->ellipsoid.c_str(),
+                 datum_->semi_major, datum_->inverse_flattening, nullptr, 0.0, nullptr, 0.0);
     std::array<double, 7> shift{};
     if (datum_->shift.empty()) return;
     std::copy(datum_->shift.begin(), datum_->shift.end(), shift.begin());
-    srs.SetTOWGS84(shift[0], shift[1], shift[2], shift[3], shift[4], shift[5], shift[6]);
+    OSRSetTOWGS84(HandleOf(srs), shift[0], shift[1], shift[2], shift[3], shift[4], shift[5], shift[6]);
 }
 
 }  // namespace VellumLib
