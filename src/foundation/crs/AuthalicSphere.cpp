@@ -2,6 +2,9 @@
 
 #include "crs/Identification.h"
 
+#include <algorithm>
+#include <cmath>
+#include <map>
 #include <string_view>
 
 namespace Tellurion {
@@ -42,14 +45,37 @@ std::string ProjWordsOf(PJ* crs) {
     return text;
 }
 
-Proj::Object Read(const std::string& wkt) {
-    return Proj::Object(proj_create_from_wkt(Proj::ThreadContext(), wkt.c_str(), nullptr, nullptr, nullptr));
+/// In metres and radians, by their EPSG codes.
+std::map<int, double> ParametersOf(PJ* crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const Proj::Object conversion(proj_crs_get_coordoperation(context, crs));
+    const int count = conversion ? proj_coordoperation_get_param_count(context, conversion.get()) : 0;
+    std::map<int, double> parameters;
+    for (int i = 0; i < count; ++i) {
+        const char* code = nullptr;
+        double value = 0.0;
+        double factor = 1.0;
+        if (proj_coordoperation_get_param(context, conversion.get(), i, nullptr, nullptr, &code, &value,
+                                          nullptr, &factor, nullptr, nullptr, nullptr, nullptr))
+            parameters[Proj::ParseCode(code)] = value * factor;
+    }
+    return parameters;
 }
 
-std::string Wkt1Of(PJ* crs) {
-    const char* const options[] = {"MULTILINE=NO", nullptr};
-    const char* text = proj_as_wkt(Proj::ThreadContext(), crs, PJ_WKT1_GDAL, options);
-    return text ? text : "";
+bool HasSameParameters(PJ* first, PJ* second) {
+    constexpr double kTolerance = 1e-9;
+    return std::ranges::equal(ParametersOf(first), ParametersOf(second), [](const auto& a, const auto& b) {
+        return a.first == b.first && std::abs(a.second - b.second) < kTolerance;
+    });
+}
+
+bool HasSameUnit(PJ* first, PJ* second) {
+    Proj::Axis one;
+    Proj::Axis other;
+    Proj::Object owner;
+    Proj::Object other_owner;
+    return Proj::GetAxis(first, 0, one, owner) && Proj::GetAxis(second, 0, other, other_owner) &&
+           one.unit_factor == other.unit_factor;
 }
 
 /// Where the last word of the system goes: before its number, or before its last bracket.
@@ -94,10 +120,10 @@ int NumberOnAuthalicSphere(PJ* read) {
     const Proj::Object meant(proj_create_from_database(
         Proj::ThreadContext(), "EPSG", std::to_string(number).c_str(), PJ_CATEGORY_CRS, 0, nullptr));
     if (!meant || !IsOnAuthalicSphere(meant.get())) return 0;
-    const Proj::Object without_sphere = Read(Wkt1Of(meant.get()));
-    const bool is_same =
-        IsSameSystem(read, meant.get()) || (without_sphere && IsSameSystem(read, without_sphere.get()));
-    return is_same ? number : 0;
+    return HasSameDatum(read, meant.get()) && HasSameParameters(read, meant.get()) &&
+                   HasSameUnit(read, meant.get())
+               ? number
+               : 0;
 }
 
 }  // namespace Tellurion
