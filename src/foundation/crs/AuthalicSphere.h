@@ -8,7 +8,7 @@
 
 /// Equal area projections that EPSG defines on the sphere with the area of the ellipsoid, such as
 /// that of EPSG:9311. PROJ computes them so from version 9.6 on; earlier versions compute them on
-/// the ellipsoid, up to 20 km away. Well-known text 1 and ESRI's text have one name for both.
+/// the ellipsoid, up to 40 km away. Well-known text 1 and ESRI's text have one name for both.
 namespace Tellurion {
 
 /// True for a projected system with such a method and an ellipsoid that is not a sphere, whatever
