@@ -102,7 +102,8 @@ std::string WithAuthalicSphere(std::string steps) {
 
 BString StateAuthalicSphere(PJ* crs, const BString& wkt1) {
     std::string text = wkt1.StdStr();
-    if (!text.starts_with("PROJCS[") || text.find("EXTENSION[") != std::string::npos) return {};
+    if (text.find("EXTENSION[") != std::string::npos) return wkt1;
+    if (!text.starts_with("PROJCS[")) return {};
     const std::string words = WithAuthalicSphere(ProjWordsOf(crs));
     return BString(text.insert(EndOfTerms(text), ",EXTENSION[\"PROJ4\",\"" + words + "\"]"));
 }

@@ -19,7 +19,8 @@ bool IsOnAuthalicSphere(PJ* crs);
 std::string WithAuthalicSphere(std::string steps);
 
 /// Well-known text 1 of such a system, with its projection in PROJ's words as an extension, which
-/// all versions of PROJ and GDAL read alike. `wkt1` is the text without it.
+/// all versions of PROJ and GDAL read alike. `wkt1` is the text without it; empty for one of a
+/// compound system.
 BString StateAuthalicSphere(PJ* crs, const BString& wkt1);
 
 /// True for such a system that this version of PROJ computes on the ellipsoid.
