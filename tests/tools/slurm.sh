@@ -47,6 +47,8 @@ MailProg=/bin/true
 NodeName=$host NodeAddr=127.0.0.1 CPUs=2 State=UNKNOWN
 PartitionName=all Nodes=$host Default=YES MaxTime=INFINITE State=UP
 CONF
+    # Newer daemons need control groups, which a bare root does not mount; older ones lack the word.
+    [ "$(slurmd -V | grep -oE '[0-9]+' | head -1)" -lt 24 ] || echo CgroupPlugin=disabled >"$slurm_folder/cgroup.conf"
     export SLURM_CONF=$slurm_folder/slurm.conf
     munged --foreground --force --key-file="$slurm_folder/key" --socket="$slurm_folder/munge.socket" \
         --pid-file="$slurm_folder/munge.pid" --seed-file="$slurm_folder/munge.seed" \

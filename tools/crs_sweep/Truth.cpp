@@ -3,8 +3,10 @@
 #include <proj_experimental.h>
 
 #include <cmath>
+#include <cstring>
 #include <numbers>
 #include <random>
+#include <string_view>
 
 namespace sweep {
 namespace {
@@ -44,6 +46,21 @@ Object Operation(PJ* from, PJ* to) {
     return Object(raw ? proj_normalize_for_visualization(Context(), raw.get()) : nullptr);
 }
 
+/// The system itself, or where PROJ is older than 9.6 the one that its definition means: PROJ then
+/// computes the two methods on the sphere of equal area as if they were on the ellipsoid.
+Object AsDefined(Object crs) {
+    const Object conversion(proj_crs_get_coordoperation(Context(), crs.get()));
+    const char* method = nullptr;
+    if (!conversion ||
+        !proj_coordoperation_get_method_info(Context(), conversion.get(), &method, nullptr, nullptr) ||
+        !std::string_view(method).ends_with("Equal Area (Spherical)"))
+        return crs;
+    const char* words = proj_as_proj_string(Context(), crs.get(), PJ_PROJ_4, nullptr);
+    if (!words || std::strstr(words, "+R_A")) return crs;
+    Object on_sphere(proj_create(Context(), (std::string(words) + " +R_A").c_str()));
+    return on_sphere ? std::move(on_sphere) : std::move(crs);
+}
+
 Figure FigureOf(PJ* base) {
     Figure figure;
     const Object ellipsoid(proj_get_ellipsoid(Context(), base));
@@ -74,6 +91,7 @@ Truth::Truth(const std::string& text) : whole_(proj_create(Context(), text.c_str
     horizontal_ = HorizontalOf(whole_.get());
     if (horizontal_) base_ = BaseOf(horizontal_.get());
     if (!base_) return;
+    horizontal_ = AsDefined(std::move(horizontal_));
     figure_ = FigureOf(base_.get());
     double unit = kDegree;
     UnitOf(base_.get(), unit);

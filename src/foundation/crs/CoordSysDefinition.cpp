@@ -1,5 +1,6 @@
 #include "crs/CoordSysDefinition.h"
 
+#include "crs/AuthalicSphere.h"
 #include "crs/Identification.h"
 #include "crs/NamedFiles.h"
 #include "crs/UnitTable.h"
@@ -94,11 +95,12 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
     const std::string cleaned = CleanWkt(text, epoch);
     if (cleaned.empty()) return nullptr;
     RequireNoFile(cleaned);
-    if (IsWebMercatorText(cleaned)) {
-        Ptr standard = FromEpsg(kWebMercator);
-        return standard && epoch != 0.0 ? Make(standard->CloneUnshifted(), epoch) : standard;
-    }
-    return Make(ReadWkt(cleaned), epoch);
+    const bool web_mercator = IsWebMercatorText(cleaned);
+    Proj::Object read = web_mercator ? nullptr : ReadWkt(cleaned);
+    const int number = web_mercator ? kWebMercator : read ? NumberOnAuthalicSphere(read.get()) : 0;
+    if (number == 0) return Make(std::move(read), epoch);
+    Ptr standard = FromEpsg(number);
+    return standard && epoch != 0.0 ? Make(standard->CloneUnshifted(), epoch) : standard;
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::FromProjText(const std::string& text) {

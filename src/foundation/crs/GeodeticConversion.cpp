@@ -1,7 +1,10 @@
 #include "crs/GeodeticConversion.h"
 
+#include "crs/AuthalicSphere.h"
+
 #include <cmath>
 #include <numbers>
+#include <string>
 
 namespace Tellurion {
 namespace {
@@ -33,8 +36,10 @@ Proj::Object MakeOperation(PJ* crs) {
     if (!projection) return nullptr;
     const Proj::Object ordered(proj_normalize_for_visualization(context, projection.get()));
     if (!ordered) return nullptr;
-    const char* steps = proj_as_proj_string(context, ordered.get(), PJ_PROJ_5, nullptr);
-    return Proj::Object(steps ? proj_create(context, steps) : nullptr);
+    const char* words = proj_as_proj_string(context, ordered.get(), PJ_PROJ_5, nullptr);
+    if (!words) return nullptr;
+    const std::string steps = IsOnAuthalicSphere(crs) ? WithAuthalicSphere(words) : words;
+    return Proj::Object(proj_create(context, steps.c_str()));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "crs/SystemTransformation.h"
 
+#include "crs/AuthalicSphere.h"
 #include "crs/DefinitionCaches.h"
 #include "crs/Identification.h"
 #include "crs/LruCache.h"
@@ -74,13 +75,22 @@ CoordSysDefinition::Ptr HubOf(const CoordSysDefinition& first, const CoordSysDef
     return base ? base : FindByEpsg(kWgs84);
 }
 
+/// What PROJ is to transform of a system: its geodetic system where `projection` has to do the
+/// rest.
+Proj::Object SideOf(const CoordSysDefinition& system, std::optional<GeodeticConversion>& projection) {
+    Proj::Object crs = system.CloneShifted();
+    if (!IsComputedOnEllipsoid(crs.get())) return crs;
+    projection.emplace(crs.get());
+    return Proj::Object(proj_crs_get_geodetic_crs(Proj::ThreadContext(), crs.get()));
+}
+
 }  // namespace
 
 SystemTransformation::SystemTransformation(const CoordSysDefinition& from, const CoordSysDefinition& to) {
     if (from.GetKind() == Kind::Other || to.GetKind() == Kind::Other) return;
     PJ_CONTEXT* context = Proj::ThreadContext();
-    const Proj::Object source = from.CloneShifted();
-    const Proj::Object target = to.CloneShifted();
+    const Proj::Object source = SideOf(from, from_projection_);
+    const Proj::Object target = SideOf(to, to_projection_);
     const Proj::Object way(
         proj_create_crs_to_crs_from_pj(context, source.get(), target.get(), nullptr, nullptr));
     if (way) operation_.reset(proj_normalize_for_visualization(context, way.get()));
@@ -102,13 +112,17 @@ std::shared_ptr<const SystemTransformation> SystemTransformation::Find(const Coo
 bool SystemTransformation::Apply(BPoint& point) const {
     if (!operation_ || !std::isfinite(point.x) || !std::isfinite(point.y)) return false;
     const std::lock_guard lock(mutex_);
+    BPoint moved = point;
+    if (from_projection_ && !from_projection_->ToGeodetic(moved)) return false;
     PJ* operation = operation_.get();
     proj_assign_context(operation, Proj::ThreadContext());
     proj_errno_reset(operation);
-    const PJ_COORD to = proj_trans(operation, PJ_FWD, proj_coord(point.x, point.y, 0.0, HUGE_VAL));
+    const PJ_COORD to = proj_trans(operation, PJ_FWD, proj_coord(moved.x, moved.y, 0.0, HUGE_VAL));
     if (!std::isfinite(to.xy.x) || !std::isfinite(to.xy.y)) return false;
-    point.x = to.xy.x;
-    point.y = to.xy.y;
+    moved.x = to.xy.x;
+    moved.y = to.xy.y;
+    if (to_projection_ && !to_projection_->FromGeodetic(moved)) return false;
+    point = moved;
     return true;
 }
 

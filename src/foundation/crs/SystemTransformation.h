@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace Tellurion {
 
@@ -26,6 +27,9 @@ public:
 private:
     mutable std::mutex mutex_;
     Proj::Object operation_;
+    /// Of a system whose projection PROJ does not compute as it is defined.
+    std::optional<GeodeticConversion> from_projection_;
+    std::optional<GeodeticConversion> to_projection_;
 };
 
 /// How far apart the two place the same coordinates, in metres on the Earth; infinite when

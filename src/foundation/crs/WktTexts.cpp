@@ -1,5 +1,6 @@
 #include "crs/WktTexts.h"
 
+#include "crs/AuthalicSphere.h"
 #include "crs/Identification.h"
 #include "crs/Names.h"
 
@@ -114,7 +115,9 @@ BString WithEpoch(const BString& wkt, double epoch) {
 }
 
 BString ExportWkt(PJ* crs) {
-    const BString text = Export(crs, PJ_WKT1_GDAL, HasOddAxes(crs) ? "OUTPUT_AXIS=YES" : "OUTPUT_AXIS=AUTO");
+    BString text = Export(crs, PJ_WKT1_GDAL, HasOddAxes(crs) ? "OUTPUT_AXIS=YES" : "OUTPUT_AXIS=AUTO");
+    if (const Proj::Object grid = GridOf(crs); grid && IsOnAuthalicSphere(grid.get()))
+        text = StateAuthalicSphere(grid.get(), text);
     return text.IsEmpty() ? ExportWkt2(crs) : text;
 }
 
@@ -122,11 +125,11 @@ BString ExportWkt2(PJ* crs) {
     return Export(crs, PJ_WKT2_2019, "OUTPUT_AXIS=YES");
 }
 
-/// The flavour states no axes: where they are odd, only a text that reads back to the
-/// same positions is given out.
+/// The flavour states no axes, and no projection on the authalic sphere: of such systems only a
+/// text that reads back to the same positions is given out.
 BString ExportPrj(PJ* crs) {
     const BString text = Export(crs, PJ_WKT1_ESRI);
-    if (text.IsEmpty() || !HasOddAxes(crs)) return text;
+    if (text.IsEmpty() || (!HasOddAxes(crs) && !IsOnAuthalicSphere(crs))) return text;
     const Proj::Object back(
         proj_create_from_wkt(Proj::ThreadContext(), text.Utf8(), nullptr, nullptr, nullptr));
     return back && IsSamePlacement(back.get(), GridOf(crs).get()) ? text : BString();

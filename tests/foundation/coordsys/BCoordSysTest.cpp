@@ -148,6 +148,44 @@ TEST(BCoordSys, KnowsTheSpellingsOfWebMercator) {
         EXPECT_NE(FromWkt(text)->ToEPSGCode(), BString("EPSG:3857")) << text;
 }
 
+/// PROJ takes these methods for those on the ellipsoid up to version 9.5, and well-known text 1
+/// always does. The positions follow from the formulas on the sphere of equal area.
+TEST(BCoordSys, ProjectsOnTheSphereOfEqualAreaWhateverProj) {
+    struct Case {
+        const char* code;
+        BPoint place;
+        BPoint grid;
+    };
+    const Case kCases[] = {{"9311", {-80, 30, 0}, {1921494.528, -1439433.375, 0}},
+                           {"3973", {10, 70, 0}, {384218.746, -2179012.789, 0}},
+                           {"3975", {10, 45, 0}, {962977.398, 5201905.580, 0}}};
+    const auto without_sphere = [](std::string wkt1) {
+        const std::size_t extension = wkt1.find(",EXTENSION[");
+        EXPECT_NE(extension, wkt1.npos) << wkt1;
+        return wkt1.erase(extension, wkt1.find(']', extension) + 1 - extension);
+    };
+    for (const Case& c : kCases) {
+        const Ptr system = FromEpsg(c.code);
+        const Ptr base(system->GetBaseCoordSys());
+        const std::string wkt1 = system->ToWKT().StdStr();
+        EXPECT_EQ(system->ToPRJ(), BString()) << "has no word for the sphere";
+        for (const std::string& text :
+             {wkt1, without_sphere(wkt1), system->ToWKT2().StdStr(), system->ToPROJJSON().StdStr()}) {
+            const Ptr back(BCoordSys::FromText(BString(text)));
+            ASSERT_TRUE(back) << text;
+            EXPECT_EQ(back->ToEPSGCode(), BString("EPSG:") + c.code) << text;
+            for (const BPoint& grid : {back->ConvertFromGeodetic(c.place), base->ConvertTo(*back, c.place)})
+                EXPECT_LT(std::hypot(grid.x - c.grid.x, grid.y - c.grid.y), 2e-3) << text;
+            for (const BPoint& place : {back->ConvertToGeodetic(c.grid), back->ConvertTo(*base, c.grid)})
+                EXPECT_LT(std::hypot(place.x - c.place.x, place.y - c.place.y), 5e-8) << text;
+        }
+    }
+    // Under the same number with another origin, the numbers of the text count.
+    std::string other = without_sphere(FromEpsg("9311")->ToWKT().StdStr());
+    other.replace(other.find("center\",45"), 10, "center\",46");
+    EXPECT_NEAR(FromWkt(other)->ConvertFromGeodetic({-100, 46, 0}).y, 0.0, 1e-3);
+}
+
 TEST(BCoordSys, ComparesItselfWithOthers) {
     struct Case {
         const char* a;
