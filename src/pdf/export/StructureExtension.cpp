@@ -52,21 +52,19 @@ PdfObject* Entry(PdfVecObjects& objects, PdfDictionary& holder, const char* key)
     return value && value->IsReference() ? objects.GetObject(value->GetReference()) : value;
 }
 
-void AppendKid(PdfVecObjects& objects, PdfDictionary& root, const PdfReference& element) {
-    PdfObject* const kids = Entry(objects, root, "K");
+void AppendKid(PdfVecObjects& objects, PdfDictionary& parent, const PdfReference& element) {
+    PdfObject* const kids = Entry(objects, parent, "K");
     if (kids && kids->IsArray()) return kids->GetArray().push_back(PdfObject(element));
     PoDoFo::PdfArray array;
-    if (kids && !kids->IsNull()) array.push_back(*root.GetKey("K"));
+    if (kids && !kids->IsNull()) array.push_back(*parent.GetKey("K"));
     array.push_back(PdfObject(element));
-    root.AddKey("K", array);
+    parent.AddKey("K", array);
 }
 
-void WriteElement(CPDFDictionary& element, const CPDFDictionary& root, const CPDFDictionary& page,
-                  const BString& system_name) {
+void WriteElement(CPDFDictionary& element, const CPDFDictionary& page, const BString& system_name) {
     element.AddName("Type", "StructElem");
     element.AddName("S", Names::kType);
     element.AddUnicodeString("T", Names::kTitle);
-    element.AddReference("P", root);
     element.AddReference("Pg", page);
     CPDFDictionary attributes = element.AddNewDictionary("A");
     attributes.AddName("O", Names::kOwner);
@@ -93,10 +91,10 @@ std::string AttributesText(const BString& system_name) {
     return text.append(" /V ").append(StringText(system_name)).append(" >> ] >>");
 }
 
-std::string ElementText(const PdfReference& root, const PdfReference& page, const BString& system_name) {
+std::string ElementText(const PdfReference& parent, const PdfReference& page, const BString& system_name) {
     std::string text("<< /Type /StructElem /S /");
     text.append(Names::kType).append(" /T (").append(Names::kTitle).append(")\n/P ");
-    text.append(ReferenceText(root)).append(" /Pg ").append(ReferenceText(page)).append("\n/A ");
+    text.append(ReferenceText(parent)).append(" /Pg ").append(ReferenceText(page)).append("\n/A ");
     return text.append(AttributesText(system_name)).append(" >>");
 }
 
@@ -136,17 +134,17 @@ public:
         Change(own, element.Text());
     }
 
-    /// One more kid of the root.
+    /// One more kid of its parent.
     void Add(const StructureState& state, const PdfReference& page, const BString& system_name) {
-        DictionaryText root(references_.TextOf(state.root));
-        std::string kids = state.kids ? references_.TextOf(*state.kids) : root.Value("K");
+        DictionaryText parent(references_.TextOf(state.parent));
+        std::string kids = state.kids ? references_.TextOf(*state.kids) : parent.Value("K");
         if (!state.has_kids) kids = "[ ]";
         if (kids.front() != '[') kids = "[ " + kids + " ]";
         const PdfReference element = update_.NewObject();
         kids = VellumLib::ArrayTextWith(kids, ReferenceText(element));
-        if (!state.kids) root.Set("K", kids);
-        Change(state.kids.value_or(state.root), state.kids ? kids : root.Text());
-        Change(element, ElementText(state.root, page, system_name));
+        if (!state.kids) parent.Set("K", kids);
+        Change(state.kids.value_or(state.parent), state.kids ? kids : parent.Text());
+        Change(element, ElementText(state.parent, page, system_name));
     }
 
     void AnnounceProperties(const PdfReference& catalog, const PdfDictionary& keys, ObjectShelf& shelf) {
@@ -192,12 +190,13 @@ bool ExtendStructure(CPDFDocument& document, int page, const BString& system_nam
         std::numeric_limits<std::size_t>::max());
     if (!state.present) return false;
     if (!state.fault.empty()) return Keep(state.fault);
-    CPDFDictionary root = document.GetDictionaryFromReference(state.root);
     CPDFDictionary element =
         state.own ? document.GetDictionaryFromReference(*state.own) : document.CreateDictionary();
-    if (!state.own)
-        AppendKid(objects, objects.GetObject(state.root)->GetDictionary(), element.Object()->Reference());
-    WriteElement(element, root, page_keys, system_name);
+    if (!state.own) {
+        element.AddReference("P", document.GetDictionaryFromReference(state.parent));
+        AppendKid(objects, objects.GetObject(state.parent)->GetDictionary(), element.Object()->Reference());
+    }
+    WriteElement(element, page_keys, system_name);
     AnnounceProperties(objects, catalog, document.Document().GetCatalog()->GetDictionary());
     return true;
 }

@@ -9,10 +9,12 @@
 namespace MapAnchor {
 
 // What a save does with the logical structure that a file has: everything in it stays, and the
-// kids of its root get one more, the element that names the coordinate system of a page.
+// top element gets one more kid, the element that names the coordinate system of a page.
 //
-//     StructTreeRoot -- K: [ kids of the file, element of ours ]
+//     StructTreeRoot -- K: top element -- K: [ kids of the file, element of ours ]
 //                    -- ParentTree, RoleMap ... stay: the element has no content to be found by
+//
+// Where the root has several kids or none, the element is one of them.
 //
 // An element that an earlier save wrote for the page is renewed. A structure that is damaged stays
 // as it is, with a warning to the log. Both return false for a file without a structure.

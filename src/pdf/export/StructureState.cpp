@@ -30,11 +30,12 @@ public:
         seen_.insert(state_.root);
         if (root.IsReference() || !root.IsDictionary() || !HasType(root.GetDictionary(), "StructTreeRoot"))
             return Fail("its root is not the root of a structure tree");
-        const PdfObject* const entry = root.GetDictionary().GetKey("K");
+        AddKids(root.GetDictionary(), true);
+        const PdfDictionary* const top = OnlyKid(root.GetDictionary());
+        const PdfObject* const entry = (top ? *top : root.GetDictionary()).GetKey("K");
         const PdfObject* const kids = Follow(entry);
         state_.has_kids = kids != nullptr;
         if (kids && kids->IsArray() && entry->IsReference()) state_.kids = entry->GetReference();
-        AddKids(root.GetDictionary(), true);
         for (std::size_t i = 0; i < max_elements && !open_.empty() && state_.fault.empty(); ++i) {
             const PdfDictionary& element = *open_.front();
             open_.pop_front();
@@ -50,6 +51,19 @@ public:
 
 private:
     void Fail(const char* fault) { state_.fault = fault; }
+
+    /// The one element below the root, which becomes the parent; null where there are more, or none.
+    const PdfDictionary* OnlyKid(const PdfDictionary& root) {
+        state_.parent = state_.root;
+        const PdfObject* entry = root.GetKey("K");
+        const PdfObject* const kids = Follow(entry);
+        if (!kids || open_.size() != 1) return nullptr;
+        if (kids->IsArray()) entry = kids->GetArray().size() == 1 ? &kids->GetArray()[0] : nullptr;
+        const bool is_ours = open_.front()->GetKeyAsName("S") == StructureElementNames::kType;
+        if (!entry || !entry->IsReference() || is_ours) return nullptr;
+        state_.parent = entry->GetReference();
+        return open_.front();
+    }
 
     void AddKids(const PdfDictionary& holder, bool of_root) {
         const PdfObject* const entry = holder.GetKey("K");

@@ -17,7 +17,10 @@ struct StructureState {
     bool present = false;  ///< the catalog leads to a tree
     std::string fault;     ///< why the tree cannot be extended; empty where it can
     PoDoFo::PdfReference root;
-    bool has_kids = false;                     ///< the root has one, or an array
+    /// What gets the new element: the top element, where the root has just one, as it should; else
+    /// the root.
+    PoDoFo::PdfReference parent;
+    bool has_kids = false;                     ///< the parent has one, or an array
     std::optional<PoDoFo::PdfReference> kids;  ///< the array, where it is an object of its own
     /// The element that an earlier export wrote for the page.
     std::optional<PoDoFo::PdfReference> own;

@@ -13,9 +13,6 @@
 #include <MapAnchor/BMapAnchor.h>
 #include <Tellurion/BException.h>
 
-#include "objects/CPDFDocument.h"
-#include "objects/CPDFPage.h"
-
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 
@@ -225,84 +222,6 @@ TEST(WideSave, WhatWritingTheWholeFileBreaksIsSaidBeforeOrSpared) {
         }
     }
     EXPECT_FALSE(BGeoPDFTraits::Of(BString(folder / "none.pdf")).Known);
-}
-
-/// The roles of the root's kids, or the root as it is; then what has to stay.
-std::string StructureOf(const std::string& file, bool roles) {
-    VellumLib::CPDFDocument document(QString::fromStdString(file));
-    PoDoFo::PdfObject* const root = document.Document().GetCatalog()->GetIndirectKey("StructTreeRoot");
-    std::string text;
-    if (!root || !roles) return root ? (root->ToString(text), text) : "none";
-    const PoDoFo::PdfObject* const kids = root->GetIndirectKey("K");
-    for (const PoDoFo::PdfObject& kid : kids->GetArray()) {
-        const PoDoFo::PdfObject* const element =
-            kid.IsReference() ? document.Document().GetObjects().GetObject(kid.GetReference()) : &kid;
-        const std::string role = element->GetDictionary().GetKeyAsName("S").GetName();
-        text += role + " ";
-        if (role != "Feature") continue;
-        const PoDoFo::PdfObject& property = element->GetIndirectKey("A")->GetIndirectKey("P")->GetArray()[0];
-        text += property.GetIndirectKey("V")->GetString().GetStringUtf8() + " ";
-    }
-    const PoDoFo::PdfObject* const marks = document.Document().GetCatalog()->GetIndirectKey("MarkInfo");
-    text += marks->GetDictionary().GetKeyAsBool("UserProperties") ? "marked " : "";
-    const PoDoFo::PdfObject* const page = document.GetPage(0).GetDictionary().Object();
-    const PoDoFo::PdfObject* const tree = root->GetIndirectKey("ParentTree");
-    return text + std::to_string(page->GetDictionary().GetKeyAsLong("StructParents", -1)) + " " +
-           std::to_string(tree->GetDictionary().GetKeyAsLong("Mine", -1));
-}
-
-TEST(WideSave, ALogicalStructureIsExtendedOrStays) {
-    const TempFolder folder;
-    const BGeoReference first = References::WithCorners(600000, 5200000);
-    BGeoReference second = first;
-    References::SetSystem(second, "32632");
-    const std::string good = "/Type/StructTreeRoot/ParentTree<</Nums[]/Mine 7>>";
-    const std::string paragraph = "<</Type/StructElem/S/P/P 4 0 R/K[0<</Type/MCR/MCID 1>>]>>";
-    const struct {
-        const char* name;
-        const char* expected;  ///< nothing: the tree is damaged
-        std::string root;
-        std::string element = "";  ///< nothing: a paragraph
-        std::string array = "[6 0 R null]";
-        std::string catalog = "/StructTreeRoot 4 0 R";
-    } files[] = {
-        {"one kid", "P Feature WGS 84 / UTM zone 32N marked 3 7", good + "/K 6 0 R"},
-        {"one kid in place", "P Feature WGS 84 / UTM zone 32N marked 3 7", good + "/K<</S/P/K 0>>"},
-        {"an array", "P Feature WGS 84 / UTM zone 32N marked 3 7", good + "/K[6 0 R]"},
-        {"an array of its own", "P Feature WGS 84 / UTM zone 32N marked 3 7", good + "/K 5 0 R", paragraph,
-         "[6 0 R]"},
-        {"no kid", "Feature WGS 84 / UTM zone 32N marked 3 7", good},
-        {"a kid that is not there", "Feature WGS 84 / UTM zone 32N marked 3 7", good + "/K null"},
-        {"marks of its own", "P Feature WGS 84 / UTM zone 32N marked 3 7", good + "/K 6 0 R", paragraph,
-         "<</Marked true>>", "/StructTreeRoot 4 0 R/MarkInfo 5 0 R"},
-        {"the standard allows no role of ours", "P 3 7", good + "/K[6 0 R]", paragraph,
-         PdfStreamObject("<x pdfuaid:part='1'/>"), "/StructTreeRoot 4 0 R/Metadata 5 0 R/MarkInfo<<>>"},
-        {"an odd kid", nullptr, good + "/K 3"},
-        {"odd kids", nullptr, good + "/K[6 0 R 3]"},
-        {"an odd kid below", nullptr, good + "/K[6 0 R]", "<</S/P/K(x)>>"},
-        {"a circle", nullptr, good + "/K 6 0 R", "<</S/P/K 5 0 R>>", "<</S/Span/K[<</S/P/K 6 0 R>>]>>"},
-        {"a circle through the root", nullptr, good + "/K 6 0 R", "<</S/P/K 4 0 R>>"},
-        {"another root", nullptr, "/Type/Pages"},
-        {"a root in place", nullptr, good, "", "[]", "/StructTreeRoot<</Type/StructTreeRoot>>"},
-    };
-    for (const auto& [name, expected, root, element, array, catalog] : files)
-        for (const int update : {kAlways, kNever}) {
-            SCOPED_TRACE(std::string(name) + (update == kAlways ? ", appended" : ", whole"));
-            const std::string file = folder.Write(
-                "map.pdf", PlainPdf({"<</Type/Catalog/Pages 2 0 R" + catalog + ">>",
-                                     "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-                                     "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]/StructParents 3>>",
-                                     "<<" + root + ">>", array, element.empty() ? paragraph : element}));
-            const std::string before = StructureOf(file, false);
-            const LogCapture log;
-            ASSERT_EQ(Save(file, first, {.update = update}), "");
-            ASSERT_EQ(Save(file, second, {.update = update}), "");  // renews the element
-            EXPECT_EQ(StructureOf(file, expected != nullptr), expected ? expected : before);
-            EXPECT_EQ(log.lines.size(), expected ? 0U : 2U);
-            for (const std::string& line : log.lines)
-                EXPECT_EQ(line.substr(0, 12), "pdf-tagged: ") << line;
-            EXPECT_TRUE(!Runs("qpdf --version") || Runs("qpdf --check '" + file + "'"));
-        }
 }
 
 TEST(WideSave, AnotherPageAtItsOwnPlaceAndUnit) {
