@@ -245,6 +245,9 @@ MapToWrite MapOfFrame(const BGeoReference& reference, long width, long height, c
     MapToWrite map = MapOf(framed, FramePixels(frame->right - frame->left),
                            FramePixels(frame->top - frame->bottom), of_frame);
     map.origin = {frame->left, frame->bottom};
+    // The points are at their places below the frame's own top, which no whole number of pixels reaches.
+    map.width = frame->right - frame->left;
+    map.height = frame->top - frame->bottom;
     return map;
 }
 
