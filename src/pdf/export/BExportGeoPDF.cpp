@@ -1,5 +1,7 @@
 #include "export/BExportGeoPDF.h"
 
+#include "export/StructureElementNames.h"
+#include "export/StructureExtension.h"
 #include "objects/CPDFStructureElement.h"
 
 #include <MapAnchor/BGeoReferenceWriteException.h>
@@ -15,6 +17,7 @@ namespace MapAnchor {
 
 using Tellurion::BString;
 using VellumLib::CPDFPathPoint;
+using Names = VellumLib::StructureElementNames;
 
 namespace {
 
@@ -88,7 +91,13 @@ void BExportGeoPDF::AddTiePoint(const CPDFPathPoint& pixel, const CPDFPathPoint&
 }
 
 void BExportGeoPDF::PrepareDocument(VellumLib::CPDFDocument& document) {
-    if (removes_lgi_dict_) document.GetPage(GetPageIndex()).GetDictionary().RemoveKey("LGIDict");
+    if (!spares_document_) return;
+    document.GetPage(GetPageIndex()).GetDictionary().RemoveKey("LGIDict");
+    const bool has_structure =
+        extends_structure_
+            ? ExtendStructure(document, GetPageIndex(), BString(coord_sys_name_.toUtf8().constData()))
+            : document.GetCatalog().HasKey("StructTreeRoot");
+    if (has_structure) KeepStructure();
 }
 
 QString BExportGeoPDF::GetVersionText() {
@@ -137,11 +146,12 @@ void BExportGeoPDF::HandlePdfError(const PoDoFo::PdfError& error) {
     throw Tellurion::BException(BString(MessageOf(error, GetDestinationPath()).toLocal8Bit().constData()));
 }
 
-void BExportGeoPDF::WriteStructure(VellumLib::CPDFDocument& document, VellumLib::CPDFPage&,
+void BExportGeoPDF::WriteStructure(VellumLib::CPDFDocument& document, VellumLib::CPDFPage& page,
                                    VellumLib::CPDFStructureTreeRoot& root) {
     VellumLib::CPDFArray kids = root.GetDocumentKids();
-    VellumLib::CPDFStructureElement element(document, root, kids, true, 0, "CoordinateSystem");
-    element.AddUserProperty(QObject::tr("Coordinate System:"), coord_sys_name_);
+    VellumLib::CPDFStructureElement element(document, root, kids, true, 0, Names::kTitle);
+    element.AddUserProperty(QObject::tr(Names::kProperty), coord_sys_name_);
+    if (spares_document_) element.AddReference("Pg", page.GetDictionary());
 }
 
 }  // namespace MapAnchor

@@ -23,8 +23,11 @@ public:
     void SetPageSize(double width, double height);
     /// Of the page's lower left corner, in points; 0, 0 unless set otherwise.
     void SetOrigin(double x, double y);
-    /// Whether the page loses the maps of the other dialect, which readers would prefer.
-    void SetRemovesLGIDict(bool removes) { removes_lgi_dict_ = removes; }
+    /// Beyond the rules: the page loses the maps of the other dialect, which readers would prefer,
+    /// and the document keeps the logical structure that it has.
+    void SetSparesDocument(bool spares) { spares_document_ = spares; }
+    /// Whether a structure that is kept gets the element of the map; it does unless set otherwise.
+    void SetExtendsStructure(bool extends) { extends_structure_ = extends; }
     void SetUnitName(const Tellurion::BString& name);
     void SetCoordSysName(const Tellurion::BString& name);
     /// Of the viewport; "AllLayers" until set.
@@ -44,7 +47,7 @@ protected:
     void GetTiePoints(Points& lpts, Points& gpts) override;
     void ExportHookA() override {}
     void ExportHookB() override {}
-    bool IsDocumentPrepared() override { return !removes_lgi_dict_; }
+    bool IsDocumentPrepared() override { return !spares_document_; }
     void HandlePdfError(const PoDoFo::PdfError& error) override;
     void WriteStructure(VellumLib::CPDFDocument& document, VellumLib::CPDFPage& page,
                         VellumLib::CPDFStructureTreeRoot& root) override;
@@ -56,7 +59,8 @@ private:
     double page_height_ = 0.0;
     double origin_x_ = 0.0;
     double origin_y_ = 0.0;
-    bool removes_lgi_dict_ = false;
+    bool spares_document_ = false;
+    bool extends_structure_ = true;
     QString unit_name_;
     QString coord_sys_name_;
     Points pixel_points_;

@@ -23,9 +23,6 @@ std::vector<BDiagnostic> BGeoPDFTraits::RewriteLosses() const {
     if (Signed)
         add(DiagnosticId::kPdfSigned,
             "the digital signature of the file breaks when the whole file is written");
-    if (Tagged)
-        add(DiagnosticId::kPdfTagged,
-            "the logical structure of the file is lost when the whole file is written");
     if (!Conformance.IsEmpty())
         add(DiagnosticId::kPdfArchive, BString("the file does not conform to ") + Conformance +
                                            " any more when the whole file is written");
@@ -48,7 +45,7 @@ std::vector<BDiagnostic> BGeoPDFTraits::ChangeRemarks() const {
 }
 
 bool BGeoPDFTraits::WantsUpdate() const {
-    return Known && !Encrypted && (Size >= kLargeFile || !RewriteLosses().empty());
+    return Known && !Encrypted && (Size >= kLargeFile || Tagged || !RewriteLosses().empty());
 }
 
 BGeoPDFPage BGeoPDFTraits::DescribeTarget(const BString& file, int number) const {

@@ -71,23 +71,31 @@ bool CPDFExport::Export() {
 void CPDFExport::ExportDocument() {
     CPDFDocument document(source_path_);
     if (!IsDocumentPrepared()) PrepareDocument(document);
-    CPDFDictionary catalog = document.GetCatalog();
-    CPDFDictionary mark_info = catalog.AddNewDictionary("MarkInfo");
-    mark_info.AddBool("Marked", true);
-    mark_info.AddBool("UserProperties", true);
-    WritePieceInfo(document);
-    CPDFStructureTreeRoot root(document);
-    WritePage(document, root);
+    if (keeps_structure_) {
+        WritePieceInfo(document);
+        WritePage(document, nullptr);
+    } else {
+        WriteStructuredPage(document);
+    }
     writing_ = true;
     document.Write(GetWorkPath());
 }
 
-void CPDFExport::WritePage(CPDFDocument& document, CPDFStructureTreeRoot& root) {
+void CPDFExport::WriteStructuredPage(CPDFDocument& document) {
+    CPDFDictionary mark_info = document.GetCatalog().AddNewDictionary("MarkInfo");
+    mark_info.AddBool("Marked", true);
+    mark_info.AddBool("UserProperties", true);
+    WritePieceInfo(document);
+    CPDFStructureTreeRoot root(document);
     document.GetPage(page_index_).GetDictionary().AddInteger("StructParents", 0);
+    WritePage(document, &root);
+}
+
+void CPDFExport::WritePage(CPDFDocument& document, CPDFStructureTreeRoot* root) {
     CPDFPage page(document.GetPage(page_index_));
     CPDFArray vp = page.GetDictionary().AddNewArray("VP");
     WriteViewports(document, vp);
-    WriteStructure(document, page, root);
+    if (root) WriteStructure(document, page, *root);
     page.SetClearOnFlush(clear_contents_);
     page.FlushTopCanvas();
 }

@@ -69,6 +69,9 @@ public:
     void WritePieceInfo(CPDFDocument& document);
 
 protected:
+    /// For PrepareDocument: the document keeps its logical structure, which is not written anew.
+    void KeepStructure() { keeps_structure_ = true; }
+
     virtual void PrepareDocument(CPDFDocument& document) = 0;
     virtual QString GetVersionText() = 0;
     virtual QString GetVersionKey() = 0;
@@ -89,7 +92,9 @@ protected:
 
 private:
     void ExportDocument();
-    void WritePage(CPDFDocument& document, CPDFStructureTreeRoot& root);
+    void WriteStructuredPage(CPDFDocument& document);
+    /// Without a root where the structure is kept.
+    void WritePage(CPDFDocument& document, CPDFStructureTreeRoot* root);
     void Warn(const QString& text) const;
 
     QString source_path_;
@@ -101,6 +106,7 @@ private:
     bool clear_contents_ = true;
     int page_index_ = 0;
     bool keeps_longitudes_ = false;
+    bool keeps_structure_ = false;
     QString viewport_name_ = QStringLiteral("AllLayers");
 };
 

@@ -97,17 +97,20 @@ std::string XmpValue(const std::string& text, std::string_view name) {
     return text.substr(begin, std::min(end - begin, kMaxValue));
 }
 
-BString ConformanceOf(CrossReferences& file, const PdfDictionary& catalog) {
+std::string MetadataText(CrossReferences& file, const PdfDictionary& catalog) {
     constexpr std::uint64_t kMaxMetadata = std::uint64_t{1} << 20;
     return OrNothing([&] {
         const PdfObject* const entry = catalog.GetKey("Metadata");
-        if (!entry || !entry->IsReference()) return BString();
-        const std::string text = file.StreamOf(entry->GetReference(), kMaxMetadata);
-        const std::string part = XmpValue(text, "pdfaid:part");
-        if (part.empty() || part.find_first_not_of("0123456789") != std::string::npos) return BString();
-        BString level(XmpValue(text, "pdfaid:conformance"));
-        return BString("PDF/A-" + part) + level.ToLower();
+        return entry && entry->IsReference() ? file.StreamOf(entry->GetReference(), kMaxMetadata)
+                                             : std::string();
     });
+}
+
+BString ConformanceOf(const std::string& metadata) {
+    const std::string part = XmpValue(metadata, "pdfaid:part");
+    if (part.empty() || part.find_first_not_of("0123456789") != std::string::npos) return {};
+    BString level(XmpValue(metadata, "pdfaid:conformance"));
+    return BString("PDF/A-" + part) + level.ToLower();
 }
 
 bool IsTagged(CrossReferences& file, const PdfDictionary& catalog) {
@@ -138,8 +141,16 @@ BGeoPDFTraits TraitsOf(CrossReferences& references, FileWindow& file) {
     traits.Signed = IsSigned(references, catalog);
     traits.Locked = IsLocked(references, catalog);
     traits.Tagged = IsTagged(references, catalog);
-    if (!traits.Encrypted) traits.Conformance = ConformanceOf(references, catalog);
+    if (!traits.Encrypted) traits.Conformance = ConformanceOf(MetadataText(references, catalog));
     return traits;
+}
+
+bool AllowsNewRoles(CrossReferences& references) {
+    if (references.IsEncrypted()) return true;
+    const std::string metadata =
+        MetadataText(references, DictionaryIn(references, references.Trailer(), "Root"));
+    return XmpValue(metadata, "pdfuaid:part").empty() &&
+           XmpValue(metadata, "pdfaid:conformance").substr(0, 1) != "A";
 }
 
 BGeoPDFTraits TraitsOfFile(const BString& path) {

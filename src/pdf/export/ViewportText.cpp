@@ -21,12 +21,13 @@ std::string Numbers(const std::vector<double>& numbers) {
     return text.append(" ]");
 }
 
+}  // namespace
+
 std::string ReferenceText(const PdfReference& reference) {
     return std::to_string(reference.ObjectNumber()) + " " + std::to_string(reference.GenerationNumber()) +
            " R";
 }
 
-/// ASCII as it is, with its brackets escaped; other text as UTF-16 with its mark.
 std::string StringText(const BString& text) {
     const std::u16string& units = text.GetUnits();
     const bool ascii = std::ranges::all_of(units, [](char16_t unit) { return unit >= 0x20 && unit < 0x7F; });
@@ -42,8 +43,6 @@ std::string StringText(const BString& text) {
     }
     return out + (ascii ? ")" : ">");
 }
-
-}  // namespace
 
 std::string ViewportText(const MapToWrite& map, const PdfReference& measure) {
     const double shrunk = std::min(1.0, kLongestEdge / std::max(map.width, map.height));

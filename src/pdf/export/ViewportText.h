@@ -34,5 +34,8 @@ constexpr double kLongestEdge = 14400.0;
 std::string ViewportText(const MapToWrite& map, const PoDoFo::PdfReference& measure);
 std::string MeasureText(const MapToWrite& map, const PoDoFo::PdfReference& system);
 std::string SystemText(const MapToWrite& map);
+std::string ReferenceText(const PoDoFo::PdfReference& reference);
+/// A string: ASCII as it is, with its brackets escaped; other text as UTF-16 with its mark.
+std::string StringText(const Tellurion::BString& text);
 
 }  // namespace MapAnchor

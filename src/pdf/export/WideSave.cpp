@@ -4,6 +4,7 @@
 #include "export/AppendToFile.h"
 #include "export/BExportGeoPDF.h"
 #include "export/MovedAside.h"
+#include "export/StructureExtension.h"
 #include "export/TraitsOf.h"
 #include "export/ViewportText.h"
 #include "load/DictionaryText.h"
@@ -244,6 +245,9 @@ MapToWrite MapOfFrame(const BGeoReference& reference, long width, long height, c
     MapToWrite map = MapOf(framed, FramePixels(frame->right - frame->left),
                            FramePixels(frame->top - frame->bottom), of_frame);
     map.origin = {frame->left, frame->bottom};
+    // The points are at their places below the frame's own top, which no whole number of pixels reaches.
+    map.width = frame->right - frame->left;
+    map.height = frame->top - frame->bottom;
     return map;
 }
 
@@ -263,12 +267,12 @@ void FitToPage(MapToWrite& map, const PageFacts& page) {
 std::string WithOneMore(OpenFile& open, std::string viewports, const std::string& added) {
     const PoDoFo::PdfObject* const entry = open.page->dictionary.GetKey("VP");
     if (entry && entry->IsReference()) viewports = open.references.TextOf(entry->GetReference());
-    const std::size_t end = viewports.find_last_not_of(" \t\r\n\f");
-    if (viewports.empty() || end == std::string::npos) return "[ " + added + " ]";
-    if (viewports[viewports.find_first_not_of(" \t\r\n\f")] != '[' || viewports[end] != ']')
+    try {
+        return VellumLib::ArrayTextWith(viewports.empty() ? "[ ]" : viewports, added);
+    } catch (const PdfError&) {
         throw BGeoReferenceNotSupportedException(
             kSource, "The viewports of the page are not an array; save without adding a map.");
-    return viewports.substr(0, end) + " " + added + " ]";
+    }
 }
 
 void RequireRoomForMore(const DictionaryText& page) {
@@ -290,6 +294,8 @@ std::string TailOf(OpenFile& open, const MapToWrite& map, bool adds) {
     update.Put(open.page->reference, page.Text());
     update.Put(measure, MeasureText(map, system));
     update.Put(system, SystemText(map));
+    if (AllowsNewRoles(open.references))
+        ExtendStructure(update, open.references, open.file, open.page->reference, map.system_name, adds);
     return update.Tail();
 }
 
@@ -299,7 +305,7 @@ void Log(const std::vector<BDiagnostic>& remarks) {
                                    remark.GetId() + BString(": ") + remark.GetText());
 }
 
-void WriteWhole(const BString& file, const MapToWrite& map, long number) {
+void WriteWhole(const BString& file, const MapToWrite& map, long number, bool extends_structure) {
     MovedAside original(file);
     BExportGeoPDF out;
     out.SetSourcePath(original.Name());
@@ -309,7 +315,8 @@ void WriteWhole(const BString& file, const MapToWrite& map, long number) {
     out.SetMapName(map.name);
     out.SetOrigin(map.origin[0], map.origin[1]);
     out.SetPageIndex(static_cast<int>(number - 1));
-    out.SetRemovesLGIDict(true);
+    out.SetSparesDocument(true);
+    out.SetExtendsStructure(extends_structure);
     out.SetKeepsLongitudes(true);
     out.SetCoordSysTexts(&map.system_text, &map.system_code);
     out.SetCoordSysName(map.system_name);
@@ -370,7 +377,7 @@ void SaveWide(const BString& file, const BGeoReference& reference, long width, l
     if (can_update && (wish == EUpdate::Always || (wish != EUpdate::Never && traits.WantsUpdate())))
         return AppendToFile(file, static_cast<std::uint64_t>(open->file.Size()), TailOf(*open, map, adds));
     Log(traits.RewriteLosses());
-    WriteWhole(file, map, number);
+    WriteWhole(file, map, number, !open || AllowsNewRoles(open->references));
 }
 
 }  // namespace MapAnchor

@@ -223,13 +223,12 @@ CrossReferences::Extent CrossReferences::ExtentOf(const XRefEntry& entry, std::u
     const ObjectStream& stream = StreamOfNumber(entry.place);
     Require(entry.detail < stream.head.size() && stream.head[entry.detail].first == number);
     const std::size_t begin = stream.first + stream.head[entry.detail].second;
+    const ObjectLimits limits(file_.Size());
     SyntaxTracker tracker;
     std::size_t end = begin;
     while (end < stream.content.size() && !tracker.ValueEnded()) {
         tracker.Consume(static_cast<unsigned char>(stream.content[end++]));
-        Require(tracker.Depth() <= LoadBudget::kDeepest &&
-                tracker.Values() <= LoadBudget::kValuesOfOneObject &&
-                copies_ + tracker.CopyCost() <= LoadBudget::kCopiesOfOneObject);
+        Require(tracker.Depth() <= LoadBudget::kDeepest && limits.Allow(tracker, copies_));
     }
     Require(begin < end && tracker.Depth() == 0);
     copies_ += tracker.CopyCost();

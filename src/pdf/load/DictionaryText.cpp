@@ -120,4 +120,12 @@ void DictionaryText::Set(std::string_view key, std::string_view value) {
     Parse();
 }
 
+std::string ArrayTextWith(const std::string& array, std::string_view added) {
+    const std::size_t begin = array.find_first_not_of(kWhite);
+    const std::size_t end = array.find_last_not_of(kWhite);
+    if (begin == std::string::npos || begin == end || array[begin] != '[' || array[end] != ']')
+        RefusePdf(PoDoFo::ePdfError_InvalidDataType, "An array is not written as one.");
+    return array.substr(begin, end - begin).append(" ").append(added).append(" ]");
+}
+
 }  // namespace VellumLib

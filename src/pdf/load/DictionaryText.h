@@ -37,4 +37,7 @@ private:
     std::size_t close_ = 0;  ///< of the brackets at the end
 };
 
+/// The text of an array with one more element at its end. A PdfError for a text that is not one.
+std::string ArrayTextWith(const std::string& array, std::string_view added);
+
 }  // namespace VellumLib

@@ -56,9 +56,7 @@ int GuardedReader::Get() {
 }
 
 void GuardedReader::CheckObject() {
-    if (tracker_.Depth() <= budget_.Deepest() && tracker_.Values() <= LoadBudget::kValuesOfOneObject &&
-        tracker_.CopyCost() <= LoadBudget::kCopiesOfOneObject)
-        return;
+    if (tracker_.Depth() <= budget_.Deepest() && budget_.OneObject().Allow(tracker_)) return;
     Guard([this] {
         if (tracker_.Depth() > budget_.Deepest())
             RefusePdf(PoDoFo::ePdfError_BrokenFile, "An object is nested too deep.");

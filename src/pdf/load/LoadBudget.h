@@ -1,5 +1,7 @@
 #pragma once
 
+#include "load/SyntaxTracker.h"
+
 #include <podofo/base/PdfError.h>
 
 #include <algorithm>
@@ -13,6 +15,29 @@ namespace VellumLib {
 /// Throws `code` with `text` as its information.
 [[noreturn]] void RefusePdf(PoDoFo::EPdfError code, const std::string& text);
 
+/// What one object may cost. Files of measured positions have arrays of any length, so that the
+/// limits grow with the file: a number of ten digits explains the memory that it takes, and the
+/// zeros of a small file do not.
+class ObjectLimits {
+public:
+    explicit ObjectLimits(std::int64_t file_size)
+        : memory_(kMemory + kMemoryPerByte * static_cast<std::uint64_t>(file_size)),
+          copies_(kCopies + static_cast<std::uint64_t>(file_size) / 2) {}
+
+    /// Of the object that is tracked, or of all those whose copies are counted.
+    bool Allow(const SyntaxTracker& object, std::uint64_t copies_before = 0) const {
+        return object.Memory() <= memory_ && copies_before + object.CopyCost() <= copies_;
+    }
+
+private:
+    static constexpr std::uint64_t kMemory = std::uint64_t{160} << 20;
+    static constexpr std::uint64_t kMemoryPerByte = 16;
+    static constexpr std::uint64_t kCopies = 3'000'000;
+
+    std::uint64_t memory_;
+    std::uint64_t copies_;
+};
+
 /// What one document may cost. An object, a value, a shifted entry have a price in
 /// memory or in time that is far above their bytes in the file, so each kind is
 /// counted where it first shows, and a document that would cost more than its
@@ -21,15 +46,16 @@ class LoadBudget {
 public:
     // Deeper nesting is copied once a level, in time that grows with the cube.
     static constexpr int kDeepest = 100;
-    static constexpr std::uint64_t kValuesOfOneObject = 600'000;
-    static constexpr std::uint64_t kCopiesOfOneObject = 3'000'000;
     // The parser keeps a line for each number up to the largest one.
     static constexpr long kObjectNumbers = 2'000'000;
     // Each section is two steps of a recursion that the parser ends, badly, at 256.
     static constexpr int kSections = 100;
     static constexpr int kRecursion = 120;
 
-    explicit LoadBudget(std::int64_t file_size) : file_size_(static_cast<std::uint64_t>(file_size)) {}
+    explicit LoadBudget(std::int64_t file_size)
+        : objects_(file_size), file_size_(static_cast<std::uint64_t>(file_size)) {}
+
+    const ObjectLimits& OneObject() const { return objects_; }
 
     void AddSection();
     /// How deep an object may be nested now: while a load goes down from section to
@@ -55,6 +81,7 @@ public:
 private:
     void AddMemory(std::uint64_t bytes);
 
+    ObjectLimits objects_;
     std::uint64_t file_size_;
     std::uint64_t memory_ = 0;
     std::uint64_t values_ = 0;

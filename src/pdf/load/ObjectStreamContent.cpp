@@ -65,9 +65,7 @@ std::size_t WalkValue(std::string_view content, std::size_t start, LoadBudget& b
         if (tracker.Depth() > LoadBudget::kDeepest)
             RefusePdf(ePdfError_BrokenFile, "An object is nested too deep.");
     }
-    if (tracker.Values() > LoadBudget::kValuesOfOneObject ||
-        tracker.CopyCost() > LoadBudget::kCopiesOfOneObject)
-        RefusePdf(ePdfError_OutOfMemory, "An object is too large.");
+    if (!budget.OneObject().Allow(tracker)) RefusePdf(ePdfError_OutOfMemory, "An object is too large.");
     budget.AddValues(tracker.Values(), tracker.CopyCost());
     return at - start;
 }

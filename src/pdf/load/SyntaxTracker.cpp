@@ -1,5 +1,6 @@
 #include "load/SyntaxTracker.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace VellumLib {
@@ -9,6 +10,14 @@ namespace {
 constexpr std::size_t kLongestKept = std::size_t{1024} * 1024;
 // A long word costs as much to copy as several short ones.
 constexpr std::uint32_t kWordPiece = 32;
+// Prices as measured, in bytes: an array of such values at its largest, while it grows and is copied.
+// A reference costs less than the two numbers before its word.
+constexpr std::uint64_t kNumber = 176;
+constexpr std::uint64_t kName = 368;
+constexpr std::uint64_t kContainer = 464;
+constexpr std::uint64_t kString = 496;
+// Two of the containers around a value are copied while the next one grows.
+constexpr std::uint64_t kCopy = 56;
 
 enum class Kind : std::uint8_t { Regular, White, Delimiter };
 
@@ -28,7 +37,8 @@ void SyntaxTracker::Restart() {
     state_ = State::Between;
     value_ended_ = cut_ = dictionary_closed_ = false;
     depth_ = balance_ = 0;
-    values_ = copy_cost_ = 0;
+    values_ = copy_cost_ = memory_ = 0;
+    in_name_ = false;
     ForgetWords();
 }
 
@@ -61,7 +71,7 @@ void SyntaxTracker::Consume(unsigned char byte) {
             return EndValue();
         case State::Less:
             if (byte == '<') return OpenContainer(true);
-            CountValue();
+            CountValue(kString);
             state_ = State::Hex;
             if (byte == '>') {
                 state_ = State::Between;
@@ -81,6 +91,7 @@ void SyntaxTracker::TakeToken(unsigned char byte) {
     if (kKinds[byte] == Kind::Regular) return state_ == State::Word ? ContinueWord(byte) : BeginWord(byte);
     if (state_ == State::Word) EndValue();
     state_ = State::Between;
+    in_name_ = byte == '/';
     switch (byte) {
         case '%':
             state_ = State::Comment;
@@ -88,7 +99,9 @@ void SyntaxTracker::TakeToken(unsigned char byte) {
         case '(':
             state_ = State::String;
             balance_ = 0;
-            return CountValue();
+            return CountValue(kString);
+        case '/':  // a value, even with nothing behind it
+            return CountValue(kName);
         case '<':
             state_ = State::Less;
             return;
@@ -120,7 +133,7 @@ void SyntaxTracker::TakeString(unsigned char byte) {
 
 void SyntaxTracker::BeginWord(unsigned char byte) {
     state_ = State::Word;
-    CountValue();
+    if (!std::exchange(in_name_, false)) CountValue(byte == 'R' ? 0 : kNumber);
     if (depth_ > 0) return;
     newest_ = (newest_ + 1) % words_.size();
     words_[newest_].text[0] = static_cast<char>(byte);
@@ -134,15 +147,16 @@ void SyntaxTracker::ContinueWord(unsigned char byte) {
     word.text[word.size++] = static_cast<char>(byte);
 }
 
-void SyntaxTracker::CountValue() {
+void SyntaxTracker::CountValue(std::uint64_t memory) {
     ++values_;
+    memory_ += memory + kCopy * static_cast<std::uint64_t>(std::clamp(depth_ - 1, 0, 2));
     copy_cost_ += static_cast<std::uint64_t>(depth_) + 1;
     run_ = 0;
 }
 
 void SyntaxTracker::OpenContainer(bool dictionary) {
     state_ = State::Between;
-    CountValue();
+    CountValue(kContainer);
     if (depth_++ > 0) return;
     outermost_is_dictionary_ = dictionary;
     cut_ = false;

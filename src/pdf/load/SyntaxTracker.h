@@ -22,6 +22,8 @@ public:
     std::uint64_t Values() const { return values_; }
     /// The same, each as often as it is copied on its way out of its containers.
     std::uint64_t CopyCost() const { return copy_cost_; }
+    /// The bytes that the parser holds while it builds them.
+    std::uint64_t Memory() const { return memory_; }
     /// True once a value that began outside of any container has ended.
     bool ValueEnded() const { return value_ended_; }
 
@@ -48,7 +50,7 @@ private:
     void BeginWord(unsigned char byte);
     void ContinueWord(unsigned char byte);
     void EndValue() { value_ended_ = value_ended_ || depth_ == 0; }
-    void CountValue();
+    void CountValue(std::uint64_t memory);
     void OpenContainer(bool dictionary);
     void CloseContainer(bool dictionary);
     void Keep(unsigned char byte);
@@ -57,6 +59,7 @@ private:
     bool value_ended_ = false;
     bool keep_ = false;
     bool cut_ = false;
+    bool in_name_ = false;  ///< right behind the slash
     bool dictionary_closed_ = false;
     bool outermost_is_dictionary_ = false;
     int depth_ = 0;
@@ -64,6 +67,7 @@ private:
     std::uint32_t run_ = 0;
     std::uint64_t values_ = 0;
     std::uint64_t copy_cost_ = 0;
+    std::uint64_t memory_ = 0;
     std::size_t newest_ = 0;
     std::array<ShortWord, 4> words_;
     std::string text_;

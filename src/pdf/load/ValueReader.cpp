@@ -93,6 +93,7 @@ std::int64_t ValueReader::ReadObject(std::int64_t offset, const PdfReference& re
 /// The extent of the value is found first, so that the tokenizer never meets one that
 /// is too deep or too large for it.
 std::int64_t ValueReader::ReadValue(std::int64_t position, PdfVariant& value) {
+    const ObjectLimits limits(file_.Size());
     SyntaxTracker tracker;
     std::int64_t end = position;
     while (!tracker.ValueEnded()) {
@@ -100,9 +101,7 @@ std::int64_t ValueReader::ReadValue(std::int64_t position, PdfVariant& value) {
         RequirePlain(byte >= 0 && ++text_ < kText);
         ++end;
         tracker.Consume(static_cast<unsigned char>(byte));
-        RequirePlain(tracker.Depth() <= LoadBudget::kDeepest &&
-                     tracker.Values() <= LoadBudget::kValuesOfOneObject &&
-                     copies_ + tracker.CopyCost() <= LoadBudget::kCopiesOfOneObject);
+        RequirePlain(tracker.Depth() <= LoadBudget::kDeepest && limits.Allow(tracker, copies_));
     }
     copies_ += tracker.CopyCost();
     if (!tokenizer_) tokenizer_ = std::make_unique<Tokenizer>(file_);

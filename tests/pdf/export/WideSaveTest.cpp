@@ -142,7 +142,7 @@ TEST(WideSave, APageTakesSeveralMaps) {
     const TempFolder folder;
     const BGeoReference first = References::WithCorners(600000, 5200000);
     const BGeoReference second = References::WithCorners(700000, 5300000);
-    const Wish inset{.frame = "110.5 10 190 90.25", .name = "Inset", .adds = true};
+    const Wish inset{.frame = "110.50037 10.00021 190.0004 90.25049", .name = "Inset", .adds = true};
     for (const int update : {kAlways, kNever}) {
         const std::string file =
             folder.Write("map.pdf", PagePdf("/MediaBox[10 20 210 120]/UserUnit 2").Text());
@@ -159,6 +159,8 @@ TEST(WideSave, APageTakesSeveralMaps) {
         ASSERT_EQ(maps.size(), 2U);
         EXPECT_EQ(maps[1].Name, BString("Inset"));
         EXPECT_NEAR(maps[0].Box.Left, 15.0, 1e-9) << "in the units of the page";
+        EXPECT_NEAR(maps[1].Box.Right, 105.0002, 1e-9);
+        EXPECT_NEAR(maps[1].Box.Top, 65.125245, 1e-9);
         ExpectPlace(map("Main"), 600000, 5200000);
         ExpectPlace(map("last"), 700000, 5300000);
     }
@@ -196,7 +198,7 @@ TEST(WideSave, WhatWritingTheWholeFileBreaksIsSaidBeforeOrSpared) {
         {"pdf-signed: ",
          catalog("/AcroForm<</SigFlags 3/Fields[4 0 R]>>", {"<</Kids[5 0 R]>>", field, "<<>>"})},
         {"", catalog("/AcroForm<</SigFlags 1/Fields[4 0 R]>>", {"<</FT/Sig>>"}), false},
-        {"pdf-tagged: ", catalog("/StructTreeRoot 4 0 R", {"<</K 5 0 R>>", "<</S/Document>>"})},
+        {"", catalog("/StructTreeRoot 4 0 R", {"<</K 5 0 R>>", "<</S/Document>>"})},
         {"pdf-archive: ", catalog("/Metadata 4 0 R", {PdfStreamObject(xmp)})},
         {"pdf-linearized: ", "%PDF-1.6\n% /Linearized" + catalog("", {}).substr(8)},
         {"pdf-locked: ", catalog("/Perms<</DocMDP<</Reference[<</TransformParams<</P 1>>>>]>>>>", {}), false},

@@ -170,6 +170,14 @@ TEST(GuardedLoad, OpensAHundredThousandObjects) {
         ASSERT_TRUE(object->IsDictionary());
 }
 
+TEST(GuardedLoad, OpensAMillionNumbersInOneArray) {
+    PdfBuilder file = WithPage("/VP 4 0 R");
+    file.Add("[" + Repeated("600123.456 ", 1'000'000) + "]");
+    const TempFolder folder;
+    const auto loaded = LoadGuarded(folder.Write("large.pdf", file.Finish()));
+    EXPECT_EQ(loaded->GetPage(0)->GetObject()->GetIndirectKey("VP")->GetArray().size(), 1'000'000U);
+}
+
 TEST(GuardedLoad, OpensAHundredThousandCompressedObjects) {
     constexpr int kStreams = 1'000;
     PdfBuilder file = WithPage();

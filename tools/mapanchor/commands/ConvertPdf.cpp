@@ -176,6 +176,7 @@ bool ChooseUpdate(ConvertOptions& options, const BGeoPDFTraits& traits, Outcome&
         std::string reasons;
         for (const BDiagnostic& loss : traits.RewriteLosses())
             reasons += "; " + loss.GetText().StdStr();
+        if (traits.Tagged) reasons += "; the file has a logical structure";
         if (reasons.empty()) reasons = "; the file is large";
         outcome.diagnostics.push_back(
             {false, "the reference is appended to the file" + reasons, "pdf-appended", true});
