@@ -101,11 +101,12 @@ void ReadPoints(const GeoreferenceOptions& options, std::string& points_system, 
     for (const std::string& words : options.gcps)
         made.points.push_back(PointOf(words));
     if (options.file.empty()) return;
-    const auto file = BControlPointFile::Read(BString(options.file), BString(options.order));
+    const auto file =
+        BControlPointFile::Read(BString(options.file), BString(options.order), BString(options.points_crs));
     made.points.insert(made.points.end(), file.Points.begin(), file.Points.end());
     for (const BString& warning : file.Warnings)
         made.result.diagnostics.push_back({false, warning.StdStr(), RemarkId::kReadRemark});
-    if (points_system.empty()) points_system = file.CoordSys.StdStr();
+    points_system = file.CoordSys.StdStr();
 }
 
 /// Points are named by their place where they have no name.
