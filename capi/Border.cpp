@@ -30,18 +30,7 @@ int StatusOf(const Tool::Failure& failure) {
     if (failure.type == "BFileNotFoundException") return MAPANCHOR_NOT_FOUND;
     if (failure.type == "BGeoReferenceWriteException") return MAPANCHOR_NOT_WRITTEN;
     if (failure.type == "BReadParametersException") return MAPANCHOR_BAD_ARGUMENT;
-    switch (failure.kind) {
-        case Tool::FailureKind::Access:
-            return MAPANCHOR_NO_ACCESS;
-        case Tool::FailureKind::NoReference:
-            return MAPANCHOR_NO_REFERENCE;
-        case Tool::FailureKind::Unsupported:
-            return MAPANCHOR_REFUSED;
-        case Tool::FailureKind::Memory:
-            return MAPANCHOR_OUT_OF_MEMORY;
-        default:
-            return MAPANCHOR_INVALID;
-    }
+    return StatusOf(MapAnchor::BReading::OutcomeOf(Tellurion::BString(failure.type)));
 }
 
 int Fail(int status, const std::string& text) noexcept {
@@ -108,13 +97,9 @@ void GiveDiagnostic(const Tool::Diagnostics& list, std::size_t index, mapanchor_
 }
 
 Tellurion::BSharedPtr<Tellurion::BCoordSys> SystemOf(const std::string& text) {
-    Tool::SystemAnswer answer;
-    try {
-        answer = Tool::SystemFromText(text);
-    } catch (const Tellurion::BException&) {
-    }
-    if (!answer.system) throw Refusal{MAPANCHOR_BAD_ARGUMENT, "unknown coordinate system: " + text};
-    return Tellurion::BSharedPtr<Tellurion::BCoordSys>(answer.system.release());
+    auto system = Tool::KnownSystem(text);
+    if (!system) throw Refusal{MAPANCHOR_BAD_ARGUMENT, "unknown coordinate system: " + text};
+    return Tellurion::BSharedPtr<Tellurion::BCoordSys>(system.release());
 }
 
 }  // namespace Border

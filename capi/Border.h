@@ -5,6 +5,7 @@
 #include "read/Diagnostics.h"
 #include "read/ReadFile.h"
 
+#include <MapAnchor/BReading.h>
 #include <MapAnchor/BSaving.h>
 
 #include <algorithm>
@@ -48,6 +49,17 @@ struct Refusal {
     std::string text;
 };
 
+/// The statuses of C begin with the outcomes of a reading, under the same numbers.
+constexpr int StatusOf(MapAnchor::BReading::EOutcome outcome) {
+    return static_cast<int>(outcome);
+}
+static_assert(StatusOf(MapAnchor::BReading::EOutcome::Read) == MAPANCHOR_OK &&
+              StatusOf(MapAnchor::BReading::EOutcome::NoReference) == MAPANCHOR_NO_REFERENCE &&
+              StatusOf(MapAnchor::BReading::EOutcome::Refused) == MAPANCHOR_REFUSED &&
+              StatusOf(MapAnchor::BReading::EOutcome::NotFound) == MAPANCHOR_NOT_FOUND &&
+              StatusOf(MapAnchor::BReading::EOutcome::NoAccess) == MAPANCHOR_NO_ACCESS &&
+              StatusOf(MapAnchor::BReading::EOutcome::Invalid) == MAPANCHOR_INVALID &&
+              StatusOf(MapAnchor::BReading::EOutcome::OutOfMemory) == MAPANCHOR_OUT_OF_MEMORY);
 /// The status of a failure of the library.
 int StatusOf(const Tool::Failure& failure);
 /// Keeps a failure for mapanchor_last_error(); returns `status`.

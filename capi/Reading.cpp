@@ -15,25 +15,6 @@ namespace {
 using MapAnchor::BReading;
 using Tellurion::EMathTransformType;
 
-int StatusOf(BReading::EOutcome outcome) {
-    switch (outcome) {
-        case BReading::EOutcome::Read:
-            return MAPANCHOR_OK;
-        case BReading::EOutcome::NoReference:
-            return MAPANCHOR_NO_REFERENCE;
-        case BReading::EOutcome::Refused:
-            return MAPANCHOR_REFUSED;
-        case BReading::EOutcome::NotFound:
-            return MAPANCHOR_NOT_FOUND;
-        case BReading::EOutcome::NoAccess:
-            return MAPANCHOR_NO_ACCESS;
-        case BReading::EOutcome::OutOfMemory:
-            return MAPANCHOR_OUT_OF_MEMORY;
-        default:
-            return MAPANCHOR_INVALID;
-    }
-}
-
 int32_t CodeOf(const std::string& epsg) {
     constexpr std::string_view kAuthority = "EPSG:";
     int32_t code = 0;

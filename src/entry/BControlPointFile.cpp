@@ -35,14 +35,14 @@ void ReadReference(const BString& file, BControlPointFile& result) {
     if (reference.HasCoordSys()) result.CoordSys = reference.CoordSys->ToWholeWKT();
 }
 
-void Parse(std::string_view text, const BString& order, BControlPointFile& file) {
+void Parse(std::string_view text, const BString& order, const BString& system, BControlPointFile& file) {
     if (text.starts_with("\xef\xbb\xbf")) text.remove_prefix(3);
     const std::string_view start = WithoutLeadingBlanks(text);
     if (start.starts_with('{') || start.starts_with('[')) return ParsePointJson(text, file);
     if (start.starts_with('<')) return ParseGcpList(text, file);
     if (!start.starts_with('#') && text.find("-gcp ") != std::string_view::npos)
         return ParseGcpOptions(text, file);
-    PointTable table = ParsePointTable(text, order.StdStr());
+    PointTable table = ParsePointTable(text, order.StdStr(), system);
     using EFormat = BControlPointFile::EFormat;
     file.Format = table.IsQgis ? EFormat::Points : EFormat::Table;
     file.OldHeader = table.OldHeader;
@@ -58,18 +58,24 @@ PointTable TableOf(const BControlPointFile& file) {
 }  // namespace
 
 BControlPointFile BControlPointFile::Read(const BString& file, const BString& order) {
+    return Read(file, order, BString());
+}
+
+BControlPointFile BControlPointFile::Read(const BString& file, const BString& order,
+                                          const BString& coordSys) {
     BControlPointFile result;
     const std::string content = PointFileContent(file, kSource);
     if (IsReference(file, content)) {
         ReadReference(file, result);
     } else {
         try {
-            Parse(content, order, result);
+            Parse(content, order, coordSys, result);
         } catch (const PointFault& fault) {
             ThrowPointFault(file, fault, kSource);
         }
     }
     if (result.Points.empty()) ThrowNoPoints(file, kSource);
+    if (!coordSys.IsEmpty()) result.CoordSys = coordSys;
     return result;
 }
 

@@ -31,6 +31,10 @@ public:
     /// BFileNotFoundException or a BFileAccessException.
     static BControlPointFile Read(const Tellurion::BString& file,
                                   const Tellurion::BString& order = Tellurion::BString());
+    /// As above; `coordSys`, unless it is empty, is the system of the positions whatever the file states,
+    /// so that no system is guessed.
+    static BControlPointFile Read(const Tellurion::BString& file, const Tellurion::BString& order,
+                                  const Tellurion::BString& coordSys);
     /// The format by which Write() saves under that name: .points, .csv and .tsv, .geojson and
     /// .json, .gcps. False for other names.
     static bool FormatForName(const Tellurion::BString& file, EFormat& format);

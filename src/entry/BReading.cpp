@@ -23,6 +23,19 @@ BReading BReading::Of(const BString& file, const BReadingOptions& options) {
     return BReading(std::move(state));
 }
 
+BReading::EOutcome BReading::OutcomeOf(const BString& failureType) {
+    static constexpr std::pair<const char*, EOutcome> kOutcomes[] = {
+        {"BFileContentNotValidException", EOutcome::NoReference},
+        {"BUnsupportedFileTypeException", EOutcome::Refused},
+        {"BGeoReferenceNotSupportedException", EOutcome::Refused},
+        {"BFileNotFoundException", EOutcome::NotFound},
+        {"BFileAccessException", EOutcome::NoAccess},
+        {"std::bad_alloc", EOutcome::OutOfMemory}};
+    for (const auto& [type, outcome] : kOutcomes)
+        if (failureType == BString(type)) return outcome;
+    return EOutcome::Invalid;
+}
+
 BReading::EOutcome BReading::GetOutcome() const {
     return state_->outcome;
 }

@@ -34,6 +34,10 @@ public:
         OutOfMemory = 6,  ///< the process has no memory left
     };
 
+    /// How an operation on a file ends by a failure of this type, such as "BFileNotFoundException" or
+    /// "std::bad_alloc", where nothing else is known of the file. Never Read; Invalid for all other types.
+    static EOutcome OutcomeOf(const Tellurion::BString& failureType);
+
     /// Where a value of the reference is written.
     struct MAPANCHOR_EXPORT Origin {
         Tellurion::BString Value;  ///< "size", "system", "points", "transform", "position", "pixel size" ...

@@ -273,20 +273,15 @@ void ExplainSize(const BReadingOptions& options, ReadingState& state) {
 
 EOutcome OutcomeOf(const ReadingState& state) {
     if (!state.failure) return EOutcome::Read;
-    const std::string type = state.failure->type.StdStr();
+    const EOutcome by_type = BReading::OutcomeOf(state.failure->type);
     const bool has_map =
         state.page && state.page->Loaded &&
         (state.page->Dialect != BGeoPDFPage::EDialect::None || !state.page->Explanation.IsEmpty());
-    if (has_map && type != "std::bad_alloc") return EOutcome::Refused;
-    if (type == "BFileContentNotValidException") return EOutcome::NoReference;
+    if (has_map && by_type != EOutcome::OutOfMemory) return EOutcome::Refused;
+    if (by_type == EOutcome::NoReference) return by_type;
     if (state.page && state.page->Loaded && state.page->Dialect == BGeoPDFPage::EDialect::None)
         return EOutcome::NoReference;
-    if (state.page && state.page->Encrypted) return EOutcome::Refused;
-    if (type == "BUnsupportedFileTypeException" || type == "BGeoReferenceNotSupportedException")
-        return EOutcome::Refused;
-    if (type == "BFileNotFoundException") return EOutcome::NotFound;
-    if (type == "BFileAccessException") return EOutcome::NoAccess;
-    return type == "std::bad_alloc" ? EOutcome::OutOfMemory : EOutcome::Invalid;
+    return state.page && state.page->Encrypted ? EOutcome::Refused : by_type;
 }
 
 namespace {

@@ -45,6 +45,7 @@ private:
     void FindInPoints();
     void FindInPointFields();
     void FindInTransform();
+    std::string AdviceFor(EMathTransformType fit, bool is_affine) const;
     void FindInDigits();
     void FindInVerticalUnit();
     void FindLacks();
@@ -169,16 +170,28 @@ std::optional<AffineTerms> TermsOf(const BMathTransform& transform) {
     return t;
 }
 
+/// How to have a fit again that is lost to points. A fit with affine terms is held whole by a world file,
+/// which other programs read as it is.
+std::string LossFinder::AdviceFor(EMathTransformType fit, bool is_affine) const {
+    const bool is_read = kind_.named_read || (kind_.typed_read && !kind_.refuses_typed_read);
+    const std::string read = is_read ? std::string("read it with --fit ") + NameOf(fit) : "";
+    const std::string save = is_affine ? "save a world file, which holds this fit" : "";
+    if (read.empty() && save.empty()) return "the program that reads it makes its own";
+    return read + (read.empty() || save.empty() ? "" : ", or ") + save;
+}
+
 void LossFinder::FindInTransform() {
     if (!reference_.HasMathTransform()) return;
     const EMathTransformType type = reference_.MathTransform->GetMathTransformType();
     const std::optional<AffineTerms> terms = TermsOf(*reference_.MathTransform);
     if (SavesPoints() && type != EMathTransformType::Affine)
         Add(DiagnosticId::kLostFit,
-            std::string("the file holds the points, not the fit: read it with --fit ") + NameOf(type));
-    else if (!terms)
+            "the file holds the points, not the fit: " + AdviceFor(type, terms.has_value()));
+    else if (!terms && type != kind_.widest_fit)
         Add(DiagnosticId::kLostFit,
-            std::string("this kind of file holds an affine transform alone, not the fit ") + NameOf(type));
+            std::string("this kind of file holds ") +
+                (kind_.widest_fit == EMathTransformType::Projective ? "a projective" : "an affine") +
+                " transform alone, not the fit " + NameOf(type));
     if (terms && !kind_.rotation && (terms->b != 0.0 || terms->d != 0.0))
         Add(DiagnosticId::kLostRotation, "this kind of file holds no rotation");
     FindInDigits();

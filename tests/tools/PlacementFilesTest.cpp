@@ -73,6 +73,17 @@ TEST(PlacementFiles, AuxiliaryFilesAndWrappersPlaceRastersInGdal) {
     EXPECT_NE(TempFolder::Slurp(folder / "out/w.vrt").find("relativeToVRT=\"1\">../a&amp;b.tif<"),
               std::string::npos);
     EXPECT_EQ(PlaceInGdal(folder / "out/w.vrt"), "20 11 48");
+    for (const auto& [fit, target, words] :
+         {std::tuple{"conformal", scan + ".aux.xml",
+                     "not the fit: read it with --fit conformal, or save a world file, which holds this fit"},
+          {"tps", scan + ".aux.xml", "not the fit: read it with --fit tps"},
+          {"conformal", folder / "fit.vrt", "not the fit: save a world file, which holds this fit"},
+          {"tps", folder / "tps.vrt", "not the fit: the program that reads it makes its own"}})
+        EXPECT_NE(RunTool({"georeference", scan, "--gcps", folder / "p.points", "--fit", fit, "--overwrite",
+                           "-o", target})
+                      .err.find(words),
+                  std::string::npos)
+            << fit << target;
     folder.Write("text.aux.xml", "no XML");
     for (const auto& [target, words] : {std::pair{"text.aux.xml", "is not an auxiliary file of GDAL"},
                                         {"b.vrt", "GDAL does not open the raster"}})
@@ -91,6 +102,8 @@ TEST(PlacementFiles, GroundOverlaysOfKmlAreBoxesOrQuadrangles) {
     folder.ExpectRun("convert --size 300x200 %/box.kml %/box.pgw", 0, {}, {"0.000 pixels"});
     folder.ExpectRun("convert --size 300x200 --image a&b<\x01.png %/p.points %/quad.kml", 3, {},
                      {"a KML overlay has its corners alone"});
+    folder.ExpectRun("convert --size 300x200 --image a.png --fit tps %/p.points %/tps.kml", 3, {},
+                     {"holds a projective transform alone, not the fit tps"});
     EXPECT_NE(TempFolder::Slurp(folder / "quad.kml").find("<href>a&amp;b&lt;"), std::string::npos);
     EXPECT_NE(TempFolder::Slurp(folder / "quad.kml").find("<gx:LatLonQuad>"), std::string::npos);
     folder.Write("none.kml", "<kml/>");

@@ -30,6 +30,10 @@ bool AllocationHasFailed() {
     return has_failed.load(std::memory_order_relaxed);
 }
 
+void ForgetFailedAllocations() {
+    has_failed.store(false, std::memory_order_relaxed);
+}
+
 }  // namespace Tool
 
 #if defined(__GLIBC__) && !defined(MAPANCHOR_SANITIZED)

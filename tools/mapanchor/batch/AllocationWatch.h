@@ -10,4 +10,7 @@ namespace Tool {
 /// under a sanitizer, which has its own, nothing is watched and the answer is always false.
 bool AllocationHasFailed();
 
+/// Starts to watch again, as a process does that inherits the mark of the one it was forked from.
+void ForgetFailedAllocations();
+
 }  // namespace Tool

@@ -67,6 +67,7 @@ private:
 };
 
 [[noreturn]] void Serve(int names, int answers, const Answer& answer, const Limits& limits) {
+    ForgetFailedAllocations();
     MemoryLimit memory(limits.memory);
     TextReceiver receiver;
     try {

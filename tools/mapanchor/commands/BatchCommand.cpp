@@ -287,8 +287,7 @@ void ParseShard(const std::string& text, BatchOptions& options) {
 
 void AddInputs(CLI::App& batch, BatchOptions& options) {
     batch.add_option("NAME", options.roots, "Files or folders; - reads names from stdin (default)");
-    batch.add_flag("-0,--null", options.nul_separated,
-                   "Names on stdin end in NUL, as find -print0 writes them");
+    AddNulSeparated(batch, options.nul_separated);
     batch.add_flag("--all", options.every_file,
                    "Read every file of a folder, including sidecars of rasters and unknown extensions");
     batch

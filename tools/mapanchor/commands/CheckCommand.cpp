@@ -55,32 +55,10 @@ struct Demands {
     std::optional<double> max_rmse;
 };
 
-std::unique_ptr<BCoordSys> ExpectedSystem(const std::string& text) {
-    if (text.empty()) return nullptr;
-    SystemAnswer answer;
-    try {
-        answer = SystemFromText(text);
-    } catch (const Tellurion::BException&) {
-    }
-    if (!answer.system) throw CLI::ValidationError("--expect-crs", "nothing is known by the words " + text);
-    return std::move(answer.system);
-}
-
-/// The four numbers of a box; empty when the text is not just that.
-std::optional<std::vector<double>> ParseBox(std::string_view text) {
-    constexpr std::size_t kSides = 4;
-    std::vector<double> sides(1);
-    while (Tellurion::ScanDouble(text, sides.back()) && text.starts_with(',') && sides.size() < kSides) {
-        text.remove_prefix(1);
-        sides.push_back(0.0);
-    }
-    return text.empty() && sides.size() == kSides ? std::optional(sides) : std::nullopt;
-}
-
 std::optional<Footprint> ExpectedArea(const CheckOptions& options, LogCollector& log) {
     if (options.within.empty()) return std::nullopt;
-    if (const auto sides = ParseBox(options.within)) {
-        const auto& s = *sides;
+    std::string_view rest = options.within;
+    if (const auto s = NumbersIn(rest, 4); s.size() == 4 && rest.empty()) {
         if (auto area = FootprintOfBox(s[0], s[1], s[2], s[3])) return area;
         throw CLI::ValidationError("--within", "wants W,S,E,N in degrees, south below north");
     }
@@ -194,7 +172,8 @@ std::string VerdictText(const ReadResult& result) {
 ExitStatus Run(const CheckOptions& options) {
     const Console console = options.common.MakeConsole();
     LogCollector log;
-    const Demands demands{ExpectedSystem(options.crs), ExpectedArea(options, log), options.max_rmse};
+    const Demands demands{SystemOption("--expect-crs", options.crs), ExpectedArea(options, log),
+                          options.max_rmse};
     Tally tally;
     ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
         ReadResult result = ReadFile(file, options.read, log);
@@ -212,10 +191,7 @@ ExitStatus Run(const CheckOptions& options) {
 void AddCheckCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<CheckOptions>();
     CLI::App* check = app.add_subcommand("check", kCheckDescription);
-    check->add_option("FILE", options->files, "Files to check; - reads names from stdin, one per line")
-        ->required();
-    check->add_flag("-0,--null", options->nul_separated,
-                    "Names on stdin end in NUL, as find -print0 writes them");
+    AddInputNames(*check, "FILE", "Files to check", options->files, options->nul_separated);
     check
         ->add_option("--expect-crs", options->crs,
                      "Expected coordinate system, in any notation that crs reads")

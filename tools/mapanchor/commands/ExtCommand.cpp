@@ -42,9 +42,7 @@ ExitStatus Run(const ExtOptions& options) {
 void AddExtCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<ExtOptions>();
     CLI::App* ext = app.add_subcommand("ext", kDescription);
-    ext->add_option("FILE", options->files, "Names of rasters; - reads names from stdin")->required();
-    ext->add_flag("-0,--null", options->nul_separated,
-                  "Names on stdin end in NUL, as find -print0 writes them");
+    AddInputNames(*ext, "FILE", "Names of rasters", options->files, options->nul_separated);
     options->common.AddTo(*ext);
     ext->callback([options, &status] { status = Run(*options); });
 }

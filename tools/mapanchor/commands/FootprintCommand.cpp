@@ -81,10 +81,7 @@ ExitStatus Run(const FootprintOptions& options) {
 void AddFootprintCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<FootprintOptions>();
     CLI::App* footprint = app.add_subcommand("footprint", kFootprintDescription);
-    footprint->add_option("FILE", options->files, "Files to read; - reads names from stdin, one per line")
-        ->required();
-    footprint->add_flag("-0,--null", options->nul_separated,
-                        "Names on stdin end in NUL, as find -print0 writes them");
+    AddInputNames(*footprint, "FILE", "Files to read", options->files, options->nul_separated);
     options->read.AddTo(*footprint);
     options->common.AddTo(*footprint);
     footprint->callback([options, &status] { status = Run(*options); });

@@ -39,17 +39,6 @@ constexpr const char* kGeoreferenceDescription =
     "  mapanchor georeference scan.tif --gcps scan.points --report scan.html\n"
     "  mapanchor georeference a.png --bounds 11,47,12,48 --crs EPSG:4326 -o a.pgw";
 
-std::vector<double> NumbersIn(std::string_view& text, std::size_t most) {
-    std::vector<double> numbers;
-    double value = 0.0;
-    while (numbers.size() < most && ScanDouble(text, value)) {
-        numbers.push_back(value);
-        if (!text.starts_with(',')) break;
-        text.remove_prefix(1);
-    }
-    return numbers;
-}
-
 BControlPoint PointOf(const std::string& words) {
     constexpr std::size_t kNeeded = 4;
     std::string_view rest = words;
@@ -63,17 +52,6 @@ BControlPoint PointOf(const std::string& words) {
     point.World = {numbers[2], numbers[3], numbers.size() > kNeeded ? numbers[4] : 0.0};
     point.Name = BString(std::string(rest));
     return point;
-}
-
-std::unique_ptr<BCoordSys> SystemOf(const std::string& option, const std::string& text) {
-    if (text.empty()) return nullptr;
-    std::unique_ptr<BCoordSys> system;
-    try {
-        system = SystemFromText(text).system;
-    } catch (const BException&) {
-    }
-    if (!system) throw CLI::ValidationError(option, "unknown coordinate system: " + text);
-    return system;
 }
 
 /// The raster's size: as given, of the first page of a PDF, or as GDAL has it.
@@ -101,11 +79,12 @@ void ReadPoints(const GeoreferenceOptions& options, std::string& points_system, 
     for (const std::string& words : options.gcps)
         made.points.push_back(PointOf(words));
     if (options.file.empty()) return;
-    const auto file = BControlPointFile::Read(BString(options.file), BString(options.order));
+    const auto file =
+        BControlPointFile::Read(BString(options.file), BString(options.order), BString(options.points_crs));
     made.points.insert(made.points.end(), file.Points.begin(), file.Points.end());
     for (const BString& warning : file.Warnings)
         made.result.diagnostics.push_back({false, warning.StdStr(), RemarkId::kReadRemark});
-    if (points_system.empty()) points_system = file.CoordSys.StdStr();
+    points_system = file.CoordSys.StdStr();
 }
 
 /// Points are named by their place where they have no name.
@@ -208,8 +187,8 @@ void Make(const GeoreferenceOptions& options, LogCollector& log, Georeferenced& 
     std::string points_text = options.points_crs;
     ReadPoints(options, points_text, made);
     NameAndDrop(options, made);
-    auto points_system = SystemOf("--points-crs", points_text);
-    auto system = SystemOf("--crs", options.crs);
+    auto points_system = SystemOption("--points-crs", points_text);
+    auto system = SystemOption("--crs", options.crs);
     if (system && points_system) ConvertPoints(*points_system, *system, made);
     if (!system) system = std::move(points_system);
     if (system)
@@ -305,14 +284,11 @@ void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* command = app.add_subcommand("georeference", kGeoreferenceDescription);
     command->add_option("FILE", options->image, "Raster or PDF to georeference")->required();
     AddPointOptions(*command, *options);
-    static const std::map<std::string, int> kFits = {{"auto", -1}, {"affine", 0}, {"conformal", 1},
-                                                     {"poly2", 2}, {"poly3", 3},  {"projective", 4},
-                                                     {"tps", 5}};
     command
         ->add_option_function<std::string>(
             "--fit",
             [o = options.get()](const std::string& word) {
-                if (word != "auto") o->fit = static_cast<EMathTransformType>(kFits.at(word));
+                if (word != "auto") o->fit = FitFromWord(word);
             },
             "Transform to fit: auto, affine, conformal, poly2, poly3, projective, tps")
         ->check(CLI::IsMember({"auto", "affine", "conformal", "poly2", "poly3", "projective", "tps"}))
@@ -326,11 +302,7 @@ void AddGeoreferenceCommand(CLI::App& app, ExitStatus& status) {
     command->add_option("--report", options->report, "Write the report as a web page")->type_name("FILE");
     command->add_flag("--overwrite", options->convert.overwrite,
                       "Replace existing files; georeference a raster or a PDF in place");
-    command
-        ->add_option_function<std::string>(
-            "--size", [o = options.get()](const std::string& text) { ParseSize(text, o->convert.read); },
-            "Size of the raster in pixels")
-        ->type_name("WxH");
+    options->convert.read.AddSizeTo(*command, "Size of the raster in pixels");
     options->convert.common.AddTo(*command);
     command->callback([options, &status] { status = Run(*options); });
 }

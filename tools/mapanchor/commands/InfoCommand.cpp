@@ -61,10 +61,7 @@ ExitStatus Run(const InfoOptions& options) {
 void AddInfoCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<InfoOptions>();
     CLI::App* info = app.add_subcommand("info", kInfoDescription);
-    info->add_option("FILE", options->files, "Files to read; - reads names from stdin, one per line")
-        ->required();
-    info->add_flag("-0,--null", options->nul_separated,
-                   "Names on stdin end in NUL, as find -print0 writes them");
+    AddInputNames(*info, "FILE", "Files to read", options->files, options->nul_separated);
     info->add_option("--print", options->values,
                      "Print only these values, one line per file: crs, epsg, bounds, size, affine, wkt")
         ->delimiter(',')

@@ -90,10 +90,7 @@ ExitStatus Run(const SourcesOptions& options) {
 void AddSourcesCommand(CLI::App& app, ExitStatus& status) {
     auto options = std::make_shared<SourcesOptions>();
     CLI::App* sources = app.add_subcommand("sources", kSourcesDescription);
-    sources->add_option("RASTER", options->files, "Rasters; - reads names from stdin, one per line")
-        ->required();
-    sources->add_flag("-0,--null", options->nul_separated,
-                      "Names on stdin end in NUL, as find -print0 writes them");
+    AddInputNames(*sources, "RASTER", "Rasters", options->files, options->nul_separated);
     options->read.AddTo(*sources);
     options->common.AddTo(*sources);
     sources->callback([options, &status] { status = Run(*options); });

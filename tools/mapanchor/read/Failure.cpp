@@ -1,34 +1,29 @@
 #include "read/Failure.h"
 
-#include <MapAnchor/BGeoReferenceNotSupportedException.h>
-#include <Tellurion/BFileAccessException.h>
-#include <Tellurion/BFileContentNotValidException.h>
-#include <Tellurion/BFileNotFoundException.h>
-#include <Tellurion/BUnsupportedFileTypeException.h>
-
 #include <exception>
 #include <new>
 
 namespace Tool {
 
+using MapAnchor::BReading;
 using namespace Tellurion;
 
-namespace {
-
-template <class... Errors>
-bool IsOneOf(const BException& error) {
-    return (... || (dynamic_cast<const Errors*>(&error) != nullptr));
+FailureKind KindOf(BReading::EOutcome outcome) {
+    using EOutcome = BReading::EOutcome;
+    switch (outcome) {
+        case EOutcome::NoReference:
+            return FailureKind::NoReference;
+        case EOutcome::Refused:
+            return FailureKind::Unsupported;
+        case EOutcome::NotFound:
+        case EOutcome::NoAccess:
+            return FailureKind::Access;
+        case EOutcome::OutOfMemory:
+            return FailureKind::Memory;
+        default:
+            return FailureKind::Invalid;
+    }
 }
-
-FailureKind KindOf(const BException& error) {
-    if (IsOneOf<BFileNotFoundException, BFileAccessException>(error)) return FailureKind::Access;
-    if (IsOneOf<BFileContentNotValidException>(error)) return FailureKind::NoReference;
-    if (IsOneOf<BUnsupportedFileTypeException, MapAnchor::BGeoReferenceNotSupportedException>(error))
-        return FailureKind::Unsupported;
-    return FailureKind::Invalid;
-}
-
-}  // namespace
 
 const char* WordFor(FailureKind kind) {
     switch (kind) {
@@ -61,7 +56,7 @@ std::string Failure::Text() const {
 
 Failure FailureOf(const BException& error) {
     return {error.GetTypeName(), error.GetMessageText().StdStr(), error.GetSource().StdStr(),
-            error.GetDetail().StdStr(), KindOf(error)};
+            error.GetDetail().StdStr(), KindOf(BReading::OutcomeOf(error.GetTypeName()))};
 }
 
 Failure CurrentFailure() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <MapAnchor/BReading.h>
 #include <Tellurion/BException.h>
 
 #include <string>
@@ -16,6 +17,8 @@ enum class FailureKind {
     Timeout,
     Memory
 };
+
+FailureKind KindOf(MapAnchor::BReading::EOutcome outcome);
 
 /// The word of the kind in JSON.
 const char* WordFor(FailureKind kind);

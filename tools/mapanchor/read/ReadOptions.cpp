@@ -56,8 +56,6 @@ void AllowDrivers(const std::string& names) {
     }
 }
 
-}  // namespace
-
 void ParseSize(const std::string& text, ReadOptions& options) {
     const std::size_t cross = text.find_first_of("xX");
     long width = 0;
@@ -67,6 +65,25 @@ void ParseSize(const std::string& text, ReadOptions& options) {
         throw CLI::ValidationError("--size", "expected WxH in pixels, such as 2000x1000");
     options.width = width;
     options.height = height;
+}
+
+}  // namespace
+
+void ReadOptions::AddSizeTo(CLI::App& app, const std::string& description) {
+    app.add_option_function<std::string>(
+           "--size", [this](const std::string& text) { ParseSize(text, *this); }, description)
+        ->type_name("WxH");
+}
+
+EMathTransformType FitFromWord(const std::string& word) {
+    return kFits.at(word);
+}
+
+std::unique_ptr<Tellurion::BCoordSys> SystemOption(const std::string& option, const std::string& text) {
+    if (text.empty()) return nullptr;
+    auto system = KnownSystem(text);
+    if (!system) throw CLI::ValidationError(option, "unknown coordinate system: " + text);
+    return system;
 }
 
 std::string KindWords(bool saved) {
@@ -138,23 +155,19 @@ void ReadOptions::AddPdfTo(CLI::App& app) {
 
 void ReadOptions::AddSystemsTo(CLI::App& app) {
     const auto take = [this](const char* option, const std::string& text, bool overrides) {
-        SystemAnswer answer;
-        try {
-            answer = SystemFromText(text);
-        } catch (const Tellurion::BException&) {
-        }
-        if (!answer.system) throw CLI::ValidationError(option, "unknown coordinate system: " + text);
-        crs = Tellurion::BSharedPtr<Tellurion::BCoordSys>(answer.system.release());
+        crs = Tellurion::BSharedPtr<Tellurion::BCoordSys>(SystemOption(option, text).release());
         overrides_crs = overrides;
     };
     CLI::Option* const assigned =
         app.add_option_function<std::string>(
                "--crs", [take](const std::string& text) { take("--crs", text, false); },
                "Assign this coordinate system, in any notation, to files without one")
+            ->check(RefuseEmpty)
             ->type_name("TEXT");
     app.add_option_function<std::string>(
            "--override-crs", [take](const std::string& text) { take("--override-crs", text, true); },
            "Assign this coordinate system to all files, with or without one of their own")
+        ->check(RefuseEmpty)
         ->type_name("TEXT")
         ->excludes(assigned);
 }
@@ -186,10 +199,7 @@ void ReadOptions::AddTo(CLI::App& app) {
         ->allow_extra_args(false)
         ->check(CLI::IsMember({"transform", "crs", "pdf"}))
         ->type_name("PART,...");
-    app.add_option_function<std::string>(
-           "--size", [this](const std::string& text) { ParseSize(text, *this); },
-           "The raster's size in pixels. Default for a PDF: the size of its box at --dpi")
-        ->type_name("WxH");
+    AddSizeTo(app, "The raster's size in pixels. Default for a PDF: the size of its box at --dpi");
     app.add_option(
            "--fit", fit,
            "Transform to fit to the control points: affine, conformal, poly2, poly3, projective, tps, "

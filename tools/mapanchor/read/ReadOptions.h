@@ -7,6 +7,7 @@
 #include <Tellurion/EMathTransformType.h>
 #include <Tellurion/EReferenceType.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -41,6 +42,7 @@ struct ReadOptions {
 
     void AddTo(CLI::App& app);
     void AddSystemsTo(CLI::App& app);
+    void AddSizeTo(CLI::App& app, const std::string& description);
     MapAnchor::BReadingOptions ForReading() const;
 
 private:
@@ -48,8 +50,11 @@ private:
     void AskBeyondRules(const char* option);
 };
 
-/// Reads "2000x1000" into the size; throws CLI::ValidationError for other texts.
-void ParseSize(const std::string& text, ReadOptions& options);
+/// The fit of a word of --fit, which must be one.
+Tellurion::EMathTransformType FitFromWord(const std::string& word);
+
+/// The system that an option names, null for an empty text; throws CLI::ValidationError for an unknown one.
+std::unique_ptr<Tellurion::BCoordSys> SystemOption(const std::string& option, const std::string& text);
 
 /// The kind that an option's word names; throws CLI::ValidationError for none.
 Tellurion::EReferenceType KindFromWord(const std::string& option, const std::string& word);

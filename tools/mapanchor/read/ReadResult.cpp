@@ -12,24 +12,6 @@ using namespace Tellurion;
 
 namespace {
 
-using EOutcome = BReading::EOutcome;
-
-FailureKind KindOf(EOutcome outcome) {
-    switch (outcome) {
-        case EOutcome::NoReference:
-            return FailureKind::NoReference;
-        case EOutcome::Refused:
-            return FailureKind::Unsupported;
-        case EOutcome::NotFound:
-        case EOutcome::NoAccess:
-            return FailureKind::Access;
-        case EOutcome::OutOfMemory:
-            return FailureKind::Memory;
-        default:
-            return FailureKind::Invalid;
-    }
-}
-
 ExitStatus StatusOf(FailureKind kind) {
     if (kind == FailureKind::NoReference) return ExitStatus::NoReference;
     return kind == FailureKind::Unsupported ? ExitStatus::Refused : ExitStatus::Error;

@@ -30,6 +30,27 @@ std::string RefuseEmpty(const std::string& name) {
     return name.empty() ? "the name is empty" : "";
 }
 
+void AddInputNames(CLI::App& app, const std::string& name, const std::string& description,
+                   std::vector<std::string>& names, bool& nul_separated) {
+    app.add_option(name, names, description + "; - reads names from stdin, one per line")->required();
+    AddNulSeparated(app, nul_separated);
+}
+
+void AddNulSeparated(CLI::App& app, bool& nul_separated) {
+    app.add_flag("-0,--null", nul_separated, "Names on stdin end in NUL, as find -print0 writes them");
+}
+
+std::vector<double> NumbersIn(std::string_view& text, std::size_t most) {
+    std::vector<double> numbers;
+    double value = 0.0;
+    while (numbers.size() < most && Tellurion::ScanDouble(text, value)) {
+        numbers.push_back(value);
+        if (!text.starts_with(',')) break;
+        text.remove_prefix(1);
+    }
+    return numbers;
+}
+
 CLI::Option* AddNumber(CLI::App& app, const std::string& name, std::function<void(double)> take,
                        NumberRange range, const std::string& description) {
     const auto parse = [name, take = std::move(take), range](const std::string& word) {

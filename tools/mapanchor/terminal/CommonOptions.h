@@ -2,8 +2,11 @@
 
 #include "terminal/Console.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -27,6 +30,14 @@ struct CommonOptions {
 /// A check of an option: what is wrong with an empty name, which a script may have made of a
 /// variable that is not set.
 std::string RefuseEmpty(const std::string& name);
+
+/// The names of inputs, as ForEachInput() takes them, and how those on stdin end.
+void AddInputNames(CLI::App& app, const std::string& name, const std::string& description,
+                   std::vector<std::string>& names, bool& nul_separated);
+void AddNulSeparated(CLI::App& app, bool& nul_separated);
+
+/// The numbers that the text begins with, with commas between them; what follows stays in `text`.
+std::vector<double> NumbersIn(std::string_view& text, std::size_t most);
 
 struct NumberRange {
     double least = 0.0;

@@ -78,6 +78,8 @@ struct ReferenceFormat {
     Keeps coord_sys = Keeps::Nothing;
     Keeps vertical_unit = Keeps::Nothing;
     bool rotation = false;
+    /// The most general fit that it holds without points.
+    Tellurion::EMathTransformType widest_fit = Tellurion::EMathTransformType::Affine;
     bool points = false;                 ///< and with them a transform beyond affine
     bool point_fractions = false;        ///< with the fractions of their pixels
     bool disabled_points = false;        ///< with the mark that they are disabled

@@ -107,6 +107,7 @@ ReferenceFormat BRefKml::Format() {
         .typed_extensions = {u".kml"},
         .sidecar = true,
         .rotation = true,
+        .widest_fit = EMathTransformType::Projective,  // through its corners
         .names_image = true};
 }
 

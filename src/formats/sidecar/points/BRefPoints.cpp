@@ -35,7 +35,7 @@ constexpr FailureTexts kWriteTexts = {
 
 PointTable Parse(const BString& file) {
     try {
-        PointTable table = ParsePointTable(PointFileContent(file, kReadSource), {});
+        PointTable table = ParsePointTable(PointFileContent(file, kReadSource), {}, {});
         if (table.Points.empty()) ThrowNoPoints(file, kReadSource);
         return table;
     } catch (const PointFault& fault) {

@@ -251,7 +251,7 @@ PointField PointFieldOf(std::string_view name) {
     return PointField::None;
 }
 
-PointTable ParsePointTable(std::string_view text, std::string_view order) {
+PointTable ParsePointTable(std::string_view text, std::string_view order, const BString& system) {
     PointTable file;
     if (text.starts_with("\xef\xbb\xbf")) text.remove_prefix(3);
     std::optional<Columns> columns;
@@ -284,6 +284,7 @@ PointTable ParsePointTable(std::string_view text, std::string_view order) {
     }
     if (!columns) throw PointFault{0, 0, "the file has no control points"};
     file.IsQgis = columns->IsQgis();
+    if (!system.IsEmpty()) file.CoordSys = system;
     WarnOf(*columns, file);
     return file;
 }

@@ -52,8 +52,9 @@ struct PointTable {
     std::vector<Tellurion::BString> Warnings = {};
 };
 
-/// `order` names the columns of a table without a header. Throws a PointFault.
-PointTable ParsePointTable(std::string_view text, std::string_view order);
+/// `order` names the columns of a table without a header. A `system` that the caller knows is that of the
+/// positions, whatever the table states. Throws a PointFault.
+PointTable ParsePointTable(std::string_view text, std::string_view order, const Tellurion::BString& system);
 
 std::string FormatPointTable(const PointTable& file, char separator);
 std::string FormatQgisPoints(const PointTable& file);
