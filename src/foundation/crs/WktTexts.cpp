@@ -7,6 +7,7 @@
 #include <Tellurion/Numbers.h>
 
 #include <string_view>
+#include <utility>
 
 namespace Tellurion {
 namespace {
@@ -91,6 +92,20 @@ bool HasOddAxes(PJ* crs) {
     return grid && proj_get_type(grid.get()) == PJ_TYPE_PROJECTED_CRS && !Proj::HasAxesEastNorth(grid.get());
 }
 
+/// PROJ 9.9 writes the cylindrical equal area projection on a sphere with EPSG's names, which no
+/// reader knows. True if the text had such names.
+bool TranslateParameters(BString& text) {
+    constexpr std::pair<const char*, const char*> kNames[] = {
+        {"\"Latitude of 1st standard parallel\"", "\"standard_parallel_1\""},
+        {"\"Longitude of natural origin\"", "\"central_meridian\""},
+        {"\"False easting\"", "\"false_easting\""},
+        {"\"False northing\"", "\"false_northing\""}};
+    if (text.StdStr().find("PARAMETER[\"False easting\"") == std::string::npos) return false;
+    for (const auto& [epsg, esri] : kNames)
+        text.ReplaceAll(epsg, esri);
+    return true;
+}
+
 }  // namespace
 
 std::string CleanWkt(const BString& text, double& epoch) {
@@ -128,8 +143,9 @@ BString ExportWkt2(PJ* crs) {
 /// The flavour states no axes, and no projection on the authalic sphere: of such systems only a
 /// text that reads back to the same positions is given out.
 BString ExportPrj(PJ* crs) {
-    const BString text = Export(crs, PJ_WKT1_ESRI);
-    if (text.IsEmpty() || (!HasOddAxes(crs) && !IsOnAuthalicSphere(crs))) return text;
+    BString text = Export(crs, PJ_WKT1_ESRI);
+    const bool translated = TranslateParameters(text);
+    if (text.IsEmpty() || (!translated && !HasOddAxes(crs) && !IsOnAuthalicSphere(crs))) return text;
     const Proj::Object back(
         proj_create_from_wkt(Proj::ThreadContext(), text.Utf8(), nullptr, nullptr, nullptr));
     return back && IsSamePlacement(back.get(), GridOf(crs).get()) ? text : BString();

@@ -228,7 +228,8 @@ TEST(BCoordSys, KeepsHeightsAndEpochInItsWholeText) {
 }
 
 TEST(BCoordSys, WritesTextsThatGdalReadsAlike) {
-    for (const char* code : {"4326", "32633", "27700", "2193", "26912", "2230", "3035", "31467", "4807"}) {
+    for (const char* code :
+         {"4326", "32633", "27700", "2193", "26912", "2230", "3035", "31467", "4807", "3410"}) {
         const Ptr system = FromEpsg(code);
         OGRSpatialReference theirs;
         ASSERT_EQ(theirs.importFromWkt(system->ToWKT().Utf8()), OGRERR_NONE) << code;
@@ -236,6 +237,7 @@ TEST(BCoordSys, WritesTextsThatGdalReadsAlike) {
         const Ptr back = FromWkt(system->ToPRJ().StdStr());
         ASSERT_TRUE(back) << code;
         EXPECT_EQ(back->GetKind(), system->GetKind()) << code;
+        EXPECT_LT(back->DistanceTo(*system), 0.01) << code;
     }
 }
 
