@@ -83,8 +83,11 @@ def files():
     conic = ("/ProjectionType(LE)/Datum(NAR)/Units(USSF)/StandardParallelOne(38)/StandardParallelTwo(40)"
              "/CentralMeridian(-98)/OriginLatitude(37)/FalseEasting(500000)")
     measure = viewport("/WKT(" + UTM + ")")
+    tagged = objects("/Tags[//// /]", "<</Type/StructTreeRoot/K[5 0 R]>>", "<</S/Document/P 4 0 R/K[6 0 R 0]>>",
+                     "<</S/Feature/T(CoordinateSystem)/P 5 0 R/Pg 3 0 R/A<</O/UserProperties/P[]>>>>")
+    tagged[0] = b"<</Type/Catalog/Pages 2 0 R/StructTreeRoot 4 0 R/MarkInfo<</Marked true>>>>"
     return {
-        "pdf": {"table": with_table(drawn), "update": updated(with_table(objects(""))),
+        "pdf": {"tagged": with_table(tagged), "table": with_table(drawn), "update": updated(with_table(objects(""))),
                 "streams": with_streams(measure)},
         "xref": {"table": with_table(drawn), "update": updated(with_table(measure)),
                  "streams": with_streams(measure)},

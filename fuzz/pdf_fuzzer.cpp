@@ -3,6 +3,7 @@
 
 #include "PdfFuzz.h"
 
+#include "export/StructureState.h"
 #include "objects/CPDFString.h"
 
 #include <cstdlib>
@@ -19,6 +20,16 @@ void AskDocument(CPDFDocument& document) {
     fuzz::Survives([&] { document.GetCreator(); });
     fuzz::Survives([&] { document.GetCreationDate(); });
     fuzz::Survives([&] { document.GetModDate(); });
+}
+
+void AskStructure(CPDFDocument& document) {
+    constexpr std::size_t kMaxElements = 2'000;
+    LookAtStructure(
+        document.GetCatalog().Container(), PoDoFo::PdfReference(3, 0),
+        [&](const PoDoFo::PdfReference& reference) {
+            return document.Document().GetObjects().GetObject(reference);
+        },
+        kMaxElements);
 }
 
 /// What the page says of itself, however it was loaded; nothing where it throws.
@@ -71,6 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Survives([&] {
         CPDFDocument document(path);
         AskDocument(document);
+        fuzz::Survives([&] { AskStructure(document); });
         CPDFPage& page = document.GetPage(0);
         whole = AskPage(page);
         WalkContent(page);

@@ -267,6 +267,9 @@ TEST(PdfCheckTool, ShowsFindingsWithTheirPlace) {
     folder.Write("good.pdf", GeoPdf::Viewport().Text());
     folder.Write("bad.pdf", GeoPdf::Viewport{.lpts = "[0 0 0 2 1 2 1 0]"}.Text());
     folder.ExpectRun("check %good.pdf", 0, "", {"passes"});
+    folder.Write("two.pdf", GeoPdf::Viewport{.more_viewports = GeoPdf::Viewport().Entry()}.Text());
+    folder.ExpectRun("check %two.pdf", 0, "", {"passes"});
+    folder.ExpectRun("check --expect-crs EPSG:4326 %two.pdf", 3, "", {"[other-maps]"});
     folder.ExpectRun("check %bad.pdf", 2, "", {"(page 1, VP 1/LPTS) [pdf-unit-square]"});
 }
 

@@ -128,7 +128,12 @@ private:
 };
 
 /// What the standard says of the maps of a PDF, on all of its pages.
-void CheckPdf(ReadResult& result) {
+void CheckPdf(const Demands& demands, ReadResult& result) {
+    // All maps are checked; only the demands are made on one of them.
+    if (!demands.system && !demands.area && !demands.max_rmse)
+        std::erase_if(result.diagnostics, [](const Diagnostic& remark) {
+            return remark.id == "other-maps" || remark.id == "pdf-other-pages";
+        });
     const auto findings = MapAnchor::BGeoPDFCheck::Of(Tellurion::BString(result.file));
     for (const MapAnchor::BDiagnostic& finding : findings) {
         const std::string id = finding.GetId().StdStr();
@@ -177,7 +182,7 @@ ExitStatus Run(const CheckOptions& options) {
     Tally tally;
     ForEachInput(options.files, options.nul_separated, [&](const std::string& file) {
         ReadResult result = ReadFile(file, options.read, log);
-        if (result.page) CheckPdf(result);
+        if (result.page) CheckPdf(demands, result);
         if (result.Ok()) Judge(demands, result).Run();
         tally.Count(StatusOf(result));
         console.Print(options.common.json ? ToText(VerdictJson(result), options.common)
