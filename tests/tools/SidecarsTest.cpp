@@ -47,6 +47,7 @@ TEST(Sidecars, WhatATargetLacksOrNeedsIsReported) {
     const ToolFolder folder;
     folder.Write("turned.tfw", "1\n0.5\n-0.5\n-1\n5\n5\n");
     folder.Write("points.rsf", kPoints);
+    folder.Write("tiny.tfw", "1e-9\n0\n0\n-1e-9\n5\n5\n");
     for (const char* name : {"plain.tfw", "odd.tfw", "japan.tfw", "igs.tfw", "utm.tfw"})
         folder.Write(name, "1\n0\n0\n-1\n5\n5\n");
     folder.Write("odd.prj",
@@ -76,6 +77,7 @@ TEST(Sidecars, WhatATargetLacksOrNeedsIsReported) {
         {"utm.tfw", "g.tab", known, 0, "\"diagnostics\":[]"},
         {"utm.tfw", "g.ers", known, 0, "\"diagnostics\":[]"},
         {"points.rsf", "e.tfw", "", 3, "control points are not saved"},
+        {"tiny.tfw", "h.tab", known, 3, "11 decimals, which moves the far corner by up to 0.005 pixels"},
     };
     for (const LossCase& test : cases) {
         folder.ExpectRun("convert --json %" + test.source + " %" + test.target + " " + test.options,

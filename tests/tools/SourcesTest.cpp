@@ -124,6 +124,11 @@ TEST(Sources, TheTableComparesThemWithGdal) {
         {"kind":"RSF","wins":false,"winsInGdal":false,"distanceMetres":0}],"diagnostics":[{"id":"sources-differ"}])");
     folder.ExpectRun("sources %map.png", 0, "",
                      {"WLD    map.wld, map.prj no        no           0.50   5.000"});
+    // At 60 degrees north a degree of longitude is half as long as one of latitude.
+    folder.Write("map.pgw", "0.001\n0\n0\n-0.001\n20.0005\n60.0045\n");
+    folder.Write("map.wld", "0.001\n0\n0\n-0.001\n20.001\n60.0045\n");
+    folder.Write("map.prj", PrjOf("4326"));
+    folder.ExpectRun("sources %map.png", 0, "", {"0.50     27.803"});
 }
 
 TEST(Sources, FilesInAnArchiveAreRead) {
