@@ -138,8 +138,8 @@ public:
     void Add(const StructureState& state, const PdfReference& page, const BString& system_name) {
         DictionaryText parent(references_.TextOf(state.parent));
         std::string kids = state.kids ? references_.TextOf(*state.kids) : parent.Value("K");
-        if (!state.has_kids) kids = "[ ]";
-        if (kids.front() != '[') kids = "[ " + kids + " ]";
+        if (!state.has_kids) kids.clear();
+        if (!state.kids && (kids.empty() || kids.front() != '[')) kids = "[ " + kids + " ]";
         const PdfReference element = update_.NewObject();
         kids = VellumLib::ArrayTextWith(kids, ReferenceText(element));
         if (!state.kids) parent.Set("K", kids);

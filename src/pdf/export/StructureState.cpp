@@ -26,9 +26,11 @@ public:
     TreeWalk(const PdfReference& page, const ObjectLookup& find, StructureState& state)
         : page_(page), find_(find), state_(state) {}
 
-    void From(const PdfObject& root, std::size_t max_elements) {
-        seen_.insert(state_.root);
-        if (root.IsReference() || !root.IsDictionary() || !HasType(root.GetDictionary(), "StructTreeRoot"))
+    /// `marks` is what the catalog has for "MarkInfo", which is going to change as well.
+    void From(const PdfObject& root, const PdfObject* marks, std::size_t max_elements) {
+        seen_ = {state_.root, page_};
+        if (root.IsReference() || state_.root == page_ || !root.IsDictionary() ||
+            !HasType(root.GetDictionary(), "StructTreeRoot"))
             return Fail("its root is not the root of a structure tree");
         AddKids(root.GetDictionary(), true);
         const PdfDictionary* const top = OnlyKid(root.GetDictionary());
@@ -41,6 +43,8 @@ public:
             open_.pop_front();
             AddKids(element, false);
         }
+        if (marks && marks->IsReference() && seen_.count(marks->GetReference()) > 0)
+            Fail("the page or a part of it is the file's \"MarkInfo\", too");
     }
 
     /// The value, or what it refers to. Null for nothing.
@@ -124,7 +128,7 @@ StructureState LookAtStructure(const PdfDictionary& catalog, const PdfReference&
         state.root = entry->GetReference();
     else
         state.fault = "its root is not an object of its own";
-    if (state.fault.empty()) walk.From(*root, max_elements);
+    if (state.fault.empty()) walk.From(*root, catalog.GetKey("MarkInfo"), max_elements);
     return state;
 }
 

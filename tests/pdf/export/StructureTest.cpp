@@ -102,6 +102,7 @@ TEST(Structure, IsExtendedOrStays) {
          "/StructTreeRoot 4 0 R/MarkInfo 5 0 R"},
         {"the standard allows no role of ours", "P 3 7", good + "/K[6 0 R]", "",
          PdfStreamObject("<x pdfuaid:part='1'/>"), "/StructTreeRoot 4 0 R/Metadata 5 0 R/MarkInfo<<>>"},
+        {"marks that are the page", "", good + "/K 6 0 R", "", "[]", "/StructTreeRoot 4 0 R/MarkInfo 3 0 R"},
         {"an odd kid", "", good + "/K 3"},
         {"odd kids", "", good + "/K[6 0 R 3]"},
         {"an odd kid below", "", good + "/K[6 0 R]", "<</S/P/K(x)>>"},
