@@ -103,7 +103,7 @@ TEST(GeoTiffTool, AnInexactSaveIsTakenBack) {
                      {"lost-digits"});
     folder.Write("old.wld", "old");
     folder.ExpectRun("convert --overwrite --require-exact --json --type wld --size 20x10 %place.tfw %old.wld",
-                     2);
+                     2, "", {"is not exact and was taken back"});
     folder.ExpectFile("old.wld", "old");
 }
 

@@ -60,6 +60,7 @@ TEST_F(PdfInPlace, SizeAndResolution) {
                 R"(,"written":["%map.pdf"],"coordSys":{"epsg":"EPSG:32632"},"points":[{},{},{},{}])",
             {fit.warning});
         if (*fit.warning) continue;
+        EXPECT_TRUE(run.Ours()["proof"]["confirmedByGdal"].get<bool>());
         EXPECT_LT(run.Ours()["closeness"]["pixels"].get<double>(), 1e-3);
         EXPECT_LT(run.Ours()["closeness"]["metres"].get<double>(), 1e-2);
         const json back =
