@@ -176,8 +176,8 @@ bool IsReadBack(const MapInfoTerms& terms, const CoordSysDefinition& system) {
     return IsSamePlacement(read->CloneHorizontal().get(), system.CloneHorizontal().get());
 }
 
-/// Whether the datum of a clause leads to where PROJ places it on WGS 84: some datums have a
-/// way there that is no shift, which the clause then leaves out.
+/// Whether the datum of a clause leads to where PROJ places it on WGS 84: some datums are turned
+/// too far for seven parameters, or have no such shift at all.
 bool LeadsToSamePlace(const MapInfoTerms& terms, const CoordSysDefinition& system) {
     constexpr double kSameOnWgs84 = 10.0 / 111'319.0;  // degrees
     constexpr std::size_t kStep = 9;
@@ -198,13 +198,11 @@ bool LeadsToSamePlace(const MapInfoTerms& terms, const CoordSysDefinition& syste
     return true;
 }
 
-/// A datum with a code that is in no table, and for which the clause states no shift.
-bool NeedsProofOfDatum(const MapInfoTerms& terms, const CoordSysDefinition& system) {
-    const auto& shift = terms.datum_parameters;  // behind the ellipsoid
+/// Datums of MapInfo's own table mean what MapInfo says, and a shift of the text's own is exact.
+bool NeedsProofOfDatum(const CoordSysDefinition& system) {
     const int number = system.GeodeticEpsgNumber();
     return number != 0 && !FindMapInfoDatum(number) &&
-           std::all_of(shift.begin() + (shift.empty() ? 0 : 1), shift.end(),
-                       [](double value) { return value == 0.0; });
+           system.Wkt().StdStr().find("TOWGS84[") == std::string::npos;
 }
 
 std::string NonEarthTextOf(const CoordSysDefinition& system) {
@@ -221,7 +219,7 @@ std::string MapInfoTextOf(const CoordSysDefinition& system) {
         return system.Wkt().StdStr().starts_with("LOCAL_CS[") ? NonEarthTextOf(system) : std::string();
     const MapInfoTerms terms = EarthTermsOf(system);
     const bool states = terms.type != 0 && IsReadBack(terms, system) &&
-                        (!NeedsProofOfDatum(terms, system) || LeadsToSamePlace(terms, system));
+                        (!NeedsProofOfDatum(system) || LeadsToSamePlace(terms, system));
     return states ? FormatMapInfo(terms) : std::string();
 }
 
