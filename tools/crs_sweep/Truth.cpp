@@ -41,6 +41,17 @@ Object BaseOf(PJ* horizontal) {
     return Object(derived ? proj_get_source_crs(Context(), horizontal) : proj_clone(Context(), horizontal));
 }
 
+/// The base with the shift to WGS 84 that a text states.
+Object WithShiftOf(PJ* whole, PJ* base) {
+    const Object part(proj_get_type(whole) == PJ_TYPE_COMPOUND_CRS ? proj_crs_get_sub_crs(Context(), whole, 0)
+                                                                   : proj_clone(Context(), whole));
+    if (!part || proj_get_type(part.get()) != PJ_TYPE_BOUND_CRS) return nullptr;
+    const Object hub(proj_get_target_crs(Context(), part.get()));
+    const Object shift(proj_crs_get_coordoperation(Context(), part.get()));
+    return Object(hub && shift ? proj_crs_create_bound_crs(Context(), base, hub.get(), shift.get())
+                               : nullptr);
+}
+
 Object Operation(PJ* from, PJ* to) {
     const Object raw(proj_create_crs_to_crs_from_pj(Context(), from, to, nullptr, nullptr));
     return Object(raw ? proj_normalize_for_visualization(Context(), raw.get()) : nullptr);
@@ -122,7 +133,8 @@ bool Truth::Project(Probe& probe) const {
 
 std::optional<Probe> Truth::OnWgs84(double longitude, double latitude) const {
     const Object wgs84(proj_create(Context(), "EPSG:4326"));
-    const Object way = Operation(base_.get(), wgs84.get());
+    const Object shifted = WithShiftOf(whole_.get(), base_.get());
+    const Object way = Operation(shifted ? shifted.get() : base_.get(), wgs84.get());
     if (!way) return std::nullopt;
     const PJ_COORD from =
         proj_coord(longitude / degrees_per_base_unit_, latitude / degrees_per_base_unit_, 0, HUGE_VAL);

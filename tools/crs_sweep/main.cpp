@@ -123,7 +123,7 @@ Finding Compare(const Answer& answer, const Truth& truth, const std::vector<Prob
     std::optional<Truth> other;
     double shift = 0.0;
     if (!answer.back || !same_code) {
-        other.emplace(answer.back ? answer.back->ToWKT().StdStr() : answer.text);
+        other.emplace(!answer.back ? answer.text : code.empty() ? answer.back->ToWKT().StdStr() : code);
         if (!other->IsUsable()) return {Wrong, "PROJ does not read " + answer.text};
         const Figure& a = truth.GetFigure();
         const Figure& b = other->GetFigure();

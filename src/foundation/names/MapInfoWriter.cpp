@@ -1,6 +1,8 @@
 #include "names/MapInfoWriter.h"
 
+#include "crs/DefinitionCaches.h"
 #include "crs/Identification.h"
+#include "crs/SystemTransformation.h"
 #include "names/MapInfoConversions.h"
 #include "names/MapInfoDatums.h"
 #include "names/MapInfoSystem.h"
@@ -17,6 +19,7 @@
 #include <cmath>
 #include <numbers>
 #include <optional>
+#include <vector>
 
 namespace Tellurion {
 namespace {
@@ -26,6 +29,7 @@ constexpr int kGrs80 = 0;
 constexpr int kGrs80Datum = 33;
 constexpr int kKkj = 1016;
 constexpr int kWebMercator = 3857;
+constexpr int kWgs84 = 4326;
 constexpr int kLatitudeLongitude = 1;
 constexpr int kTransverseMercator = 8;
 constexpr int kTransverseMercatorOfKkj = 24;
@@ -172,6 +176,35 @@ bool IsReadBack(const MapInfoTerms& terms, const CoordSysDefinition& system) {
     return IsSamePlacement(read->CloneHorizontal().get(), system.CloneHorizontal().get());
 }
 
+/// Whether the datum of a clause leads to where PROJ places it on WGS 84: some datums are turned
+/// too far for seven parameters, or have no such shift at all.
+bool LeadsToSamePlace(const MapInfoTerms& terms, const CoordSysDefinition& system) {
+    constexpr double kSameOnWgs84 = 10.0 / 111'319.0;  // degrees
+    constexpr std::size_t kStep = 9;
+    const CoordSysDefinition::Ptr wgs84 = FindByEpsg(kWgs84);
+    const CoordSysDefinition::Ptr read = FindByMapInfo(terms);
+    if (!wgs84 || !read) return false;
+    const SystemTransformation own(system, *wgs84);
+    const SystemTransformation others(*read, *wgs84);
+    const std::vector<BPoint> places = PlacesOf(system.CloneHorizontal().get());
+    for (std::size_t i = 0; i < places.size(); i += kStep) {
+        BPoint a = places[i];
+        if (!system.FromGeodetic(a)) continue;
+        BPoint b = a;
+        if (!own.Apply(a) || !others.Apply(b)) continue;
+        const double cosine = std::cos(a.y / kDegrees);
+        if (std::hypot(std::remainder(a.x - b.x, 360.0) * cosine, a.y - b.y) > kSameOnWgs84) return false;
+    }
+    return true;
+}
+
+/// Datums of MapInfo's own table mean what MapInfo says, and a shift of the text's own is exact.
+bool NeedsProofOfDatum(const CoordSysDefinition& system) {
+    const int number = system.GeodeticEpsgNumber();
+    return number != 0 && !FindMapInfoDatum(number) &&
+           system.Wkt().StdStr().find("TOWGS84[") == std::string::npos;
+}
+
 std::string NonEarthTextOf(const CoordSysDefinition& system) {
     const BSharedPtr<BUnit> unit = system.HorizontalUnit();
     const auto* linear = dynamic_cast<const BLinearUnit*>(unit.Get());
@@ -185,7 +218,9 @@ std::string MapInfoTextOf(const CoordSysDefinition& system) {
     if (system.GetKind() == CoordSysDefinition::Kind::Other)
         return system.Wkt().StdStr().starts_with("LOCAL_CS[") ? NonEarthTextOf(system) : std::string();
     const MapInfoTerms terms = EarthTermsOf(system);
-    return terms.type != 0 && IsReadBack(terms, system) ? FormatMapInfo(terms) : std::string();
+    const bool states = terms.type != 0 && IsReadBack(terms, system) &&
+                        (!NeedsProofOfDatum(system) || LeadsToSamePlace(terms, system));
+    return states ? FormatMapInfo(terms) : std::string();
 }
 
 }  // namespace Tellurion
