@@ -92,6 +92,7 @@ void BExportGeoPDF::AddTiePoint(const CPDFPathPoint& pixel, const CPDFPathPoint&
 
 void BExportGeoPDF::PrepareDocument(VellumLib::CPDFDocument& document) {
     if (!spares_document_) return;
+    KeepPieceInfo();
     document.GetPage(GetPageIndex()).GetDictionary().RemoveKey("LGIDict");
     const bool has_structure =
         extends_structure_

@@ -101,7 +101,11 @@ void CPDFExport::WritePage(CPDFDocument& document, CPDFStructureTreeRoot* root) 
 }
 
 void CPDFExport::WritePieceInfo(CPDFDocument& document) {
-    CPDFDictionary piece_info = document.GetCatalog().AddNewDictionary("PieceInfo");
+    PoDoFo::PdfObject* const kept =
+        keeps_piece_info_ ? document.Document().GetCatalog()->GetIndirectKey("PieceInfo") : nullptr;
+    CPDFDictionary piece_info = kept && kept->IsDictionary()
+                                    ? CPDFDictionary(kept->GetDictionary())
+                                    : document.GetCatalog().AddNewDictionary("PieceInfo");
     CPDFDictionary application = document.CreateDictionary();
     CPDFDictionary private_data = document.CreateDictionary();
     private_data.AddString(GetVersionKey(), GetVersionText());

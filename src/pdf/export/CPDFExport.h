@@ -71,6 +71,8 @@ public:
 protected:
     /// For PrepareDocument: the document keeps its logical structure, which is not written anew.
     void KeepStructure() { keeps_structure_ = true; }
+    /// The same for what other programs have in "PieceInfo".
+    void KeepPieceInfo() { keeps_piece_info_ = true; }
 
     virtual void PrepareDocument(CPDFDocument& document) = 0;
     virtual QString GetVersionText() = 0;
@@ -107,6 +109,7 @@ private:
     int page_index_ = 0;
     bool keeps_longitudes_ = false;
     bool keeps_structure_ = false;
+    bool keeps_piece_info_ = false;
     QString viewport_name_ = QStringLiteral("AllLayers");
 };
 

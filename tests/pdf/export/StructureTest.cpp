@@ -134,5 +134,18 @@ TEST(Structure, IsExtendedOrStays) {
         }
 }
 
+TEST(Structure, WhatOtherProgramsKeepInTheFileStays) {
+    const TempFolder folder;
+    const std::string file = folder.Write(
+        "map.pdf",
+        PlainPdf({"<</Type/Catalog/Pages 2 0 R/PieceInfo 4 0 R>>", "<</Type/Pages/Kids[3 0 R]/Count 1>>",
+                  "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]>>", "<</Other<</Private 5>>>>"}));
+    Save(file, References::WithCorners(600000, 5200000), false);
+    VellumLib::CPDFDocument document(QString::fromStdString(file));
+    const PdfObject* const pieces = document.Document().GetCatalog()->GetIndirectKey("PieceInfo");
+    EXPECT_TRUE(pieces->GetDictionary().HasKey("Other"));
+    EXPECT_TRUE(pieces->GetDictionary().HasKey("RastrelSpatialPDF"));
+}
+
 }  // namespace
 }  // namespace MapAnchor
