@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <string>
 #include <string_view>
 
 namespace VellumLib {
@@ -78,8 +79,15 @@ std::int64_t GuardedReader::Tell() {
     return position_;
 }
 
+// The parser keeps an object under the number in its head, and of two under one number it
+// takes any, though the cross-references may name the other.
 void GuardedReader::TakeObjectHead() {
-    budget_.InsertObject(static_cast<std::uint64_t>(std::max<std::int64_t>(Number(tracker_.Word(2)), 0)));
+    const std::int64_t number = std::max<std::int64_t>(Number(tracker_.Word(2)), 0);
+    budget_.InsertObject(static_cast<std::uint64_t>(number));
+    if (heads_.emplace(number, position_).first->second != position_)
+        RefusePdf(PoDoFo::ePdfError_BrokenFile,
+                  "The cross-references lead to two objects with the number " + std::to_string(number) +
+                      "; mend the file, as with qpdf.");
     tracker_.ForgetWords();
 }
 
@@ -181,6 +189,7 @@ void GuardedReader::EndLoading() {
     tracker_.KeepDictionaries(false);
     budget_.EndLoading();
     streams_.clear();
+    heads_.clear();
     dictionary_.clear();
 }
 

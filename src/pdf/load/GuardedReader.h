@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace VellumLib {
 
@@ -65,6 +66,8 @@ private:
     bool dictionary_cut_ = false;
     /// Dictionaries with a stream, by the place of the stream's data.
     std::map<std::int64_t, std::string> streams_;
+    /// The places behind the heads of objects, by number.
+    std::unordered_map<std::int64_t, std::int64_t> heads_;
     std::int64_t table_next_ = -1;
     std::int64_t table_number_ = 0;
 };

@@ -285,6 +285,12 @@ const std::vector<Bomb> kBombs = {
     {"previous_before_the_file", Refused, [] { return WithPage().Finish("/Prev -1"); }},
     {"chain_of_50_updates", Loads, [] { return PreviousChain(50); }},
     {"chain_of_5000_updates", Refused, [] { return PreviousChain(5'000); }},
+    {"another_page_under_the_number_of_the_first", Refused,
+     [] {
+         PdfBuilder file = WithPage();
+         file.AddAs(3, kPage);
+         return file.Finish();
+     }},
     {"tree_points_to_its_root", Refused,
      [] {
          return Tree({NodeAbove(3), NodeAbove(2)});
