@@ -37,13 +37,15 @@ public:
 
 private:
     std::string CheckStaged(const RasterState& wanted);
+    RasterState::Layout OldLayout() const;
     std::string CloseStaged();
 
+    Tellurion::BString file_;
     Tellurion::QuietGdal quiet_;
     std::optional<UpdateLock> lock_;
     std::optional<StagingFolder> folder_;
     GdalRaster raster_;
-    RasterState::Layout layout_;  ///< as opened
+    RasterState::Layout layout_;  ///< as opened; of a GeoTIFF see OldLayout()
     bool has_cloud_layout_ = false;
     std::string driver_;  ///< GDAL's name of it
     std::string memory_fault_;
