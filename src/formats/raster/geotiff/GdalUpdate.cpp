@@ -119,8 +119,10 @@ RasterState::Layout GdalUpdate::OldLayout() const {
 }
 
 std::string GdalUpdate::CloseStaged() {
-    RasterState wanted = RasterState::Of(*raster_, {.layout = false});
-    const bool was_alone = driver_ == kGeoTiffDriver && FilesBeside(*raster_).empty();
+    const bool was_alone =
+        driver_ == kGeoTiffDriver && (folder_->StandsAlone() || FilesBeside(*raster_).empty());
+    // Only a file beside the raster can override its system.
+    RasterState wanted = RasterState::Of(*raster_, {.layout = false, .system = !was_alone});
     quiet_.ForgetFailures();
     raster_.reset();
     if (!quiet_.FirstFailure().empty()) return quiet_.FirstFailure();

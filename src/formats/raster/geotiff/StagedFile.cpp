@@ -143,12 +143,17 @@ std::vector<StagedFile::Change> StagedFile::ChangesWithinOldLength() const {
         if (start >= old_length_) break;
         Page old{};
         const std::size_t count = ReadDisk(start, old);
-        for (std::size_t i = 0; i < count; ++i) {
-            if (old[i] == (*page)[i]) continue;
-            const bool continues =
-                !changes.empty() && changes.back().offset + changes.back().bytes.size() == start + i;
-            if (!continues) changes.push_back({start + i, {}});
-            changes.back().bytes.push_back((*page)[i]);
+        // Most blocks are as they were, and are compared fast.
+        for (std::size_t block = 0; block < count; block += kCompared) {
+            const std::size_t end = std::min(block + kCompared, count);
+            if (std::memcmp(old.data() + block, page->data() + block, end - block) == 0) continue;
+            for (std::size_t i = block; i < end; ++i) {
+                if (old[i] == (*page)[i]) continue;
+                const bool continues =
+                    !changes.empty() && changes.back().offset + changes.back().bytes.size() == start + i;
+                if (!continues) changes.push_back({start + i, {}});
+                changes.back().bytes.push_back((*page)[i]);
+            }
         }
     }
     return changes;

@@ -65,6 +65,7 @@ public:
 
 private:
     static constexpr std::size_t kPage = 4096;
+    static constexpr std::size_t kCompared = 256;
     using Page = std::array<char, kPage>;
 
     StagedFile(std::string path, int descriptor, std::uint64_t length, std::int64_t changed_at)

@@ -2,6 +2,7 @@
 
 #include "raster/geotiff/StagingLayer.h"
 
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>
@@ -55,6 +56,15 @@ StagedFile* StagingFolder::Create(const std::string& name) {
     const std::string folder = folder_.empty() ? "." : folder_;
     if (::access(folder.c_str(), W_OK) != 0) return nullptr;
     return (files_[name] = StagedFile::Make(PathOf(name))).get();
+}
+
+void StagingFolder::NoteListing(const char* const* names, int limit) {
+    const std::string stem = name_.substr(0, name_.rfind('.'));
+    int count = 0;
+    int relatives = 0;
+    for (; names && names[count]; ++count)
+        if (::strncasecmp(names[count], stem.c_str(), stem.size()) == 0) ++relatives;
+    stands_alone_ = relatives == 1 && (limit <= 0 || count < limit);
 }
 
 bool StagingFolder::Remove(const std::string& name) {

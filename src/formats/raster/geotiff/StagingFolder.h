@@ -49,6 +49,12 @@ public:
     bool Remove(const std::string& name);
     /// False when there is no such file.
     bool GetLength(const std::string& name, std::uint64_t& length) const;
+    /// Takes note of what is in the folder, a list that ends with a null pointer, or null.
+    /// It may have been cut at `limit` names; 0 is no limit.
+    void NoteListing(const char* const* names, int limit);
+    /// True if GDAL has seen that no other file in the folder begins with the name of the raster
+    /// without its extension, as those do that may override what the raster says.
+    bool StandsAlone() const { return stands_alone_; }
     /// True for a file that this object has staged, also where it removed it.
     bool Knows(const std::string& name) const { return files_.count(name) != 0; }
 
@@ -57,6 +63,7 @@ private:
     std::string name_;    ///< of the raster, within the folder
     std::string prefix_;  ///< the folder as GDAL knows it, with its slash at the end
     std::string raster_name_;
+    bool stands_alone_ = false;
     std::map<std::string, std::unique_ptr<StagedFile>> files_;
 };
 

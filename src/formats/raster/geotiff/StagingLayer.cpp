@@ -123,6 +123,7 @@ char** ReadDir(void*, const char* asked, int limit) {
     if (!place.folder || !place.name.empty()) return nullptr;
     const std::string folder = place.folder->PathOf("");
     char** names = VSIReadDirEx(folder.empty() ? "." : folder.c_str(), limit);
+    place.folder->NoteListing(names, limit);
     for (const auto& [name, file] : place.folder->Files())
         if (file && !file->IsOnDisk()) names = CSLAddString(names, name.c_str());
     return names;
