@@ -57,8 +57,11 @@ int GuardedReader::Get() {
 }
 
 void GuardedReader::CheckObject() {
-    if (tracker_.Depth() <= budget_.Deepest() && budget_.OneObject().Allow(tracker_)) return;
+    if (tracker_.Depth() <= budget_.Deepest() && budget_.OneObject().Allow(tracker_) &&
+        budget_.HasRoomFor(tracker_.Values()))
+        return;
     Guard([this] {
+        if (!budget_.HasRoomFor(tracker_.Values())) SettleValues();
         if (tracker_.Depth() > budget_.Deepest())
             RefusePdf(PoDoFo::ePdfError_BrokenFile, "An object is nested too deep.");
         RefusePdf(PoDoFo::ePdfError_OutOfMemory, "An object is too large.");

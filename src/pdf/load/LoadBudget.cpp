@@ -15,7 +15,6 @@ constexpr std::uint64_t kParserObject = 1'300;
 constexpr std::uint64_t kCompressedObject = 700;
 constexpr std::uint64_t kMemory = 192 * kMebi;
 constexpr std::uint64_t kMemoryPerByte = 3;
-constexpr std::uint64_t kValues = 1'000'000;
 constexpr std::uint64_t kCopies = 6'000'000;
 constexpr std::uint64_t kOneDecoded = 16 * kMebi;
 constexpr std::uint64_t kDecoded = 48 * kMebi;
@@ -76,10 +75,11 @@ void LoadBudget::OpenObjectStream(std::uint64_t count) {
 }
 
 void LoadBudget::AddValues(std::uint64_t values, std::uint64_t copies) {
+    const bool has_room = HasRoomFor(values);
     values_ += values;
     copies_ += copies;
-    Require(values_ <= kValues + file_size_ / 2 && copies_ <= kCopies + 2 * file_size_,
-            PoDoFo::ePdfError_OutOfMemory, "The objects hold more values than the file explains.");
+    Require(has_room && copies_ <= kCopies + 2 * file_size_, PoDoFo::ePdfError_OutOfMemory,
+            "The objects hold more values than the file explains.");
 }
 
 void LoadBudget::AddStreamBytes(std::uint64_t bytes) {

@@ -70,6 +70,10 @@ public:
     void InsertObject(std::uint64_t number);
     /// An object stream with `count` objects is about to be read.
     void OpenObjectStream(std::uint64_t count);
+    /// False if so many values more are too many.
+    bool HasRoomFor(std::uint64_t values) const {
+        return values_ + values <= kValues + file_size_ / kBytesPerValue;
+    }
     void AddValues(std::uint64_t values, std::uint64_t copies);
     void AddStreamBytes(std::uint64_t bytes);
     void AddDecodedBytes(std::uint64_t bytes);
@@ -79,6 +83,10 @@ public:
     void EndLoading();
 
 private:
+    static constexpr std::uint64_t kValues = 1'000'000;
+    // With the blank between them, values of files that are no attack are longer on average.
+    static constexpr std::uint64_t kBytesPerValue = 5;
+
     void AddMemory(std::uint64_t bytes);
 
     ObjectLimits objects_;

@@ -12,6 +12,7 @@
 #include "PdfBuilder.h"
 #include "TempFolder.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -176,6 +177,16 @@ TEST(GuardedLoad, OpensAMillionNumbersInOneArray) {
     const TempFolder folder;
     const auto loaded = LoadGuarded(folder.Write("large.pdf", file.Finish()));
     EXPECT_EQ(loaded->GetPage(0)->GetObject()->GetIndirectKey("VP")->GetArray().size(), 1'000'000U);
+}
+
+TEST(GuardedLoad, RefusesMoreSmallValuesThanTheFileExplains) {
+    PdfBuilder file = WithPage();
+    for (int i = 0; i < 3; ++i)
+        file.Add("[" + Repeated("0 ", 990'000) + "]");
+    const TempFolder folder;
+    const auto loaded = LoadGuarded(folder.Write("zeros.pdf", file.Finish()));
+    const auto is_array = [](const PdfObject* object) { return object->IsArray(); };
+    EXPECT_THROW(std::ranges::count_if(loaded->GetObjects(), is_array), PdfError);
 }
 
 TEST(GuardedLoad, OpensAHundredThousandCompressedObjects) {
