@@ -90,8 +90,8 @@ CDataSource::Objects CDataSource::Search(int objectType) const {
     if (objectType != kProjectedCoordSys) return objects;
     for (const auto& row : EpsgProjections::Instance().All())
         objects.push_back(EpsgObject(row));
-    for (const auto& entry : ErMapperProjections::Instance().All())
-        objects.push_back(NameObject(entry));
+    for (const auto* entry : ErMapperProjections::Instance().All())
+        objects.push_back(NameObject(*entry));
     for (const Stored& stored : GetStored())
         objects.push_back(stored->Clone());
     return objects;

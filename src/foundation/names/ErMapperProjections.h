@@ -4,6 +4,8 @@
 #include "names/ErMapperNames.h"
 
 #include <cstddef>
+#include <memory>
+#include <mutex>
 #include <unordered_map>
 #include <vector>
 
@@ -11,7 +13,8 @@ namespace GeoCalc::DB {
 
 /// The ER Mapper projections in the order of the database: the zones of UTM first, so
 /// that a search meets their plain names before those of grids that equal one, then
-/// by alphabet. Made once, on first need, and never changed.
+/// by alphabet. What a row means is read once, when it is first asked for, since a search looks
+/// at few of them.
 class ErMapperProjections {
 public:
     struct Entry {
@@ -22,7 +25,7 @@ public:
 
     static const ErMapperProjections& Instance();
 
-    const std::vector<Entry>& All() const { return entries_; }
+    std::vector<const Entry*> All() const;
 
     /// Those nearly equal to a projection, in order: what a walk through All() would
     /// find, at the cost of a look-up.
@@ -30,15 +33,17 @@ public:
 
 private:
     ErMapperProjections();
-    void CollectAround(double meridian, const PJ::CProjection& projection,
-                       std::vector<const Entry*>& found) const;
+    const Entry* EntryOf(std::size_t row) const;
+    void CollectAround(double meridian, int kind, std::vector<std::size_t>& found) const;
 
     struct Place {
         double meridian;
-        std::size_t entry;
+        std::size_t row;
     };
 
-    std::vector<Entry> entries_;
+    std::vector<const ErMapperProjection*> rows_;
+    mutable std::mutex mutex_;
+    mutable std::vector<std::unique_ptr<const Entry>> entries_;  ///< null until asked for
     /// By kind, sorted by central meridian.
     std::unordered_map<int, std::vector<Place>> places_;
 };
