@@ -148,6 +148,7 @@ void CompareTransforms(const BGeoReference& meant, const FoundReference& found, 
     }
     out.pixels = distance.pixels;
     out.metres = distance.metres;
+    out.is_turned = distance.is_turned;
 }
 
 std::vector<const BPointPair*> PointsWritten(const BGeoReference& meant, const PartsHeld& held) {
@@ -174,7 +175,12 @@ double PixelSize(const BGeoReference& reference, const BPointPair& at) {
 void ComparePoint(const BGeoReference& meant, const BGeoReference& found, const BPointPair& pair,
                   const BControlPoint& point, SavedComparison& out) {
     double pixels = std::hypot(point.Column - pair.Column, point.Row - pair.Row);
-    const BPoint world = InSystemOf(found, meant, point.World);
+    BPoint world = InSystemOf(found, meant, point.World);
+    if (meant.HasCoordSys()) {
+        const double x = InTheTurnOf(*meant.CoordSys, pair.World.x, world.x);
+        out.is_turned = out.is_turned || x != world.x;
+        world.x = x;
+    }
     const double size = PixelSize(meant, pair);
     if (size > 0.0) pixels += std::hypot(world.x - pair.World.x, world.y - pair.World.y) / size;
     out.pixels = std::fmax(out.pixels, pixels);

@@ -30,6 +30,7 @@ struct SavedComparison {
     double metres;
     bool is_same_system = false;
     double system_metres;
+    bool is_turned = false;  ///< longitudes are whole turns around the earth apart
     std::vector<SavedDifference> differences = {};
 };
 

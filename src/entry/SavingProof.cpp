@@ -118,6 +118,7 @@ void Conclude(const char* how, const BString& file, const BGeoReference& meant, 
     const std::string system = SystemText(meant, held, compared);
     proof.text = how + distance + (distance.empty() || system.empty() ? "" : "; ") + system;
     if (distance.empty() && system.empty()) proof.text += "nothing to compare";
+    if (compared.is_turned) proof.text += "; with longitudes a whole turn off";
     Report(file, "", compared, options, proof);
 }
 

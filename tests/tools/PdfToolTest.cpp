@@ -97,6 +97,14 @@ TEST_F(PdfInPlace, ADryRunTouchesNothing) {
     EXPECT_EQ(fs::last_write_time(folder / ""), then);
 }
 
+// A PDF counts longitudes up to 180.
+TEST_F(PdfInPlace, BeyondTheDateLineThePlaceIsTheSame) {
+    folder.Write("fiji.tfw", "0.001\n0\n0\n-0.001\n185\n-15\n");
+    folder.Write("fiji.prj", RunTool({"crs", "--to", "esri", "EPSG:4326"}).out);
+    folder.ExpectRun("convert --overwrite --dpi 72 %fiji.tfw %map.pdf", 0, "",
+                     {"at most 0.000 pixels, 0.000 m; the same system; with longitudes a whole turn off"});
+}
+
 TEST_F(PdfInPlace, AnEndingInCapitalsAndALinkStayWhatTheyAre) {
     folder.Write("MAP.PDF", original);
     fs::create_hard_link(folder / "MAP.PDF", folder / "other");

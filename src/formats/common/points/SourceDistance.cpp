@@ -64,6 +64,12 @@ double Metres(const BCoordSys& system, Place a, Place b) {
 
 }  // namespace
 
+double InTheTurnOf(const BCoordSys& system, double longitude, double other) {
+    constexpr double kTurn = 360.0;
+    if (system.GetKind() != BCoordSys::kKindGeodetic) return other;
+    return other + kTurn * std::round((longitude - other) / kTurn);
+}
+
 double MetresBetween(const BCoordSys& system, const BPoint& a, const BPoint& b) {
     return Metres(system, {a.x, a.y}, {b.x, b.y});
 }
@@ -78,6 +84,11 @@ SourceDistance DistanceAt(const PlacedRaster& from, const PlacedRaster& to,
         auto there = WorldOf(to, place);
         if (there) there = Converted(to, from, *there);
         if (!here || !there) return {kNone, kNone};
+        if (from.reference.HasCoordSys()) {
+            const double x = InTheTurnOf(*from.reference.CoordSys, here->x, there->x);
+            worst.is_turned = worst.is_turned || x != there->x;
+            there->x = x;
+        }
         const auto pixel = PixelOf(from, *there);
         if (!pixel) return {kNone, kNone};
         worst.pixels = std::fmax(worst.pixels, std::hypot(pixel->x - place.x, pixel->y - place.y));

@@ -18,6 +18,7 @@ struct PlacedRaster {
 struct SourceDistance {
     double pixels;
     double metres;
+    bool is_turned = false;  ///< their longitudes are one turn around the earth or more apart
 };
 MAPANCHOR_INTERNAL SourceDistance DistanceBetween(const PlacedRaster& from, const PlacedRaster& to,
                                                   long width, long height);
@@ -26,6 +27,10 @@ MAPANCHOR_INTERNAL SourceDistance DistanceBetween(const PlacedRaster& from, cons
 /// means nothing.
 SourceDistance DistanceAt(const PlacedRaster& from, const PlacedRaster& to,
                           const std::vector<Tellurion::BPoint>& places);
+
+/// The longitude `other` in the turn around the earth that `longitude` is in; `other` where the
+/// first coordinate of the system is no longitude.
+double InTheTurnOf(const Tellurion::BCoordSys& system, double longitude, double other);
 
 /// Between two positions of a system, in metres, on a sphere for longitude and latitude. Not a
 /// number for a system without a length or an angle.
