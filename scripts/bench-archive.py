@@ -94,7 +94,8 @@ def starts(tool, archives, runs):
             ("`info` of a world file with a system", ["info", with_system], gdal),
             ("`info` of a GeoTIFF", ["info", tiffs[0]], gdal),
             ("`info` of a PDF", ["info", pdfs[0]], ["gdalinfo", pdfs[0]]),
-            ("`crs EPSG:32632`", ["crs", "EPSG:32632"], ["projinfo", "EPSG:32632"])):
+            ("`crs EPSG:32632`", ["crs", "EPSG:32632"], ["projinfo", "EPSG:32632"]),
+            ("`crs EPSG:25832`", ["crs", "EPSG:25832"], ["projinfo", "EPSG:25832"])):
         mine, theirs = in_turn([([tool, *ours],), (peer,)], runs)
         yield what, mine.processor, peer[0] + (" of the PDF" if peer[-1] == pdfs[0] else ""), theirs.processor
 
