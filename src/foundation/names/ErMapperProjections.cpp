@@ -56,8 +56,8 @@ ErMapperProjections::ErMapperProjections() {
 const ErMapperProjections::Entry* ErMapperProjections::EntryOf(std::size_t row) const {
     const std::lock_guard lock(mutex_);
     if (!entries_[row])
-        entries_[row] =
-            std::make_unique<Entry>(Entry{rows_[row], PJ::ReadProjection(*rows_[row]), OwnDatumOf(*rows_[row])});
+        entries_[row] = std::make_unique<Entry>(
+            Entry{rows_[row], PJ::ReadProjection(*rows_[row]), OwnDatumOf(*rows_[row])});
     return entries_[row].get();
 }
 
