@@ -1,5 +1,7 @@
 #include "render/AntimeridianCut.h"
 
+#include "render/PlainArea.h"
+
 #include <MapAnchor/BQuietGdal.h>
 
 #include <ogr_geometry.h>
@@ -14,12 +16,6 @@ namespace {
 
 constexpr double kTurn = 360.0;
 constexpr double kHalfTurn = 180.0;
-
-/// A tenth of a millimetre; the noise of the conversion is not worth its digits.
-double Rounded(double degrees) {
-    constexpr double kPerDegree = 1e9;
-    return std::round(degrees * kPerDegree) / kPerDegree + 0.0;  // no negative zero
-}
 
 OGRPolygon ToPolygon(const std::vector<Position>& line) {
     OGRLinearRing ring;
@@ -41,13 +37,10 @@ void AddRing(const OGRPolygon& polygon, double shift, Footprint& footprint) {
     std::unique_ptr<OGRLinearRing> ring(polygon.getExteriorRing()->clone());
     if (ring->isClockwise()) ring->reversePoints();
     std::vector<Position> positions;
-    for (const OGRPoint& point : *ring) {
-        const Position position{Rounded(point.getX() + shift), Rounded(point.getY())};
-        if (positions.empty() || positions.back().x != position.x || positions.back().y != position.y)
-            positions.push_back(position);
-    }
-    constexpr std::size_t kTriangle = 4;
-    if (positions.size() >= kTriangle) footprint.rings.push_back(std::move(positions));
+    for (const OGRPoint& point : *ring)
+        positions.push_back({point.getX() + shift, point.getY()});
+    positions = RoundedRing(positions);
+    if (!positions.empty()) footprint.rings.push_back(std::move(positions));
 }
 
 void AddRings(const OGRGeometry& geometry, double shift, Footprint& footprint) {
@@ -93,15 +86,15 @@ bool Cut(const OGRPolygon& area, const OGREnvelope& extent, Footprint& footprint
 }
 
 void SetBox(const OGREnvelope& extent, Footprint& footprint) {
-    footprint.south = Rounded(extent.MinY);
-    footprint.north = Rounded(extent.MaxY);
+    footprint.south = RoundedDegrees(extent.MinY);
+    footprint.north = RoundedDegrees(extent.MaxY);
     footprint.west = -kHalfTurn;
     footprint.east = kHalfTurn;
     if (extent.MaxX - extent.MinX >= kTurn) return;
     const double shift = -kTurn * std::floor((extent.MinX + kHalfTurn) / kTurn);
-    footprint.west = Rounded(extent.MinX + shift);
-    footprint.east = Rounded(extent.MaxX + shift);
-    if (footprint.east > kHalfTurn) footprint.east = Rounded(footprint.east - kTurn);
+    footprint.west = RoundedDegrees(extent.MinX + shift);
+    footprint.east = RoundedDegrees(extent.MaxX + shift);
+    if (footprint.east > kHalfTurn) footprint.east = RoundedDegrees(footprint.east - kTurn);
 }
 
 OGRMultiPolygon ToGeometry(const Footprint& footprint) {

@@ -4,6 +4,7 @@
 #include "read/RemarkIds.h"
 #include "render/AntimeridianCut.h"
 #include "render/Outline.h"
+#include "render/PlainArea.h"
 
 #include <Tellurion/BUnsupportedFileTypeException.h>
 
@@ -63,6 +64,11 @@ void CloseOverPole(const ReadResult& result, const RasterFrame& frame, std::vect
     line.push_back(first);
 }
 
+std::optional<Footprint> AreaOf(const std::vector<Position>& line) {
+    auto plain = PlainArea(line);
+    return plain ? plain : CutAtAntimeridian(line);
+}
+
 Footprint MakeFootprint(ReadResult& result) {
     if (!result.reference.HasMathTransform()) throw NoFootprint{"there is no transform"};
     if (!result.reference.HasCoordSys()) throw NoFootprint{"there is no coordinate system"};
@@ -79,7 +85,7 @@ Footprint MakeFootprint(ReadResult& result) {
     if (std::fabs(line.back().x - line.front().x) > kHalfTurn) CloseOverPole(result, *frame, line);
     auto footprint = [&line] {
         try {
-            return CutAtAntimeridian(line);
+            return AreaOf(line);
         } catch (const Tellurion::BUnsupportedFileTypeException& missing) {
             throw NoFootprint{missing.GetDetail().StdStr()};
         }
@@ -105,7 +111,7 @@ std::optional<Footprint> FootprintOfBox(double west, double south, double east, 
     if (!is_longitude(west) || !is_longitude(east) || !(-kPole <= south && south < north && north <= kPole))
         return std::nullopt;
     if (east <= west) east += kTurn;
-    return CutAtAntimeridian({{west, south}, {east, south}, {east, north}, {west, north}, {west, south}});
+    return AreaOf({{west, south}, {east, south}, {east, north}, {west, north}, {west, south}});
 }
 
 }  // namespace Tool
