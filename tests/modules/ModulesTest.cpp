@@ -82,8 +82,9 @@ TEST(Modules, APROJThatCannotBeLoadedFailsWhatNeedsIt) {
     const TempFolder folder;
     const std::string without_system = folder.Write("a.tfw", "2\n0\n0\n-2\n11\n49\n");
     EXPECT_EQ(libraries.Run({"info", without_system}).status, 0);
-    for (const auto& [words, status] :
-         {std::pair(std::vector<std::string>{"info", kWorldFile}, 5), {{"crs", "EPSG:25832"}, 2}}) {
+    for (const auto& [words, status] : {std::pair(std::vector<std::string>{"info", kWorldFile}, 5),
+                                        {{"crs", "EPSG:25832"}, 2},
+                                        {{"info", "--crs", "EPSG:25832", without_system}, 64}}) {
         const ToolRun run = libraries.Run(words);
         EXPECT_EQ(run.status, status) << run.err;
         EXPECT_NE(run.err.find("need PROJ, but the library <" MAPANCHOR_PROJ "> cannot be used: "),

@@ -81,9 +81,13 @@ EMathTransformType FitFromWord(const std::string& word) {
 
 std::unique_ptr<Tellurion::BCoordSys> SystemOption(const std::string& option, const std::string& text) {
     if (text.empty()) return nullptr;
-    auto system = KnownSystem(text);
-    if (!system) throw CLI::ValidationError(option, "unknown coordinate system: " + text);
-    return system;
+    std::string reason;
+    try {
+        if (auto system = SystemFromText(text).system) return system;
+    } catch (const Tellurion::BException& error) {
+        reason = ": " + error.GetDetailedMessage().StdStr();
+    }
+    throw CLI::ValidationError(option, "unknown coordinate system: " + text + reason);
 }
 
 std::string KindWords(bool saved) {

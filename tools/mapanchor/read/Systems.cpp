@@ -1,7 +1,5 @@
 #include "read/Systems.h"
 
-#include <Tellurion/BException.h>
-
 namespace Tool {
 
 using Tellurion::BCoordSys;
@@ -13,14 +11,6 @@ SystemAnswer SystemFromText(const std::string& text) {
     answer.system.reset(BCoordSys::FromText(BString(text), &understood_as));
     answer.understood_as = understood_as.StdStr();
     return answer;
-}
-
-std::unique_ptr<BCoordSys> KnownSystem(const std::string& text) {
-    try {
-        return SystemFromText(text).system;
-    } catch (const Tellurion::BException&) {
-        return nullptr;
-    }
 }
 
 bool IsSameSystem(const BCoordSys& a, const BCoordSys& b) {

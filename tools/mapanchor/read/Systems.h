@@ -16,9 +16,6 @@ struct SystemAnswer {
 /// The system that a person names, see BCoordSys::FromText. May throw a BException.
 SystemAnswer SystemFromText(const std::string& text);
 
-/// The system alone; null where nothing is known by the text, whatever the reason.
-std::unique_ptr<Tellurion::BCoordSys> KnownSystem(const std::string& text);
-
 /// True when both are the same system. One without heights is compared with the horizontal
 /// part of one with heights.
 bool IsSameSystem(const Tellurion::BCoordSys& a, const Tellurion::BCoordSys& b);
