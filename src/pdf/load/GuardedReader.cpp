@@ -88,9 +88,9 @@ void GuardedReader::TakeObjectHead() {
     const std::int64_t number = std::max<std::int64_t>(Number(tracker_.Word(2)), 0);
     budget_.InsertObject(static_cast<std::uint64_t>(number));
     if (heads_.emplace(number, position_).first->second != position_)
-        RefusePdf(PoDoFo::ePdfError_BrokenFile,
-                  "The cross-references lead to two objects with the number " + std::to_string(number) +
-                      "; mend the file, as with qpdf.");
+        RefusePdf(PoDoFo::ePdfError_BrokenFile, "The cross-references lead to two objects with the number " +
+                                                    std::to_string(number) +
+                                                    "; mend the file, as with qpdf.");
     tracker_.ForgetWords();
 }
 

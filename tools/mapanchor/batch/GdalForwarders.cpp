@@ -28,8 +28,8 @@ const GdalParts& LoadParts() {
     if (parts && std::string_view(parts->version) == MAPANCHOR_VERSION) return *parts;
     throw Tellurion::BUnsupportedFileTypeException(
         "mapanchor",
-        Tellurion::BString("indexes, and footprints that are hard to cut, need the module <" + file + "> of version " +
-                           MAPANCHOR_VERSION + ", which cannot be loaded" +
+        Tellurion::BString("indexes, and footprints that are hard to cut, need the module <" + file +
+                           "> of version " + MAPANCHOR_VERSION + ", which cannot be loaded" +
                            (reason ? std::string(": ") + reason : std::string()) +
                            "; install the package libmapanchor" + MAPANCHOR_SOVERSION + "-gdal."));
 }
