@@ -97,8 +97,9 @@ void GiveDiagnostic(const Tool::Diagnostics& list, std::size_t index, mapanchor_
 }
 
 Tellurion::BSharedPtr<Tellurion::BCoordSys> SystemOf(const std::string& text) {
-    auto system = Tool::KnownSystem(text);
-    if (!system) throw Refusal{MAPANCHOR_BAD_ARGUMENT, "unknown coordinate system: " + text};
+    std::string failure;
+    auto system = Tool::KnownSystem(text, failure);
+    if (!system) throw Refusal{MAPANCHOR_BAD_ARGUMENT, failure};
     return Tellurion::BSharedPtr<Tellurion::BCoordSys>(system.release());
 }
 

@@ -81,13 +81,10 @@ EMathTransformType FitFromWord(const std::string& word) {
 
 std::unique_ptr<Tellurion::BCoordSys> SystemOption(const std::string& option, const std::string& text) {
     if (text.empty()) return nullptr;
-    std::string reason;
-    try {
-        if (auto system = SystemFromText(text).system) return system;
-    } catch (const Tellurion::BException& error) {
-        reason = ": " + error.GetDetailedMessage().StdStr();
-    }
-    throw CLI::ValidationError(option, "unknown coordinate system: " + text + reason);
+    std::string failure;
+    auto system = KnownSystem(text, failure);
+    if (!system) throw CLI::ValidationError(option, failure);
+    return system;
 }
 
 std::string KindWords(bool saved) {

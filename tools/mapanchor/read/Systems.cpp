@@ -1,5 +1,7 @@
 #include "read/Systems.h"
 
+#include <Tellurion/BException.h>
+
 namespace Tool {
 
 using Tellurion::BCoordSys;
@@ -11,6 +13,16 @@ SystemAnswer SystemFromText(const std::string& text) {
     answer.system.reset(BCoordSys::FromText(BString(text), &understood_as));
     answer.understood_as = understood_as.StdStr();
     return answer;
+}
+
+std::unique_ptr<BCoordSys> KnownSystem(const std::string& text, std::string& failure) {
+    failure = "unknown coordinate system: " + text;
+    try {
+        return SystemFromText(text).system;
+    } catch (const Tellurion::BException& error) {
+        failure += ": " + error.GetDetailedMessage().StdStr();
+        return nullptr;
+    }
 }
 
 bool IsSameSystem(const BCoordSys& a, const BCoordSys& b) {

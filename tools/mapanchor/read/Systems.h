@@ -16,6 +16,9 @@ struct SystemAnswer {
 /// The system that a person names, see BCoordSys::FromText. May throw a BException.
 SystemAnswer SystemFromText(const std::string& text);
 
+/// The system alone; null where nothing is known by the text, with a sentence in `failure`.
+std::unique_ptr<Tellurion::BCoordSys> KnownSystem(const std::string& text, std::string& failure);
+
 /// True when both are the same system. One without heights is compared with the horizontal
 /// part of one with heights.
 bool IsSameSystem(const Tellurion::BCoordSys& a, const Tellurion::BCoordSys& b);
