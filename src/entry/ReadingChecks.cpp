@@ -67,21 +67,26 @@ void CheckGuess(ReadingState& state) {
 }
 
 void CheckDegrees(ReadingState& state) {
-    constexpr double kPole = 90.0;
-    constexpr double kHalfTurn = 180.0;
-    constexpr double kPixelMore = 1.0;  // degrees; grids often begin half a cell beyond the globe
     if (!IsGeodetic(state)) return;
+    // Grids often begin half a cell beyond the globe.
+    constexpr double kPixelMore = 1.0;
+    const BSharedPtr<BUnit> unit = state.reference.CoordSys->GetUnits();
+    const bool has_angle = unit && !unit->IsLinear();
+    const double per_degree = has_angle ? unit->GetUnitsPerBase() : 1.0;
+    const double pole = 90.0 * per_degree;
+    const double half_turn = 180.0 * per_degree;
     const Span span = SpanOf(state);
-    if (span.south < -kPole - kPixelMore || span.north > kPole + kPixelMore ||
-        span.west < -2 * kHalfTurn - kPixelMore || span.east > 2 * kHalfTurn + kPixelMore)
+    if (span.south < -pole - kPixelMore || span.north > pole + kPixelMore ||
+        span.west < -2 * half_turn - kPixelMore || span.east > 2 * half_turn + kPixelMore)
         return state.Add({.id = DiagnosticId::kDegreesOutOfRange,
                           .text = "a longitude or latitude is out of range: " + PrintShortest(span.west) +
                                   " to " + PrintShortest(span.east) + " and " + PrintShortest(span.south) +
-                                  " to " + PrintShortest(span.north) + " degrees",
+                                  " to " + PrintShortest(span.north) + " " +
+                                  (has_angle ? unit->GetName().StdStr() : "degree") + "s",
                           .file = state.used_file});
     // Points on both sides of the antimeridian look as if the chart went around the Earth.
     const bool is_chart = state.kind && std::string_view(state.kind->name) == "KAP";
-    if (is_chart && span.east - span.west > kHalfTurn)
+    if (is_chart && span.east - span.west > half_turn)
         state.Add({.id = DiagnosticId::kCrossesAntimeridian,
                    .text = "the chart crosses 180 degrees: its longitudes run from " +
                            PrintShortest(span.west) + " to " + PrintShortest(span.east) +

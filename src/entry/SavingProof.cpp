@@ -204,6 +204,7 @@ void AskGdal(const ReferenceFormat& kind, const BString& file, const BGeoReferen
     if (std::string_view(kind.name) == "PDF" && !ToPixelsOfBox(file, options, *gdal)) return;
     const SavedComparison compared = CompareSaved(meant, {gdal->reference, gdal->points}, held, options);
     proof.is_confirmed = compared.differences.empty() && IsWithin(compared, options);
+    if (compared.is_turned) proof.text += "; in GDAL a whole turn off";
     if (proof.is_confirmed) return;
     proof.is_exact = false;
     Report(file, "in GDAL: ", compared, options, proof);

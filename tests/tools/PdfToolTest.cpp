@@ -97,12 +97,19 @@ TEST_F(PdfInPlace, ADryRunTouchesNothing) {
     EXPECT_EQ(fs::last_write_time(folder / ""), then);
 }
 
-// A PDF counts longitudes up to 180.
+// A PDF counts longitudes up to 180 degrees, which are 200 grads.
 TEST_F(PdfInPlace, BeyondTheDateLineThePlaceIsTheSame) {
     folder.Write("fiji.tfw", "0.001\n0\n0\n-0.001\n185\n-15\n");
-    folder.Write("fiji.prj", RunTool({"crs", "--to", "esri", "EPSG:4326"}).out);
-    folder.ExpectRun("convert --overwrite --dpi 72 %fiji.tfw %map.pdf", 0, "",
-                     {"at most 0.000 pixels, 0.000 m; the same system; with longitudes a whole turn off"});
+    folder.Write("grads.tfw", "0.001\n0\n0\n-0.001\n205\n47\n");
+    for (const auto& [name, system, status, size] :
+         {std::tuple<std::string, const char*, int, const char*>{"fiji", "4326", 0, "107.3"},
+          {"grads", "4807", 3, "74.2"}}) {
+        folder.Write(name + ".prj", PrjOf(system));
+        folder.ExpectRun(
+            "convert --overwrite --dpi 72 %" + name + ".tfw %map.pdf", status, "",
+            {"at most 0.000 pixels, 0.000 m; the same system; with longitudes a whole turn off"});
+        folder.ExpectRun("info %map.pdf", status, "", {"pixel size   " + std::string(size)});
+    }
 }
 
 TEST_F(PdfInPlace, AnEndingInCapitalsAndALinkStayWhatTheyAre) {

@@ -25,12 +25,13 @@ Position MiddleOf(const ReadResult& result) {
 
 /// Metres per unit along x and y at a place; empty for a system without a unit.
 std::optional<Position> MetresPerUnit(const BCoordSys& system, const Position& at) {
-    constexpr double kMetresPerDegree = 6371008.8 * kDegree;
-    if (system.GetKind() == BCoordSys::kKindGeodetic)
-        return Position{kMetresPerDegree * std::cos(at.y * kDegree), kMetresPerDegree};
+    constexpr double kEarthRadius = 6371008.8;
     const auto unit = system.GetUnits();
-    if (!unit || !unit->IsLinear() || !(unit->GetUnitsPerBase() > 0.0)) return std::nullopt;
-    return Position{1.0 / unit->GetUnitsPerBase(), 1.0 / unit->GetUnitsPerBase()};
+    if (!unit || !(unit->GetUnitsPerBase() > 0.0)) return std::nullopt;
+    const double bases = 1.0 / unit->GetUnitsPerBase();
+    if (unit->IsLinear()) return Position{bases, bases};
+    const double radians = bases * kDegree;
+    return Position{kEarthRadius * radians * std::cos(at.y * radians), kEarthRadius * radians};
 }
 
 }  // namespace

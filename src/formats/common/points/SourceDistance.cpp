@@ -16,6 +16,7 @@ namespace {
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 constexpr double kDegree = 3.14159265358979323846 / 180.0;
+constexpr double kDegreesOfTurn = 360.0;
 
 struct Place {
     double x;
@@ -51,6 +52,12 @@ std::optional<Place> Converted(const PlacedRaster& from, const PlacedRaster& to,
     }
 }
 
+/// Longitudes are counted in the unit of their system, which may be the grad.
+double UnitsPerDegree(const BCoordSys& system) {
+    const auto unit = system.GetUnits();
+    return unit && !unit->IsLinear() ? unit->GetUnitsPerBase() : 1.0;
+}
+
 /// Between two places of a system, on a sphere for longitude and latitude.
 double Metres(const BCoordSys& system, Place a, Place b) {
     constexpr double kRadius = 6371008.8;
@@ -58,16 +65,18 @@ double Metres(const BCoordSys& system, Place a, Place b) {
         const auto unit = system.GetUnits();
         return unit && unit->IsLinear() ? std::hypot(a.x - b.x, a.y - b.y) / unit->GetUnitsPerBase() : kNone;
     }
-    const double dx = std::remainder(b.x - a.x, 360.0) * kDegree * std::cos((a.y + b.y) / 2 * kDegree);
-    return kRadius * std::hypot(dx, (b.y - a.y) * kDegree);
+    const double radian = kDegree / UnitsPerDegree(system);
+    const double turn = kDegreesOfTurn * UnitsPerDegree(system);
+    const double dx = std::remainder(b.x - a.x, turn) * std::cos((a.y + b.y) / 2 * radian);
+    return kRadius * radian * std::hypot(dx, b.y - a.y);
 }
 
 }  // namespace
 
 double InTheTurnOf(const BCoordSys& system, double longitude, double other) {
-    constexpr double kTurn = 360.0;
     if (system.GetKind() != BCoordSys::kKindGeodetic) return other;
-    return other + kTurn * std::round((longitude - other) / kTurn);
+    const double turn = kDegreesOfTurn * UnitsPerDegree(system);
+    return other + turn * std::round((longitude - other) / turn);
 }
 
 double MetresBetween(const BCoordSys& system, const BPoint& a, const BPoint& b) {
