@@ -57,12 +57,35 @@ bool StagedFile::IsAsOpened() const {
 std::size_t StagedFile::ReadDisk(std::uint64_t offset, std::span<char> out) const {
     if (offset >= valid_) return 0;
     const std::uint64_t wanted = std::min<std::uint64_t>(out.size(), valid_ - offset);
+    const bool is_small = out.size() < kPage;
+    if (is_small && ReadRecent(offset, out.first(static_cast<std::size_t>(wanted))))
+        return static_cast<std::size_t>(wanted);
     // A file that has become shorter since is as bad as a disk that fails.
     int error = EIO;
     const std::size_t done = Tellurion::FileBytes::ReadAt(
         descriptor_, out.first(static_cast<std::size_t>(wanted)), offset, &error);
     if (done < wanted && read_failure_ == 0) read_failure_ = error;
     return done;
+}
+
+/// False where the bytes must be asked of the disk alone.
+bool StagedFile::ReadRecent(std::uint64_t offset, std::span<char> out) const {
+    const std::uint64_t number = offset / kPage;
+    const std::size_t within = static_cast<std::size_t>(offset % kPage);
+    if (out.size() > kPage - within) return false;
+    if (!recent_ || recent_number_ != number) {
+        if (!recent_) recent_ = std::make_unique<Page>();
+        recent_number_ = number;
+        const std::uint64_t start = number * kPage;
+        const std::span<char> page = std::span(*recent_).first(
+            static_cast<std::size_t>(std::min<std::uint64_t>(kPage, old_length_ - start)));
+        if (Tellurion::FileBytes::ReadAt(descriptor_, page, start) < page.size()) {
+            recent_.reset();
+            return false;
+        }
+    }
+    std::memcpy(out.data(), recent_->data() + within, out.size());
+    return true;
 }
 
 std::size_t StagedFile::ReadAt(std::uint64_t offset, std::span<char> out) const {

@@ -76,6 +76,7 @@ private:
           valid_(length),
           length_(length) {}
     std::size_t ReadDisk(std::uint64_t offset, std::span<char> out) const;
+    bool ReadRecent(std::uint64_t offset, std::span<char> out) const;
     Page& PageInMemory(std::uint64_t number);
 
     std::string path_;
@@ -87,6 +88,9 @@ private:
     bool touched_ = false;
     mutable int read_failure_ = 0;
     std::map<std::uint64_t, std::unique_ptr<Page>> pages_;
+    /// What the disk holds where a small piece was read last: a directory is read in many.
+    mutable std::unique_ptr<Page> recent_;
+    mutable std::uint64_t recent_number_ = 0;
 };
 
 }  // namespace MapAnchor
