@@ -110,6 +110,8 @@ TEST_F(PdfInPlace, BeyondTheDateLineThePlaceIsTheSame) {
             {"at most 0.000 pixels, 0.000 m; the same system; with longitudes a whole turn off"});
         folder.ExpectRun("info %map.pdf", status, "", {"pixel size   " + std::string(size)});
     }
+    folder.Write("paris.tfw", "0.001\n0\n0\n-0.001\n0\n52\n");
+    folder.ExpectRun("info --crs EPSG:4807 %paris.tfw --size 10x10", 0, "", {"(longitude 2.336"});
 }
 
 TEST_F(PdfInPlace, AnEndingInCapitalsAndALinkStayWhatTheyAre) {

@@ -33,10 +33,13 @@ BString KeyOf(const CoordSysDefinition* from, const CoordSysDefinition* to) {
     return BString(number(from) + ' ' + number(to));
 }
 
-double MetresBetween(const BPoint& a, const BPoint& b) {
-    constexpr double kDegree = std::numbers::pi / 180.0;
-    const double east = std::remainder(a.x - b.x, 360.0) * std::cos(a.y * kDegree);
-    return std::hypot(east, a.y - b.y) * kDegree * kEarthRadius;
+/// Between longitudes and latitudes of a system, which may count in grads.
+double MetresBetween(const CoordSysDefinition& system, const BPoint& a, const BPoint& b) {
+    const auto unit = system.HorizontalUnit();
+    const double per_degree = unit && !unit->IsLinear() ? unit->GetUnitsPerBase() : 1.0;
+    const double radian = std::numbers::pi / 180.0 / per_degree;
+    const double east = std::remainder(a.x - b.x, 360.0 * per_degree) * std::cos(a.y * radian);
+    return std::hypot(east, a.y - b.y) * radian * kEarthRadius;
 }
 
 bool HasShift(const CoordSysDefinition& system) {
@@ -59,7 +62,7 @@ double DistanceOnTheEarth(const CoordSysDefinition::Ptr& first, const CoordSysDe
         const bool has_b = other->Apply(b);
         if (one->Apply(a) != has_b) return kInfinite;
         if (!has_b) continue;
-        largest = std::max(largest, MetresBetween(a, b));
+        largest = std::max(largest, MetresBetween(*hub, a, b));
         ++compared;
     }
     return compared > 0 ? largest : kInfinite;
@@ -77,23 +80,38 @@ CoordSysDefinition::Ptr HubOf(const CoordSysDefinition& first, const CoordSysDef
 
 /// What PROJ is to transform of a system: its geodetic system where `projection` has to do the
 /// rest.
-Proj::Object SideOf(const CoordSysDefinition& system, std::optional<GeodeticConversion>& projection) {
-    Proj::Object crs = system.CloneShifted();
+Proj::Object SideOf(Proj::Object crs, std::optional<GeodeticConversion>& projection) {
+    projection.reset();
     if (!IsComputedOnEllipsoid(crs.get())) return crs;
     projection.emplace(crs.get());
     return Proj::Object(proj_crs_get_geodetic_crs(Proj::ThreadContext(), crs.get()));
+}
+
+/// The system as the database has it, where it is there; as it is, otherwise.
+Proj::Object CloneOfDatabase(const CoordSysDefinition& system) {
+    const int number = HasShift(system) ? 0 : system.EpsgNumber();
+    const CoordSysDefinition::Ptr known = number != 0 ? FindByEpsg(number) : nullptr;
+    return known ? known->CloneShifted() : system.CloneShifted();
+}
+
+/// Null when there is no way.
+Proj::Object WayBetween(PJ* source, PJ* target) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const Proj::Object way(proj_create_crs_to_crs_from_pj(context, source, target, nullptr, nullptr));
+    return Proj::Object(way ? proj_normalize_for_visualization(context, way.get()) : nullptr);
 }
 
 }  // namespace
 
 SystemTransformation::SystemTransformation(const CoordSysDefinition& from, const CoordSysDefinition& to) {
     if (from.GetKind() == Kind::Other || to.GetKind() == Kind::Other) return;
-    PJ_CONTEXT* context = Proj::ThreadContext();
-    const Proj::Object source = SideOf(from, from_projection_);
-    const Proj::Object target = SideOf(to, to_projection_);
-    const Proj::Object way(
-        proj_create_crs_to_crs_from_pj(context, source.get(), target.get(), nullptr, nullptr));
-    if (way) operation_.reset(proj_normalize_for_visualization(context, way.get()));
+    const Proj::Object source = SideOf(from.CloneShifted(), from_projection_);
+    const Proj::Object target = SideOf(to.CloneShifted(), to_projection_);
+    operation_ = WayBetween(source.get(), target.get());
+    // From ESRI's text of NTF (Paris), PROJ makes a datum that no way leads from.
+    if (!operation_)
+        operation_ = WayBetween(SideOf(CloneOfDatabase(from), from_projection_).get(),
+                                SideOf(CloneOfDatabase(to), to_projection_).get());
 }
 
 std::shared_ptr<const SystemTransformation> SystemTransformation::Find(const CoordSysDefinition::Ptr& from,

@@ -199,6 +199,10 @@ TEST(BCoordSys, ComparesItselfWithOthers) {
         {"EPSG:4979", "EPSG:4326", false, 1e-6},
         {"EPSG:7405", "EPSG:27700", false, 1e-6},
         {"+proj=utm +zone=32 +ellps=bessel +towgs84=600,0,0", "+proj=utm +zone=32 +ellps=bessel", false, 620},
+        // The base of the second counts in grads.
+        {"+proj=lcc +lat_1=46.8 +lat_0=46.8 +lon_0=0 +k_0=0.99987742 +x_0=601000 +y_0=2200000 +a=6378249.2 "
+         "+b=6356515 +pm=paris",
+         "EPSG:27572", false, 1002},
     };
     for (const Case& c : kCases) {
         const Ptr a(BCoordSys::FromText(BString(c.a)));
@@ -210,6 +214,11 @@ TEST(BCoordSys, ComparesItselfWithOthers) {
     const BPoint moved = FromEpsg("32632")->ConvertTo(*FromEpsg("4326"), {500000, 0, 5});
     EXPECT_NEAR(moved.x, 9.0, 1e-9);
     EXPECT_EQ(moved.z, 5.0);
+    // The datum of this text is one that no way of PROJ leads from.
+    const Ptr paris = FromWkt(FromEpsg("4807")->ToPRJ().StdStr());
+    const BPoint place = paris->ConvertTo(*FromEpsg("4326"), {0, 52, 0});
+    EXPECT_NEAR(place.x, 2.33653, 1e-5);
+    EXPECT_NEAR(place.y, 46.79995, 1e-5);
     EXPECT_THROW(FromEpsg("32632")->ConvertTo(*FromWkt("LOCAL_CS[]"), {0, 0, 0}), BCoordSysException);
 }
 

@@ -84,12 +84,18 @@ std::string CornerText(const ReadResult& result, const std::optional<Conversion>
            PrintFixed(place->y, kDecimals) + ")";
 }
 
+/// Such positions need no longitude and latitude beside them.
+bool CountsInDegrees(const ReadResult& result) {
+    if (!result.reference.HasCoordSys()) return false;
+    const auto unit = result.reference.CoordSys->GetUnits();
+    constexpr double kRounded = 1e-12;
+    return unit && !unit->IsLinear() && std::fabs(unit->GetUnitsPerBase() - 1.0) < kRounded;
+}
+
 std::string CornersText(const ReadResult& result, const Console& console) {
     if (!result.width) return {};
     const RasterFrame frame = FrameOf(result, *result.width, *result.height);
-    const bool is_geodetic =
-        result.reference.HasCoordSys() && result.reference.CoordSys->GetKind() == BCoordSys::kKindGeodetic;
-    const auto degrees = is_geodetic ? std::nullopt : ToLongitudeLatitude(result);
+    const auto degrees = CountsInDegrees(result) ? std::nullopt : ToLongitudeLatitude(result);
     const auto corner = [&](double across, double down) {
         return CornerText(result, degrees, frame.At(across, down));
     };
