@@ -11,6 +11,7 @@
 #include <limits>
 #include <numbers>
 #include <string>
+#include <utility>
 
 namespace Tellurion {
 namespace {
@@ -81,37 +82,41 @@ CoordSysDefinition::Ptr HubOf(const CoordSysDefinition& first, const CoordSysDef
 /// What PROJ is to transform of a system: its geodetic system where `projection` has to do the
 /// rest.
 Proj::Object SideOf(Proj::Object crs, std::optional<GeodeticConversion>& projection) {
-    projection.reset();
     if (!IsComputedOnEllipsoid(crs.get())) return crs;
     projection.emplace(crs.get());
     return Proj::Object(proj_crs_get_geodetic_crs(Proj::ThreadContext(), crs.get()));
 }
 
-/// The system as the database has it, where it is there; as it is, otherwise.
-Proj::Object CloneOfDatabase(const CoordSysDefinition& system) {
-    const int number = HasShift(system) ? 0 : system.EpsgNumber();
-    const CoordSysDefinition::Ptr known = number != 0 ? FindByEpsg(number) : nullptr;
-    return known ? known->CloneShifted() : system.CloneShifted();
+bool CountsFromGreenwich(PJ* crs) {
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const Proj::Object geodetic(proj_crs_get_geodetic_crs(context, crs));
+    const Proj::Object meridian(geodetic ? proj_get_prime_meridian(context, geodetic.get()) : nullptr);
+    double longitude = 0.0;
+    return !meridian ||
+           !proj_prime_meridian_get_parameters(context, meridian.get(), &longitude, nullptr, nullptr) ||
+           longitude == 0.0;
 }
 
-/// Null when there is no way.
-Proj::Object WayBetween(PJ* source, PJ* target) {
-    PJ_CONTEXT* context = Proj::ThreadContext();
-    const Proj::Object way(proj_create_crs_to_crs_from_pj(context, source, target, nullptr, nullptr));
-    return Proj::Object(way ? proj_normalize_for_visualization(context, way.get()) : nullptr);
+/// Of the datums that it makes from ESRI's texts with another meridian, PROJ finds no way, as from
+/// NTF (Paris), or one that is off by the meridian, as from ATF (Paris). Those of the database lead right.
+Proj::Object CloneForWay(const CoordSysDefinition& system) {
+    Proj::Object crs = system.CloneShifted();
+    if (CountsFromGreenwich(crs.get()) || HasShift(system)) return crs;
+    const int number = system.EpsgNumber();
+    const CoordSysDefinition::Ptr known = number != 0 ? FindByEpsg(number) : nullptr;
+    return known ? known->CloneShifted() : std::move(crs);
 }
 
 }  // namespace
 
 SystemTransformation::SystemTransformation(const CoordSysDefinition& from, const CoordSysDefinition& to) {
     if (from.GetKind() == Kind::Other || to.GetKind() == Kind::Other) return;
-    const Proj::Object source = SideOf(from.CloneShifted(), from_projection_);
-    const Proj::Object target = SideOf(to.CloneShifted(), to_projection_);
-    operation_ = WayBetween(source.get(), target.get());
-    // From ESRI's text of NTF (Paris), PROJ makes a datum that no way leads from.
-    if (!operation_)
-        operation_ = WayBetween(SideOf(CloneOfDatabase(from), from_projection_).get(),
-                                SideOf(CloneOfDatabase(to), to_projection_).get());
+    PJ_CONTEXT* context = Proj::ThreadContext();
+    const Proj::Object source = SideOf(CloneForWay(from), from_projection_);
+    const Proj::Object target = SideOf(CloneForWay(to), to_projection_);
+    const Proj::Object way(
+        proj_create_crs_to_crs_from_pj(context, source.get(), target.get(), nullptr, nullptr));
+    if (way) operation_.reset(proj_normalize_for_visualization(context, way.get()));
 }
 
 std::shared_ptr<const SystemTransformation> SystemTransformation::Find(const CoordSysDefinition::Ptr& from,
