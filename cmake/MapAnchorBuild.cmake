@@ -64,6 +64,20 @@ if(NOT MAPANCHOR_SANITIZERS)
     set(MAPANCHOR_ALL_DEFINED LINKER:--no-undefined)
 endif()
 
+# mapanchor_libraries_below(<variable> <library>): what the library needs, parted by spaces; none where
+# it says itself where its own are.
+function(mapanchor_libraries_below variable library)
+    get_target_property(file ${library} LOCATION)
+    execute_process(COMMAND ${CMAKE_OBJDUMP} -p ${file} OUTPUT_VARIABLE header ERROR_QUIET)
+    string(REGEX MATCHALL "NEEDED +[^ \n]+" lines "${header}")
+    if(header MATCHES "RPATH|RUNPATH")
+        set(lines)
+    endif()
+    list(TRANSFORM lines REPLACE "NEEDED +" "")
+    list(JOIN lines " " names)
+    set(${variable} "${names}" PARENT_SCOPE)
+endfunction()
+
 # mapanchor_load_on_demand(<target> <library> <forwarders>): the library is loaded by the first call
 # of one of its functions, which the file of forwarders defines. Linked as any other where it is a
 # part of one library with everything, or has no name that a loader would find.
@@ -74,10 +88,13 @@ function(mapanchor_load_on_demand target library forwarders)
         target_link_libraries(${target} PRIVATE ${library})
         return()
     endif()
+    set(name ${CMAKE_MATCH_1})
+    mapanchor_libraries_below(below ${library})
     set_source_files_properties(${forwarders} TARGET_DIRECTORY ${target} PROPERTIES
-        COMPILE_DEFINITIONS MAPANCHOR_LIBRARY="${CMAKE_MATCH_1}" SKIP_PRECOMPILE_HEADERS ON)
+        COMPILE_DEFINITIONS "MAPANCHOR_LIBRARY=\"${name}\";MAPANCHOR_LIBRARIES_BELOW=\"${below}\""
+        SKIP_PRECOMPILE_HEADERS ON)
     target_sources(${target} PRIVATE ${forwarders})
-    set_property(GLOBAL PROPERTY MAPANCHOR_LOADED_BY_${target} ${CMAKE_MATCH_1})
+    set_property(GLOBAL PROPERTY MAPANCHOR_LOADED_BY_${target} ${name})
     target_include_directories(${target} SYSTEM PRIVATE
         $<TARGET_PROPERTY:${library},INTERFACE_INCLUDE_DIRECTORIES>)
 endfunction()

@@ -52,6 +52,14 @@ TEST(Modules, AreNotMappedByWhatDoesNotNeedThem) {
     }
 }
 
+TEST(Modules, NoLibraryIsTakenFromTheCurrentFolder) {
+    const TempFolder folder;
+    folder.Write("libstdc++.so.6", "a library of somebody else");
+    const ToolRun run = RunTool({"-c", "cd '" + folder / "" + "' && exec " MAPANCHOR_TOOL " ext tif"},
+                                {.program = "/bin/sh"});
+    EXPECT_EQ(run.status, 0) << run.err;
+}
+
 TEST(Modules, ThatAreMissingAreNamedWithTheRemedy) {
     const Libraries libraries;
     const TempFolder folder;

@@ -6,8 +6,10 @@
 #include <sys/resource.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <new>
+#include <sstream>
 
 namespace Tellurion {
 namespace {
@@ -27,11 +29,21 @@ bool IsForMemory(const std::string& reason) {
                            reason.find("cannot map") != std::string::npos));
 }
 
+/// One that is missing or fails is left to the library above it, which may need it no more.
+void LoadEach(const std::string& names) {
+    // Another library may be found by this variable, with other libraries below it.
+    if (std::getenv("LD_LIBRARY_PATH")) return;
+    std::istringstream each(names);
+    for (std::string name; each >> name;)
+        static_cast<void>(dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL));
+}
+
 }  // namespace
 
 /// Functions are looked up when they are called: the libraries below GDAL and PoDoFo have tens of
 /// thousands.
-void* LoadLibrary(const std::string& file, std::string& reason) {
+void* LoadLibrary(const std::string& file, std::string& reason, const char* below) {
+    LoadEach(below);
     void* const handle = dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);
     if (handle) return handle;
     const char* const words = dlerror();
@@ -56,7 +68,7 @@ void LibraryOnDemand::RequireAll() {
 void* LibraryOnDemand::Function(const char* name) {
     const std::lock_guard lock(mutex_);
     std::string reason;
-    if (!handle_) handle_ = LoadLibrary(file_, reason);
+    if (!handle_) handle_ = LoadLibrary(file_, reason, below_);
     if (!handle_) Fail(reason);
     void* const function = dlsym(handle_, name);
     if (!function) Fail(std::string("it has no function ") + name);

@@ -11,7 +11,12 @@ namespace Tellurion {
 
 /// Loads a library for the rest of the process: a path, or a name that the loader looks for. On
 /// failure null and the loader's reason; std::bad_alloc where there is no memory for it.
-void* LoadLibrary(const std::string& file, std::string& reason);
+///
+/// `below` names libraries that it needs, parted by spaces, which are loaded first, each by itself.
+/// The loader then looks up the symbols of each among the few libraries that it needs itself. Of a
+/// hundred libraries that are loaded as one, as those below GDAL, it looks up the symbols of each in
+/// all others.
+void* LoadLibrary(const std::string& file, std::string& reason, const char* below = "");
 
 /// A library of others that is loaded by the first call of one of its functions, once, by any
 /// thread. A file of forwarders defines these functions under their own names, hidden, so that
@@ -22,8 +27,10 @@ void* LoadLibrary(const std::string& file, std::string& reason);
 ///     FORWARD_2(proj_create)  // a function of two parameters
 class TELLURION_EXPORT LibraryOnDemand {
 public:
-    /// `file` as the linker would note it; `need` begins the message where it is missing.
-    constexpr LibraryOnDemand(const char* file, const char* need) : file_(file), need_(need) {}
+    /// `file` as the linker would note it; `need` begins the message where it is missing; `below` as
+    /// for LoadLibrary.
+    constexpr LibraryOnDemand(const char* file, const char* need, const char* below = "")
+        : file_(file), need_(need), below_(below) {}
 
     /// A BUnsupportedFileTypeException where the library cannot be loaded or has no such function.
     void* Function(const char* name);
@@ -37,6 +44,7 @@ private:
 
     const char* file_;
     const char* need_;
+    const char* below_;
     std::mutex mutex_;
     void* handle_ = nullptr;
 };

@@ -41,7 +41,7 @@ const void* Module::Load() const {
     if (access(file.c_str(), F_OK) != 0)
         Fail(std::string(purpose_) + " need the module <" + file + ">, which is not installed; " + remedy);
     std::string reason;
-    void* const handle = LoadLibrary(file, reason);
+    void* const handle = LoadLibrary(file, reason, below_);
     if (!handle) Fail("The module <" + file + "> cannot be loaded: " + reason + "; " + remedy);
     void* const symbol = dlsym(handle, kFunction);
     const auto function = reinterpret_cast<const ModuleTable* (*)()>(symbol);

@@ -27,8 +27,10 @@ struct ModuleTable {
 class TELLURION_EXPORT Module {
 public:
     /// `name` as in "gdal"; `purpose` is the subject of the message where it is missing, such
-    /// as "GeoTIFF and other rasters".
-    constexpr Module(const char* name, const char* purpose) : name_(name), purpose_(purpose) {}
+    /// as "GeoTIFF and other rasters"; `below` names libraries that it needs, which are loaded
+    /// first, as for LoadLibrary.
+    constexpr Module(const char* name, const char* purpose, const char* below = "")
+        : name_(name), purpose_(purpose), below_(below) {}
 
     /// The table of its functions. A BUnsupportedFileTypeException, which names the file and
     /// the remedy, where the module is not installed, cannot be loaded or is of another version;
@@ -45,6 +47,7 @@ private:
 
     const char* name_;
     const char* purpose_;
+    const char* below_;
     std::mutex mutex_;
     std::atomic<const void*> functions_{nullptr};
 };

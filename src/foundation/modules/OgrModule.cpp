@@ -15,7 +15,7 @@ const OgrModule& Ogr() {
 }  // namespace
 
 Module& ModuleOfGdal() {
-    static auto* const module = new Module("gdal", "GeoTIFF and what else GDAL reads");
+    static auto* const module = new Module("gdal", "GeoTIFF and what else GDAL reads", MAPANCHOR_BELOW_GDAL);
     return *module;
 }
 

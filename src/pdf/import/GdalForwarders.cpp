@@ -12,7 +12,8 @@
 
 namespace {
 
-Tellurion::LibraryOnDemand library(MAPANCHOR_LIBRARY, "The system of an LGIDict needs GDAL");
+Tellurion::LibraryOnDemand library(MAPANCHOR_LIBRARY, "The system of an LGIDict needs GDAL",
+                                   MAPANCHOR_LIBRARIES_BELOW);
 
 }  // namespace
 
