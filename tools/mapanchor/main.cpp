@@ -13,6 +13,8 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Tool {
@@ -127,6 +129,30 @@ ExitStatus Answer(CLI::App& app, const CLI::ParseError& error, const std::vector
     return ExitStatus::Usage;
 }
 
+constexpr std::pair<const char*, void (*)(CLI::App&, ExitStatus&)> kCommands[] = {
+    {"info", AddInfoCommand},
+    {"convert", AddConvertCommand},
+    {"georeference", AddGeoreferenceCommand},
+    {"sources", AddSourcesCommand},
+    {"batch", AddBatchCommand},
+    {"check", AddCheckCommand},
+    {"diff", AddDiffCommand},
+    {"footprint", AddFootprintCommand},
+    {"preview", AddPreviewCommand},
+    {"crs", AddCrsCommand},
+    {"formats", AddFormatsCommand},
+    {"ext", AddExtCommand}};
+
+/// To make all commands with their options takes longer than some of them run. Where the first word
+/// is one, only it is made, and info, which stands for no command.
+void AddCommands(CLI::App& app, ExitStatus& status, std::string_view first_word) {
+    const bool is_command = std::ranges::count(kCommands, first_word, [](const auto& command) {
+                                return std::string_view(command.first);
+                            }) != 0;
+    for (const auto& [name, add] : kCommands)
+        if (!is_command || name == first_word || add == AddInfoCommand) add(app, status);
+}
+
 ExitStatus RunProgram(int argc, char** argv) {
     CLI::App app(kDescription, "mapanchor");
     ExitStatus status = ExitStatus::Done;
@@ -137,18 +163,7 @@ ExitStatus RunProgram(int argc, char** argv) {
     app.add_flag("--json-schema", schema, "Print the schema of the JSON output");
     std::string generate;
     app.add_option("--generate", generate)->group("")->check(CLI::IsMember({"man", "bash", "zsh"}));
-    AddInfoCommand(app, status);
-    AddConvertCommand(app, status);
-    AddGeoreferenceCommand(app, status);
-    AddSourcesCommand(app, status);
-    AddBatchCommand(app, status);
-    AddCheckCommand(app, status);
-    AddDiffCommand(app, status);
-    AddFootprintCommand(app, status);
-    AddPreviewCommand(app, status);
-    AddCrsCommand(app, status);
-    AddFormatsCommand(app, status);
-    AddExtCommand(app, status);
+    AddCommands(app, status, argc > 1 ? argv[1] : "");
     app.require_subcommand(0, 1);
     try {
         std::vector<std::string> words = NormalWords(app, {argv + 1, argv + argc});
