@@ -6,6 +6,7 @@
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/BLinearUnit.h>
 #include <Tellurion/Numbers.h>
+#include <Tellurion/UnitsPerDegree.h>
 
 #include <algorithm>
 #include <cmath>
@@ -71,8 +72,7 @@ void CheckDegrees(ReadingState& state) {
     // Grids often begin half a cell beyond the globe.
     constexpr double kPixelMore = 1.0;
     const BSharedPtr<BUnit> unit = state.reference.CoordSys->GetUnits();
-    const bool has_angle = unit && !unit->IsLinear();
-    const double per_degree = has_angle ? unit->GetUnitsPerBase() : 1.0;
+    const double per_degree = UnitsPerDegree(unit);
     const double pole = 90.0 * per_degree;
     const double half_turn = 180.0 * per_degree;
     const Span span = SpanOf(state);
@@ -82,7 +82,7 @@ void CheckDegrees(ReadingState& state) {
                           .text = "a longitude or latitude is out of range: " + PrintShortest(span.west) +
                                   " to " + PrintShortest(span.east) + " and " + PrintShortest(span.south) +
                                   " to " + PrintShortest(span.north) + " " +
-                                  (has_angle ? unit->GetName().StdStr() : "degree") + "s",
+                                  (unit && !unit->IsLinear() ? unit->GetName().StdStr() : "degree") + "s",
                           .file = state.used_file});
     // Points on both sides of the antimeridian look as if the chart went around the Earth.
     const bool is_chart = state.kind && std::string_view(state.kind->name) == "KAP";

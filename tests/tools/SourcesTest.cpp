@@ -267,6 +267,9 @@ TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
     folder.Write("map.pgw", kWorld);
     folder.Write("map.prj", PrjOf("4326"));
     folder.ExpectRun("info --json %map.png", 3, R"("diagnostics":[{},{"id":"degrees-out-of-range"}])");
+    folder.Write("map.prj", PrjOf("4807"));  // counts in grads
+    folder.Write("map.pgw", "1e-4\n0\n0\n-1e-4\n2\n99\n");
+    folder.ExpectRun("info --json %map.png", 0, R"("diagnostics":[{"id":"read-from"}])");
     folder.Write("map.ers", std::regex_replace(ers(""), std::regex("NrOfLines = 10"), "NrOfLines = 11"));
     folder.ExpectRun("info --json %map.ers", 3, R"("diagnostics":[{"id":"raster-size-differs"}])");
 }

@@ -4,6 +4,7 @@
 #include "crs/DefinitionCaches.h"
 #include "crs/Identification.h"
 #include "crs/LruCache.h"
+#include "crs/UnitsPerDegree.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,8 +37,7 @@ BString KeyOf(const CoordSysDefinition* from, const CoordSysDefinition* to) {
 
 /// Between longitudes and latitudes of a system, which may count in grads.
 double MetresBetween(const CoordSysDefinition& system, const BPoint& a, const BPoint& b) {
-    const auto unit = system.HorizontalUnit();
-    const double per_degree = unit && !unit->IsLinear() ? unit->GetUnitsPerBase() : 1.0;
+    const double per_degree = UnitsPerDegree(system.HorizontalUnit());
     const double radian = std::numbers::pi / 180.0 / per_degree;
     const double east = std::remainder(a.x - b.x, 360.0 * per_degree) * std::cos(a.y * radian);
     return std::hypot(east, a.y - b.y) * radian * kEarthRadius;

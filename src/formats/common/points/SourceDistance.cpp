@@ -1,6 +1,7 @@
 #include "common/points/SourceDistance.h"
 
 #include <Tellurion/BCoordSysException.h>
+#include <Tellurion/UnitsPerDegree.h>
 
 #include <algorithm>
 #include <cmath>
@@ -52,12 +53,6 @@ std::optional<Place> Converted(const PlacedRaster& from, const PlacedRaster& to,
     }
 }
 
-/// Longitudes are counted in the unit of their system, which may be the grad.
-double UnitsPerDegree(const BCoordSys& system) {
-    const auto unit = system.GetUnits();
-    return unit && !unit->IsLinear() ? unit->GetUnitsPerBase() : 1.0;
-}
-
 /// Between two places of a system, on a sphere for longitude and latitude.
 double Metres(const BCoordSys& system, Place a, Place b) {
     constexpr double kRadius = 6371008.8;
@@ -65,8 +60,8 @@ double Metres(const BCoordSys& system, Place a, Place b) {
         const auto unit = system.GetUnits();
         return unit && unit->IsLinear() ? std::hypot(a.x - b.x, a.y - b.y) / unit->GetUnitsPerBase() : kNone;
     }
-    const double radian = kDegree / UnitsPerDegree(system);
-    const double turn = kDegreesOfTurn * UnitsPerDegree(system);
+    const double radian = kDegree / UnitsPerDegree(system.GetUnits());
+    const double turn = kDegreesOfTurn * UnitsPerDegree(system.GetUnits());
     const double dx = std::remainder(b.x - a.x, turn) * std::cos((a.y + b.y) / 2 * radian);
     return kRadius * radian * std::hypot(dx, b.y - a.y);
 }
@@ -75,7 +70,7 @@ double Metres(const BCoordSys& system, Place a, Place b) {
 
 double InTheTurnOf(const BCoordSys& system, double longitude, double other) {
     if (system.GetKind() != BCoordSys::kKindGeodetic) return other;
-    const double turn = kDegreesOfTurn * UnitsPerDegree(system);
+    const double turn = kDegreesOfTurn * UnitsPerDegree(system.GetUnits());
     return other + turn * std::round((longitude - other) / turn);
 }
 
