@@ -7,8 +7,8 @@
 #include "crs/UnitsPerDegree.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 #include <numbers>
 #include <string>
@@ -28,11 +28,10 @@ struct Cached {
     std::shared_ptr<const SystemTransformation> made;
 };
 
-BString KeyOf(const CoordSysDefinition* from, const CoordSysDefinition* to) {
-    const auto number = [](const void* address) {
-        return std::to_string(reinterpret_cast<std::uintptr_t>(address));
-    };
-    return BString(number(from) + ' ' + number(to));
+/// Their addresses: each point that is converted asks by them.
+std::string KeyOf(const CoordSysDefinition* from, const CoordSysDefinition* to) {
+    const std::array<const CoordSysDefinition*, 2> addresses = {from, to};
+    return {reinterpret_cast<const char*>(addresses.data()), sizeof addresses};
 }
 
 /// Between longitudes and latitudes of a system, which may count in grads.
@@ -122,9 +121,9 @@ SystemTransformation::SystemTransformation(const CoordSysDefinition& from, const
 std::shared_ptr<const SystemTransformation> SystemTransformation::Find(const CoordSysDefinition::Ptr& from,
                                                                        const CoordSysDefinition::Ptr& to) {
     constexpr std::size_t kMaxEntries = 16;
-    static auto* const cache = new LruCache<std::shared_ptr<const Cached>>(kMaxEntries);
+    static auto* const cache = new LruCache<std::shared_ptr<const Cached>, std::string>(kMaxEntries);
     return cache
-        ->Get(KeyOf(from.get(), to.get()).GetUnits(),
+        ->Get(KeyOf(from.get(), to.get()),
               [&] {
                   return std::make_shared<const Cached>(
                       Cached{from, to, std::make_shared<const SystemTransformation>(*from, *to)});
