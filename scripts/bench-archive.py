@@ -55,9 +55,19 @@ def run(words, names=None, statuses=(0, 3)):
     return Cost(used.ru_utime + used.ru_stime, time.monotonic() - begin, used.ru_maxrss / 1024)
 
 
-def in_turn(commands, runs):
-    """The run with the median processor time of each command."""
-    costs = [[run(*command) for command in commands] for _ in range(runs)]
+def drop_caches():
+    """Forgets what the system read of files and folders. Only root may, and not in every container."""
+    os.sync()
+    try:
+        pathlib.Path("/proc/sys/vm/drop_caches").write_text("3", encoding="ascii")
+    except OSError:
+        return False
+    return True
+
+
+def in_turn(commands, runs, before=lambda: None):
+    """The run with the median processor time of each command; `before` is called before each run."""
+    costs = [[(before(), run(*command))[1] for command in commands] for _ in range(runs)]
     return [sorted(column)[len(column) // 2] for column in zip(*costs)]
 
 
@@ -80,6 +90,13 @@ class Archives:
         return listed, names
 
 
+def every_150th_code():
+    """Codes from all of EPSG's projected systems."""
+    listed = subprocess.run(["projinfo", "--list-crs", "projected", "--authority", "EPSG"], check=True,
+                            capture_output=True, text=True).stdout
+    return [line.split()[0] for line in listed.splitlines()][::150]
+
+
 def starts(tool, archives, runs):
     """(what, our seconds, the peer's words, the peer's seconds)"""
     _, tiffs = archives.make("geotiff", 20)
@@ -87,17 +104,27 @@ def starts(tool, archives, runs):
     _, pdfs = archives.make("pdf", 20)
     _, placed = archives.make("placed", 20)
     with_system = next(name for name in placed if name.endswith(".tfw"))
+    same = {kind: archives.folder / f"placed.{kind}" for kind in ("tab", "rsf", "ers")}
+    for target in same.values():
+        run([tool, "convert", "--quiet", "--overwrite", "--size", "100x100", with_system, target])
     gdal = ["gdalinfo", tiffs[0]]
     for what, ours, peer in (
             ("`ext`", ["ext", "map.tif"], gdal),
             ("`info` of a world file", ["info", worlds[0]], gdal),
-            ("`info` of a world file with a system", ["info", with_system], gdal),
+            ("`info` of a world file with a prj", ["info", with_system], gdal),
+            ("`info` of a TAB file with a system", ["info", same["tab"]], gdal),
+            ("`info` of an RSF file with a system", ["info", same["rsf"]], gdal),
+            ("`info` of an ERS file with a system", ["info", same["ers"]], gdal),
             ("`info` of a GeoTIFF", ["info", tiffs[0]], gdal),
             ("`info` of a PDF", ["info", pdfs[0]], ["gdalinfo", pdfs[0]]),
             ("`crs EPSG:32632`", ["crs", "EPSG:32632"], ["projinfo", "EPSG:32632"]),
             ("`crs EPSG:25832`", ["crs", "EPSG:25832"], ["projinfo", "EPSG:25832"])):
         mine, theirs = in_turn([([tool, *ours],), (peer,)], runs)
         yield what, mine.processor, peer[0] + (" of the PDF" if peer[-1] == pdfs[0] else ""), theirs.processor
+    codes = every_150th_code()
+    costs = [in_turn([([tool, "crs", code],), (["projinfo", code],)], 1) for code in codes]
+    mine, theirs = (sum(cost.processor for cost in column) / len(codes) for column in zip(*costs))
+    yield f"`crs` of {len(codes)} systems, the mean", mine, "projinfo", theirs
 
 
 def start_table(rows):
@@ -107,18 +134,20 @@ def start_table(rows):
         yield f"| {what} | {mine * 1e3:.1f} ms | {theirs * 1e3:.1f} ms ({peer}) | {mine / theirs:.2f} |"
 
 
-def batch_table(tool, loop, archives, runs):
+KINDS = (("geotiff", 100_000, "GeoTIFFs of 20 systems"), ("world", 100_000, "world files"), ("pdf", 10_000, "PDFs"))
+
+
+def batch_rows(tool, loop, archives, runs, **before):
     yield ("| Files | Program | Files per second | Processor time per file | "
            "Times ours |")
     yield "|---|---|---:|---:|---:|"
-    for kind, count, what in (("geotiff", 100_000, "GeoTIFFs of 20 systems"), ("world", 100_000, "world files"),
-                              ("pdf", 10_000, "PDFs")):
+    for kind, count, what in KINDS:
         listed, names = archives.make(kind, count)
         programs = [("`batch --jobs 2`", [tool, "batch", "--quiet", "--jobs", "2"])]
         if kind != "world":  # which GDAL does not open by itself
             programs += [("GDAL in C++, 2 threads", [loop, "2"]),
                          ("GDAL in Python, 2 processes", ["/usr/bin/python3", "-c", PYTHON_LOOP])]
-        costs = in_turn([(words, listed) for _, words in programs], runs)
+        costs = in_turn([(words, listed) for _, words in programs], runs, **before)
         for (program, _), cost in zip(programs, costs):
             ratio = f"{cost.processor / costs[0].processor:.1f}" if cost is not costs[0] else ""
             yield (f"| {len(names):,} {what} | {program} | {len(names) / cost.clock:,.0f} | "
@@ -160,7 +189,12 @@ def main():
         archives = Archives(options.keep or pathlib.Path(scratch), options.scale)
         few = Archives(archives.folder, 1.0)
         replace(options.table, "starts", start_table(starts(tool, few, options.runs * 5)))
-        replace(options.table, "archives", batch_table(tool, loop, archives, options.runs))
+        replace(options.table, "archives", batch_rows(tool, loop, archives, options.runs))
+        if drop_caches():
+            tenth = Archives(archives.folder, options.scale / 10)
+            replace(options.table, "cold", batch_rows(tool, loop, tenth, 1, before=drop_caches))
+        else:
+            print("bench-archive: the caches may not be dropped here; that table stays as it is", file=sys.stderr)
         replace(options.table, "folders", growth_table(tool, archives, options.runs))
     return 0
 

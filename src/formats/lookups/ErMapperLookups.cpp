@@ -12,7 +12,6 @@ namespace MapAnchor {
 using GeoCalc::kValGc;
 using GeoCalc::CS::CProjectedCoordSys;
 using GeoCalc::DB::CDataSource;
-using GeoCalc::DB::CEquivalent;
 using GeoCalc::ML::CLinearValue;
 using GeoCalc::ML::CProjectedPoint;
 using Tellurion::BCoordSys;
@@ -125,21 +124,13 @@ bool AdjustDatum(CProjectedCoordSys& system, const BString& datum) {
     return horizontal != nullptr;
 }
 
-/// A current entry rather than a deprecated one.
-BString PreferredCode(const std::vector<CEquivalent>& equivalents) {
-    for (const CEquivalent& entry : equivalents)
-        if ((entry.GetStatus() & CEquivalent::kDeprecated) == 0) return entry.GetIssuerCode(kValGc);
-    return equivalents.front().GetIssuerCode(kValGc);
-}
-
 /// The database's own entry for a system that was changed; a new one is stored as `name`.
 BSharedPtr<BCoordSys> FindAgain(const BSharedPtr<BCoordSys>& held, CProjectedCoordSys& object,
                                 const BString& name) {
     CDataSource& source = CDataSource::Instance();
     object.GetIdentifiers().RemoveAll();
-    std::vector<CEquivalent> equivalents = source.Equivalent(object);
-    if (equivalents.empty()) equivalents = source.EquivalentLessRestrictive(object);
-    if (!equivalents.empty()) return GetSystem(kValGc, PreferredCode(equivalents));
+    const BString known = source.FindPreferredCode(object);
+    if (!known.IsEmpty()) return GetSystem(kValGc, known);
     const BString full_name = name + BString(" ") + held->GetUnits()->GetName();
     object.SetName(full_name);
     object.GetIdentifiers().Add(kValGc, full_name);

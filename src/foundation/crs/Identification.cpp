@@ -2,6 +2,7 @@
 
 #include "crs/GeodeticConversion.h"
 #include "crs/LruCache.h"
+#include "crs/UtmZones.h"
 
 #include <Tellurion/BString.h>
 #include <Tellurion/Numbers.h>
@@ -243,32 +244,13 @@ Numbers NumbersOf(const std::string& name, PJ_TYPE type, Names names) {
     return cache->Get(key.GetUnits(), [&] { return ReadNumbersOf(name, type, names); });
 }
 
-/// The zones of UTM on one datum: EPSG numbers them from the first.
-struct UtmZones {
-    std::string_view datum;
-    int before_first;
-    int first;
-    int last;
-    char hemisphere;
-};
-constexpr UtmZones kUtmZones[] = {{"WGS 84", 32600, 1, 60, 'N'},
-                                  {"WGS 84", 32700, 1, 60, 'S'},
-                                  {"ETRS89", 25800, 28, 38, 'N'},
-                                  {"NAD83", 26900, 1, 23, 'N'},
-                                  {"NAD27", 26700, 1, 22, 'N'}};
-
-/// The number that a system of this name should have, since looking for a name costs the database
-/// more than all the rest; most files have one of these. 0 for others.
+/// The number that a system of this name should have; 0 where that is open.
 int LikelyNumberOf(std::string_view name) {
     constexpr std::string_view kUtm = " / UTM zone ";
     const std::size_t at = name.find(kUtm);
     if (at == name.npos) return 0;
     const auto zone = static_cast<int>(ParseLong(name.substr(at + kUtm.size())));
-    for (const UtmZones& zones : kUtmZones)
-        if (name.substr(0, at) == zones.datum && name.back() == zones.hemisphere && zone >= zones.first &&
-            zone <= zones.last)
-            return zones.before_first + zone;
-    return 0;
+    return EpsgOfUtmZone(name.substr(0, at), zone, name.back());
 }
 
 Proj::Object SystemOfNumber(int number) {
@@ -279,7 +261,8 @@ Proj::Object SystemOfNumber(int number) {
 Best FindByName(PJ* crs, Names names) {
     Best best;
     const std::string name = Proj::NameOf(crs);
-    if (name.empty()) return best;
+    // So we, PROJ and GDAL call a system that has no name.
+    if (name.empty() || name == "unnamed" || name == "unknown") return best;
     if (const int likely = LikelyNumberOf(name)) {
         const Proj::Object candidate = SystemOfNumber(likely);
         if (candidate && Proj::NameOf(candidate.get()) == name && IsSameSystem(crs, candidate.get()))

@@ -150,13 +150,21 @@ std::vector<CEquivalent> CDataSource::FindSame(const CS::CCoordSys& object, bool
     return found;
 }
 
-CS::CCoordSys::Definition CDataSource::FindPreferred(const CProjectedCoordSys& object) const {
+BString CDataSource::FindPreferredCode(const CProjectedCoordSys& object) const {
+    const auto geodetic = object.GetGeodeticCoordSys().GetDefinition();
+    if (const int zone = EpsgProjections::Instance().FindUtmZone(object.GetProjection(), *geodetic))
+        return BString::Format("EPSG:%d", zone);
     std::vector<CEquivalent> found = Equivalent(object);
     if (found.empty()) found = EquivalentLessRestrictive(object);
-    if (found.empty()) return object.GetDefinition();
+    if (found.empty()) return {};
     const auto current = std::ranges::find_if(
         found, [](const CEquivalent& entry) { return (entry.GetStatus() & CEquivalent::kDeprecated) == 0; });
-    return Find(kValGc, (current == found.end() ? found.front() : *current).GetIssuerCode(kValGc));
+    return (current == found.end() ? found.front() : *current).GetIssuerCode(kValGc);
+}
+
+CS::CCoordSys::Definition CDataSource::FindPreferred(const CProjectedCoordSys& object) const {
+    const BString code = FindPreferredCode(object);
+    return code.IsEmpty() ? object.GetDefinition() : Find(kValGc, code);
 }
 
 bool CDataSource::PutSerializable(int objectType, const CS::CCoordSys& object, bool overwrite, bool) {

@@ -47,8 +47,10 @@ public:
     /// The same within what PJ::CProjection::IsNearlyEqual leaves open.
     std::vector<CEquivalent> EquivalentLessRestrictive(const CS::CCoordSys& object) const;
 
-    /// The current entry that is the same as a projected object, nearly if none is fully;
-    /// without one, what the object describes.
+    /// The code of the database's own for the current entry that is the same as a projected object,
+    /// nearly if none is fully; for a deprecated one if there is no other, empty if there is none.
+    Tellurion::BString FindPreferredCode(const CS::CProjectedCoordSys& object) const;
+    /// The system of that code; without one, what the object describes.
     CS::CCoordSys::Definition FindPreferred(const CS::CProjectedCoordSys& object) const;
 
     /// Stores a copy of a projected system under its code of the database's own; one of

@@ -2,9 +2,11 @@
 
 #include "crs/CoordSysDefinition.h"
 #include "crs/ProjObjects.h"
+#include "crs/UtmZones.h"
 #include "names/ProjectionSource.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -58,25 +60,33 @@ const EpsgProjections& EpsgProjections::Instance() {
     return *instance;
 }
 
-EpsgProjections::EpsgProjections() {
+const std::vector<EpsgProjections::Row>& EpsgProjections::All() const {
+    static const auto* const rows = new std::vector(ReadAll());
+    return *rows;
+}
+
+std::vector<EpsgProjections::Row> EpsgProjections::ReadAll() {
+    std::vector<Row> rows;
     int count = 0;
     const CrsList list = ListProjected(count);
     for (int i = 0; i < count; ++i) {
         const PROJ_CRS_INFO& info = *list.get()[i];
-        rows_.push_back({Proj::ParseCode(info.code), Text(info.name), Text(info.projection_method_name),
-                         info.deprecated != 0});
+        rows.push_back({Proj::ParseCode(info.code), Text(info.name), Text(info.projection_method_name),
+                        info.deprecated != 0});
     }
     // A system that is used in several areas is listed for each.
-    std::ranges::sort(rows_, {}, &Row::number);
+    std::ranges::sort(rows, {}, &Row::number);
     const auto is_same = [](const Row& a, const Row& b) { return a.number == b.number; };
-    rows_.erase(std::unique(rows_.begin(), rows_.end(), is_same), rows_.end());
+    rows.erase(std::unique(rows.begin(), rows.end(), is_same), rows.end());
+    return rows;
 }
 
 EpsgProjections::SystemPtr EpsgProjections::Read(int number) {
     const auto definition = CoordSysDefinition::FromEpsg(number);
     if (!definition || definition->GetKind() != CoordSysDefinition::Kind::Projected) return nullptr;
-    return std::make_shared<const System>(System{
-        PJ::ReadProjection(*definition), definition->GeodeticEpsgNumber(), HasEastingFirst(*definition)});
+    return std::make_shared<const System>(
+        System{PJ::ReadProjection(*definition), definition->GeodeticEpsgNumber(),
+               HasEastingFirst(*definition), proj_is_deprecated(definition->CloneHorizontal().get()) != 0});
 }
 
 EpsgProjections::SystemPtr EpsgProjections::Get(int number) const {
@@ -89,13 +99,27 @@ EpsgProjections::SystemPtr EpsgProjections::Get(int number) const {
     return systems_.emplace(number, std::move(read)).first->second;
 }
 
+int EpsgProjections::FindUtmZone(const PJ::CProjection& projection,
+                                 const CoordSysDefinition& geodetic) const {
+    const auto& parameters = projection.GetParameters();
+    const double meridian = std::remainder(parameters.GetNumber("CENTRAL_MERIDIAN", 0.0), 360.0);
+    const auto zone = static_cast<int>(std::lround((meridian + 183.0) / 6.0));
+    const bool is_south = parameters.GetNumber(kValFalseNorthing, 0.0) > 0.0;
+    const int number = Tellurion::EpsgOfUtmZone(geodetic.Name().StdStr(), zone, is_south ? 'S' : 'N');
+    const SystemPtr system = number != 0 ? Get(number) : nullptr;
+    const bool is_same = system && !system->deprecated && system->easting_first &&
+                         system->geodetic == geodetic.EpsgNumber() &&
+                         IsSame(system->projection, projection, Sameness::Full);
+    return is_same ? number : 0;
+}
+
 std::vector<const EpsgProjections::Row*> EpsgProjections::Find(const PJ::CProjection& projection,
                                                                const CoordSysDefinition& geodetic,
                                                                Sameness sameness) const {
     const std::string geodetic_name = geodetic.Name().StdStr();
     const int geodetic_number = geodetic.EpsgNumber();
     std::vector<std::pair<std::pair<bool, bool>, const Row*>> found;
-    for (const Row& row : rows_) {
+    for (const Row& row : All()) {
         if (row.method != projection.GetMethod() || !IsNamedAfter(row.name, geodetic_name)) continue;
         const SystemPtr system = Get(row.number);
         if (system && system->geodetic == geodetic_number && IsSame(system->projection, projection, sameness))

@@ -34,7 +34,11 @@ public:
     static const EpsgProjections& Instance();
 
     /// By number.
-    const std::vector<Row>& All() const { return rows_; }
+    const std::vector<Row>& All() const;
+
+    /// The current system of a projection that is fully a zone of UTM on a geodetic EPSG system; 0 for
+    /// others. It is the first that Find() gives, which needs the list.
+    int FindUtmZone(const PJ::CProjection& projection, const Tellurion::CoordSysDefinition& geodetic) const;
 
     /// The systems of a projection on a geodetic EPSG system; current ones first, those
     /// with the easting first before others. A system is looked for among those named
@@ -47,14 +51,15 @@ private:
         PJ::CProjection projection;
         int geodetic = 0;
         bool easting_first = false;
+        bool deprecated = false;
     };
     using SystemPtr = std::shared_ptr<const System>;
 
-    EpsgProjections();
+    EpsgProjections() = default;
+    static std::vector<Row> ReadAll();
     static SystemPtr Read(int number);
     SystemPtr Get(int number) const;
 
-    std::vector<Row> rows_;
     mutable std::mutex mutex_;
     mutable std::unordered_map<int, SystemPtr> systems_;
 };

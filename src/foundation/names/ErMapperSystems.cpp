@@ -55,11 +55,13 @@ std::string WktOf(const ErMapperProjection& row, const CoordSysDefinition& geode
 /// are exact, and those need no search through all systems.
 Definition MakeProjected(const ErMapperProjection& row) {
     const Definition geodetic = FindByEpsg(OwnDatumOf(row));
-    const Definition made = geodetic ? CoordSysDefinition::FromWkt(BString(WktOf(row, *geodetic))) : nullptr;
+    if (!geodetic) return nullptr;
+    const EpsgProjections& systems = EpsgProjections::Instance();
+    if (const int zone = systems.FindUtmZone(PJ::ReadProjection(row), *geodetic)) return FindByEpsg(zone);
+    const Definition made = CoordSysDefinition::FromWkt(BString(WktOf(row, *geodetic)));
     if (!made) return nullptr;
     if (const int exact = made->EpsgNumber(); exact != 0) return FindByEpsg(exact);
-    const auto same =
-        EpsgProjections::Instance().Find(PJ::ReadProjection(*made), *geodetic, Sameness::LessRestrictive);
+    const auto same = systems.Find(PJ::ReadProjection(*made), *geodetic, Sameness::LessRestrictive);
     const Definition known = same.empty() ? nullptr : FindByEpsg(same.front()->number);
     return known ? known : made;
 }
