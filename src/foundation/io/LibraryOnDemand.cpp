@@ -31,8 +31,9 @@ bool IsForMemory(const std::string& reason) {
 
 /// One that is missing or fails is left to the library above it, which may need it no more.
 void LoadEach(const std::string& names) {
-    // Another library may be found by this variable, with other libraries below it.
-    if (std::getenv("LD_LIBRARY_PATH")) return;
+    // By this variable another library may be found, with other libraries below it. Those that are
+    // loaded here ask for variables, too, so that no thread may change one now anyway.
+    if (std::getenv("LD_LIBRARY_PATH")) return;  // NOLINT(concurrency-mt-unsafe)
     std::istringstream each(names);
     for (std::string name; each >> name;)
         static_cast<void>(dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL));
