@@ -9,6 +9,7 @@
 #include <gdal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -334,26 +335,23 @@ void ReplaceTable(const std::string& path, const std::string& table) {
     std::ofstream(path) << document;
 }
 
-Options ReadOptions(int argc, char** argv) {
-    Options options;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        if (word == "--sample") options.sample = true;
-        if (word == "--positions") options.positions = true;
-        if (i + 1 == argc) continue;
-        if (word == "--list") options.list = argv[i + 1];
-        if (word == "--only") options.only = argv[i + 1];
-        if (word == "--notation") options.notation = argv[i + 1];
-        if (word == "--into") options.into = argv[i + 1];
-        if (word == "--every") options.stride = static_cast<std::size_t>(std::max(1, std::atoi(argv[i + 1])));
-    }
-    return options;
+void AddOptions(CLI::App& app, Options& options) {
+    app.add_flag("--sample", options.sample, "A small part of the systems");
+    app.add_flag("--positions", options.positions, "Only compare positions, not the notations");
+    app.add_option("--list", options.list, "A file for a line of each system that is not the same");
+    app.add_option("--only", options.only, "Only this system, by its code");
+    app.add_option("--notation", options.notation, "Only this notation");
+    app.add_option("--into", options.into, "A document whose table is replaced");
+    app.add_option("--every", options.stride, "Only one system of so many")->check(CLI::PositiveNumber);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    const Options options = ReadOptions(argc, argv);
+    Options options;
+    CLI::App app("Holds every EPSG system in every notation against PROJ");
+    AddOptions(app, options);
+    CLI11_PARSE(app, argc, argv);
     GDALAllRegister();
     CollectLog();
     if (options.positions) return ComparePositions(std::cout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
