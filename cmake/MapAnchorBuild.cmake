@@ -64,17 +64,18 @@ if(NOT MAPANCHOR_SANITIZERS)
     set(MAPANCHOR_ALL_DEFINED LINKER:--no-undefined)
 endif()
 
-# mapanchor_libraries_below(<variable> <library>): what the library needs, parted by spaces; none where
-# it says itself where its own are.
+# mapanchor_libraries_below(<variable> <library>): its name and what it needs, parted by spaces; empty
+# where it says itself where its own libraries are.
 function(mapanchor_libraries_below variable library)
     get_target_property(file ${library} LOCATION)
     execute_process(COMMAND ${CMAKE_OBJDUMP} -p ${file} OUTPUT_VARIABLE header ERROR_QUIET)
     string(REGEX MATCHALL "NEEDED +[^ \n]+" lines "${header}")
-    if(header MATCHES "RPATH|RUNPATH")
-        set(lines)
-    endif()
     list(TRANSFORM lines REPLACE "NEEDED +" "")
-    list(JOIN lines " " names)
+    set(names)
+    if(NOT header MATCHES "RPATH|RUNPATH" AND header MATCHES "SONAME +([^ \n]+)")
+        list(JOIN lines " " names)
+        string(PREPEND names "${CMAKE_MATCH_1} ")
+    endif()
     set(${variable} "${names}" PARENT_SCOPE)
 endfunction()
 

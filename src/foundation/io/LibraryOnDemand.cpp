@@ -29,13 +29,19 @@ bool IsForMemory(const std::string& reason) {
                            reason.find("cannot map") != std::string::npos));
 }
 
-/// One that is missing or fails is left to the library above it, which may need it no more.
+/// Loads all but the first. One that is missing or fails is left to that one, which may need it no more.
 void LoadEach(const std::string& names) {
     // By this variable another library may be found, with other libraries below it. Those that are
     // loaded here ask for variables, too, so that no thread may change one now anyway.
     if (std::getenv("LD_LIBRARY_PATH")) return;  // NOLINT(concurrency-mt-unsafe)
     std::istringstream each(names);
-    for (std::string name; each >> name;)
+    std::string name;
+    if (!(each >> name)) return;
+    if (void* const present = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD)) {
+        dlclose(present);
+        return;
+    }
+    while (each >> name)
         static_cast<void>(dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL));
 }
 

@@ -27,8 +27,7 @@ struct ModuleTable {
 class TELLURION_EXPORT Module {
 public:
     /// `name` as in "gdal"; `purpose` is the subject of the message where it is missing, such
-    /// as "GeoTIFF and other rasters"; `below` names libraries that it needs, which are loaded
-    /// first, as for LoadLibrary.
+    /// as "GeoTIFF and other rasters"; `below` as for LoadLibrary.
     constexpr Module(const char* name, const char* purpose, const char* below = "")
         : name_(name), purpose_(purpose), below_(below) {}
 
