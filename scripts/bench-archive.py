@@ -5,11 +5,11 @@ over GDAL in C++ and in Python.
 bench-archive.py BIN TABLE   BIN holds mapanchor and gdal_loop; the results go into TABLE (Markdown),
                              between its marks for them
 --scale F                    archives of F times the usual number of files
---runs N                     runs of each command in turn, of which the median counts
+--runs N                     runs of each command in turn, of which the one with the least processor time counts
 --keep FOLDER                archives are made there once, and kept; default: a temporary folder
 
 Processor time is user and system time of a process with all of its children, so that the load of
-other programs on the machine distorts it far less than the time on the clock.
+other programs on the machine distorts it less than the time on the clock.
 """
 
 import argparse
@@ -66,9 +66,10 @@ def drop_caches():
 
 
 def in_turn(commands, runs, before=lambda: None):
-    """The run with the median processor time of each command; `before` is called before each run."""
+    """The run of each command with the least processor time, to which whatever else the machine does can
+    only add; `before` is called before each run."""
     costs = [[(before(), run(*command))[1] for command in commands] for _ in range(runs)]
-    return [sorted(column)[len(column) // 2] for column in zip(*costs)]
+    return [min(column) for column in zip(*costs)]
 
 
 class Archives:
