@@ -60,8 +60,9 @@ double Metres(const BCoordSys& system, Place a, Place b) {
         const auto unit = system.GetUnits();
         return unit && unit->IsLinear() ? std::hypot(a.x - b.x, a.y - b.y) / unit->GetUnitsPerBase() : kNone;
     }
-    const double radian = kDegree / UnitsPerDegree(system.GetUnits());
-    const double turn = kDegreesOfTurn * UnitsPerDegree(system.GetUnits());
+    const double per_degree = UnitsPerDegree(system.GetUnits());
+    const double radian = kDegree / per_degree;
+    const double turn = kDegreesOfTurn * per_degree;
     const double dx = std::remainder(b.x - a.x, turn) * std::cos((a.y + b.y) / 2 * radian);
     return kRadius * radian * std::hypot(dx, b.y - a.y);
 }
