@@ -41,43 +41,75 @@ ErMapperProjection ParseProjection(std::string_view row) {
     projection.name = Cut(row, '\t');
     projection.method = Cut(row, '\t');
     projection.metres_per_unit = ParseQuotient(Cut(row, '\t'));
-    while (!row.empty()) {
-        std::string_view parameter = Cut(row, ' ');
-        const std::string_view key = Cut(parameter, '=');
-        // A Mercator row states the parallel whose scale its factor is; northings count
-        // from the equator all the same.
-        const bool told_twice = projection.method == "Mercator_1SP" && key == "latitude_of_origin";
-        projection.parameters.emplace_back(key, told_twice ? 0.0 : ParseDouble(parameter));
-    }
+    projection.parameters = row;
     return projection;
+}
+
+template <class Row>
+std::vector<Row> ReadRows(std::string_view kind, Row (*parse)(std::string_view)) {
+    std::vector<Row> rows;
+    std::string_view table(kErMapperText);
+    while (!table.empty()) {
+        std::string_view row = Cut(table, '\n');
+        if (Cut(row, '\t') == kind) rows.push_back(parse(row));
+    }
+    return rows;
+}
+
+template <class Row>
+std::unordered_map<std::string_view, std::size_t> IndexNames(const std::vector<Row>& rows) {
+    std::unordered_map<std::string_view, std::size_t> by_name;
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        by_name.emplace(rows[i].name, i);
+    return by_name;
 }
 
 }  // namespace
 
+std::vector<std::pair<std::string_view, double>> ErMapperProjection::Parameters() const {
+    std::vector<std::pair<std::string_view, double>> read;
+    std::string_view text = parameters;
+    while (!text.empty()) {
+        std::string_view value = Cut(text, ' ');
+        const std::string_view key = Cut(value, '=');
+        // A Mercator row states the parallel whose scale its factor is; northings count
+        // from the equator all the same.
+        const bool told_twice = method == "Mercator_1SP" && key == "latitude_of_origin";
+        read.emplace_back(key, told_twice ? 0.0 : ParseDouble(value));
+    }
+    return read;
+}
+
+double ErMapperProjection::CentralMeridian() const {
+    std::string_view text = parameters;
+    while (!text.empty()) {
+        std::string_view value = Cut(text, ' ');
+        const std::string_view key = Cut(value, '=');
+        if (key == "central_meridian" || key == "longitude_of_center") return ParseDouble(value);
+    }
+    return 0.0;
+}
+
 const ErMapperNames& ErMapperNames::Instance() {
-    static const auto* const instance = new ErMapperNames(kErMapperText);
+    static const auto* const instance = new ErMapperNames;
     return *instance;
 }
 
-ErMapperNames::ErMapperNames(std::string_view table) {
-    while (!table.empty())
-        AddRow(Cut(table, '\n'));
-    Index();
-}
-
-void ErMapperNames::AddRow(std::string_view row) {
-    const std::string_view kind = Cut(row, '\t');
-    if (kind == "datum") datums_.push_back(ParseDatum(row));
-    if (kind == "projection") projections_.push_back(ParseProjection(row));
-}
-
-void ErMapperNames::Index() {
-    for (std::size_t i = 0; i < datums_.size(); ++i) {
-        datum_by_name_.emplace(datums_[i].name, i);
+ErMapperNames::ErMapperNames() : datums_(ReadRows("datum", ParseDatum)), datum_by_name_(IndexNames(datums_)) {
+    for (std::size_t i = 0; i < datums_.size(); ++i)
         if (datums_[i].epsg != 0) datum_by_epsg_.emplace(datums_[i].epsg, i);
-    }
-    for (std::size_t i = 0; i < projections_.size(); ++i)
-        projection_by_name_.emplace(projections_[i].name, i);
+}
+
+ErMapperNames::NamedProjections ErMapperNames::MakeProjections() {
+    NamedProjections projections;
+    projections.rows = ReadRows("projection", ParseProjection);
+    projections.by_name = IndexNames(projections.rows);
+    return projections;
+}
+
+const ErMapperNames::NamedProjections& ErMapperNames::ReadProjections() {
+    static const auto* const projections = new NamedProjections(MakeProjections());
+    return *projections;
 }
 
 const ErMapperDatum* ErMapperNames::FindDatum(std::string_view name) const {
@@ -86,8 +118,9 @@ const ErMapperDatum* ErMapperNames::FindDatum(std::string_view name) const {
 }
 
 const ErMapperProjection* ErMapperNames::FindProjection(std::string_view name) const {
-    const auto found = projection_by_name_.find(name);
-    return found == projection_by_name_.end() ? nullptr : &projections_[found->second];
+    const NamedProjections& projections = ReadProjections();
+    const auto found = projections.by_name.find(name);
+    return found == projections.by_name.end() ? nullptr : &projections.rows[found->second];
 }
 
 const ErMapperDatum* ErMapperNames::FindDatumByEpsg(int geodetic) const {

@@ -26,12 +26,17 @@ struct ErMapperProjection {
     std::string_view name;
     std::string_view method;  ///< as well-known text 1 names it
     double metres_per_unit = 0.0;
+    std::string_view parameters;  ///< as the table has them; few of a thousand are ever read
+
     /// Angles in degrees, false origins in the unit.
-    std::vector<std::pair<std::string_view, double>> parameters;
+    std::vector<std::pair<std::string_view, double>> Parameters() const;
+    /// In degrees; 0 without one.
+    double CentralMeridian() const;
 };
 
 /// The names that headers of the ER Mapper family give to datums and projections.
-/// Read once, on first need, and never changed. Names are compared exactly.
+/// Read once, on first need, and never changed; the projections, which are nine tenths, when the first
+/// of them is asked for. Names are compared exactly.
 class TELLURION_EXPORT ErMapperNames {
 public:
     static const ErMapperNames& Instance();
@@ -44,17 +49,19 @@ public:
     const ErMapperDatum* FindDatumByEpsg(int geodetic) const;
 
     const std::vector<ErMapperDatum>& Datums() const { return datums_; }
-    const std::vector<ErMapperProjection>& Projections() const { return projections_; }
+    const std::vector<ErMapperProjection>& Projections() const { return ReadProjections().rows; }
 
 private:
-    explicit ErMapperNames(std::string_view table);
-    void AddRow(std::string_view row);
-    void Index();
+    struct NamedProjections {
+        std::vector<ErMapperProjection> rows;
+        std::unordered_map<std::string_view, std::size_t> by_name;
+    };
+    ErMapperNames();
+    static NamedProjections MakeProjections();
+    static const NamedProjections& ReadProjections();
 
     std::vector<ErMapperDatum> datums_;
-    std::vector<ErMapperProjection> projections_;
     std::unordered_map<std::string_view, std::size_t> datum_by_name_;
-    std::unordered_map<std::string_view, std::size_t> projection_by_name_;
     std::unordered_map<int, std::size_t> datum_by_epsg_;
 };
 

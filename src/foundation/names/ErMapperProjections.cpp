@@ -18,14 +18,6 @@ double MeridianOf(const PJ::CProjection& projection) {
     return std::remainder(projection.GetParameters().GetNumber("CENTRAL_MERIDIAN", 0.0), 360.0);
 }
 
-/// The same without reading all of the row.
-double MeridianOf(const ErMapperProjection& row) {
-    const auto meridian = std::ranges::find_if(row.parameters, [](const auto& parameter) {
-        return parameter.first == "central_meridian" || parameter.first == "longitude_of_center";
-    });
-    return meridian == row.parameters.end() ? 0.0 : std::remainder(meridian->second, 360.0);
-}
-
 bool IsUtmZone(std::string_view name) {
     return name.size() == 6 && (name.starts_with("NUTM") || name.starts_with("SUTM"));
 }
@@ -46,7 +38,7 @@ ErMapperProjections::ErMapperProjections() {
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         const auto [kind, is_new] = kinds.try_emplace(rows_[i]->method);
         if (is_new) kind->second = PJ::ReadProjection(*rows_[i]).GetKind();
-        places_[kind->second].push_back({MeridianOf(*rows_[i]), i});
+        places_[kind->second].push_back({std::remainder(rows_[i]->CentralMeridian(), 360.0), i});
     }
     entries_.resize(rows_.size());
     for (auto& [kind, places] : places_)

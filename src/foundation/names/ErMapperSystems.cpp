@@ -46,7 +46,7 @@ std::string UnitText(const BLinearUnit& unit, double metres) {
 std::string WktOf(const ErMapperProjection& row, const CoordSysDefinition& geodetic) {
     std::string wkt = "PROJCS[\"" + std::string(row.name) + "\"," + geodetic.Wkt().StdStr() +
                       ",PROJECTION[\"" + std::string(row.method) + "\"]";
-    for (const auto& [name, value] : row.parameters)
+    for (const auto& [name, value] : row.Parameters())
         wkt += ",PARAMETER[\"" + std::string(name) + "\"," + Tellurion::PrintShortest(value) + "]";
     return wkt + "," + UnitText(*PJ::UnitOf(row), row.metres_per_unit) + "]";
 }

@@ -163,7 +163,7 @@ CProjection ReadProjection(const DB::ErMapperProjection& row) {
         if (row.method == method.name) epsg = method.epsg;
     CProjection projection{std::string(row.method), epsg};
     const BSharedPtr<BLinearUnit> unit = UnitOf(row);
-    for (const auto& [name, value] : row.parameters)
+    for (const auto& [name, value] : row.Parameters())
         projection.GetParameters().Add(ParameterOf(name, value, unit));
     return projection;
 }
