@@ -38,7 +38,8 @@ Proj::Object MakeOperation(PJ* crs) {
     if (!ordered) return nullptr;
     const char* words = proj_as_proj_string(context, ordered.get(), PJ_PROJ_5, nullptr);
     if (!words) return nullptr;
-    const std::string steps = IsOnAuthalicSphere(crs) ? WithAuthalicSphere(words) : words;
+    std::string steps = WithAuthalicSphere(words);
+    if (steps != words && !IsOnAuthalicSphere(crs)) steps = words;
     return Proj::Object(proj_create(context, steps.c_str()));
 }
 
