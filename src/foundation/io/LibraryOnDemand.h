@@ -12,10 +12,11 @@ namespace Tellurion {
 /// Loads a library for the rest of the process: a path, or a name that the loader looks for. On
 /// failure null and the loader's reason; std::bad_alloc where there is no memory for it.
 ///
-/// `below` names a library that it needs and then those that that one needs, parted by spaces. Unless the
-/// process has the former, the latter are loaded first, each by itself: the loader then looks up the
-/// symbols of each among the few libraries that it needs itself. Of a hundred libraries that are loaded
-/// as one, as those below GDAL, it looks up the symbols of each in all others.
+/// `below` names a library that it needs and then all that are loaded with that one, each behind what it
+/// needs, parted by spaces. Unless the process has the former, the latter are loaded first, each by
+/// itself: the loader then looks up the symbols of each among the few libraries that it needs. Of a
+/// hundred libraries that are loaded as one, as those below GDAL, it looks up the symbols of each in all
+/// others.
 void* LoadLibrary(const std::string& file, std::string& reason, const char* below = "");
 
 /// A library of others that is loaded by the first call of one of its functions, once, by any
