@@ -4,6 +4,8 @@
 
 #include <Tellurion/Numbers.h>
 
+#include <algorithm>
+
 namespace GeoCalc::DB {
 namespace {
 
@@ -19,6 +21,7 @@ std::string_view Cut(std::string_view& text, char separator) {
 
 /// A number, or two parted by a stroke.
 double ParseQuotient(std::string_view text) {
+    if (text == "1") return 1.0;  // most are
     const double numerator = ParseDouble(Cut(text, '/'));
     return text.empty() ? numerator : numerator / ParseDouble(text);
 }
@@ -56,12 +59,11 @@ std::vector<Row> ReadRows(std::string_view kind, Row (*parse)(std::string_view))
     return rows;
 }
 
+/// The table is sorted by name.
 template <class Row>
-std::unordered_map<std::string_view, std::size_t> IndexNames(const std::vector<Row>& rows) {
-    std::unordered_map<std::string_view, std::size_t> by_name;
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        by_name.emplace(rows[i].name, i);
-    return by_name;
+const Row* FindName(const std::vector<Row>& rows, std::string_view name) {
+    const auto found = std::ranges::lower_bound(rows, name, {}, &Row::name);
+    return found != rows.end() && found->name == name ? &*found : nullptr;
 }
 
 }  // namespace
@@ -95,37 +97,28 @@ const ErMapperNames& ErMapperNames::Instance() {
     return *instance;
 }
 
-ErMapperNames::ErMapperNames() : datums_(ReadRows("datum", ParseDatum)), datum_by_name_(IndexNames(datums_)) {
-    for (std::size_t i = 0; i < datums_.size(); ++i)
-        if (datums_[i].epsg != 0) datum_by_epsg_.emplace(datums_[i].epsg, i);
+ErMapperNames::ErMapperNames() : datums_(ReadRows("datum", ParseDatum)) {
+    for (const ErMapperDatum& datum : datums_)
+        if (datum.epsg != 0) datum_by_epsg_.emplace(datum.epsg, &datum);
 }
 
-ErMapperNames::NamedProjections ErMapperNames::MakeProjections() {
-    NamedProjections projections;
-    projections.rows = ReadRows("projection", ParseProjection);
-    projections.by_name = IndexNames(projections.rows);
-    return projections;
-}
-
-const ErMapperNames::NamedProjections& ErMapperNames::ReadProjections() {
-    static const auto* const projections = new NamedProjections(MakeProjections());
+const std::vector<ErMapperProjection>& ErMapperNames::Projections() const {
+    static const auto* const projections =
+        new std::vector<ErMapperProjection>(ReadRows("projection", ParseProjection));
     return *projections;
 }
 
 const ErMapperDatum* ErMapperNames::FindDatum(std::string_view name) const {
-    const auto found = datum_by_name_.find(name);
-    return found == datum_by_name_.end() ? nullptr : &datums_[found->second];
+    return FindName(datums_, name);
 }
 
 const ErMapperProjection* ErMapperNames::FindProjection(std::string_view name) const {
-    const NamedProjections& projections = ReadProjections();
-    const auto found = projections.by_name.find(name);
-    return found == projections.by_name.end() ? nullptr : &projections.rows[found->second];
+    return FindName(Projections(), name);
 }
 
 const ErMapperDatum* ErMapperNames::FindDatumByEpsg(int geodetic) const {
     const auto found = datum_by_epsg_.find(geodetic);
-    return found == datum_by_epsg_.end() ? nullptr : &datums_[found->second];
+    return found == datum_by_epsg_.end() ? nullptr : found->second;
 }
 
 }  // namespace GeoCalc::DB

@@ -49,20 +49,13 @@ public:
     const ErMapperDatum* FindDatumByEpsg(int geodetic) const;
 
     const std::vector<ErMapperDatum>& Datums() const { return datums_; }
-    const std::vector<ErMapperProjection>& Projections() const { return ReadProjections().rows; }
+    const std::vector<ErMapperProjection>& Projections() const;
 
 private:
-    struct NamedProjections {
-        std::vector<ErMapperProjection> rows;
-        std::unordered_map<std::string_view, std::size_t> by_name;
-    };
     ErMapperNames();
-    static NamedProjections MakeProjections();
-    static const NamedProjections& ReadProjections();
 
     std::vector<ErMapperDatum> datums_;
-    std::unordered_map<std::string_view, std::size_t> datum_by_name_;
-    std::unordered_map<int, std::size_t> datum_by_epsg_;
+    std::unordered_map<int, const ErMapperDatum*> datum_by_epsg_;
 };
 
 }  // namespace GeoCalc::DB
