@@ -120,7 +120,9 @@ SystemTransformation::SystemTransformation(const CoordSysDefinition& from, const
 
 std::shared_ptr<const SystemTransformation> SystemTransformation::Find(const CoordSysDefinition::Ptr& from,
                                                                        const CoordSysDefinition::Ptr& to) {
-    constexpr std::size_t kMaxEntries = 16;
+    // Archives of a country or two have some dozens of systems; to make a way asks the database a
+    // hundred times.
+    constexpr std::size_t kMaxEntries = 64;
     static auto* const cache = new LruCache<std::shared_ptr<const Cached>, std::string>(kMaxEntries);
     return cache
         ->Get(KeyOf(from.get(), to.get()),
