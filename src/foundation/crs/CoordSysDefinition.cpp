@@ -1,18 +1,23 @@
 #include "crs/CoordSysDefinition.h"
 
 #include "crs/AuthalicSphere.h"
+#include "crs/DefinitionCaches.h"
 #include "crs/Identification.h"
 #include "crs/NamedFiles.h"
 #include "crs/UnitTable.h"
+#include "crs/UtmZones.h"
 #include "crs/WebMercatorText.h"
 #include "crs/WktTexts.h"
 
 #include <Tellurion/BCoordSysException.h>
+#include <Tellurion/Numbers.h>
 
 #include <proj_experimental.h>
 
+#include <algorithm>
 #include <numbers>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace Tellurion {
@@ -65,6 +70,36 @@ void RequireNoFile(const std::string& text) {
             BString::Format("It names the file <%s>. Name grids without a folder.", file));
 }
 
+/// Cuts a decimal number off the front of `text`, in what all readers of well-known text take for one.
+std::optional<double> CutNumber(std::string_view& text) {
+    std::string_view rest = text;
+    double number = 0.0;
+    if (!ScanDouble(rest, number)) return std::nullopt;
+    const std::string_view digits = text.substr(0, text.size() - rest.size());
+    if (digits.find_first_not_of("0123456789.-") != digits.npos) return std::nullopt;
+    text = rest;
+    return number;
+}
+
+/// Whether two texts are the same but for blanks behind commas and the digits of numbers.
+bool StateTheSame(std::string_view first, std::string_view second) {
+    bool quoted = false;
+    while (!first.empty() && !second.empty()) {
+        const char next = first.front();
+        if (const auto number = quoted ? std::nullopt : CutNumber(first)) {
+            if (number != CutNumber(second)) return false;
+            continue;
+        }
+        if (next != second.front()) return false;
+        quoted = quoted != (next == '"');
+        for (std::string_view* text : {&first, &second})
+            text->remove_prefix(std::min(text->size(), next == ',' && !quoted
+                                                           ? text->find_first_not_of(" \t\r\n", 1)
+                                                           : std::size_t{1}));
+    }
+    return first.empty() && second.empty();
+}
+
 }  // namespace
 
 CoordSysDefinition::Parts CoordSysDefinition::Split(Proj::Object crs) {
@@ -95,12 +130,26 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
     const std::string cleaned = CleanWkt(text, epoch);
     if (cleaned.empty()) return nullptr;
     RequireNoFile(cleaned);
+    if (Ptr listed = epoch == 0.0 ? FromListedPrj(cleaned) : nullptr) return listed;
     const bool web_mercator = IsWebMercatorText(cleaned);
     Proj::Object read = web_mercator ? nullptr : ReadWkt(cleaned);
     const int number = web_mercator ? kWebMercator : read ? NumberOnAuthalicSphere(read.get()) : 0;
     if (number == 0) return Make(std::move(read), epoch);
     Ptr standard = FromEpsg(number);
     return standard && epoch != 0.0 ? Make(standard->CloneUnshifted(), epoch) : standard;
+}
+
+/// A text that states, word for word and number for number, what ESRI's flavour has for a zone of UTM.
+/// PROJ looks each of its names up in a table without an index, which costs three times what all else
+/// costs that most want to know of such a system.
+CoordSysDefinition::Ptr CoordSysDefinition::FromListedPrj(const std::string& text) {
+    constexpr std::string_view kStart = "PROJCS[\"";
+    if (!text.starts_with(kStart)) return nullptr;
+    const std::string_view name = std::string_view(text).substr(kStart.size());
+    const int number = EpsgOfEsriUtmZone(name.substr(0, name.find('"')));
+    const Ptr listed = number != 0 ? FindByEpsg(number) : nullptr;
+    if (!listed || !StateTheSame(text, listed->Prj().StdStr())) return nullptr;
+    return Ptr(new CoordSysDefinition(*listed, text));
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::FromProjText(const std::string& text) {
@@ -121,6 +170,26 @@ CoordSysDefinition::CoordSysDefinition(Parts parts, double epoch) : epoch_(epoch
     name_ = BString(Proj::NameOf(parts_.whole.get()));
 }
 
+CoordSysDefinition::CoordSysDefinition(const CoordSysDefinition& listed, std::string text)
+    : kind_(listed.kind_), name_(listed.name_), unread_(std::move(text)) {
+    faces_.epsg = listed.EpsgNumber();
+    faces_.horizontal_epsg = faces_.epsg;
+    faces_.horizontal_unit = listed.HorizontalUnit();
+    faces_.vertical_unit = listed.VerticalUnit();
+}
+
+const CoordSysDefinition::Parts& CoordSysDefinition::GetParts() const {
+    const std::lock_guard lock(mutex_);
+    if (unread_.empty()) return parts_;
+    Proj::Object read = ReadWkt(unread_);
+    if (!read)
+        throw BCoordSysException("The coordinate system is not read.", "CoordSysDefinition::GetParts",
+                                 BString::Format("The text of <%ls> cannot be understood any more.", name_));
+    parts_ = Split(std::move(read));
+    unread_.clear();
+    return parts_;
+}
+
 /// The face, made under the lock when it is asked for first.
 template <class T, class Maker>
 T CoordSysDefinition::Face(std::optional<T>& face, Maker make) const {
@@ -130,44 +199,44 @@ T CoordSysDefinition::Face(std::optional<T>& face, Maker make) const {
 }
 
 BString CoordSysDefinition::Wkt() const {
-    return Face(faces_.wkt, [this] { return ExportWkt(parts_.Horizontal()); });
+    return Face(faces_.wkt, [this] { return ExportWkt(GetParts().Horizontal()); });
 }
 
 BString CoordSysDefinition::Prj() const {
     return Face(faces_.prj,
-                [this] { return IsWebMercator() ? WebMercatorPrj() : ExportPrj(parts_.Plain()); });
+                [this] { return IsWebMercator() ? WebMercatorPrj() : ExportPrj(GetParts().Plain()); });
 }
 
 BString CoordSysDefinition::WholeWkt() const {
-    if (!parts_.horizontal && epoch_ == 0.0) return Wkt();
-    return Face(faces_.whole_wkt, [this] { return WithEpoch(ExportWkt(parts_.whole.get()), epoch_); });
+    if (!GetParts().horizontal && epoch_ == 0.0) return Wkt();
+    return Face(faces_.whole_wkt, [this] { return WithEpoch(ExportWkt(GetParts().whole.get()), epoch_); });
 }
 
 BString CoordSysDefinition::Wkt2() const {
     const std::lock_guard lock(mutex_);
-    return WithEpoch(ExportWkt2(parts_.whole.get()), epoch_);
+    return WithEpoch(ExportWkt2(GetParts().whole.get()), epoch_);
 }
 
 BString CoordSysDefinition::ProjJson() const {
     const std::lock_guard lock(mutex_);
-    return BString(proj_as_projjson(Proj::ThreadContext(), parts_.whole.get(), nullptr));
+    return BString(proj_as_projjson(Proj::ThreadContext(), GetParts().whole.get(), nullptr));
 }
 
 BString CoordSysDefinition::ProjString() const {
     const std::lock_guard lock(mutex_);
-    return BString(proj_as_proj_string(Proj::ThreadContext(), parts_.whole.get(), PJ_PROJ_4, nullptr));
+    return BString(proj_as_proj_string(Proj::ThreadContext(), GetParts().whole.get(), PJ_PROJ_4, nullptr));
 }
 
 int CoordSysDefinition::EpsgNumber() const {
     return Face(faces_.epsg, [this] {
         // Of two axes and without a shift, unless the system has a vertical part.
-        return NumberOf(parts_.horizontal ? parts_.whole.get() : parts_.Plain());
+        return NumberOf(GetParts().horizontal ? GetParts().whole.get() : GetParts().Plain());
     });
 }
 
 int CoordSysDefinition::HorizontalEpsg() const {
     return Face(faces_.horizontal_epsg,
-                [this] { return parts_.horizontal ? NumberOf(parts_.Plain()) : EpsgNumber(); });
+                [this] { return GetParts().horizontal ? NumberOf(GetParts().Plain()) : EpsgNumber(); });
 }
 
 int CoordSysDefinition::GeodeticEpsgNumber() const {
@@ -180,7 +249,7 @@ int CoordSysDefinition::GeodeticEpsgNumber() const {
 bool CoordSysDefinition::IsWebMercator() const {
     if (kind_ != Kind::Projected || HorizontalEpsg() != kWebMercator) return false;
     const Ptr standard = FromEpsg(kWebMercator);
-    return standard && IsSameSystem(parts_.Plain(), standard->parts_.Plain());
+    return standard && IsSameSystem(GetParts().Plain(), standard->GetParts().Plain());
 }
 
 int CoordSysDefinition::DatumEpsgNumber() const {
@@ -199,8 +268,8 @@ Proj::Object CoordSysDefinition::GetDatum() const {
     if (kind_ == Kind::Other) return nullptr;
     const std::lock_guard lock(mutex_);
     PJ_CONTEXT* context = Proj::ThreadContext();
-    Proj::Object datum(proj_crs_get_datum(context, parts_.Plain()));
-    if (!datum) datum.reset(proj_crs_get_datum_ensemble(context, parts_.Plain()));
+    Proj::Object datum(proj_crs_get_datum(context, GetParts().Plain()));
+    if (!datum) datum.reset(proj_crs_get_datum_ensemble(context, GetParts().Plain()));
     return datum;
 }
 
@@ -219,24 +288,24 @@ CoordSysDefinition::Ptr CoordSysDefinition::Base() const {
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::MakeBase() const {
-    if (compound_) return Make(Clone(parts_.Horizontal()));
+    if (compound_) return Make(Clone(GetParts().Horizontal()));
     if (kind_ != Kind::Projected) return nullptr;
-    return Make(Proj::Object(proj_crs_get_geodetic_crs(Proj::ThreadContext(), parts_.Plain())));
+    return Make(Proj::Object(proj_crs_get_geodetic_crs(Proj::ThreadContext(), GetParts().Plain())));
 }
 
 Proj::Object CoordSysDefinition::CloneHorizontal() const {
     const std::lock_guard lock(mutex_);
-    return Clone(parts_.Plain());
+    return Clone(GetParts().Plain());
 }
 
 Proj::Object CoordSysDefinition::CloneShifted() const {
     const std::lock_guard lock(mutex_);
-    return Clone(parts_.Horizontal());
+    return Clone(GetParts().Horizontal());
 }
 
 Proj::Object CoordSysDefinition::CloneUnshifted() const {
     const std::lock_guard lock(mutex_);
-    return Clone(parts_.horizontal ? parts_.whole.get() : parts_.Plain());
+    return Clone(GetParts().horizontal ? GetParts().whole.get() : GetParts().Plain());
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::Vertical() const {
@@ -245,12 +314,12 @@ CoordSysDefinition::Ptr CoordSysDefinition::Vertical() const {
 
 Proj::Object CoordSysDefinition::CloneVertical() const {
     const std::lock_guard lock(mutex_);
-    return parts_.vertical ? Clone(parts_.vertical.get()) : nullptr;
+    return GetParts().vertical ? Clone(GetParts().vertical.get()) : nullptr;
 }
 
 CoordSysDefinition::Ptr CoordSysDefinition::Renamed(const BString& name) const {
     const std::lock_guard lock(mutex_);
-    return Make(Proj::Object(proj_alter_name(Proj::ThreadContext(), parts_.whole.get(), name.Utf8())),
+    return Make(Proj::Object(proj_alter_name(Proj::ThreadContext(), GetParts().whole.get(), name.Utf8())),
                 epoch_);
 }
 
@@ -258,7 +327,7 @@ BSharedPtr<BUnit> CoordSysDefinition::HorizontalUnit() const {
     return Face(faces_.horizontal_unit, [this] {
         Proj::Axis axis;
         Proj::Object owner;
-        if (!Proj::GetAxis(parts_.Plain(), 0, axis, owner)) return BSharedPtr<BUnit>();
+        if (!Proj::GetAxis(GetParts().Plain(), 0, axis, owner)) return BSharedPtr<BUnit>();
         const bool linear = kind_ != Kind::Geodetic;
         const double size = linear ? axis.unit_factor : axis.unit_factor * 180.0 / std::numbers::pi;
         return UnitTable::FromText(axis.unit_name, size, linear, axis.unit_epsg);
@@ -270,18 +339,21 @@ BSharedPtr<BLinearUnit> CoordSysDefinition::VerticalUnit() const {
 }
 
 BSharedPtr<BLinearUnit> CoordSysDefinition::FindVerticalUnit() const {
-    if (!parts_.vertical && kind_ == Kind::Other) return {};
-    const Proj::Object unshifted = WithoutShift(parts_.vertical ? parts_.vertical.get() : parts_.whole.get());
-    PJ* bearer = unshifted ? unshifted.get() : parts_.vertical ? parts_.vertical.get() : parts_.whole.get();
+    if (!GetParts().vertical && kind_ == Kind::Other) return {};
+    const Proj::Object unshifted =
+        WithoutShift(GetParts().vertical ? GetParts().vertical.get() : GetParts().whole.get());
+    PJ* bearer = unshifted             ? unshifted.get()
+                 : GetParts().vertical ? GetParts().vertical.get()
+                                       : GetParts().whole.get();
     Proj::Axis axis;
     Proj::Object owner;
-    if (!Proj::GetAxis(bearer, parts_.vertical ? 0 : 2, axis, owner)) return {};
+    if (!Proj::GetAxis(bearer, GetParts().vertical ? 0 : 2, axis, owner)) return {};
     return UnitTable::LinearFromText(axis.unit_name, axis.unit_factor, axis.unit_epsg);
 }
 
 /// Under the lock.
 const GeodeticConversion& CoordSysDefinition::Conversion() const {
-    if (!faces_.conversion) faces_.conversion.emplace(parts_.Plain());
+    if (!faces_.conversion) faces_.conversion.emplace(GetParts().Plain());
     return *faces_.conversion;
 }
 

@@ -99,6 +99,11 @@ private:
     static Parts Split(Proj::Object crs);
 
     CoordSysDefinition(Parts parts, double epoch);
+    /// The faces that most ask for are those of the same system in the list; the text is read when
+    /// another one is asked for.
+    CoordSysDefinition(const CoordSysDefinition& listed, std::string text);
+    static Ptr FromListedPrj(const std::string& text);
+    const Parts& GetParts() const;
     CoordSysDefinition(const CoordSysDefinition&) = delete;
     CoordSysDefinition& operator=(const CoordSysDefinition&) = delete;
 
@@ -121,7 +126,8 @@ private:
     /// Guards all that follows: PROJ's objects, also where they only answer. One face
     /// may be made of another, hence the recursion.
     mutable std::recursive_mutex mutex_;
-    Parts parts_;
+    mutable std::string unread_;  ///< the text that parts_ are still to be read from
+    mutable Parts parts_;
     struct Faces {
         std::optional<BString> wkt;
         std::optional<BString> prj;

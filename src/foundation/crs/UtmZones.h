@@ -9,4 +9,7 @@ namespace Tellurion {
 /// more than all the rest of a read. What it answers is still to be compared with the system itself.
 int EpsgOfUtmZone(std::string_view datum, int zone, char hemisphere);
 
+/// The same by ESRI's name of the system, such as "WGS_1984_UTM_Zone_32N".
+int EpsgOfEsriUtmZone(std::string_view name);
+
 }  // namespace Tellurion
