@@ -139,14 +139,15 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
     return standard && epoch != 0.0 ? Make(standard->CloneUnshifted(), epoch) : standard;
 }
 
-/// A text that states, word for word and number for number, what ESRI's flavour has for a zone of UTM.
-/// PROJ looks each of its names up in a table without an index, which costs three times what all else
-/// costs that most want to know of such a system.
+/// A text that states, word for word and number for number, what ESRI's flavour has for a system that many
+/// files are in. PROJ looks each of its names up in a table without an index, which costs as much as all
+/// else that is done to tell what most want to know of such a system.
 CoordSysDefinition::Ptr CoordSysDefinition::FromListedPrj(const std::string& text) {
-    constexpr std::string_view kStart = "PROJCS[\"";
-    if (!text.starts_with(kStart)) return nullptr;
-    const std::string_view name = std::string_view(text).substr(kStart.size());
-    const int number = EpsgOfEsriUtmZone(name.substr(0, name.find('"')));
+    const std::string_view words(text);
+    const std::size_t start = words.find("CS[\"");
+    if (start == words.npos) return nullptr;
+    const std::string_view name = words.substr(start + 4);
+    const int number = EpsgOfEsriName(name.substr(0, name.find('"')));
     const Ptr listed = number != 0 ? FindByEpsg(number) : nullptr;
     if (!listed || !StateTheSame(text, listed->Prj().StdStr())) return nullptr;
     return Ptr(new CoordSysDefinition(*listed, text));

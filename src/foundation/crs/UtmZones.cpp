@@ -19,6 +19,21 @@ constexpr UtmZones kUtmZones[] = {{"WGS 84", "WGS_1984", 32600, 1, 60, 'N'},
                                   {"NAD83", "NAD_1983", 26900, 1, 23, 'N'},
                                   {"NAD27", "NAD_1927", 26700, 1, 22, 'N'}};
 
+struct EsriName {
+    std::string_view name;
+    int number;
+};
+constexpr EsriName kEsriNames[] = {{"GCS_WGS_1984", 4326},
+                                   {"GCS_North_American_1983", 4269},
+                                   {"GCS_ETRS_1989", 4258},
+                                   {"ETRS_1989_LAEA", 3035},
+                                   {"British_National_Grid", 27700},
+                                   {"RGF_1993_Lambert_93", 2154},
+                                   {"RD_New", 28992},
+                                   {"Belge_Lambert_1972", 31370},
+                                   {"CH1903+_LV95", 2056},
+                                   {"NZGD_2000_New_Zealand_Transverse_Mercator", 2193}};
+
 }  // namespace
 
 int EpsgOfUtmZone(std::string_view datum, int zone, char hemisphere) {
@@ -29,7 +44,9 @@ int EpsgOfUtmZone(std::string_view datum, int zone, char hemisphere) {
     return 0;
 }
 
-int EpsgOfEsriUtmZone(std::string_view name) {
+int EpsgOfEsriName(std::string_view name) {
+    for (const auto& [known, number] : kEsriNames)
+        if (name == known) return number;
     constexpr std::string_view kZone = "_UTM_Zone_";
     const std::size_t at = name.find(kZone);
     if (at == name.npos) return 0;

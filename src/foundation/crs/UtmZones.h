@@ -9,7 +9,8 @@ namespace Tellurion {
 /// more than all the rest of a read. What it answers is still to be compared with the system itself.
 int EpsgOfUtmZone(std::string_view datum, int zone, char hemisphere);
 
-/// The same by ESRI's name of the system, such as "WGS_1984_UTM_Zone_32N".
-int EpsgOfEsriUtmZone(std::string_view name);
+/// The EPSG number of such a zone, or of another system that many files are in, by the name that ESRI
+/// gives it, such as "WGS_1984_UTM_Zone_32N"; 0 for others.
+int EpsgOfEsriName(std::string_view name);
 
 }  // namespace Tellurion

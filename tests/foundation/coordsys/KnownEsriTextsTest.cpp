@@ -26,18 +26,22 @@ std::string Replaced(std::string text, const std::string& old, const std::string
 std::string AnswersOf(const Ptr& system) {
     if (!system) return "none";
     const Ptr base(system->GetBaseCoordSys());
-    const BPoint placed = system->ConvertToGeodetic({600000.0, 1000000.0, 0.0});
+    const bool is_projected = system->GetKind() == BCoordSys::kKindProjected;
+    const BPoint placed =
+        system->ConvertToGeodetic({is_projected ? 600000.0 : 6.0, is_projected ? 1000000.0 : 9.0, 0.0});
     std::string answers = system->ToEPSGCode().StdStr() + (system->GetVerticalUnits() ? " heights " : " ");
     for (const BString& text : {system->GetName(), system->GetUnits()->GetName(), system->ToPROJJSON(),
-                                system->ToWKT(), system->ToPRJ(), base->GetName()})
+                                system->ToWKT(), system->ToPRJ(), base ? base->GetName() : BString()})
         answers += text.StdStr() + "\n";
     return answers + PrintShortest(placed.x) + " " + PrintShortest(placed.y);
 }
 
-/// The text of a zone is compared with the list's, and read only where that does not answer; in round
+/// Such a text is compared with the list's, and read only where that does not answer; in round
 /// brackets it is read at once.
-TEST(KnownZones, AnswerAsTheirTextsRead) {
-    for (const char* code : {"EPSG:32601", "EPSG:32760", "EPSG:25828", "EPSG:26923", "EPSG:26722"}) {
+TEST(KnownEsriTexts, AnswerAsTheyRead) {
+    for (const char* code : {"EPSG:32601", "EPSG:32760", "EPSG:25828", "EPSG:26923", "EPSG:26722",
+                             "EPSG:4326", "EPSG:4258", "EPSG:4269", "EPSG:3035", "EPSG:27700", "EPSG:2154",
+                             "EPSG:28992", "EPSG:31370", "EPSG:2056", "EPSG:2193"}) {
         const std::string text = Ptr(BCoordSys::FromEPSGCode(code))->ToPRJ().StdStr();
         EXPECT_EQ(FromWkt(text)->ToEPSGCode().StdStr(), code);
         for (const std::string& variant :
