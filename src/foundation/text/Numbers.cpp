@@ -35,13 +35,34 @@ bool BeginsHexadecimal(std::string_view text) {
     return is_hex(text[2]) || (text.size() > 3 && text[2] == '.' && is_hex(text[3]));
 }
 
-/// What a number beyond the range of double is meant to be: from_chars leaves that
-/// open. strtod in the C locale knows; it wants a terminated copy.
-double OutOfRange(std::string_view number, bool hexadecimal) {
+/// The number at the front by strtod in the C locale, which wants a terminated copy.
+double ByStrtod(std::string_view number, bool hexadecimal, std::size_t& length) {
     static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
-    std::string copy(hexadecimal ? "0x" : "");
-    copy.append(number);
-    return strtod_l(copy.c_str(), nullptr, c_locale);
+    const std::string copy = std::string(hexadecimal ? "0x" : "") + std::string(number);
+    char* end = nullptr;
+    const double value = strtod_l(copy.c_str(), &end, c_locale);
+    length = static_cast<std::size_t>(end - copy.c_str());
+    length -= std::min(length, copy.size() - number.size());
+    return value;
+}
+
+/// How many characters the number at the front of `text`, which has no sign, takes; 0 without one.
+std::size_t TakeNumber(std::string_view text, bool hexadecimal, double& number) {
+    std::size_t length = 0;
+#ifdef __cpp_lib_to_chars
+    const auto format = hexadecimal ? std::chars_format::hex : std::chars_format::general;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, format);
+    if (error == std::errc::invalid_argument) return 0;
+    length = static_cast<std::size_t>(end - text.data());
+    // What is meant beyond the range of double from_chars leaves open, and strtod knows.
+    if (error == std::errc::result_out_of_range)
+        number = ByStrtod(text.substr(0, length), hexadecimal, length);
+#else  // libc++ before version 20
+    const std::string_view kMarks = "0123456789.+-abcdefinptyxABCDEFINPTYX()";
+    text = text.substr(0, text.find_first_not_of(kMarks));
+    if (!text.empty() && text.front() != '+') number = ByStrtod(text, hexadecimal, length);
+#endif
+    return length;
 }
 
 }  // namespace
@@ -52,12 +73,9 @@ bool ScanDouble(std::string_view& text, double& value) {
     if (rest.empty() || rest.front() == '-') return false;
     const bool hexadecimal = BeginsHexadecimal(rest);
     if (hexadecimal) rest.remove_prefix(2);
-    const auto format = hexadecimal ? std::chars_format::hex : std::chars_format::general;
     double number = 0.0;
-    const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number, format);
-    if (error == std::errc::invalid_argument) return false;
-    const auto length = static_cast<std::size_t>(end - rest.data());
-    if (error == std::errc::result_out_of_range) number = OutOfRange(rest.substr(0, length), hexadecimal);
+    const std::size_t length = TakeNumber(rest, hexadecimal, number);
+    if (length == 0) return false;
     value = minus ? -number : number;
     rest.remove_prefix(length);
     text = rest;
