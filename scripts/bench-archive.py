@@ -98,6 +98,15 @@ def every_150th_code():
     return [line.split()[0] for line in listed.splitlines()][::150]
 
 
+# None of the systems whose text is answered for without reading it.
+OTHER_PRJ = ('PROJCS["DHDN_3_Degree_Gauss_Zone_3",GEOGCS["GCS_Deutsches_Hauptdreiecksnetz",'
+             'DATUM["D_Deutsches_Hauptdreiecksnetz",SPHEROID["Bessel_1841",6377397.155,299.1528128]],'
+             'PRIMEM["Greenwich",0.0],UNIT["Degree",0.0174532925199433]],PROJECTION["Gauss_Kruger"],'
+             'PARAMETER["False_Easting",3500000.0],PARAMETER["False_Northing",0.0],'
+             'PARAMETER["Central_Meridian",9.0],PARAMETER["Scale_Factor",1.0],'
+             'PARAMETER["Latitude_Of_Origin",0.0],UNIT["Meter",1.0]]')
+
+
 def starts(tool, archives, runs):
     """(what, our seconds, the peer's words, the peer's seconds)"""
     _, tiffs = archives.make("geotiff", 20)
@@ -108,11 +117,15 @@ def starts(tool, archives, runs):
     same = {kind: archives.folder / f"placed.{kind}" for kind in ("tab", "rsf", "ers")}
     for target in same.values():
         run([tool, "convert", "--quiet", "--overwrite", "--size", "100x100", with_system, target])
+    other = archives.folder / "other.tfw"
+    other.write_text("1\n0\n0\n-1\n3500000\n5500000\n", encoding="ascii")
+    other.with_suffix(".prj").write_text(OTHER_PRJ, encoding="ascii")
     gdal = ["gdalinfo", tiffs[0]]
     for what, ours, peer in (
             ("`ext`", ["ext", "map.tif"], gdal),
             ("`info` of a world file", ["info", worlds[0]], gdal),
-            ("`info` of a world file with a prj", ["info", with_system], gdal),
+            ("`info` of a world file with a prj of a UTM zone", ["info", with_system], gdal),
+            ("`info` of a world file with another prj", ["info", other], gdal),
             ("`info` of a TAB file with a system", ["info", same["tab"]], gdal),
             ("`info` of an RSF file with a system", ["info", same["rsf"]], gdal),
             ("`info` of an ERS file with a system", ["info", same["ers"]], gdal),
