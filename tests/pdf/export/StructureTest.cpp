@@ -115,10 +115,11 @@ TEST(Structure, IsExtendedOrStays) {
         for (const bool appends : {true, false}) {
             SCOPED_TRACE(std::string(name) + (appends ? ", appended" : ", whole"));
             const std::string file = folder.Write(
-                "map.pdf", PlainPdf({"<</Type/Catalog/Pages 2 0 R" + catalog + ">>",
-                                     "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-                                     "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]/StructParents 3>>",
-                                     "<<" + root + ">>", array, element.empty() ? paragraph : element}));
+                "map.pdf",
+                PlainPdf({"<</Type/Catalog/Pages 2 0 R" + catalog + ">>",
+                          "<</Type/Pages/Kids[3 0 R]/Count 1>>",
+                          "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]/Resources<<>>/StructParents 3>>",
+                          "<<" + root + ">>", array, element.empty() ? paragraph : element}));
             const std::string before = StructureOf(file, false);
             const LogCapture log;
             Save(file, first, appends);

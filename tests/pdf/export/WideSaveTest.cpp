@@ -82,7 +82,8 @@ bool Runs(const std::string& command) {
 
 /// A page of 200 by 100 points whose older map is one of the other dialect.
 constexpr const char* kPage =
-    "/MediaBox[0 0 200.1234567 100]/LGIDict[<</Type/LGIDict/CTM[(1)(0)(0)(1)(5)(6)]>>]/VP 99 0 R";
+    "/MediaBox[0 0 200.1234567 100]/Resources<<>>/LGIDict[<</Type/LGIDict/CTM[(1)(0)(0)(1)(5)(6)]>>]/VP 99 0 "
+    "R";
 
 std::string WithStreams() {
     PdfBuilder file;
@@ -183,7 +184,7 @@ TEST(WideSave, WhatWritingTheWholeFileBreaksIsSaidBeforeOrSpared) {
     const auto catalog = [](const std::string& keys, const std::vector<std::string>& more) {
         std::vector<std::string> all = {"<</Type/Catalog/Pages 2 0 R " + keys + ">>",
                                         "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-                                        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]>>"};
+                                        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]/Resources<<>>>>"};
         all.insert(all.end(), more.begin(), more.end());
         return PlainPdf(all);
     };

@@ -18,7 +18,7 @@ void PdfBuilder::AddPage(const std::string& keys) {
     text_ += "%" + std::string(600, ' ') + "\n";
     Add("<</Type/Catalog/Pages 2 0 R>>");
     Add("<</Type/Pages/Kids[3 0 R]/Count 1>>");
-    Add("<</Type/Page/Parent 2 0 R/MediaBox[0 0 100 100]" + keys + ">>");
+    Add("<</Type/Page/Parent 2 0 R/MediaBox[0 0 100 100]/Resources<<>>" + keys + ">>");
 }
 
 std::string PdfBuilder::Table() const {

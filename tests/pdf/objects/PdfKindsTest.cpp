@@ -55,7 +55,7 @@ PagePdf Plain(const std::string& page_keys = kBox) {
 /// What qpdf makes of plain.pdf.
 Make ByQpdf(const std::string& arguments) {
     return [arguments](const TempFolder& folder) {
-        folder.Write("plain.pdf", Plain().Text());
+        folder.Write("plain.pdf", Plain(kBox + std::string(" /Resources << >>")).Text());
         const std::string command =
             "cd '" + folder / "" + "' && qpdf " + arguments + " map.pdf >/dev/null 2>&1";
         return std::system(command.c_str()) == 0;
