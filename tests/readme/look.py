@@ -47,6 +47,12 @@ class Handler(http.server.SimpleHTTPRequestHandler):
         pass
 
 
+def is_of_doxygen(fault):
+    """Some versions of Doxygen link their own indexes to letters that these have not, and list for crawlers
+    what no one reads."""
+    return fault.startswith("/api/") and ("#index_" in fault or fault.startswith("/api/doxygen_crawl.html"))
+
+
 def look(site):
     server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), functools.partial(Handler, directory=str(site)))
     server.reports = queue.Queue()
@@ -82,9 +88,10 @@ def main():
         if missed:
             sys.exit(f"these faults are not found: {missed}, but {found}")
     report = look(build / "html")
-    print(f"{report['pages']} pages, {report['links']} links and parts, {len(report['faults'])} faults")
-    print(*report["faults"], sep="\n")
-    return 1 if report["faults"] or report["pages"] < 15 else 0
+    faults = [fault for fault in report["faults"] if not is_of_doxygen(fault)]
+    print(f"{report['pages']} pages, {report['links']} links and parts, {len(faults)} faults")
+    print(*faults, sep="\n")
+    return 1 if faults or report["pages"] < 15 else 0
 
 
 sys.exit(main())

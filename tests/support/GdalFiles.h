@@ -28,7 +28,9 @@ inline std::string MakeTiff(
     const std::function<void(GDALDataset&)>& finish = [](GDALDataset&) {}) {
     GDALAllRegister();
     auto* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
-    const Dataset made(driver->Create(path.c_str(), 20, 10, bands, GDT_Byte, nullptr));
+    char little[] = "ENDIANNESS=LITTLE";
+    char* options[] = {little, nullptr};
+    const Dataset made(driver->Create(path.c_str(), 20, 10, bands, GDT_Byte, options));
     std::vector<std::uint8_t> pixels(200);
     for (int band = 1; band <= bands; ++band) {
         for (std::size_t i = 0; i < pixels.size(); ++i)
