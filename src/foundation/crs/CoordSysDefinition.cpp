@@ -140,8 +140,8 @@ CoordSysDefinition::Ptr CoordSysDefinition::FromWkt(const BString& text) {
 }
 
 /// A text that states, word for word and number for number, what ESRI's flavour has for a system that many
-/// files are in. PROJ looks each of its names up in a table without an index, which costs as much as all
-/// else that is done to tell what most want to know of such a system.
+/// files are in. PROJ looks each of its names up in a table without an index, which costs as much as
+/// loading PROJ and its database.
 CoordSysDefinition::Ptr CoordSysDefinition::FromListedPrj(const std::string& text) {
     const std::string_view words(text);
     const std::size_t start = words.find("CS[\"");
