@@ -14,6 +14,8 @@ namespace MapAnchor {
 namespace {
 
 bool MayMatter(std::string_view setting) {
+    constexpr std::string_view kInitials = "GOUETgouet";  // an environment is long, and asked of each file
+    if (setting.empty() || kInitials.find(setting[0]) == std::string_view::npos) return false;
     constexpr std::string_view kStarts[] = {
         "GTIFF_",           "GDAL_GEOREF", "GDAL_PAM", "GDAL_DISABLE_READDIR", "GDAL_SKIP",
         "GDAL_ENABLE_TIFF", "OSR_",        "USE_RRD",  "ESRI_XML_PAM",         "TIFF_"};

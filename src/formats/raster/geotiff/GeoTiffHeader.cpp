@@ -304,7 +304,7 @@ private:
         constexpr std::uint64_t kMaxSpan = std::uint64_t{64} << 10;
         if (values_end_ < values_start_ || values_end_ - values_start_ > kMaxSpan) return true;
         const auto length = static_cast<std::size_t>(values_end_ - values_start_);
-        const std::string text = Tellurion::LowerAscii(file_.Window(values_start_, length));
+        const std::string text = Tellurion::LowerAscii(file_.Read(values_start_, length));
         constexpr std::string_view kWords[] = {"grids", "init", "file", "model", "catalog", "parameters"};
         return MayHoldReference(text) ||
                std::any_of(std::begin(kWords), std::end(kWords),
