@@ -23,6 +23,9 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
     add_compile_definitions(_FORTIFY_SOURCE=2)
 endif()
 add_compile_options(-fstack-protector-strong)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    add_compile_definitions(_FILE_OFFSET_BITS=64)  # for files above 2 GiB
+endif()
 
 # Installed headers are seen by everybody; the others only by the libraries of the tree
 # and by tests of their parts.

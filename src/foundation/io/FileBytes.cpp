@@ -12,6 +12,8 @@
 namespace Tellurion::FileBytes {
 namespace {
 
+static_assert(sizeof(off_t) == sizeof(std::int64_t), "a file may be above 2 GiB on any machine");
+
 constexpr std::size_t kChunk = std::size_t{256} << 10;
 
 int SizeOf(int file, off_t& size) {

@@ -132,7 +132,7 @@ private:
         if (code && !code.IsWhole())
             Error(DiagnosticId::kPdfKeyType, "\"EPSG\" is not a whole number", "GCS/EPSG");
         else if (code)
-            by_code = SystemOf(BString::Format("%ld", static_cast<long>(code.Number().value_or(0.0))), true);
+            by_code = SystemOf(BString::Format("%.0f", code.Number().value_or(0.0)), true);
         if (code && code.IsWhole() && !by_code)
             Error(DiagnosticId::kPdfSystem, "the \"EPSG\" code of \"GCS\" is not known", "GCS/EPSG");
         if (text) system_ = SystemOf(BString(text.Text().value_or("")), false);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace MapAnchor {
@@ -53,9 +54,12 @@ std::string LineText(std::string_view line) {
 
 /// The text of `field` as a number that a pixel can have; false for none.
 bool ParsePixel(std::string_view field, double& number) {
-    number = std::trunc(ParseDouble(field));
     constexpr double kBeyondAnyPixel = 1e15;
-    return std::fabs(number) < kBeyondAnyPixel;
+    using Limits = std::numeric_limits<long>;
+    const double whole = std::trunc(ParseDouble(field));
+    if (!(std::fabs(whole) < kBeyondAnyPixel)) return false;
+    number = std::clamp<double>(whole, Limits::min(), Limits::max());
+    return true;
 }
 
 class Parser {
