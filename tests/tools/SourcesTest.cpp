@@ -242,6 +242,7 @@ TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
          "points-rounded"},
         {"whole.rsf", rsf("a 0 9 0 0 9 0 1\nb 8 9 0 8 9 0 1\nc 0 0 0 0 0 0 1\nd 8 0 0 8 0 0 1\n"), ""},
         {"part.kap", chart("REF/1,0,0,1,1\nREF/2,9.5,0,1,2\nREF/3,9,9,2,2\n"), "points-rounded"},
+        {"beyond.kap", chart("REF/1,0,0,1,1\nREF/2,3000000000,0,1,2\nREF/3,9,9,2,2\n"), "points-rounded"},
         {"date.kap", chart("REF/1,0,0,1,179\nREF/2,9,0,1,-179\nREF/3,9,9,2,-179\n"), "crosses-antimeridian"},
         {"few.kap", chart("REF/1,0,0,1,1\nREF/2,1,0,1,2\nREF/3,1,1,2,2\n"), "points-cover-little"},
         {"far.kap", chart("REF/1,0,0,1,1\nREF/2,99,0,1,2\nREF/3,99,9,2,2\n"), "points-outside"},

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -55,7 +56,7 @@ std::string LineText(std::string_view line) {
 /// The text of `field` as a number that a pixel can have; false for none.
 bool ParsePixel(std::string_view field, double& number) {
     constexpr double kBeyondAnyPixel = 1e15;
-    using Limits = std::numeric_limits<long>;
+    using Limits = std::numeric_limits<std::int32_t>;  // of a control point's pixel
     const double whole = std::trunc(ParseDouble(field));
     if (!(std::fabs(whole) < kBeyondAnyPixel)) return false;
     number = std::clamp<double>(whole, Limits::min(), Limits::max());
