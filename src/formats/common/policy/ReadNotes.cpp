@@ -2,6 +2,7 @@
 
 #include "common/policy/DiagnosticIds.h"
 
+#include <Tellurion/BPointPair.h>
 #include <Tellurion/Numbers.h>
 
 #include <algorithm>
@@ -42,9 +43,9 @@ std::string BytePlace(std::uint64_t offset) {
 
 void DroppedFractions::Count(double column, double row, long whole_column, long whole_row) {
     constexpr double kNothing = 1e-9;
+    const Tellurion::BPointPair kept(whole_column, whole_row, 0.0, 0.0, 0.0, {}, true);  // within 32 bits
     ++points_;
-    const double distance =
-        std::hypot(column - static_cast<double>(whole_column), row - static_cast<double>(whole_row));
+    const double distance = std::hypot(column - kept.Column, row - kept.Row);
     if (!(distance > kNothing) || !std::isfinite(distance)) return;
     ++count_;
     largest_ = std::max(largest_, distance);
