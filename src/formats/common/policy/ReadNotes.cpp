@@ -54,10 +54,11 @@ void DroppedFractions::Count(double column, double row, long whole_column, long 
 void DroppedFractions::Report(const Tellurion::BString& file) const {
     ReadNotes* const notes = ReadNotes::Current();
     if (!notes || count_ == 0) return;
+    const char* const what = largest_ < 1.0 ? "fractions of pixels, which are dropped: up to "
+                                            : "pixels beyond 32 bits, which are moved: up to ";
     notes->Add({.id = DiagnosticId::kPointsRounded,
-                .text = std::to_string(count_) + " of " + std::to_string(points_) +
-                        " control points state fractions of pixels, which are dropped: up to " +
-                        Tellurion::PrintFixed(largest_, 2) + " px",
+                .text = std::to_string(count_) + " of " + std::to_string(points_) + " control points state " +
+                        what + Tellurion::PrintFixed(largest_, 2) + " px",
                 .file = file});
 }
 
