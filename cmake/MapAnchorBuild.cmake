@@ -25,6 +25,10 @@ endif()
 add_compile_options(-fstack-protector-strong)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     add_compile_definitions(_FILE_OFFSET_BITS=64)  # for files above 2 GiB
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i.86|x86.*|AMD64)$")
+        # Its older unit rounds twice, and the last digit would differ from that of other machines.
+        add_compile_options(-msse2 -mfpmath=sse)
+    endif()
 endif()
 
 # Installed headers are seen by everybody; the others only by the libraries of the tree
