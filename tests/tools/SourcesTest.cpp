@@ -244,6 +244,8 @@ TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
          "!table\nType \"RASTER\"\n(0, 0) (0, 0) Label \"a\",\n(9, 0) (3000000000, 0) Label \"b\",\n"
          "(9, 9) (9, 9) Label \"c\"\nCoordSys Earth Projection 1, 104\n",
          "points-rounded"},
+        {"beyond.rsf", rsf("a 0 9 0 0 9 0 1\nb 8 3000000000 0 8 9 0 1\nc 0 0 0 0 0 0 1\nd 8 0 0 8 0 0 1\n"),
+         "points-rounded"},
         {"whole.rsf", rsf("a 0 9 0 0 9 0 1\nb 8 9 0 8 9 0 1\nc 0 0 0 0 0 0 1\nd 8 0 0 8 0 0 1\n"), ""},
         {"part.kap", chart("REF/1,0,0,1,1\nREF/2,9.5,0,1,2\nREF/3,9,9,2,2\n"), "points-rounded"},
         {"beyond.kap", chart("REF/1,0,0,1,1\nREF/2,3000000000,0,1,2\nREF/3,9,9,2,2\n"), "points-rounded"},

@@ -90,8 +90,9 @@ bool ParseRow(std::string_view text, RsfPixels pixels, RsfFile& rsf) {
     const RowScanner rest(text);
     const bool is_whole = ScanWholePixels(rest, row);
     if (!is_whole && (pixels == RsfPixels::Whole || !ScanFractionalPixels(rest, row))) return false;
-    rsf.dropped.Count(is_whole ? row.column : row.exact_column, is_whole ? row.row : row.exact_row,
-                      row.column, row.row);
+    RowScanner stated(rest);  // a whole pixel beyond 32 bits was moved
+    if (is_whole && stated.Real(row.exact_row)) stated.Real(row.exact_column);
+    rsf.dropped.Count(row.exact_column, row.exact_row, row.column, row.row);
     rsf.points.emplace_back(row.column, row.row, row.x, row.y, row.z, BString(std::string(row.name)),
                             row.enabled != 0);
     return true;
