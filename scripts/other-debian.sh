@@ -72,6 +72,7 @@ mount --bind /dev "$root/dev"
 mount --bind /dev/pts "$root/dev/pts"
 mount -t proc proc "$root/proc"
 mount -t tmpfs tmpfs "$root/dev/shm"
+mount --rbind /sys "$root/sys"  # the slurmd of Debian 12 does not start without control groups
 mount --bind "$cache" "$root/ccache"
 mount --bind "$packages" "$root/var/cache/apt/archives"
 inside() {
