@@ -57,7 +57,10 @@ public:
     /// The box of a PDF page that the raster shows, by the numbers of BMapAnchor::kValPDFCropType.
     void SetPdfBox(int box);
     int GetPdfBox() const;  ///< until set, the media box (5), or the crop box (4) of a page as shown
-    /// The resolution of a PDF's raster in dots per inch.
+    static constexpr double kLeastResolution = 1.0;  ///< of a PDF's raster in dots per inch
+    static constexpr double kMostResolution = 1e5;   ///< beyond that of any scanner
+    /// The resolution of a PDF's raster in dots per inch. One beyond these bounds makes the read
+    /// of a PDF fail with a BReadParametersException.
     void SetResolution(double dotsPerInch);
     double GetResolution() const;  ///< 72 until set
     void SetPdfPage(int page);     ///< of a PDF, from 1

@@ -4,6 +4,8 @@
 
 #include <MapAnchor/BGeoPDFPages.h>
 #include <MapAnchor/BGeoReferenceReadException.h>
+#include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReadParametersException.h>
 
 #include <algorithm>
 #include <cmath>
@@ -19,14 +21,6 @@ namespace {
 
 constexpr double kPointsPerInch = 72.0;
 
-/// Empty for an extent that no raster has.
-std::optional<long> Pixels(double points, double per_point) {
-    constexpr double kMaxPixels = 0x7FFFFFFF;
-    const double pixels = std::round(std::fabs(points) * per_point);
-    if (!(pixels >= 1.0 && pixels <= kMaxPixels)) return std::nullopt;
-    return static_cast<long>(pixels);
-}
-
 /// As viewers do it, a crop box counts as far as it is within the media box.
 BGeoPDFBox Within(const BGeoPDFBox& box, const BGeoPDFBox& media) {
     const BGeoPDFBox part = {std::max(box.Left, media.Left), std::max(box.Bottom, media.Bottom),
@@ -39,9 +33,9 @@ void SetSize(const BReadingOptions& options, ReadingState& state) {
     BGeoPDFBox box = state.page->BoxForCropType(options.GetPdfBox());
     if (!box.Present) return;
     if (options.IsPdfShown()) box = Within(box, state.page->MediaBox);
-    const double per_point = state.page->UserUnit * options.GetResolution() / kPointsPerInch;
-    auto width = Pixels(box.Right - box.Left, per_point);
-    auto height = Pixels(box.Top - box.Bottom, per_point);
+    const double per_point = state.page->UserUnit * ResolutionOf(options.GetParams()) / kPointsPerInch;
+    auto width = PixelsOf(box.Right - box.Left, per_point);
+    auto height = PixelsOf(box.Top - box.Bottom, per_point);
     if (!width || !height) return;
     if (options.IsPdfShown() && state.page->Rotate % 180 != 0) std::swap(width, height);
     state.width = *width;
@@ -86,7 +80,24 @@ void RemarkOnOtherPages(int number, ReadingState& state) {
 
 }  // namespace
 
+double ResolutionOf(const BParamList& params) {
+    const double resolution = params.GetDouble(BMapAnchor::kValPDFResolution, kPointsPerInch);
+    if (resolution >= BReadingOptions::kLeastResolution && resolution <= BReadingOptions::kMostResolution)
+        return resolution;
+    throw BReadParametersException(
+        BString::Format("A page has no resolution of %g dots per inch: give one from %g to %g.", resolution,
+                        BReadingOptions::kLeastResolution, BReadingOptions::kMostResolution));
+}
+
+std::optional<long> PixelsOf(double length, double pixels_per_unit) {
+    constexpr double kMaxPixels = 0x7FFFFFFF;
+    const double pixels = std::round(std::fabs(length) * pixels_per_unit);
+    if (!(pixels >= 1.0 && pixels <= kMaxPixels)) return std::nullopt;
+    return static_cast<long>(pixels);
+}
+
 void DescribePdfPage(const BReadingOptions& options, ReadingState& state) {
+    ResolutionOf(options.GetParams());  // refused before the file is opened
     long pages = 1;
     if (options.IsPdfStrict()) {
         state.page = BGeoPDFPage::Describe(state.file);

@@ -4,7 +4,10 @@
 #include "ReadingState.h"
 #include "common/policy/ReadNotes.h"
 
+#include <Tellurion/BParamList.h>
 #include <Tellurion/ThreadLog.h>
+
+#include <optional>
 
 namespace MapAnchor {
 
@@ -35,6 +38,13 @@ void RunReader(ReadingState& state, Work read) {
 /// Describes the page of a PDF: its facts, the raster's size where the options name none, and
 /// what a person should know of it.
 void DescribePdfPage(const BReadingOptions& options, ReadingState& state);
+
+/// The resolution in dots per inch of the raster on a page, 72 where none is stated. A
+/// BReadParametersException for one that no raster has.
+double ResolutionOf(const Tellurion::BParamList& params);
+
+/// A length as whole pixels; empty for an extent that no raster has.
+std::optional<long> PixelsOf(double length, double pixels_per_unit);
 
 /// The failure that is being handled, in the page's words where it has none of its own.
 void FailByPdf(ReadingState& state);

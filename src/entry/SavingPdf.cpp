@@ -1,5 +1,6 @@
 #include "SavingPdf.h"
 
+#include "ReadingSteps.h"
 #include "common/policy/DiagnosticIds.h"
 #include "common/policy/DiagnosticParts.h"
 #include "common/storing/Affine.h"
@@ -126,17 +127,22 @@ void RemarkOnPage(const BString& file, const BGeoPDFPage& page, const BGeoPDFBox
 Raster RasterOf(const BString& file, const BGeoPDFBox& box, const BSavingOptions& options) {
     Raster raster{.width = options.GetWidth(), .height = options.GetHeight()};
     const bool has_resolution = options.GetParams().HasProperty(BMapAnchor::kValPDFResolution);
-    if (has_resolution)
-        raster.scale =
-            kPointsPerInch / options.GetParams().GetDouble(BMapAnchor::kValPDFResolution, kPointsPerInch);
+    const double resolution = ResolutionOf(options.GetParams());
+    if (has_resolution) raster.scale = kPointsPerInch / resolution;
     const bool has_size = raster.width > 0 && raster.height > 0;
     if (!has_size && (!has_resolution || !box.Present))
         throw BReadParametersException(
             BString("The size of the raster in <" + file.StdStr() +
                     "> is not known: give it in pixels, or the resolution of the page."));
     if (!has_size) {
-        raster.width = std::lround(WidthOf(box) / raster.scale);
-        raster.height = std::lround(HeightOf(box) / raster.scale);
+        const auto width = PixelsOf(WidthOf(box), resolution / kPointsPerInch);
+        const auto height = PixelsOf(HeightOf(box), resolution / kPointsPerInch);
+        if (!width || !height)
+            throw BReadParametersException(BString("The page in <" + file.StdStr() + "> of " +
+                                                   SizeText(WidthOf(box), HeightOf(box)) +
+                                                   " makes no raster at the resolution: change it."));
+        raster.width = *width;
+        raster.height = *height;
     } else if (!has_resolution && box.Present) {
         raster.scale = WidthOf(box) / static_cast<double>(raster.width);
     }

@@ -4,7 +4,9 @@ import ast
 import dataclasses
 import inspect
 import logging
+import math
 import pathlib
+import shutil
 import threading
 import time
 
@@ -90,6 +92,14 @@ def test_every_fit_goes_both_ways(kind):
     for p in GRID:
         assert transform.to_world(p.column, p.row) == pytest.approx((p.x, p.y), abs=1e-6)
         assert transform.to_pixel(p.x, p.y) == pytest.approx((p.column, p.row), abs=1e-6)
+
+
+@pytest.mark.parametrize("dpi", [0, -72, 1e300, 1e-300, math.nan])
+def test_no_page_has_such_a_resolution(map_file, tmp_path, dpi):
+    sheet = shutil.copy(pathlib.Path(__file__).parents[2] / "examples" / "sheet.pdf", tmp_path)
+    for work in (mapanchor.read, lambda *a, **k: mapanchor.write(mapanchor.read(map_file), *a, **k)):
+        with pytest.raises(mapanchor.Error, match="dots per inch"):
+            work(sheet, dpi=dpi)
 
 
 def test_what_cannot_be_made(map_file):

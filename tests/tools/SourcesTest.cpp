@@ -270,6 +270,11 @@ TEST(Diagnostics, WhatIsDoubtfulIsSaid) {
         EXPECT_EQ(ids.contains(test.id), *test.id != '\0') << run.out;
         EXPECT_EQ(ids.empty(), *test.id == '\0') << run.out;
     }
+    folder.Write("two.rsf",
+                 rsf("a 0.9 9.9 0 0 9 0 1\nb 8 3e9 0 8 9 0 1\nc 0 0 0 0 0 0 1\nd 8 0 0 8 0 0 1\n"));
+    folder.ExpectRun("info %two.rsf", 3, "",
+                     {"1 of 4 control points state fractions of pixels, which are dropped: up to 1.27 px",
+                      "1 of 4 control points state pixels that are no whole numbers of 32 bits"});
     MakePng(folder / "map.png");
     folder.Write("map.pgw", kWorld);
     folder.Write("map.prj", PrjOf("4326"));

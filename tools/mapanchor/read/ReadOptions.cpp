@@ -6,6 +6,7 @@
 
 #include <MapAnchor/BGdalAccess.h>
 #include <MapAnchor/BMapAnchor.h>
+#include <MapAnchor/BReadingOptions.h>
 #include <MapAnchor/BReferenceFormats.h>
 #include <Tellurion/BException.h>
 
@@ -214,7 +215,8 @@ void ReadOptions::AddTo(CLI::App& app) {
             dpi = value;
             params.SetDouble(BMapAnchor::kValPDFResolution, value);
         },
-        {1.0, 1e5}, "Resolution of a PDF page in dots per inch (default 72)")
+        {MapAnchor::BReadingOptions::kLeastResolution, MapAnchor::BReadingOptions::kMostResolution},
+        "Resolution of a PDF page in dots per inch (default 72)")
         ->type_name("N");
     app.add_option_function<std::string>(
            "--gdal-drivers", AllowDrivers,

@@ -45,21 +45,29 @@ void DroppedFractions::Count(double column, double row, long whole_column, long 
     constexpr double kNothing = 1e-9;
     const Tellurion::BPointPair kept(whole_column, whole_row, 0.0, 0.0, 0.0, {}, true);  // within 32 bits
     ++points_;
-    const double distance = std::hypot(column - kept.Column, row - kept.Row);
+    const double across = std::fabs(column - kept.Column);
+    const double down = std::fabs(row - kept.Row);
+    const double distance = std::hypot(across, down);
     if (!(distance > kNothing) || !std::isfinite(distance)) return;
-    ++count_;
-    largest_ = std::max(largest_, distance);
+    // Cut or rounded, a fraction costs less than a pixel along either axis.
+    Loss& loss = std::max(across, down) < 1.0 ? fractions_ : moves_;
+    ++loss.points;
+    loss.largest = std::max(loss.largest, distance);
 }
 
 void DroppedFractions::Report(const Tellurion::BString& file) const {
     ReadNotes* const notes = ReadNotes::Current();
-    if (!notes || count_ == 0) return;
-    const char* const what = largest_ < 1.0 ? "fractions of pixels, which are dropped: up to "
-                                            : "pixels beyond 32 bits, which are moved: up to ";
-    notes->Add({.id = DiagnosticId::kPointsRounded,
-                .text = std::to_string(count_) + " of " + std::to_string(points_) + " control points state " +
-                        what + Tellurion::PrintFixed(largest_, 2) + " px",
-                .file = file});
+    if (!notes) return;
+    const auto add = [&](const Loss& loss, const char* what) {
+        if (loss.points == 0) return;
+        notes->Add({.id = DiagnosticId::kPointsRounded,
+                    .text = std::to_string(loss.points) + " of " + std::to_string(points_) +
+                            " control points state " + what + ": up to " +
+                            Tellurion::PrintFixed(loss.largest, 2) + " px",
+                    .file = file});
+    };
+    add(fractions_, "fractions of pixels, which are dropped");
+    add(moves_, "pixels that are no whole numbers of 32 bits, which are moved");
 }
 
 }  // namespace MapAnchor

@@ -73,7 +73,7 @@ std::string LinePlace(long first, long last = 0);
 /// "byte 198", counted from 0.
 MAPANCHOR_INTERNAL std::string BytePlace(std::uint64_t offset);
 
-/// The largest distance in pixels between places as a source states them and as whole pixels.
+/// The distances in pixels between places as a source states them and as whole pixels.
 class MAPANCHOR_INTERNAL DroppedFractions {
 public:
     void Count(double column, double row, long whole_column, long whole_row);
@@ -81,8 +81,12 @@ public:
     void Report(const Tellurion::BString& file) const;
 
 private:
-    double largest_ = 0.0;
-    std::size_t count_ = 0;
+    struct Loss {
+        std::size_t points = 0;
+        double largest = 0.0;
+    };
+    Loss fractions_;
+    Loss moves_;
     std::size_t points_ = 0;
 };
 
