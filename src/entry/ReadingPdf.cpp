@@ -31,15 +31,10 @@ BGeoPDFBox Within(const BGeoPDFBox& box, const BGeoPDFBox& media) {
 void SetSize(const BReadingOptions& options, ReadingState& state) {
     if (state.width > 0) return;
     BGeoPDFBox box = state.page->BoxForCropType(options.GetPdfBox());
-    if (!box.Present) return;
     if (options.IsPdfShown()) box = Within(box, state.page->MediaBox);
-    const double per_point = state.page->UserUnit * ResolutionOf(options.GetParams()) / kPointsPerInch;
-    auto width = PixelsOf(box.Right - box.Left, per_point);
-    auto height = PixelsOf(box.Top - box.Bottom, per_point);
-    if (!width || !height) return;
-    if (options.IsPdfShown() && state.page->Rotate % 180 != 0) std::swap(width, height);
-    state.width = *width;
-    state.height = *height;
+    const double per_inch = state.page->UserUnit * ResolutionOf(options.GetParams());
+    if (!box.ToPixels(per_inch, state.width, state.height)) return;
+    if (options.IsPdfShown() && state.page->Rotate % 180 != 0) std::swap(state.width, state.height);
 }
 
 std::string NameOf(const BGeoPDFMap& map) {
@@ -87,13 +82,6 @@ double ResolutionOf(const BParamList& params) {
     throw BReadParametersException(
         BString::Format("A page has no resolution of %g dots per inch: give one from %g to %g.", resolution,
                         BReadingOptions::kLeastResolution, BReadingOptions::kMostResolution));
-}
-
-std::optional<long> PixelsOf(double length, double pixels_per_unit) {
-    constexpr double kMaxPixels = 0x7FFFFFFF;
-    const double pixels = std::round(std::fabs(length) * pixels_per_unit);
-    if (!(pixels >= 1.0 && pixels <= kMaxPixels)) return std::nullopt;
-    return static_cast<long>(pixels);
 }
 
 void DescribePdfPage(const BReadingOptions& options, ReadingState& state) {

@@ -7,8 +7,6 @@
 #include <Tellurion/BParamList.h>
 #include <Tellurion/ThreadLog.h>
 
-#include <optional>
-
 namespace MapAnchor {
 
 /// Fills the state, whose file is set, as BReading::Of() promises.
@@ -42,9 +40,6 @@ void DescribePdfPage(const BReadingOptions& options, ReadingState& state);
 /// The resolution in dots per inch of the raster on a page, 72 where none is stated. A
 /// BReadParametersException for one that no raster has.
 double ResolutionOf(const Tellurion::BParamList& params);
-
-/// A length as whole pixels; empty for an extent that no raster has.
-std::optional<long> PixelsOf(double length, double pixels_per_unit);
 
 /// The failure that is being handled, in the page's words where it has none of its own.
 void FailByPdf(ReadingState& state);

@@ -135,14 +135,10 @@ Raster RasterOf(const BString& file, const BGeoPDFBox& box, const BSavingOptions
             BString("The size of the raster in <" + file.StdStr() +
                     "> is not known: give it in pixels, or the resolution of the page."));
     if (!has_size) {
-        const auto width = PixelsOf(WidthOf(box), resolution / kPointsPerInch);
-        const auto height = PixelsOf(HeightOf(box), resolution / kPointsPerInch);
-        if (!width || !height)
+        if (!box.ToPixels(resolution, raster.width, raster.height))
             throw BReadParametersException(BString("The page in <" + file.StdStr() + "> of " +
                                                    SizeText(WidthOf(box), HeightOf(box)) +
                                                    " makes no raster at the resolution: change it."));
-        raster.width = *width;
-        raster.height = *height;
     } else if (!has_resolution && box.Present) {
         raster.scale = WidthOf(box) / static_cast<double>(raster.width);
     }

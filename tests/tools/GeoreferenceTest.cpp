@@ -36,11 +36,11 @@ TEST(Georeference, NamesTheGrossErrorAndSavesWithoutIt) {
         folder.ExpectRun(scan + " --drop P4 -o %/scan.rsf --json", 3, {}, {"whole pixels"}).Ours();
     EXPECT_GT(saved["roundingPixels"].get<double>(), 0.01);
     EXPECT_LT(saved["roundingPixels"].get<double>(), 1.0);
-    folder.Write("page.pdf", PagePdf("/MediaBox [0 0 3000 2000]").Text());
+    folder.Write("page.pdf", PagePdf("/MediaBox [0 0 1500 1000] /UserUnit 2").Text());
     folder.ExpectRun(
         "georeference %/page.pdf --crs EPSG:25832 --gcps %/p.csv --drop P4 --fit conformal --overwrite "
-        "-o %/page.pdf",
-        3, {}, {"the file holds the points, not the fit: read it with --fit conformal"});
+        "-o %/page.pdf --json",
+        3, R"("size":[3000,2000])", {"the file holds the points, not the fit: read it with --fit conformal"});
 }
 
 TEST(Georeference, TakesBoundsAndPointsInOtherWords) {

@@ -14,6 +14,10 @@ struct MAPANCHOR_EXPORT BGeoPDFBox {
     double Right = 0.0;    ///< as Left
     double Top = 0.0;      ///< as Bottom
     bool Present = false;  ///< false: the file has none, the numbers mean nothing
+
+    /// The size in whole pixels of a raster that fills the box, whose points are of 1/72 inch.
+    /// False, with both left as they are, for a box that is missing or a size that no raster has.
+    bool ToPixels(double dotsPerInch, long& width, long& height) const;
 };
 
 /// One map of a page: a viewport, or an entry of its "LGIDict".

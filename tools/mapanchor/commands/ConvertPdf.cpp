@@ -46,12 +46,6 @@ bool IsWritablePage(const std::string& target, const BGeoPDFPage& page, Outcome&
     return !outcome.failure;
 }
 
-void SetSize(ConvertOptions& options, const BGeoPDFBox& box) {
-    const double per_point = options.read.dpi / ReadOptions::kPointsPerInch;
-    options.read.width = std::lround(Width(box) * per_point);
-    options.read.height = std::lround(Height(box) * per_point);
-}
-
 /// The library's log, in words that mean something to the caller.
 void TakeLog(const PdfWorkplace& place, LogCollector& log, Outcome& outcome) {
     Diagnostics lines;
@@ -211,13 +205,16 @@ bool FitToPage(ConvertOptions& options, Outcome& outcome) {
     if (!IsWritablePage(options.target, page, outcome)) return false;
     if (options.read.width) return true;
     const BGeoPDFBox box = page.BoxForCropType(options.read.pdf_box.value_or(kMediaBox));
-    if (!box.Present || Width(box) <= 0.0 || Height(box) <= 0.0) {
+    long width = 0;
+    long height = 0;
+    if (Width(box) <= 0.0 || Height(box) <= 0.0 || !box.ToPixels(options.read.dpi, width, height)) {
         outcome.Fail(ExitStatus::Error, FailureTypes::kFileAccess,
-                     "The first page of <" + options.target +
-                         "> has no media box of its own; --size WxH gives the raster's size.");
+                     "The page of <" + options.target +
+                         "> has no box that makes a raster at this resolution; --size WxH gives its size.");
         return false;
     }
-    SetSize(options, box);
+    options.read.width = width;
+    options.read.height = height;
     if (options.read.params.HasProperty(BMapAnchor::kValPDFResolution)) return true;
     options.read.params.SetDouble(BMapAnchor::kValPDFResolution, options.read.dpi);
     const std::string size = std::to_string(*options.read.width) + "x" + std::to_string(*options.read.height);

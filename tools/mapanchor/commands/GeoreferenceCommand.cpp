@@ -12,6 +12,7 @@
 #include <MapAnchor/BControlPointFile.h>
 #include <MapAnchor/BGdalAccess.h>
 #include <MapAnchor/BGeoPDFPage.h>
+#include <MapAnchor/BGeoPDFTraits.h>
 #include <Tellurion/BException.h>
 #include <Tellurion/BFileUtilities.h>
 #include <Tellurion/Numbers.h>
@@ -60,17 +61,15 @@ void FindSize(const GeoreferenceOptions& options, Georeferenced& made) {
     made.result.height = options.convert.read.height;
     if (made.result.width) return;
     const BString image(options.image);
-    if (BFileUtilities::GetExtension(image).ToLower() == BString(".pdf")) {
-        const auto box = MapAnchor::BGeoPDFPage::Describe(image).MediaBox;
-        const double per_point = options.convert.read.dpi / ReadOptions::kPointsPerInch;
-        if (!box.Present) return;
-        made.result.width = std::lround((box.Right - box.Left) * per_point);
-        made.result.height = std::lround((box.Top - box.Bottom) * per_point);
-        return;
-    }
     long width = 0;
     long height = 0;
-    if (!MapAnchor::BGdalAccess::GetRasterSize(image, width, height)) return;
+    const bool is_pdf = BFileUtilities::GetExtension(image).ToLower() == BString(".pdf");
+    // The page as a save in place finds it: its points are of 1/72 inch, whatever its unit is.
+    const bool is_known =
+        is_pdf ? MapAnchor::BGeoPDFTraits::Of(image).DescribeTarget(image, 1).MediaBox.ToPixels(
+                     options.convert.read.dpi, width, height)
+               : MapAnchor::BGdalAccess::GetRasterSize(image, width, height);
+    if (!is_known) return;
     made.result.width = width;
     made.result.height = height;
 }
