@@ -8,7 +8,6 @@
 #include <MapAnchor/BReadParametersException.h>
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <utility>
 

@@ -9,7 +9,6 @@
 #include <Tellurion/Numbers.h>
 
 #include <algorithm>
-#include <cmath>
 #include <system_error>
 
 namespace Tool {
