@@ -210,7 +210,7 @@ TEST_F(PdfInPlace, RefusedWithoutTouchingTheFile) {
         {"--overwrite %bare.tfw %map.pdf", 2, "Coordinate system is required"},
         {"--overwrite %map.tfw %map.pdf", 2, "has no box that makes a raster", PagePdf("").Text()},
         {"--overwrite %map.tfw %map.pdf", 2, "has no box that makes a raster",
-         PagePdf("/MediaBox [0 0 100000000000000000000 9]").Text()},
+         PagePdf("/MediaBox [0 0 100000000000000000000.0 9]").Text()},
         {"--overwrite %none.tfw %map.pdf", 2, "does NOT exist"},
         {"--overwrite --size 4x4 %map.tfw %map.pdf", 2, "too small to distinguish them"},
         {"--overwrite %far.tfw %map.pdf", 2, "have no longitude and latitude"},
